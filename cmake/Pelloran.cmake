@@ -1,0 +1,61 @@
+# What every target of this project shares, and the four ways to add one.
+
+add_library(pelloran_options INTERFACE)
+target_compile_options(pelloran_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor)
+if(PELLORAN_WARNINGS_AS_ERRORS)
+  target_compile_options(pelloran_options INTERFACE -Werror)
+endif()
+# Text is UTF-16 in Qt and bytes in files: crossing over is always written out.
+target_compile_definitions(pelloran_options INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS)
+target_include_directories(pelloran_options INTERFACE "${CMAKE_SOURCE_DIR}/src")
+if(PELLORAN_SANITIZERS)
+  target_compile_options(pelloran_options INTERFACE
+    -fsanitize=${PELLORAN_SANITIZERS} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(pelloran_options INTERFACE -fsanitize=${PELLORAN_SANITIZERS})
+endif()
+
+# pelloran_library(NAME [MOC] SOURCES file... LINKS library...)
+# MOC where a header has Q_OBJECT. The list of links is the architecture: a library sees only what it lists.
+function(pelloran_library name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "MOC" "" "SOURCES;LINKS")
+  add_library(${name} STATIC ${arg_SOURCES})
+  target_link_libraries(${name} PUBLIC pelloran_options ${arg_LINKS})
+  if(arg_MOC)
+    set_target_properties(${name} PROPERTIES AUTOMOC ON)
+  endif()
+endfunction()
+
+# pelloran_program(NAME SOURCES file... LINKS library...)
+function(pelloran_program name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS")
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE pelloran_options ${arg_LINKS})
+endfunction()
+
+# pelloran_test(NAME SOURCES file... LINKS library... [LABELS label...])
+# One program per folder of tests; each TEST becomes a case of its own in CTest.
+function(pelloran_test name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS;LABELS")
+  pelloran_program(${name} SOURCES ${arg_SOURCES} LINKS test_support ${arg_LINKS})
+  set(labels unit)
+  if(arg_LABELS)
+    set(labels "${arg_LABELS}")
+  endif()
+  gtest_discover_tests(${name} TEST_PREFIX "${name}." DISCOVERY_TIMEOUT 60
+    PROPERTIES LABELS "${labels}" TIMEOUT 300 ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
+endfunction()
+
+# pelloran_benchmark(NAME SOURCES file... LINKS library...)
+function(pelloran_benchmark name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS")
+  pelloran_program(${name} SOURCES ${arg_SOURCES} LINKS benchmark::benchmark ${arg_LINKS})
+  target_compile_definitions(${name} PRIVATE PELLORAN_TEST_DATA="${PELLORAN_TEST_DATA}")
+endfunction()
+
+# pelloran_fuzzer(NAME SOURCES file... LINKS library...)
+function(pelloran_fuzzer name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS")
+  pelloran_program(${name} SOURCES ${arg_SOURCES} LINKS ${arg_LINKS})
+  target_compile_options(${name} PRIVATE -fsanitize=fuzzer)
+  target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+endfunction()

@@ -1,0 +1,43 @@
+#include "platform/ApplicationFiles.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+namespace pelloran {
+
+namespace {
+
+class InstalledApplicationFiles final : public ApplicationFiles {
+public:
+    QString applicationSupportFolder() const override {
+        return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+    }
+
+    // Beside the program in a build tree; once installed, where the system keeps resources (PELLORAN_RESOURCES,
+    // relative to the program's folder).
+    std::optional<QString> resource(const QString& baseName, const QString& extension,
+                                    const QString& subfolder) const override {
+        const QString relative = subfolder + u'/' + baseName + u'.' + extension;
+        for (const QString& folder : {QStringLiteral("resources"), QStringLiteral(PELLORAN_RESOURCES)}) {
+            const QString path = QDir::cleanPath(executableFolder() + u'/' + folder + u'/' + relative);
+            if (QFileInfo(path).isFile()) {
+                return path;
+            }
+        }
+        return std::nullopt;
+    }
+
+    QString executableFolder() const override { return QCoreApplication::applicationDirPath(); }
+
+    QString homeFolder() const override { return QDir::homePath(); }
+};
+
+} // namespace
+
+std::unique_ptr<ApplicationFiles> ApplicationFiles::create() {
+    return std::make_unique<InstalledApplicationFiles>();
+}
+
+} // namespace pelloran

@@ -1,0 +1,9 @@
+#include "platform/TextReader.h"
+
+namespace pelloran {
+
+std::expected<std::unique_ptr<TextReader>, TextReader::Unavailable> TextReader::create() {
+    return std::unexpected(Unavailable{QStringLiteral("This build has no text reader for this system.")});
+}
+
+} // namespace pelloran

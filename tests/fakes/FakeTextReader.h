@@ -1,0 +1,27 @@
+#pragma once
+
+#include "platform/TextReader.h"
+
+namespace pelloran::testing {
+
+// Reads the same lines from every picture, and remembers what it was asked.
+class FakeTextReader final : public TextReader {
+public:
+    std::vector<OCRToken> read(const QImage& image, const ReadingHints& hints) override {
+        sizes.push_back(image.size());
+        lastHints = hints;
+        return tokens;
+    }
+
+    bool scalesLinesItself() const override { return scales; }
+
+    void forget() override { ++forgotten; }
+
+    std::vector<OCRToken> tokens;
+    bool scales = false;
+    std::vector<QSize> sizes;
+    ReadingHints lastHints;
+    int forgotten = 0;
+};
+
+} // namespace pelloran::testing
