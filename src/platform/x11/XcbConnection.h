@@ -1,0 +1,99 @@
+#pragma once
+
+#include <xcb/xcb.h>
+#include <xcb/xcb_ewmh.h>
+
+#include <cstdlib>
+#include <expected>
+#include <memory>
+#include <type_traits>
+
+namespace pelloran::x11 {
+
+struct FreeReply {
+    void operator()(void* reply) const { std::free(reply); }
+};
+
+// An answer of the X server, freed with its owner.
+template <typename T>
+using Reply = std::unique_ptr<T, FreeReply>;
+
+// A request that the X server refused, or never answered.
+struct Failure {
+    const char* call;
+    int code; // of the X error; negative (from xcb_connection_has_error) when the connection is broken
+};
+
+// A connection of our own to the X server that $DISPLAY names, with the atoms of window managers. A lost server breaks
+// the connection (see `broken`) and fails every later request; it never ends the program. One thread at a time.
+class XcbConnection {
+public:
+    // Null when there is no display or it refuses us.
+    static std::unique_ptr<XcbConnection> open();
+
+    ~XcbConnection();
+    XcbConnection(const XcbConnection&) = delete;
+    XcbConnection& operator=(const XcbConnection&) = delete;
+
+    bool broken() const { return xcb_connection_has_error(connection) != 0; }
+
+    // For the requests themselves.
+    operator xcb_connection_t*() const { return connection; }
+
+    xcb_window_t root() const { return screen->root; }
+
+    const xcb_ewmh_connection_t& atoms() const { return ewmh; }
+
+    xcb_atom_t windowStateAtom() const { return windowState; }
+
+    // Null when the screen has no such visual.
+    const xcb_visualtype_t* visual(xcb_visualid_t id) const;
+
+    // How pixels of that depth are packed; null when the server has no such depth.
+    const xcb_format_t* pixelFormat(int depth) const;
+
+    bool mostSignificantByteFirst() const;
+
+    // The server can hand out the pixels of one window, covered or not.
+    bool canNamePixmaps() const { return composite; }
+
+    // The server is on this machine and takes a file descriptor to memory that both see.
+    bool canShareMemory() const { return sharedMemory; }
+
+    // Whether somebody composes the windows of this screen, and has redirected them all.
+    bool compositorRuns() const;
+
+    // Waits for the answer to `cookie`: `ask<xcb_get_geometry_reply>(xcb_get_geometry(...), "GetGeometry")`. Send many
+    // requests before asking for the first answer; that makes one journey of them.
+    template <auto receive, typename Cookie>
+    auto ask(Cookie cookie, const char* call) const {
+        xcb_generic_error_t* error = nullptr;
+        auto* reply = receive(connection, cookie, &error);
+        using Result = std::expected<Reply<std::remove_pointer_t<decltype(reply)>>, Failure>;
+        if (!reply) {
+            return Result(std::unexpected(failure(error, call)));
+        }
+        return Result(Reply<std::remove_pointer_t<decltype(reply)>>(reply));
+    }
+
+    // Waits until a request without an answer (one of the _checked functions) has been carried out.
+    std::expected<void, Failure> check(xcb_void_cookie_t cookie, const char* call) const;
+
+private:
+    XcbConnection(xcb_connection_t* opened, xcb_screen_t* ofDisplay, int number);
+
+    bool initialize();
+    bool isLocal() const;
+    Failure failure(xcb_generic_error_t* error, const char* call) const;
+
+    xcb_connection_t* connection;
+    xcb_screen_t* screen;
+    int screenNumber;
+    xcb_ewmh_connection_t ewmh{};
+    bool hasAtoms = false;
+    xcb_atom_t windowState = XCB_ATOM_NONE;
+    bool composite = false;
+    bool sharedMemory = false;
+};
+
+} // namespace pelloran::x11
