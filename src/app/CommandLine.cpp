@@ -40,7 +40,8 @@ std::optional<QString> optionalValue(const QCommandLineParser& parsed, const QSt
 
 std::expected<Command, QString> noArguments(const QCommandLineParser& parsed, Command command) {
     if (!parsed.positionalArguments().isEmpty()) {
-        return std::unexpected(QStringLiteral("unknown command or argument \"%1\"").arg(parsed.positionalArguments().first()));
+        return std::unexpected(
+            QStringLiteral("unknown command or argument \"%1\"").arg(parsed.positionalArguments().first()));
     }
     return command;
 }
@@ -106,7 +107,9 @@ const std::vector<Syntax>& syntaxes() {
                 logsDir,
                 {windowOwnerOption, QStringLiteral("NAME"), QStringLiteral("owner or title of the game's window")},
                 {languageOption, QStringLiteral("LANGUAGE"), QStringLiteral("system, zh or en, for this run")},
-                {snapshotsOption, {}, QStringLiteral("print every published snapshot as a JSON line (on, until there is a panel)")},
+                {snapshotsOption,
+                 {},
+                 QStringLiteral("print every published snapshot as a JSON line (on, until there is a panel)")},
                 {noPanelOption, {}, QStringLiteral("run without a panel (this version has none yet)")},
             },
             buildRunLoop,
@@ -181,20 +184,20 @@ QString helpText(const Syntax& syntax) {
 } // namespace
 
 std::expected<Command, UsageError> parseCommandLine(const QStringList& arguments) {
-    const auto named = arguments.isEmpty() ? syntaxes().end()
-                                           : std::ranges::find(syntaxes(), arguments.first(), &Syntax::name);
+    const auto named =
+        arguments.isEmpty() ? syntaxes().end() : std::ranges::find(syntaxes(), arguments.first(), &Syntax::name);
     const bool isCommand = named != syntaxes().end() && !named->name.isEmpty();
     const Syntax& syntax = isCommand ? *named : syntaxes().front();
 
     const auto usage = [&syntax](const QString& problem) {
-        return std::unexpected(UsageError{QStringLiteral("pelloran: %1\nUsage: %2\nMore: pelloran %3--help\n")
-                                              .arg(problem, usageLine(syntax),
-                                                   syntax.name.isEmpty() ? QString() : syntax.name + u' ')});
+        return std::unexpected(
+            UsageError{QStringLiteral("pelloran: %1\nUsage: %2\nMore: pelloran %3--help\n")
+                           .arg(problem, usageLine(syntax), syntax.name.isEmpty() ? QString() : syntax.name + u' ')});
     };
     QCommandLineParser parser;
     parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
-    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")});
-    const QCommandLineOption version({QStringLiteral("v"), QStringLiteral("version")});
+    const QCommandLineOption help(QStringList{QStringLiteral("h"), QStringLiteral("help")});
+    const QCommandLineOption version(QStringList{QStringLiteral("v"), QStringLiteral("version")});
     parser.addOption(help);
     if (!isCommand) {
         parser.addOption(version);

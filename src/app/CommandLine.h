@@ -17,7 +17,7 @@ struct RunLoop {
     std::optional<QString> logsDir; // absent: where the game usually writes
     std::optional<QString> windowOwner;
     std::optional<AppLanguage> language; // for this run only
-    bool snapshots = true;              // every published snapshot as a JSON line on standard output
+    bool snapshots = true;               // every published snapshot as a JSON line on standard output
 };
 
 struct PrintDraftState {

@@ -33,7 +33,7 @@ QJsonObject toJson(const OverlayCardViewModel& tile) {
         metrics.append(toJson(metric));
     }
     return {
-        {QStringLiteral("slotLabel"), tile.slotLabel},      {QStringLiteral("name"), tile.name},
+        {QStringLiteral("slotLabel"), tile.slotLabel},         {QStringLiteral("name"), tile.name},
         {QStringLiteral("subtitle"), optional(tile.subtitle)}, {QStringLiteral("metrics"), metrics},
         {QStringLiteral("recognized"), tile.recognized},
     };
@@ -71,10 +71,8 @@ QJsonObject toJson(const DraftState& state) {
 
 QJsonObject toJson(const SlotMatch& match) {
     return {
-        {QStringLiteral("slot"), match.slot.rawValue()},
-        {QStringLiteral("cardId"), optional(match.cardId)},
-        {QStringLiteral("confidence"), match.confidence},
-        {QStringLiteral("method"), match.method},
+        {QStringLiteral("slot"), match.slot.rawValue()},  {QStringLiteral("cardId"), optional(match.cardId)},
+        {QStringLiteral("confidence"), match.confidence}, {QStringLiteral("method"), match.method},
         {QStringLiteral("ocrText"), match.ocrText},
     };
 }
@@ -93,8 +91,10 @@ QJsonObject toJson(const OverlaySnapshot& snapshot) {
         cards.append(toJson(tile));
     }
     return {
-        {QStringLiteral("title"), snapshot.title},     {QStringLiteral("message"), optional(snapshot.message)},
-        {QStringLiteral("cards"), cards},              {QStringLiteral("inDraft"), snapshot.inDraft},
+        {QStringLiteral("title"), snapshot.title},
+        {QStringLiteral("message"), optional(snapshot.message)},
+        {QStringLiteral("cards"), cards},
+        {QStringLiteral("inDraft"), snapshot.inDraft},
         {QStringLiteral("phase"), phaseName(snapshot.phase)},
     };
 }

@@ -34,7 +34,8 @@ void LineWriter::write(const QByteArray& line) {
     }
     if (pending.size() + line.size() > maximumPending) {
         if (!std::exchange(behind, true)) {
-            log(QStringLiteral("the reader of the snapshots has fallen behind; lines are left out until it catches up"));
+            log(QStringLiteral(
+                "the reader of the snapshots has fallen behind; lines are left out until it catches up"));
         }
         return;
     }

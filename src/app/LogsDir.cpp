@@ -3,10 +3,17 @@
 #include "draft/DraftModel.h"
 #include "draft/LogFolder.h"
 
+#include <QDir>
+#include <QtGlobal>
+
 namespace pelloran {
 
 std::optional<QString> foundLogsDir() {
-    return gameLogsDir(AppConfig().logsDir);
+    const EnvironmentLookup environment = [](const QString& name) {
+        const QByteArray variable = name.toLocal8Bit();
+        return qEnvironmentVariableIsSet(variable) ? std::optional(qEnvironmentVariable(variable)) : std::nullopt;
+    };
+    return gameLogsDir(AppConfig().logsDir, QDir::homePath(), environment);
 }
 
 QString logsDirToRead(const std::optional<QString>& asked) {

@@ -2,9 +2,9 @@
 
 #include "app/Json.h"
 #include "app/LineWriter.h"
+#include "app/localisation/L10n.h"
 #include "app/LogsDir.h"
 #include "app/TerminationSignals.h"
-#include "app/localisation/L10n.h"
 #include "data/WinrateStore.h"
 #include "draft/DraftService.h"
 #include "platform/ApplicationFiles.h"
@@ -25,7 +25,9 @@ namespace {
 // Prints every snapshot for who asked for them.
 class SnapshotPrinter final : public DraftServiceDelegate {
 public:
-    void draftServiceDidUpdate(const OverlaySnapshot& snapshot) override { output.write(json::line(json::toJson(snapshot))); }
+    void draftServiceDidUpdate(const OverlaySnapshot& snapshot) override {
+        output.write(json::line(json::toJson(snapshot)));
+    }
 
 private:
     LineWriter output{STDOUT_FILENO};
@@ -38,11 +40,12 @@ int run(const RunLoop& command) {
     const auto files = ApplicationFiles::create();
     WinrateStore store(*files);
     if (const auto loaded = store.loadFromBundle(); !loaded) {
-        log(L10n::tr(u"fatal.loadTitle") + QStringLiteral(": ") + loaded.error().localizedDescription());
+        log(L10n::tr(u"fatal.loadTitle") + QStringLiteral(": ") + loaded.error().localizedDescription);
         return 1;
     }
     if (store.holdsSampleData()) {
-        log(QStringLiteral("the figures in use are invented samples, for a look at the program; they say nothing of any card"));
+        log(QStringLiteral(
+            "the figures in use are invented samples, for a look at the program; they say nothing of any card"));
     }
 
     AppConfig config;
@@ -50,7 +53,8 @@ int run(const RunLoop& command) {
     if (command.windowOwner) {
         config.windowOwnerHint = *command.windowOwner;
     }
-    // In this order, so that the service goes first and the queue waits for the look under way before what it uses goes.
+    // In this order, so that the service goes first and the queue waits for the look under way before what it uses
+    // goes.
     ScreenReader screenReader(WindowServer::create, TextReader::create);
     const auto recognition = SerialQueue::create(QStringLiteral("com.local.pelloran.recognition"));
     DraftService service(config, store, *recognition, screenReader);
@@ -62,7 +66,8 @@ int run(const RunLoop& command) {
     }
     service.start();
     log(QStringLiteral("boot cards=%1; source=%2; lang=%3")
-            .arg(store.metaDescription, store.cardsSourceDescription, AppLanguage::resolvedPreference().rawValue()));
+            .arg(store.metaDescription(), store.cardsSourceDescription(),
+                 AppLanguage::resolvedPreference().rawValue()));
     QObject::connect(&AppLanguageNotifier::shared(), &AppLanguageNotifier::posted, &service,
                      &DraftService::relocalizeAndRefresh);
 

@@ -41,7 +41,7 @@ double processCpuMilliseconds() {
 bool load(WinrateStore& store) {
     const auto loaded = store.loadFromBundle();
     if (!loaded) {
-        log(loaded.error().localizedDescription());
+        log(loaded.error().localizedDescription);
     }
     return loaded.has_value();
 }
@@ -150,7 +150,8 @@ int run(const MatchTexts& command) {
     for (const QString& text : command.texts) {
         print(json::line({
             {QStringLiteral("text"), text},
-            {QStringLiteral("match"), command.classes ? toJson(store.matchClass({text})) : toJson(store.matchName({text}))},
+            {QStringLiteral("match"),
+             command.classes ? toJson(store.matchClass({text})) : toJson(store.matchName({text}))},
         }));
     }
     return done;

@@ -1,7 +1,7 @@
 #include "app/CommandLine.h"
+#include "app/localisation/AppLanguage.h"
 #include "app/MainLoop.h"
 #include "app/OneShotCommands.h"
-#include "app/localisation/AppLanguage.h"
 #include "platform/SystemSettings.h"
 #include "platform/UserDefaults.h"
 

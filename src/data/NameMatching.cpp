@@ -191,6 +191,10 @@ std::u32string CharacterTable::find(QStringView text) const {
     });
 }
 
+std::size_t characterCount(QStringView text) {
+    return CharacterTable().add(text).size();
+}
+
 namespace NameMatching {
 
 QString normalize(const QString& text) {

@@ -29,6 +29,9 @@ private:
     std::unordered_map<QString, char32_t> composites;
 };
 
+// Number of characters in that sense.
+std::size_t characterCount(QStringView text);
+
 // How alike a text read off the screen and a known name are. Pure functions, from any thread.
 namespace NameMatching {
 

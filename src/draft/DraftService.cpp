@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <utility>
 
 namespace pelloran {
@@ -102,23 +103,21 @@ void DraftService::beginTick() {
     awaited = {.number = number, .dropped = false, .tickAgain = false};
     // The piece may outlive this object, never the reader.
     const auto answer = std::make_shared<Look>();
-    queue.submit(
-        [answer, hints = std::move(hints), hint = config.windowOwnerHint, &reader = screenReader] {
-            *answer = reader.look(hint, hints);
-        },
-        this,
-        [this, answer, number, phase = state.phase] {
-            if (!awaited || awaited->number != number) {
-                return;
-            }
-            const Awaited done = *std::exchange(awaited, std::nullopt);
-            if (!done.dropped) {
-                finishTick(phase, *answer);
-            }
-            if (done.tickAgain) {
-                tick();
-            }
-        });
+    queue.submit([answer, hints = std::move(hints), hint = config.windowOwnerHint,
+                  &reader = screenReader] { *answer = reader.look(hint, hints); },
+                 this,
+                 [this, answer, number, phase = state.phase] {
+                     if (!awaited || awaited->number != number) {
+                         return;
+                     }
+                     const Awaited done = *std::exchange(awaited, std::nullopt);
+                     if (!done.dropped) {
+                         finishTick(phase, *answer);
+                     }
+                     if (done.tickAgain) {
+                         tick();
+                     }
+                 });
 }
 
 void DraftService::finishTick(DraftPhase phase, const Look& look) {

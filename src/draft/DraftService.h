@@ -14,6 +14,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <span>
 #include <vector>
 
 namespace pelloran {
@@ -31,9 +32,9 @@ public:
     virtual void draftServiceDidUpdate(const OverlaySnapshot& snapshot) = 0;
 };
 
-// The loop at the heart of the program. Every tick asks the logs whether a draft runs, has the game's window read while a
-// pick is on screen, looks the figures up, and publishes a snapshot. What a bad tick could not read is shown as the last
-// good tick had it: a flicker of recognition must not blank good figures.
+// The loop at the heart of the program. Every tick asks the logs whether a draft runs, has the game's window read while
+// a pick is on screen, looks the figures up, and publishes a snapshot. What a bad tick could not read is shown as the
+// last good tick had it: a flicker of recognition must not blank good figures.
 //
 // Main thread only. Looking at the window is handed to `queue`; a tick that needs it ends there and goes on, with the
 // `DraftState` it began with, when the answer comes. Until then timer firings do nothing, so snapshots are published in
@@ -45,7 +46,8 @@ public:
     // All references must outlive the service; `screenReader` is used on the queue's thread only. Starts nothing.
     DraftService(const AppConfig& config, const WinrateStore& store, SerialQueue& queue, ScreenReader& screenReader);
 
-    // Ticks at once, then every `config.pollInterval` seconds, until stopped or destroyed. Starting again starts afresh.
+    // Ticks at once, then every `config.pollInterval` seconds, until stopped or destroyed. Starting again starts
+    // afresh.
     void start();
 
     // Ends the ticking and drops the answer that is still awaited.
@@ -103,6 +105,7 @@ private:
         bool dropped;   // its answer counts no more
         bool tickAgain; // once it has come
     };
+
     std::optional<Awaited> awaited;
     int looks = 0;
 };

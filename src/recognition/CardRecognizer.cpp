@@ -4,7 +4,10 @@
 #include "data/WinrateStore.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <limits>
+#include <optional>
 #include <utility>
 
 namespace pelloran {
@@ -15,8 +18,8 @@ namespace {
 constexpr double minimumScore = 0.86;
 
 // Normalised names outside these lengths are cost digits, keywords or rules text.
-constexpr qsizetype minimumNameLength = 2;
-constexpr qsizetype maximumNameLength = 14;
+constexpr std::size_t minimumNameLength = 2;
+constexpr std::size_t maximumNameLength = 14;
 
 // Small names gain from being enlarged before they are read.
 constexpr double enlargement = 1.5;
@@ -147,7 +150,7 @@ std::vector<SlotMatch> CardRecognizer::recognizeCards(const std::vector<OCRToken
         if (!cards.holds(token)) {
             continue;
         }
-        const qsizetype length = characterCount(WinrateStore::normalize(token.text));
+        const std::size_t length = characterCount(WinrateStore::normalize(token.text));
         if (length < minimumNameLength || length > maximumNameLength) {
             continue;
         }
@@ -217,7 +220,8 @@ std::vector<RecognitionCandidate> pickThreeHorizontally(const std::vector<Recogn
 std::vector<SlotMatch> assignToSlots(std::vector<RecognitionCandidate> candidates, const QString& methodPrefix) {
     std::ranges::stable_sort(candidates, {}, &RecognitionCandidate::midX);
 
-    const QString withoutMatch = methodPrefix + (candidates.empty() ? QStringLiteral("-empty") : QStringLiteral("-miss"));
+    const QString withoutMatch =
+        methodPrefix + (candidates.empty() ? QStringLiteral("-empty") : QStringLiteral("-miss"));
     std::vector<SlotMatch> matches;
     for (const DraftSlot slot : DraftSlot::allCases()) {
         matches.push_back({slot, std::nullopt, 0, withoutMatch, QString()});

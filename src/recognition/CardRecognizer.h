@@ -12,9 +12,9 @@ namespace pelloran {
 
 class WinrateStore;
 
-// Turns the picture of the game's window into one match per slot. Reading is slow and needs nothing of ours; matching is
-// fast and looks into the store. So the two halves are apart: `ocrTokens` runs wherever the reader lives, everything else
-// on the main thread. Holds no state but the store, which must outlive it.
+// Turns the picture of the game's window into one match per slot. Reading is slow and needs nothing of ours; matching
+// is fast and looks into the store. So the two halves are apart: `ocrTokens` runs wherever the reader lives, everything
+// else on the main thread. Holds no state but the store, which must outlive it.
 class CardRecognizer {
 public:
     explicit CardRecognizer(const WinrateStore& winrates);
@@ -57,7 +57,8 @@ struct RecognitionCandidate {
     bool operator==(const RecognitionCandidate&) const = default;
 };
 
-// One candidate per id, in order of first appearance. A later one of the same id takes the place only with a higher score.
+// One candidate per id, in order of first appearance. A later one of the same id takes the place only with a higher
+// score.
 std::vector<RecognitionCandidate> mergeCards(const std::vector<RecognitionCandidate>& candidates);
 
 // The same for classes; but of two scores within 0.02 of each other the lower line on the screen counts, because the

@@ -14,9 +14,9 @@
 
 namespace pelloran {
 
-// Looks at the game's window for those who must not wait for it: finds the window, captures it, reads its text. Everything
-// slow and nothing of the draft's state. All calls come from one thread, the recognition thread, where also the window
-// server's connection and the reader are made, at the first need.
+// Looks at the game's window for those who must not wait for it: finds the window, captures it, reads its text.
+// Everything slow and nothing of the draft's state. All calls come from one thread, the recognition thread, where also
+// the window server's connection and the reader are made, at the first need.
 class ScreenReader {
 public:
     using MakeWindowServer = std::function<std::unique_ptr<WindowServer>()>;
@@ -24,9 +24,9 @@ public:
 
     ScreenReader(MakeWindowServer makeWindowServer, MakeTextReader makeTextReader);
 
-    // Lines on the window whose owner or title holds `ownerHint`; with no `hints` the window is only captured and no text
-    // is read. A text reader that cannot be made is logged once, gives no lines, and is tried for again next time: the
-    // user may be installing what it lacks.
+    // Lines on the window whose owner or title holds `ownerHint`; with no `hints` the window is only captured and no
+    // text is read. A text reader that cannot be made is logged once, gives no lines, and is tried for again next time:
+    // the user may be installing what it lacks.
     std::expected<std::vector<OCRToken>, WindowCaptureError> look(const QString& ownerHint,
                                                                   const std::optional<ReadingHints>& hints);
 

@@ -1,5 +1,4 @@
 #include "app/CommandLine.h"
-
 #include "support/Printing.h"
 
 #include <gtest/gtest.h>
@@ -25,7 +24,8 @@ TEST(CommandLine, RunsTheLoopByDefault) {
     EXPECT_EQ(plain.windowOwner, std::nullopt);
     EXPECT_EQ(plain.language, std::nullopt);
 
-    const auto full = parsed<RunLoop>("--no-panel --snapshots --logs-dir /games/Logs --window-owner=炉石传说 --language zh");
+    const auto full =
+        parsed<RunLoop>("--no-panel --snapshots --logs-dir /games/Logs --window-owner=炉石传说 --language zh");
     EXPECT_EQ(full.logsDir, QStringLiteral("/games/Logs"));
     EXPECT_EQ(full.windowOwner, QStringLiteral("炉石传说"));
     EXPECT_EQ(full.language, AppLanguage::zh);
@@ -63,6 +63,7 @@ TEST(CommandLine, RefusesWhatDoesNotFit) {
         const char* words;
         const char* mentions;
     };
+
     const Case cases[] = {
         {"unknown option", "--fast", "fast"},
         {"unknown command", "recognise a.png", "recognise"},
@@ -81,7 +82,8 @@ TEST(CommandLine, RefusesWhatDoesNotFit) {
         SCOPED_TRACE(c.why);
         const auto command = parse(c.words);
         ASSERT_FALSE(command);
-        EXPECT_TRUE(command.error().message.contains(QString::fromUtf8(c.mentions))) << command.error().message.toStdString();
+        EXPECT_TRUE(command.error().message.contains(QString::fromUtf8(c.mentions)))
+            << command.error().message.toStdString();
         EXPECT_TRUE(command.error().message.contains(QStringLiteral("Usage: pelloran")));
     }
 }

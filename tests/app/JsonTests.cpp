@@ -1,5 +1,4 @@
 #include "app/Json.h"
-
 #include "support/Printing.h"
 
 #include <QJsonDocument>
@@ -33,8 +32,10 @@ TEST(Json, WritesADraftStateWithAbsentValuesAsNull) {
 }
 
 TEST(Json, WritesASlotMatchAndAToken) {
-    EXPECT_EQ(json::toJson(SlotMatch{DraftSlot::right, QStringLiteral("X"), 0.95, QStringLiteral("card-layout"), QStringLiteral("x")}),
-              object(R"({"slot": "right", "cardId": "X", "confidence": 0.95, "method": "card-layout", "ocrText": "x"})"));
+    EXPECT_EQ(
+        json::toJson(
+            SlotMatch{DraftSlot::right, QStringLiteral("X"), 0.95, QStringLiteral("card-layout"), QStringLiteral("x")}),
+        object(R"({"slot": "right", "cardId": "X", "confidence": 0.95, "method": "card-layout", "ocrText": "x"})"));
     EXPECT_EQ(json::toJson(OCRToken{QStringLiteral("x"), 0.5F, 0.1, 0.2, 0.3, 0.4}),
               object(R"({"text": "x", "confidence": 0.5, "midX": 0.1, "midY": 0.2, "width": 0.3, "height": 0.4})"));
 }
@@ -54,7 +55,8 @@ TEST(Json, WritesASnapshotOnOneLine) {
     const QByteArray line = json::line(json::toJson(snapshot));
     EXPECT_EQ(line.count('\n'), 1);
     EXPECT_TRUE(line.endsWith('\n'));
-    EXPECT_EQ(object(line.constData()), object(R"({"title": "Pelloran", "message": null, "inDraft": true, "phase": "heroPick",
+    EXPECT_EQ(object(line.constData()),
+              object(R"({"title": "Pelloran", "message": null, "inDraft": true, "phase": "heroPick",
         "cards": [{"slotLabel": "L", "name": "Line\nbreak", "subtitle": "MAGE", "recognized": true, "metrics": [
             {"kind": "classRank", "value": 3, "formatted": "#3", "highlight": "high"},
             {"kind": "pickRate", "value": null, "formatted": "—", "highlight": "normal"}]}]})"));

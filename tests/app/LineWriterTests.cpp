@@ -1,12 +1,10 @@
 #include "app/LineWriter.h"
-
 #include "platform/Log.h"
 #include "support/Printing.h"
 
 #include <QTest>
 
 #include <gtest/gtest.h>
-
 #include <unistd.h>
 
 #include <array>

@@ -1,6 +1,5 @@
-#include "draft/DraftService.h"
-
 #include "app/localisation/AppLanguage.h"
+#include "draft/DraftService.h"
 #include "fakes/FakeSystemSettings.h"
 #include "fakes/FakeTextReader.h"
 #include "fakes/FakeUserDefaults.h"
@@ -36,13 +35,15 @@ const QByteArray classFile = R"({"classes": [
 ]})";
 
 // Text lines as the game's log has them.
-const QByteArray heroPickLog = "D 1 DraftManager.OnBegin - Got new draft deck with ID: 7\nD 1 SetDraftMode - DRAFTING\n";
+const QByteArray heroPickLog =
+    "D 1 DraftManager.OnBegin - Got new draft deck with ID: 7\nD 1 SetDraftMode - DRAFTING\n";
 const QByteArray cardPickLog = heroPickLog + "D 1 DraftManager.OnChosen(): hero=HERO_08\n";
 const QByteArray otherHeroPickLog = cardPickLog + heroPickLog;
 const QByteArray idleLog = "D 1 SetDraftMode - NO_ACTIVE_DRAFT\n";
 
 struct Recorder final : DraftServiceDelegate {
     void draftServiceDidUpdate(const OverlaySnapshot& snapshot) override { published.push_back(snapshot); }
+
     std::vector<OverlaySnapshot> published;
 };
 

@@ -1,6 +1,5 @@
-#include "recognition/CardRecognizer.h"
-
 #include "fakes/FakeTextReader.h"
+#include "recognition/CardRecognizer.h"
 #include "support/Printing.h"
 #include "support/SampleStore.h"
 
@@ -9,8 +8,9 @@
 namespace pelloran {
 
 static void PrintTo(const SlotMatch& match, std::ostream* out) {
-    *out << '{' << match.slot.rawValue().toStdString() << ": " << match.cardId.value_or(QStringLiteral("nothing")).toStdString()
-         << ' ' << match.confidence << ' ' << match.method.toStdString() << " \"" << match.ocrText.toStdString() << "\"}";
+    *out << '{' << match.slot.rawValue().toStdString() << ": "
+         << match.cardId.value_or(QStringLiteral("nothing")).toStdString() << ' ' << match.confidence << ' '
+         << match.method.toStdString() << " \"" << match.ocrText.toStdString() << "\"}";
 }
 
 namespace {
@@ -77,6 +77,7 @@ TEST(AssignToSlots, PlacesByNumberAndPosition) {
         std::initializer_list<double> positions;
         const char* expected; // ids a, b, c ... in the order given, by slot
     };
+
     const Case cases[] = {
         {"nothing", {}, "- - -"},
         {"one, at the left", {0.33}, "a - -"},
@@ -120,6 +121,7 @@ TEST(PickThreeHorizontally, TakesTheBestOfEachThird) {
         std::vector<RecognitionCandidate> candidates;
         const char* expected;
     };
+
     const Case cases[] = {
         {"three stay, however close", {candidate("a", 0.1), candidate("b", 0.11), candidate("c", 0.12)}, "a b c"},
         {"columns 0 0 1 2: the better of the first two",
@@ -154,6 +156,7 @@ TEST(MergeHeroes, PrefersTheLowerOfEqualLines) {
         double firstScore, firstY, secondScore, secondY;
         bool secondWins;
     };
+
     const Case cases[] = {
         {"within the margin and lower", 0.90, 0.4, 0.91, 0.5, true},
         {"within the margin and higher up", 0.90, 0.5, 0.91, 0.4, false},
@@ -164,23 +167,24 @@ TEST(MergeHeroes, PrefersTheLowerOfEqualLines) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
-        const auto merged =
-            mergeHeroes({candidate("MAGE", 0.1, c.firstScore, c.firstY), candidate("MAGE", 0.2, c.secondScore, c.secondY)});
+        const auto merged = mergeHeroes(
+            {candidate("MAGE", 0.1, c.firstScore, c.firstY), candidate("MAGE", 0.2, c.secondScore, c.secondY)});
         ASSERT_EQ(merged.size(), 1U);
         EXPECT_EQ(merged[0].midX, c.secondWins ? 0.2 : 0.1);
     }
 }
 
 TEST(MergeCards, TakesTheHigherScoreOnly) {
-    const auto merged = mergeCards({candidate("a", 0.1, 0.90, 0.3), candidate("b", 0.2, 0.9), candidate("a", 0.3, 0.90, 0.9),
-                                    candidate("b", 0.4, 0.901)});
+    const auto merged = mergeCards({candidate("a", 0.1, 0.90, 0.3), candidate("b", 0.2, 0.9),
+                                    candidate("a", 0.3, 0.90, 0.9), candidate("b", 0.4, 0.901)});
     ASSERT_EQ(merged.size(), 2U) << "order of first appearance";
     EXPECT_EQ(merged[0].midX, 0.1) << "an equal score stays with the first, also when the later lies lower";
     EXPECT_EQ(merged[1].midX, 0.4);
 }
 
 TEST_F(CardRecognizerTest, ReadsThreeCardsLeftToRight) {
-    const auto matches = recognizer.recognizeCards({token("寒冰箭", 0.4), token("Chillwind Yeti", 0.57), token("Fireball", 0.23)});
+    const auto matches =
+        recognizer.recognizeCards({token("寒冰箭", 0.4), token("Chillwind Yeti", 0.57), token("Fireball", 0.23)});
     ASSERT_EQ(matches.size(), 3U);
     EXPECT_EQ(matches[0], (SlotMatch{DraftSlot::left, QStringLiteral("FIREBALL"), 1.0, QStringLiteral("card-layout"),
                                      QStringLiteral("Fireball")}));
@@ -193,6 +197,7 @@ TEST_F(CardRecognizerTest, KeepsOnlyCardTokensThatCanBeNames) {
         OCRToken token;
         bool kept;
     };
+
     const Case cases[] = {
         {"in the band", token("Fireball", 0.2), true},
         {"top edge counts", token("Fireball", 0.2, 0.28), true},
@@ -208,8 +213,8 @@ TEST_F(CardRecognizerTest, KeepsOnlyCardTokensThatCanBeNames) {
         {"fourteen characters", token("Zbcdefghijklmn", 0.2), true},
         {"fifteen characters are too long", token("Abcdefghijklmno", 0.2), false},
         {"digits and spaces do not count as characters", token("Z bcdefghijklmn 12", 0.2), true},
-        {"score just above the floor", token("Fireboll", 0.2), true},    // subsequence 7 of 8: 0.93
-        {"score below the floor", token("Firebal1", 0.2), false},        // contained, 7 of 8: 0.83
+        {"score just above the floor", token("Fireboll", 0.2), true}, // subsequence 7 of 8: 0.93
+        {"score below the floor", token("Firebal1", 0.2), false},     // contained, 7 of 8: 0.83
         {"nothing like a name", token("Deal 6 damage", 0.2), false},
     };
     for (const Case& c : cases) {
@@ -224,12 +229,18 @@ TEST_F(CardRecognizerTest, KeepsOnlyHeroTokensInTheirBand) {
         OCRToken token;
         bool kept;
     };
+
     const Case cases[] = {
-        {"top edge counts", token("Mage", 0.2, 0.3), true},      {"above", token("Mage", 0.2, 0.2999), false},
-        {"bottom edge counts", token("Mage", 0.2, 0.85), true},  {"below", token("Mage", 0.2, 0.8501), false},
-        {"left edge counts", token("Mage", 0.08), true},         {"left of it", token("Mage", 0.0799), false},
-        {"right edge counts", token("Mage", 0.92), true},        {"right of it", token("Mage", 0.9201), false},
-        {"an alias counts", token("萨满", 0.2), true},           {"a single character is no class", token("法", 0.2), false},
+        {"top edge counts", token("Mage", 0.2, 0.3), true},
+        {"above", token("Mage", 0.2, 0.2999), false},
+        {"bottom edge counts", token("Mage", 0.2, 0.85), true},
+        {"below", token("Mage", 0.2, 0.8501), false},
+        {"left edge counts", token("Mage", 0.08), true},
+        {"left of it", token("Mage", 0.0799), false},
+        {"right edge counts", token("Mage", 0.92), true},
+        {"right of it", token("Mage", 0.9201), false},
+        {"an alias counts", token("萨满", 0.2), true},
+        {"a single character is no class", token("法", 0.2), false},
         {"contained, but too little alike", token("Magee", 0.2), false}, // 0.95 * 4 / 5
     };
     for (const Case& c : cases) {
@@ -239,8 +250,8 @@ TEST_F(CardRecognizerTest, KeepsOnlyHeroTokensInTheirBand) {
 }
 
 TEST_F(CardRecognizerTest, IgnoresTheRightmostOfFourHeroes) {
-    const auto matches =
-        recognizer.recognizeHeroes({token("Warlock", 0.9), token("Mage", 0.1), token("德鲁伊", 0.3), token("Rogue", 0.6)});
+    const auto matches = recognizer.recognizeHeroes(
+        {token("Warlock", 0.9), token("Mage", 0.1), token("德鲁伊", 0.3), token("Rogue", 0.6)});
     EXPECT_EQ(idsBySlot(matches), words("MAGE DRUID ROGUE"));
 }
 
@@ -296,7 +307,8 @@ TEST_F(CardRecognizerTest, HintsCarryTheNamesInUseEvenAfterAReload) {
     EXPECT_FALSE(before.names->contains(QStringLiteral("Fireba")));
     EXPECT_TRUE(recognizer.heroHints().names->contains(QStringLiteral("潜行者")));
 
-    sample.write(QStringLiteral("all_classes_LAST_7_DAYS.json"), R"({"cards": [{"card_id": "N", "name_en": "Newcomer"}]})");
+    sample.write(QStringLiteral("all_classes_LAST_7_DAYS.json"),
+                 R"({"cards": [{"card_id": "N", "name_en": "Newcomer"}]})");
     sample.reload();
     EXPECT_TRUE(before.names->contains(QStringLiteral("Fireball"))) << "a snapshot never changes";
     EXPECT_FALSE(recognizer.cardHints().names->contains(QStringLiteral("Fireball")));

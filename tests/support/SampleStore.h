@@ -21,16 +21,16 @@ public:
     }
 
     void write(const QString& name, const QByteArray& bytes) const {
-        const QString folder = files.resourceFolder() + QStringLiteral("/winrates");
-        ASSERT_TRUE(QDir().mkpath(folder));
-        QFile file(folder + u'/' + name);
+        const QString target = files.resourceFolder() + QStringLiteral("/winrates");
+        ASSERT_TRUE(QDir().mkpath(target));
+        QFile file(target + u'/' + name);
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
         ASSERT_EQ(file.write(bytes), bytes.size());
     }
 
     void reload() {
         const auto loaded = store.loadFromBundle();
-        ASSERT_TRUE(loaded) << loaded.error().localizedDescription().toStdString();
+        ASSERT_TRUE(loaded) << loaded.error().localizedDescription.toStdString();
     }
 
 private:
