@@ -1,0 +1,209 @@
+#include "support/Printing.h"
+#include "support/ProgramRun.h"
+#include "support/VirtualDisplay.h"
+
+#include <QFile>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <map>
+#include <set>
+
+// The real program beside the simulated game, on a display of their own: what stands on the stage must be what is
+// published, step by step.
+namespace pelloran {
+namespace {
+
+using testing::VirtualDisplay;
+
+QJsonObject shippedFile(const char* name) {
+    QFile file(QStringLiteral(PELLORAN_RESOURCES "/winrates/") + QString::fromLatin1(name));
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    return QJsonDocument::fromJson(file.readAll()).object();
+}
+
+// The figures that tiles must show, read without any of the program's own code.
+class ExpectedFigures {
+public:
+    ExpectedFigures() {
+        for (const auto& card : shippedFile("all_classes_LAST_7_DAYS.json")[QStringLiteral("cards")].toArray()) {
+            rows[card[QStringLiteral("card_id")].toString()] = card.toObject();
+        }
+        for (const auto& row : shippedFile("class_winrates.json")[QStringLiteral("classes")].toArray()) {
+            rows[row[QStringLiteral("player_class")].toString()] = row.toObject();
+        }
+    }
+
+    QJsonValue figure(const QString& id, const QString& kind) const {
+        static const std::map<QString, QString> columns{
+            {QStringLiteral("deckWinRate"), QStringLiteral("deck_win_rate")},
+            {QStringLiteral("drawnWinRate"), QStringLiteral("drawn_win_rate")},
+            {QStringLiteral("playedWinRate"), QStringLiteral("played_win_rate")},
+            {QStringLiteral("popularity"), QStringLiteral("popularity")},
+            {QStringLiteral("avgCopies"), QStringLiteral("avg_copies_in_deck")},
+            {QStringLiteral("classWinRate"), QStringLiteral("win_rate")},
+            {QStringLiteral("pickRate"), QStringLiteral("pick_rate")},
+            {QStringLiteral("pct7Plus"), QStringLiteral("pct_7_plus")},
+            {QStringLiteral("classRank"), QStringLiteral("rank")},
+        };
+        const auto row = rows.find(id);
+        return row == rows.end() ? QJsonValue() : row->second[columns.at(kind)];
+    }
+
+private:
+    std::map<QString, QJsonObject> rows;
+};
+
+// A program whose standard output is one JSON object a line.
+class LineProcess {
+public:
+    void start(const QString& program, const QStringList& arguments, const QProcessEnvironment& environment) {
+        process.setProcessEnvironment(environment);
+        process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        process.start(program, arguments);
+    }
+
+    ~LineProcess() {
+        process.terminate();
+        if (!process.waitForFinished(10'000)) {
+            process.kill();
+            process.waitForFinished();
+        }
+    }
+
+    // Reads on until a line satisfies `wanted`; absent when none does within a minute or the program ends.
+    std::optional<QJsonObject> waitFor(const std::function<bool(const QJsonObject&)>& wanted) {
+        std::optional<QJsonObject> found;
+        const auto look = [&] {
+            while (!found && process.canReadLine()) {
+                last = QJsonDocument::fromJson(process.readLine()).object();
+                if (wanted(last)) {
+                    found = last;
+                }
+            }
+            return found.has_value();
+        };
+        (void)QTest::qWaitFor([&] { return look() || process.state() == QProcess::NotRunning; }, 60'000);
+        return found;
+    }
+
+    void write(const QByteArray& text) { process.write(text); }
+
+    QProcess process;
+    QJsonObject last; // line that was read
+};
+
+QStringList names(const QJsonValue& items) {
+    QStringList all;
+    for (const auto& item : items.toArray()) {
+        all.append(item[QStringLiteral("name")].toString());
+    }
+    return all;
+}
+
+class DesktopTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (!VirtualDisplay::isInstalled() || !VirtualDisplay::windowManagerIsInstalled()) {
+            GTEST_SKIP() << "needs Xvfb and openbox";
+        }
+        display = VirtualDisplay::start({QStringLiteral("-screen"), QStringLiteral("0"), QStringLiteral("1920x1080x24")});
+        ASSERT_TRUE(display);
+        ASSERT_TRUE(display->startWindowManager());
+        environment.insert(QStringLiteral("DISPLAY"), QString::fromLatin1(display->name()));
+        ASSERT_TRUE(QDir().mkpath(logsDir));
+    }
+
+    void startPelloran(const QStringList& more = {}) {
+        pelloran.start(QStringLiteral(PELLORAN_PROGRAM),
+                       QStringList{QStringLiteral("--no-panel"), QStringLiteral("--snapshots"), QStringLiteral("--logs-dir"),
+                                   logsDir}
+                           + more,
+                       environment);
+    }
+
+    void startStage(const QStringList& more) {
+        stage.start(QStringLiteral(PELLORAN_STAGE),
+                    QStringList{QStringLiteral("--logs-dir"), logsDir, QStringLiteral("--steps-on-stdin")} + more,
+                    environment);
+    }
+
+    // Plays the scenario to its end and compares what is published at every step that shows offers, or none.
+    void follow() {
+        std::set<QString> seen;
+        while (const auto step = stage.waitFor([](const QJsonObject&) { return true; })) {
+            const QString kind = (*step)[QStringLiteral("kind")].toString();
+            SCOPED_TRACE(kind.toStdString() + " at step " + std::to_string((*step)[QStringLiteral("step")].toInt()));
+            if (kind == u"heroPick" || kind == u"cardPick") {
+                expectOffers(kind, (*step)[QStringLiteral("offers")].toArray());
+            } else if (kind == u"idle" || kind == u"end") {
+                EXPECT_TRUE(pelloran.waitFor([](const QJsonObject& snapshot) {
+                    return snapshot[QStringLiteral("phase")].toString() == u"idle"
+                           && !snapshot[QStringLiteral("inDraft")].toBool()
+                           && snapshot[QStringLiteral("cards")].toArray().isEmpty();
+                }));
+            } else if (kind == u"chooseHero") {
+                EXPECT_TRUE(pelloran.waitFor([](const QJsonObject& snapshot) {
+                    return snapshot[QStringLiteral("phase")].toString() == u"cardPick";
+                }));
+            }
+            if (HasFailure()) {
+                return;
+            }
+            seen.insert(kind);
+            stage.write("next\n");
+        }
+        for (const QString& kind :
+             {QStringLiteral("idle"), QStringLiteral("heroPick"), QStringLiteral("cardPick"), QStringLiteral("end")}) {
+            EXPECT_TRUE(seen.contains(kind)) << "the scenario has no " << kind.toStdString();
+        }
+    }
+
+    void expectOffers(const QString& phase, const QJsonArray& offers) {
+        const auto snapshot = pelloran.waitFor([&](const QJsonObject& candidate) {
+            return candidate[QStringLiteral("phase")].toString() == phase
+                   && names(candidate[QStringLiteral("cards")]) == names(offers);
+        });
+        ASSERT_TRUE(snapshot) << "offered: " << names(offers).join(u", ").toStdString()
+                              << "; last published: " << QJsonDocument(pelloran.last).toJson().toStdString();
+        EXPECT_TRUE((*snapshot)[QStringLiteral("inDraft")].toBool());
+        const QJsonArray tiles = (*snapshot)[QStringLiteral("cards")].toArray();
+        ASSERT_EQ(tiles.size(), 3);
+        for (qsizetype slot = 0; slot < tiles.size(); ++slot) {
+            EXPECT_TRUE(tiles[slot][QStringLiteral("recognized")].toBool());
+            const QString id = offers[slot][QStringLiteral("id")].toString();
+            const QJsonArray metrics = tiles[slot][QStringLiteral("metrics")].toArray();
+            EXPECT_EQ(metrics.size(), phase == u"cardPick" ? 5 : 4);
+            for (const auto& metric : metrics) {
+                const QString kind = metric[QStringLiteral("kind")].toString();
+                EXPECT_EQ(metric[QStringLiteral("value")], figures.figure(id, kind))
+                    << id.toStdString() << ' ' << kind.toStdString();
+            }
+        }
+    }
+
+    QTemporaryDir home;
+    QString logsDir = home.path() + QStringLiteral("/logs");
+    QProcessEnvironment environment = testing::cleanEnvironment(home.path());
+    ExpectedFigures figures;
+    std::unique_ptr<VirtualDisplay> display;
+    LineProcess stage;
+    LineProcess pelloran;
+};
+
+TEST_F(DesktopTest, PublishesAnEnglishDraftAsItIsPlayed) {
+    startPelloran({QStringLiteral("--language"), QStringLiteral("en")});
+    startStage({QStringLiteral("--scenario"), QStringLiteral("demo")});
+    follow();
+}
+
+TEST_F(DesktopTest, PublishesAChineseDraftWithARedraftAsItIsPlayed) {
+    startPelloran({QStringLiteral("--language"), QStringLiteral("zh")});
+    startStage({QStringLiteral("--scenario"), QStringLiteral("demo-zh"), QStringLiteral("--size"), QStringLiteral("1600x900")});
+    follow();
+}
+
+} // namespace
+} // namespace pelloran

@@ -1,0 +1,221 @@
+#include "support/Printing.h"
+#include "support/ProgramRun.h"
+#include "support/SharedData.h"
+
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+// The program as its users start it, without a display.
+namespace pelloran {
+namespace {
+
+using testing::ProgramOutput;
+
+const QString program = QStringLiteral(PELLORAN_PROGRAM);
+
+class ProgramTest : public ::testing::Test {
+protected:
+    ProgramOutput run(const QStringList& arguments) const {
+        return testing::runProgram(program, arguments, environment);
+    }
+
+    QString path(const char* name) const { return home.path() + u'/' + QString::fromUtf8(name); }
+
+    QString write(const char* name, const QByteArray& bytes) const {
+        const QString target = path(name);
+        EXPECT_TRUE(QDir().mkpath(QFileInfo(target).path()));
+        QFile file(target);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+        return target;
+    }
+
+    QTemporaryDir home;
+    QProcessEnvironment environment = testing::cleanEnvironment(home.path());
+};
+
+TEST_F(ProgramTest, AnswersQuestionsAboutItselfOnStandardOutput) {
+    for (const char* question : {"--help", "--version"}) {
+        const ProgramOutput answer = run({QString::fromLatin1(question)});
+        EXPECT_EQ(answer.exitCode, 0);
+        EXPECT_TRUE(answer.standardOutput.contains("pelloran"));
+        EXPECT_EQ(answer.standardError, "");
+    }
+}
+
+TEST_F(ProgramTest, ExplainsUsageOnStandardError) {
+    const ProgramOutput answer = run({QStringLiteral("--nonsense")});
+    EXPECT_EQ(answer.exitCode, 2);
+    EXPECT_EQ(answer.standardOutput, "");
+    EXPECT_TRUE(answer.standardError.contains("Usage: pelloran"));
+}
+
+TEST_F(ProgramTest, PrintsTheDraftState) {
+    write("logs/Hearthstone_1/Arena.log", "D 1 SetDraftMode - DRAFTING\r\nD 1 Client chooses: 吉安娜 (HERO_08)\r\n");
+    const auto lines = run({QStringLiteral("draft-state"), QStringLiteral("--logs-dir"), path("logs")}).lines();
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_EQ(lines[0][QStringLiteral("phase")].toString(), QStringLiteral("cardPick"));
+    EXPECT_EQ(lines[0][QStringLiteral("lastChoiceName")].toString(), QStringLiteral("吉安娜"));
+    EXPECT_EQ(lines[0][QStringLiteral("sessionDir")].toString(), path("logs/Hearthstone_1"));
+
+    const auto none = run({QStringLiteral("draft-state"), QStringLiteral("--logs-dir"), path("nowhere")}).lines();
+    ASSERT_EQ(none.size(), 1U);
+    EXPECT_EQ(none[0][QStringLiteral("scene")].toString(), QStringLiteral("NO_SESSION"));
+}
+
+TEST_F(ProgramTest, FindsTheGamesLogFolderInAWinePrefix) {
+    EXPECT_EQ(run({QStringLiteral("logs-dir")}).exitCode, 1);
+    write(".wine/drive_c/Program Files (x86)/Hearthstone/Logs/Hearthstone_1/Arena.log",
+          "D 1 SetDraftMode - DRAFTING\n");
+    const ProgramOutput found = run({QStringLiteral("logs-dir")});
+    EXPECT_EQ(found.exitCode, 0);
+    EXPECT_EQ(found.standardOutput, (path(".wine/drive_c/Program Files (x86)/Hearthstone/Logs") + u'\n').toUtf8());
+    EXPECT_TRUE(run({QStringLiteral("draft-state")}).lines().at(0)[QStringLiteral("inDraft")].toBool());
+}
+
+TEST_F(ProgramTest, MatchesTextsAgainstTheDataInUse) {
+    write("data/Pelloran/config/all_classes_LAST_7_DAYS.json",
+          R"({"cards": [{"card_id": "OWN", "name_en": "Own Card"}]})");
+    write("data/Pelloran/config/class_winrates.json", R"({"classes": [{"player_class": "MAGE", "name_zh": "法师"}]})");
+    const auto cards = run({QStringLiteral("match"), QStringLiteral("own card 3"), QStringLiteral("Fireball")}).lines();
+    ASSERT_EQ(cards.size(), 2U);
+    EXPECT_EQ(cards[0][QStringLiteral("match")].toObject(),
+              (QJsonObject{{QStringLiteral("cardId"), QStringLiteral("OWN")},
+                           {QStringLiteral("score"), 1.0},
+                           {QStringLiteral("text"), QStringLiteral("own card 3")}}));
+    EXPECT_EQ(cards[1][QStringLiteral("text")].toString(), QStringLiteral("Fireball"));
+    EXPECT_TRUE(cards[1][QStringLiteral("match")].isNull());
+
+    const auto classes = run({QStringLiteral("match"), QStringLiteral("--classes"), QStringLiteral("法师")}).lines();
+    ASSERT_EQ(classes.size(), 1U);
+    EXPECT_EQ(classes[0][QStringLiteral("match")][QStringLiteral("key")].toString(), QStringLiteral("MAGE"));
+}
+
+TEST_F(ProgramTest, SaysWhatIsWrongWithTheData) {
+    struct Case {
+        const char* why;
+        const char* bytes;
+        const char* mentions;
+    };
+
+    const Case cases[] = {
+        {"no JSON", "cards", ""},
+        {"no rows", R"({"cards": []})", "all_classes_LAST_7_DAYS.json"},
+        {"wrong types", R"({"cards": [{"card_id": 7}]})", ""},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        write("data/Pelloran/config/winrates/all_classes_LAST_7_DAYS.json", c.bytes);
+        for (const QStringList& arguments :
+             {QStringList{QStringLiteral("match"), QStringLiteral("Fireball")}, QStringList{}}) {
+            const ProgramOutput answer = run(arguments);
+            EXPECT_EQ(answer.exitCode, 1);
+            EXPECT_TRUE(answer.standardError.startsWith("[Pelloran] ")) << answer.standardError.toStdString();
+            EXPECT_TRUE(answer.standardError.contains(c.mentions)) << answer.standardError.toStdString();
+        }
+    }
+}
+
+TEST_F(ProgramTest, GoesOnAfterAnImageThatIsNone) {
+    QImage(1, 1, QImage::Format_RGB32).save(path("dot.png"));
+    QImage(16'000, 20, QImage::Format_RGB32).save(path("wide.png"));
+    const QStringList images{write("text.png", "no image"), path("missing.png"), path("dot.png"), path("wide.png"),
+                             write("cut.png", QByteArray::fromHex("89504e470d0a1a0a0000000d49484452"))};
+    const ProgramOutput answer =
+        run(QStringList{QStringLiteral("recognize"), QStringLiteral("--phase"), QStringLiteral("cardPick")} + images);
+    EXPECT_EQ(answer.exitCode, 1);
+    const auto lines = answer.lines();
+    ASSERT_EQ(lines.size(), 5U);
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        EXPECT_EQ(lines[i][QStringLiteral("image")].toString(), images[static_cast<qsizetype>(i)]);
+        const bool readable = i == 2 || i == 3;
+        EXPECT_EQ(lines[i].contains(QStringLiteral("error")), !readable);
+        EXPECT_EQ(lines[i][QStringLiteral("slots")].toArray().size(), readable ? 3 : 0);
+    }
+    EXPECT_EQ(lines[2][QStringLiteral("slots")][0][QStringLiteral("method")].toString(),
+              QStringLiteral("card-layout-empty"));
+}
+
+TEST_F(ProgramTest, NamesThePackageThatReadingLacks) {
+    environment.insert(QStringLiteral("TESSDATA_PREFIX"), home.path());
+    const ProgramOutput answer =
+        run({QStringLiteral("recognize"), QStringLiteral("--phase=heroPick"), QStringLiteral("x.png")});
+    EXPECT_EQ(answer.exitCode, 1);
+    EXPECT_TRUE(answer.standardError.contains("tesseract-ocr-")) << answer.standardError.toStdString();
+}
+
+TEST_F(ProgramTest, PublishesFromTheFirstTickAndEndsWhenTold) {
+    for (const int signal : {SIGTERM, SIGINT}) {
+        QProcess process;
+        process.setProcessEnvironment(environment);
+        process.start(program, {QStringLiteral("--snapshots"), QStringLiteral("--logs-dir"), path("logs"),
+                                QStringLiteral("--language"), QStringLiteral("zh")});
+        ASSERT_TRUE(QTest::qWaitFor([&] { return process.canReadLine(); }, 20'000));
+        const QJsonObject snapshot = QJsonDocument::fromJson(process.readLine()).object();
+        EXPECT_EQ(snapshot[QStringLiteral("message")].toString(), QStringLiteral("等待进入竞技场选卡界面…"));
+        EXPECT_EQ(snapshot[QStringLiteral("title")].toString(), QStringLiteral("Pelloran · 竞技场"));
+        EXPECT_EQ(snapshot[QStringLiteral("phase")].toString(), QStringLiteral("idle"));
+        ::kill(static_cast<pid_t>(process.processId()), signal);
+        ASSERT_TRUE(process.waitForFinished(20'000));
+        EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+        EXPECT_EQ(process.exitCode(), 0);
+        const QByteArray diagnostics = process.readAllStandardError();
+        EXPECT_TRUE(diagnostics.contains("invented")) << "sample figures are announced";
+        EXPECT_TRUE(diagnostics.contains("[Pelloran] boot cards=")) << diagnostics.toStdString();
+    }
+}
+
+TEST_F(ProgramTest, TellsOfTheMissingWindowWithoutADisplay) {
+    write("logs/Hearthstone_1/Arena.log", "D 1 SetDraftMode - DRAFTING\n");
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    process.start(program, {QStringLiteral("--logs-dir"), path("logs")});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return process.canReadLine(); }, 20'000));
+    const QJsonObject snapshot = QJsonDocument::fromJson(process.readLine()).object();
+    EXPECT_EQ(snapshot[QStringLiteral("message")].toString(),
+              QStringLiteral("In Arena, but Hearthstone window not found"));
+    EXPECT_TRUE(snapshot[QStringLiteral("inDraft")].toBool());
+    process.terminate();
+    EXPECT_TRUE(process.waitForFinished(20'000));
+}
+
+TEST_F(ProgramTest, OutlivesTheReaderOfItsLines) {
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    process.start(program, {QStringLiteral("--logs-dir"), path("logs")});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return process.canReadLine(); }, 20'000));
+    process.closeReadChannel(QProcess::StandardOutput);
+    EXPECT_FALSE(process.waitForFinished(2'500)) << "two more ticks have met the closed pipe";
+    process.terminate();
+    ASSERT_TRUE(process.waitForFinished(20'000));
+    EXPECT_EQ(process.exitCode(), 0);
+}
+
+TEST_F(ProgramTest, ReadsTheStoredDraftsAsTheyWere) {
+    SKIP_WITHOUT_SHARED_DATA("logs");
+    const QDir cases(testing::sharedData(QStringLiteral("logs")));
+    const QStringList names = cases.entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    ASSERT_FALSE(names.isEmpty());
+    for (const QString& name : names) {
+        SCOPED_TRACE(name.toStdString());
+        QFile file(cases.filePath(name + QStringLiteral("/expected.json")));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        QJsonObject expected = QJsonDocument::fromJson(file.readAll()).object()[QStringLiteral("expected")].toObject();
+        if (const QString session = expected[QStringLiteral("sessionDir")].toString(); !session.isEmpty()) {
+            expected[QStringLiteral("sessionDir")] = QString(cases.filePath(name) + u'/' + session);
+        }
+        const auto lines =
+            run({QStringLiteral("draft-state"), QStringLiteral("--logs-dir"), cases.filePath(name)}).lines();
+        ASSERT_EQ(lines.size(), 1U);
+        EXPECT_EQ(lines[0], expected);
+    }
+}
+
+} // namespace
+} // namespace pelloran
