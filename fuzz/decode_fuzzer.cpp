@@ -45,6 +45,7 @@ void search(const ClassWinrateFile& file) {
 
 } // namespace
 
+// NOLINTNEXTLINE(readability-identifier-naming): the name is libFuzzer's.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
     if (const auto file = WinrateFile::decode(bytes)) {

@@ -31,6 +31,7 @@ std::vector<CardName> cardNames(const QStringList& originals) {
 
 CardNameIndex indexOf(const std::vector<CardName>& names) {
     std::vector<QString> norms;
+    norms.reserve(names.size());
     for (const CardName& name : names) {
         norms.push_back(name.norm);
     }

@@ -306,11 +306,12 @@ TEST(Records, HashByTheirFields) {
 }
 
 class DisplayNames : public ::testing::Test {
-protected:
+public:
     DisplayNames() { AppLanguage::configure(&defaults, &settings); }
 
     ~DisplayNames() override { AppLanguage::configure(nullptr, nullptr); }
 
+protected:
     testing::FakeUserDefaults defaults;
     testing::FakeSystemSettings settings;
 };

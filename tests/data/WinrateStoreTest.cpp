@@ -18,11 +18,12 @@ namespace pelloran {
 namespace {
 
 class WinrateStoreTest : public ::testing::Test {
-protected:
+public:
     WinrateStoreTest() { AppLanguage::configure(&defaults, &settings); }
 
     ~WinrateStoreTest() override { AppLanguage::configure(nullptr, nullptr); }
 
+protected:
     // Below the folder that stands for everything; returns the path.
     QString write(const QString& relative, const QByteArray& content) const {
         const QString path = folder.filePath(relative);
