@@ -13,6 +13,11 @@ if(PELLORAN_SANITIZERS)
     -fsanitize=${PELLORAN_SANITIZERS} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   target_link_options(pelloran_options INTERFACE -fsanitize=${PELLORAN_SANITIZERS})
 endif()
+if(PELLORAN_FUZZERS)
+  # The fuzz targets see only the branches of what is built to report them.
+  target_compile_options(pelloran_options INTERFACE -fsanitize=fuzzer-no-link)
+  target_link_options(pelloran_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
 
 # pelloran_library(NAME [MOC] SOURCES file... LINKS library...)
 # MOC where a header has Q_OBJECT. The list of links is the architecture: a library sees only what it lists.

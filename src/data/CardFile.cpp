@@ -43,7 +43,7 @@ std::expected<CardFile, DataError> CardFile::decode(const QByteArray& json, cons
     const QJsonObject object = parsed->toObject();
     file.isSample = object.value("time_range"_L1).toString() == "SAMPLE"_L1;
 
-    if (auto standard = WinrateFile::decode(*parsed); standard && !standard->cards.empty()) {
+    if (auto standard = WinrateFile::fromJson(*parsed); standard && !standard->cards.empty()) {
         file.rows = std::move(standard->cards);
         file.description = standard->playerClass.value_or(u"?"_s) + u" / "_s + standard->timeRange.value_or(u"?"_s);
         return file;

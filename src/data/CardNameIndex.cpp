@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
-#include <limits>
+#include <span>
 
 namespace pelloran {
 

@@ -8,7 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <span>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 

@@ -4,8 +4,6 @@
 #include <QTextBoundaryFinder>
 
 #include <algorithm>
-#include <array>
-#include <ranges>
 #include <vector>
 
 namespace pelloran {

@@ -316,7 +316,7 @@ std::expected<WinrateFile, DataError> WinrateFile::decode(const QByteArray& json
     return decodeAs<WinrateFile>(json);
 }
 
-std::expected<WinrateFile, DataError> WinrateFile::decode(const QJsonValue& value) {
+std::expected<WinrateFile, DataError> WinrateFile::fromJson(const QJsonValue& value) {
     return decodeAs<WinrateFile>(value);
 }
 

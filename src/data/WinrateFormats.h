@@ -62,7 +62,7 @@ struct WinrateFile {
     std::vector<CardStats> cards;
 
     static std::expected<WinrateFile, DataError> decode(const QByteArray& json);
-    static std::expected<WinrateFile, DataError> decode(const QJsonValue& value);
+    static std::expected<WinrateFile, DataError> fromJson(const QJsonValue& value);
     QByteArray encode() const;
 
     bool operator==(const WinrateFile&) const = default;

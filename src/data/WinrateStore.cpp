@@ -15,7 +15,7 @@ namespace pelloran {
 namespace {
 
 // Far above any real file (about 4 MB), far below what would hurt.
-constexpr qint64 largestFile = 64 * 1024 * 1024;
+constexpr qint64 largestFile = 64LL * 1024 * 1024;
 
 // One of the two data files and where it may lie.
 struct Search {
@@ -54,7 +54,7 @@ Search classFileSearch() {
 
 std::optional<QString> firstIn(const QString& folder, const QStringList& relativePaths) {
     for (const QString& relative : relativePaths) {
-        const QString path = folder + u'/' + relative;
+        QString path = folder + u'/' + relative;
         if (QFileInfo(path).isFile()) {
             return path;
         }
@@ -99,7 +99,7 @@ std::expected<QByteArray, DataError> readFile(const QString& path) {
     if (!file.open(QFile::ReadOnly)) {
         return failed(file.errorString());
     }
-    const QByteArray bytes = file.read(largestFile + 1);
+    QByteArray bytes = file.read(largestFile + 1);
     if (file.error() != QFile::NoError) {
         return failed(file.errorString());
     }
@@ -133,7 +133,7 @@ WinrateStore::Loaded WinrateStore::loadFromBundle() {
     cardsSource = *cardFile;
     // Heroes without figures are a smaller loss than no draft help at all.
     if (const auto classFile = resolveFirstExisting(classFileSearch(), files)) {
-        static_cast<void>(loadClasses(*classFile));
+        [[maybe_unused]] const Loaded discarded = loadClasses(*classFile);
     }
     return {};
 }
@@ -165,14 +165,15 @@ WinrateStore::Loaded WinrateStore::loadClasses(const QString& path) {
 }
 
 void WinrateStore::applyCards(const CardFile& file) {
+    const std::size_t mostNames = 2 * file.rows.size();
     cards.clear();
     cards.reserve(file.rows.size());
     cardNames.clear();
-    cardNames.reserve(2 * file.rows.size());
+    cardNames.reserve(mostNames);
     std::vector<QString> norms;
-    norms.reserve(2 * file.rows.size());
+    norms.reserve(mostNames);
     QSet<QString> known;
-    known.reserve(static_cast<qsizetype>(2 * file.rows.size()));
+    known.reserve(static_cast<qsizetype>(mostNames));
     for (const CardStats& row : file.rows) {
         cards.try_emplace(row.cardId, row);
         for (const auto& name : {row.nameZh, row.nameEn}) {

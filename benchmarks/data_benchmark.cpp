@@ -1,0 +1,179 @@
+#include "data/NameMatchingReference.h"
+#include "data/WinrateStore.h"
+#include "fakes/FakeApplicationFiles.h"
+
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+
+#include <benchmark/benchmark.h>
+
+#include <cstdlib>
+#include <random>
+
+using namespace Qt::StringLiterals;
+
+namespace pelloran {
+
+namespace {
+
+// The names of the shared test data in a card file with figures made up for the purpose, as they would come from a
+// server; a store that holds it; and the lines of a screen.
+struct Setting {
+    QTemporaryDir folder;
+    testing::FakeApplicationFiles files{folder.path()};
+    QString cardFile = folder.filePath(u"cards.json"_s);
+    WinrateStore store{files};
+    bool available = false;
+
+    Setting() {
+        QFile source(QStringLiteral(PELLORAN_TEST_DATA "/cards.json"));
+        if (!source.open(QFile::ReadOnly)) {
+            return;
+        }
+        auto rows = decodeCards(source.readAll());
+        if (!rows) {
+            return;
+        }
+        std::mt19937 random(1);
+        const auto figure = [&random] { return std::round(static_cast<double>(random() % 100'000)) / 1000; };
+        for (CardStats& row : *rows) {
+            row.deckWinRate = figure();
+            row.drawnWinRate = figure();
+            row.playedWinRate = figure();
+            row.popularity = figure();
+            row.avgCopiesInDeck = figure();
+            row.numGames = static_cast<qint64>(random() % 1'000'000);
+        }
+        const WinrateFile file{u"ALL"_s, u"LAST_7_DAYS"_s, {}, {}, *rows};
+        QFile target(cardFile);
+        available = target.open(QFile::WriteOnly) && target.write(file.encode()) > 0;
+        target.close();
+        available = available && store.loadCards(cardFile).has_value();
+    }
+};
+
+Setting& setting() {
+    static Setting shared;
+    return shared;
+}
+
+bool skipped(benchmark::State& state) {
+    if (!setting().available) {
+        state.SkipWithError("needs cards.json of the shared test data");
+    }
+    return !setting().available;
+}
+
+// Twelve lines as a reader gives them: three offers among rules texts, numbers and deck entries.
+const QStringList& typicalScreen() {
+    static const QStringList lines{u"Choose a card"_s,
+                                   u"Fireball"_s,
+                                   u"Deal 6 damage."_s,
+                                   u"4"_s,
+                                   u"Flame Lance"_s,
+                                   u"Deal 25 damage to a minion."_s,
+                                   u"5"_s,
+                                   u"Effigy"_s,
+                                   u"Secret: When a friendly minion dies"_s,
+                                   u"Arcane Blast"_s,
+                                   u"2 x Frostbolt"_s,
+                                   u"12 / 30"_s};
+    return lines;
+}
+
+// Nothing to stop early for: every line is near some name or other and equal to none.
+const QStringList& misreadScreen() {
+    static const QStringList lines{u"Firebxll"_s,       u"Flamo Lamce"_s,  u"Arcame Blasf"_s, u"Dalaran Aspramt"_s,
+                                   u"Coldanra Drske"_s, u"Spelslimger"_s,  u"Fallan Heno"_s,  u"Polymonph: Boan"_s,
+                                   u"奥木冲去"_s,       u"达拉燃铁骑土"_s, u"考达拉纺龙"_s,   u"暴躁的牧羊入"_s};
+    return lines;
+}
+
+// Sixteen letters each, the most that is looked at, and hardly a match: what costs most.
+const QStringList& worstScreen() {
+    static const QStringList lines{u"taerinoslcdhumgp"_s, u"ratesinoldchumpg"_s, u"aeiournstlcdmghb"_s,
+                                   u"stoneraildemachu"_s, u"eartaeoinslrdtec"_s, u"inaresteolardneh"_s,
+                                   u"sartelinodaresit"_s, u"enotarisedlahcre"_s, u"orianeltsedarcta"_s,
+                                   u"lerdanosietrachm"_s, u"tirenaosledarnth"_s, u"draneotsilareche"_s};
+    return lines;
+}
+
+void matchName(benchmark::State& state, const QStringList& lines) {
+    if (skipped(state)) {
+        return;
+    }
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(setting().store.matchName(lines));
+    }
+}
+
+// As a screen is read: each line is matched by itself.
+void matchNameLineByLine(benchmark::State& state, const QStringList& lines) {
+    if (skipped(state)) {
+        return;
+    }
+    for (auto _ : state) {
+        for (const QString& line : lines) {
+            benchmark::DoNotOptimize(setting().store.matchName({line}));
+        }
+    }
+}
+
+void matchNamePlainly(benchmark::State& state, const QStringList& lines) {
+    if (skipped(state)) {
+        return;
+    }
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(reference::matchName(setting().store.names(), lines));
+    }
+}
+
+void matchNamePlainlyPrepared(benchmark::State& state, const QStringList& lines) {
+    if (skipped(state)) {
+        return;
+    }
+    reference::PreparedNames names(setting().store.names());
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(names.matchName(lines));
+    }
+}
+
+void loadCards(benchmark::State& state) {
+    if (skipped(state)) {
+        return;
+    }
+    for (auto _ : state) {
+        WinrateStore store(setting().files);
+        if (!store.loadCards(setting().cardFile)) {
+            std::abort();
+        }
+    }
+}
+
+void normalize(benchmark::State& state, const QString& text) {
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(WinrateStore::normalize(text));
+    }
+}
+
+BENCHMARK_CAPTURE(matchName, typicalScreen, typicalScreen())->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(matchName, misreadScreen, misreadScreen())->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(matchName, worstScreen, worstScreen())->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(matchNameLineByLine, typicalScreen, typicalScreen())->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(matchNameLineByLine, misreadScreen, misreadScreen())->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(matchNameLineByLine, worstScreen, worstScreen())->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(matchNamePlainly, typicalScreen, typicalScreen())->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK_CAPTURE(matchNamePlainly, misreadScreen, misreadScreen())->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK_CAPTURE(matchNamePlainlyPrepared, misreadScreen, misreadScreen())->Unit(benchmark::kMillisecond);
+BENCHMARK(loadCards)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(normalize, English, u"Deal 4 damage to a Minion."_s);
+BENCHMARK_CAPTURE(normalize, Chinese, u"暴躁的牧羊人（4）"_s);
+
+} // namespace
+
+} // namespace pelloran
+
+BENCHMARK_MAIN();

@@ -1,0 +1,63 @@
+// Any bytes as a card file, in each of its shapes, and as a class file. What decodes has to survive encoding, and its
+// names have to be found by the search that they were given to.
+
+#include "data/CardFile.h"
+#include "data/CardNameIndex.h"
+#include "data/ClassNameIndex.h"
+
+#include <cstdlib>
+
+namespace {
+
+using namespace pelloran;
+
+void require(bool holds) {
+    if (!holds) {
+        std::abort();
+    }
+}
+
+void search(const std::vector<CardStats>& cards) {
+    std::vector<QString> norms;
+    QStringList lines;
+    for (const CardStats& card : cards) {
+        lines += card.displayName(AppLanguage::en);
+        norms.push_back(NameMatching::normalize(lines.last()));
+    }
+    const CardNameIndex index(norms);
+    for (const QString& line : lines) {
+        const auto hit = index.bestMatch({line});
+        require(!hit || hit->score == NameMatching::scoreName(line, norms[hit->entry]));
+    }
+    index.bestMatch(lines);
+}
+
+void search(const ClassWinrateFile& file) {
+    ClassNameIndex::ClassesByKey classes;
+    for (const ClassWinrateRow& row : file.classes) {
+        classes.insert_or_assign(row.playerClass.toUpper(), row);
+    }
+    const ClassNameIndex index(classes);
+    for (const QString& line : index.exactLines()) {
+        require(index.bestMatch({line}).has_value());
+    }
+}
+
+} // namespace
+
+// NOLINTNEXTLINE(readability-identifier-naming): the name is libFuzzer's.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
+    if (const auto file = WinrateFile::decode(bytes)) {
+        require(WinrateFile::decode(file->encode()) == file);
+    }
+    if (const auto file = CardFile::decode(bytes, QStringLiteral("fuzz.json"))) {
+        require(!file->rows.empty());
+        search(file->rows);
+    }
+    if (const auto file = ClassWinrateFile::decode(bytes)) {
+        require(ClassWinrateFile::decode(file->encode()) == file);
+        search(*file);
+    }
+    return 0;
+}

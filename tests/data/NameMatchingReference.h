@@ -1,0 +1,43 @@
+#pragma once
+
+#include "data/ClassNameIndex.h"
+#include "data/WinrateStore.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <map>
+#include <optional>
+#include <vector>
+
+// The matching of names written down as plainly as it can be said: what the fast one has to agree with, bit by bit, and
+// what its speed is measured against. Shares no code with it.
+namespace pelloran::reference {
+
+QString normalize(const QString& text);
+bool isPlausibleName(const QString& text);
+std::size_t lcsLength(const QString& a, const QString& b);
+double scoreName(const QString& query, const QString& targetNorm);
+
+// Normalises and takes apart each line and each name again for every pair.
+std::optional<CardMatch> matchName(const std::vector<CardName>& names, const QStringList& lines);
+
+std::optional<ClassMatch> matchClass(const ClassNameIndex::ClassesByKey& classes, const QStringList& lines);
+
+// matchName with every name and line normalised and taken apart once, and characters numbered: scores every pair all
+// the same, but in time for tests of many lines.
+class PreparedNames {
+public:
+    explicit PreparedNames(const std::vector<CardName>& cardNames);
+
+    std::optional<CardMatch> matchName(const QStringList& lines);
+
+private:
+    std::vector<int> numbered(const QString& text);
+
+    const std::vector<CardName>& names;
+    std::map<QString, int> numbers;
+    std::vector<std::vector<int>> split;
+};
+
+} // namespace pelloran::reference
