@@ -19,6 +19,7 @@ QByteArray logOf(QByteArrayView input) {
 
 } // namespace
 
+// NOLINTNEXTLINE(readability-identifier-naming): the name libFuzzer calls
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const QByteArray log = logOf({reinterpret_cast<const char*>(data), static_cast<qsizetype>(size)});
     pelloran::DraftState fast;

@@ -17,11 +17,12 @@ namespace pelloran {
 namespace {
 
 class Language : public ::testing::Test {
-protected:
+public:
     Language() { AppLanguage::configure(&defaults, &settings); }
 
     ~Language() override { AppLanguage::configure(nullptr, nullptr); }
 
+protected:
     std::optional<QString> stored() const { return defaults.string(u"pelloran.language"_s); }
 
     testing::FakeUserDefaults defaults;

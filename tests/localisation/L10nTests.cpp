@@ -18,9 +18,10 @@ namespace pelloran {
 namespace {
 
 class L10nTexts : public ::testing::Test {
-protected:
+public:
     ~L10nTexts() override { AppLanguage::configure(nullptr, nullptr); }
 
+protected:
     static QString in(AppLanguage language, const QString& key) {
         AppLanguage::overridePreference(language);
         return L10n::tr(key);

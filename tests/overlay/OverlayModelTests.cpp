@@ -26,6 +26,7 @@ constexpr double infinite = std::numeric_limits<double>::infinity();
 // One tile per row, one metric of `kind` in each.
 std::vector<OverlayCardViewModel> tilesOf(MetricKind kind, const std::vector<Number>& values) {
     std::vector<OverlayCardViewModel> tiles;
+    tiles.reserve(values.size());
     for (const Number& value : values) {
         tiles.push_back({u"L"_s, u"x"_s, {}, {{kind, value}}, true});
     }
