@@ -51,9 +51,11 @@ struct Line {
 // what matches in the whole text.
 Line lineAround(Bytes text, std::size_t place) {
     const auto endsLine = [](char byte) { return byte == '\n' || byte == '\r'; };
-    const auto end = std::find_if(text.begin() + place, text.end(), endsLine);
-    const auto begin = std::find_if(text.rbegin() + (text.size() - place), text.rend(), endsLine);
-    return {static_cast<std::size_t>(text.rend() - begin), static_cast<std::size_t>(end - text.begin())};
+    const Bytes before = text.substr(0, place);
+    const auto begin = std::find_if(before.rbegin(), before.rend(), endsLine);
+    const Bytes after = text.substr(place);
+    const auto end = std::find_if(after.begin(), after.end(), endsLine);
+    return {static_cast<std::size_t>(before.rend() - begin), place + static_cast<std::size_t>(end - after.begin())};
 }
 
 QString decoded(Bytes text, Line line) {

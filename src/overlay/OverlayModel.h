@@ -65,6 +65,8 @@ private:
 // How a figure compares with the same figure of the other offers.
 enum class MetricHighlight { high, low, normal };
 
+// A value that is no number equals nothing, itself included, and is never marked; no data file can hold one. It is
+// written as printf writes it, like every other value.
 struct MetricValue {
     MetricKind kind = MetricKind::deckWinRate;
     std::optional<double> value; // in the unit of the data files: percentages from 0 to 100; absent: not known

@@ -113,8 +113,8 @@ QString Argument::toString() const {
 QString tr(QStringView key) {
     for (const AppLanguage language :
          {AppLanguage::resolvedPreference(), AppLanguage(AppLanguage::en), AppLanguage(AppLanguage::zh)}) {
-        const Table& texts = table(language);
-        if (const auto found = texts.constFind(key); found != texts.constEnd()) {
+        const Table& known = table(language);
+        if (const auto found = known.constFind(key); found != known.constEnd()) {
             return found->toString();
         }
     }
