@@ -6,6 +6,7 @@
 #include <array>
 #include <cmath>
 #include <numeric>
+#include <tuple>
 
 namespace pelloran {
 
@@ -13,9 +14,20 @@ namespace {
 
 // Lengths and areas are in pixels of a window 1080 pixels high.
 constexpr double brightnessRank = 0.75;   // of stroke pixels that are darker than what counts as the line's brightness
+constexpr double letterReach = 6;         // half the widest stroke of a letter, with room
+constexpr double leastContrast = 0.35;    // of the line's brightness: between a letter and its outline
+constexpr double leastRelief = 0.20;      // of the line's brightness: ribbons are as light, but broad
 constexpr double speckArea = 5;           // sparks and grain; the dot of an i has 10 and more
+constexpr double widestLetter = 75;       // several that touch; longer ones are strips of ribbon
+constexpr double longestLetterRun = 44;   // the Chinese one is a single stroke as wide as the character
+constexpr double brightInk = 0.75;        // of the line's brightness
+constexpr double leastBrightShare = 0.15; // of a letter's pixels in bright ink; remains of ribbon have none
+constexpr double sparkShare = 0.25;       // of the middle letter's area; smaller is punctuation or a spark
+constexpr double sparkDistance = 4;       // punctuation keeps closer to its letter
+constexpr double dimInk = 0.38;           // of the line's brightness: thin strokes
+constexpr double dimInkReach = 2.5;       // from brighter ink
 constexpr double leastStrokeShare = 0.25; // of a letter's pixels in detected strokes; blots of light have fewer
-constexpr double paleInk = 0.40;          // of the line's brightness: ink begins, so that edges stay soft
+constexpr double paleInk = 0.25;          // of the line's brightness: ink begins, so that edges stay soft
 constexpr double fullInk = 0.90;          // of the line's brightness
 constexpr double steepest = 0.22;         // slope of a wave on a ribbon
 constexpr double roundest = 0.001;        // bend per square of half the width
@@ -29,6 +41,7 @@ constexpr int narrowestPicture = 16;      // pixels
 struct Blob {
     int area = 0;
     int strokePixels = 0;
+    int brightPixels = 0;
     int left = 1 << 30;
     int top = 1 << 30;
     int right = -1;
@@ -36,7 +49,7 @@ struct Blob {
 };
 
 // Connected groups of pixels of `lit`, numbered from 1 in `numbers`.
-std::vector<Blob> blobsOf(const Plane& lit, const Plane& mask, std::vector<int>& numbers) {
+std::vector<Blob> blobsOf(const Plane& lit, const Plane& mask, const Plane& bright, std::vector<int>& numbers) {
     std::vector<Blob> blobs(1);
     numbers.assign(lit.pixels.size(), 0);
     std::vector<int> pending;
@@ -55,6 +68,7 @@ std::vector<Blob> blobsOf(const Plane& lit, const Plane& mask, std::vector<int>&
             pending.pop_back();
             ++blob.area;
             blob.strokePixels += mask.pixels[std::size_t(place)];
+            blob.brightPixels += bright.pixels[std::size_t(place)];
             blob.left = std::min(blob.left, x);
             blob.right = std::max(blob.right, x);
             blob.top = std::min(blob.top, y);
@@ -80,8 +94,42 @@ bool isLetter(const Blob& blob, const Plane& plane, const QRect& box, double uni
     const int middleX = (blob.left + blob.right) / 2;
     const int middleY = (blob.top + blob.bottom) / 2;
     return !runsOut && blob.area >= speckArea * unit * unit && blob.strokePixels >= leastStrokeShare * blob.area &&
+           blob.brightPixels >= leastBrightShare * blob.area && blob.right - blob.left <= widestLetter * unit &&
            middleY >= box.top() && middleY <= box.bottom() && middleX >= box.left() - 4 * unit &&
            middleX <= box.right() + 4 * unit;
+}
+
+// Sparks far from every letter: small, and with nothing above or below them as the dot of an i has.
+void removeSparks(const std::vector<Blob>& blobs, std::vector<std::uint8_t>& isLetterBlob, double unit) {
+    std::vector<int> areas;
+    for (std::size_t i = 0; i < blobs.size(); ++i) {
+        if (isLetterBlob[i]) {
+            areas.push_back(blobs[i].area);
+        }
+    }
+    if (areas.empty()) {
+        return;
+    }
+    std::ranges::nth_element(areas, areas.begin() + std::ptrdiff_t(areas.size() / 2));
+    const double small = sparkShare * areas[areas.size() / 2];
+    std::vector<std::size_t> sparks;
+    for (std::size_t i = 0; i < blobs.size(); ++i) {
+        if (!isLetterBlob[i] || blobs[i].area >= small) {
+            continue;
+        }
+        bool alone = true;
+        for (std::size_t k = 0; k < blobs.size(); ++k) {
+            alone &= !isLetterBlob[k] || blobs[k].area < small ||
+                     blobs[i].left - blobs[k].right > sparkDistance * unit ||
+                     blobs[k].left - blobs[i].right > sparkDistance * unit;
+        }
+        if (alone) {
+            sparks.push_back(i);
+        }
+    }
+    for (const std::size_t spark : sparks) {
+        isLetterBlob[spark] = 0;
+    }
 }
 
 // The line's own brightness: of its strokes, most of which are letters.
@@ -117,13 +165,13 @@ public:
             total += pixel;
         }
         const std::size_t every = total / mostSamples + 1;
-        best.middle = (area.left() + area.right()) / 2.0;
+        best.centre = (area.left() + area.right()) / 2.0;
         best.half = std::max(1.0, area.width() / 2.0);
         std::size_t seen = 0;
         for (int x = 0; x < kept.width; ++x) {
             for (int y = 0; y < kept.height; ++y) {
                 if (kept.at(x, y) && seen++ % every == 0) {
-                    samples.push_back({float((x - best.middle) / best.half), float(y + kept.height)});
+                    samples.push_back({float((x - best.centre) / best.half), float(y + kept.height)});
                 }
             }
         }
@@ -147,6 +195,7 @@ public:
             }
         }
         best = winner;
+        limits = {slopeLimit, bendLimit, waveLimit};
         refine(slopeLimit / 3, bendLimit / 3, waveLimit / 2, unit);
         return best;
     }
@@ -177,7 +226,17 @@ private:
         best = winner;
     }
 
+    struct Limits {
+        double slope = 1e9;
+        double bend = 1e9;
+        double wave = 1e9;
+    };
+
     void consider(const Arch& arch) {
+        if (std::abs(arch.slope) > limits.slope || std::abs(arch.bend) > limits.bend ||
+            std::abs(arch.wave) > limits.wave) {
+            return;
+        }
         const double value = sharpness(arch);
         if (value > bestSharpness || !decided) {
             bestSharpness = value;
@@ -203,6 +262,7 @@ private:
         return sum;
     }
 
+    Limits limits;
     std::vector<Sample> samples;
     std::vector<int> rows;
     Arch best;
@@ -211,19 +271,69 @@ private:
     bool decided = false;
 };
 
-// Ink by rows of the straightened line, the first of them `height` rows above the plane.
-std::vector<double> rowInk(const Plane& kept, const Arch& arch) {
-    std::vector<double> rows(std::size_t(3 * kept.height));
+// Where a pixel of the line comes to stand once the line is straight, its middle at 0.
+QPointF straightened(const Arch& arch, double x, double y) {
+    const double offset = y - arch.at(x) - arch.level;
+    return {x + arch.turn * offset * arch.slopeAt(x), offset};
+}
+
+// Ink by rows and by columns of the straightened line; the first row is `rowOrigin` above its middle.
+struct Profile {
+    std::vector<double> rows;
+    std::vector<double> columns;
+    int rowOrigin = 0;
+    int columnOrigin = 0;
+};
+
+Profile profileOf(const Plane& kept, const Arch& arch) {
+    Profile profile;
+    profile.rowOrigin = 2 * kept.height;
+    profile.columnOrigin = kept.height;
+    profile.rows.resize(std::size_t(4 * kept.height));
+    profile.columns.resize(std::size_t(kept.width + 2 * kept.height));
+    const auto add = [](std::vector<double>& bins, double at) {
+        const auto last = std::ptrdiff_t(bins.size()) - 1;
+        bins[std::size_t(std::clamp<std::ptrdiff_t>(std::lround(at), 0, last))] += 1;
+    };
     for (int x = 0; x < kept.width; ++x) {
-        const double shift = arch.at(x);
         for (int y = 0; y < kept.height; ++y) {
             if (kept.at(x, y)) {
-                const auto row = std::ptrdiff_t(std::lround(y - shift)) + kept.height;
-                rows[std::size_t(std::clamp<std::ptrdiff_t>(row, 0, std::ptrdiff_t(rows.size()) - 1))] += 1;
+                const QPointF place = straightened(arch, x, y);
+                add(profile.rows, place.y() + profile.rowOrigin);
+                add(profile.columns, place.x() + profile.columnOrigin);
             }
         }
     }
-    return rows;
+    return profile;
+}
+
+double sharpness(const std::vector<double>& bins) {
+    return std::inner_product(bins.begin(), bins.end(), bins.begin(), 0.0);
+}
+
+// First bin with ink and the one after the last.
+std::pair<std::ptrdiff_t, std::ptrdiff_t> inkedRange(const std::vector<double>& bins) {
+    const auto inked = [](double ink) { return ink > 0; };
+    return {std::ranges::find_if(bins, inked) - bins.begin(),
+            std::find_if(bins.rbegin(), bins.rend(), inked).base() - bins.begin()};
+}
+
+QRect inkedArea(const Plane& kept) {
+    int left = kept.width;
+    int right = -1;
+    int top = kept.height;
+    int bottom = -1;
+    for (int y = 0; y < kept.height; ++y) {
+        for (int x = 0; x < kept.width; ++x) {
+            if (kept.at(x, y)) {
+                left = std::min(left, x);
+                right = std::max(right, x);
+                top = std::min(top, y);
+                bottom = y;
+            }
+        }
+    }
+    return {QPoint(left, top), QPoint(right, bottom)};
 }
 
 int countRows(const std::vector<double>& rows, double unit) {
@@ -288,52 +398,85 @@ std::optional<CleanLine> cleanLine(const Plane& plane, const QRect& box, double 
         return std::nullopt;
     }
 
+    const int reach = std::max(1, int(std::lround(letterReach * unit)));
+    const Plane floor = darkestAround(plane, reach);
+    const Plane opened = lightestAround(floor, reach);
     Plane lit(plane.width, plane.height);
     for (std::size_t i = 0; i < lit.pixels.size(); ++i) {
-        lit.pixels[i] = plane.pixels[i] >= cleaning.inkLevel * brightness;
+        const int value = plane.pixels[i];
+        lit.pixels[i] = value >= cleaning.inkLevel * brightness &&
+                        value - floor.pixels[i] >= leastContrast * brightness &&
+                        value - opened.pixels[i] >= leastRelief * brightness;
+    }
+    removeLongRuns(lit, int(longestLetterRun * unit));
+    Plane bright(plane.width, plane.height);
+    for (std::size_t i = 0; i < bright.pixels.size(); ++i) {
+        bright.pixels[i] = plane.pixels[i] >= brightInk * brightness;
     }
     std::vector<int> numbers;
-    const std::vector<Blob> blobs = blobsOf(lit, mask, numbers);
+    const std::vector<Blob> blobs = blobsOf(lit, mask, bright, numbers);
     std::vector<std::uint8_t> isLetterBlob(blobs.size());
-    QRect area;
     for (std::size_t number = 1; number < blobs.size(); ++number) {
-        const Blob& blob = blobs[number];
-        isLetterBlob[number] = isLetter(blob, plane, box, unit);
-        if (isLetterBlob[number]) {
-            area |= QRect(QPoint(blob.left, blob.top), QPoint(blob.right, blob.bottom));
+        isLetterBlob[number] = isLetter(blobs[number], plane, box, unit);
+    }
+    removeSparks(blobs, isLetterBlob, unit);
+    Plane kept(plane.width, plane.height);
+    for (std::size_t i = 0; i < kept.pixels.size(); ++i) {
+        kept.pixels[i] = isLetterBlob[std::size_t(numbers[i])];
+    }
+    // Thin strokes are dimmer than thick ones, but never far from them; what is dim further out is the ribbon.
+    for (int step = 0; step < int(std::lround(dimInkReach * unit)); ++step) {
+        const Plane wider = lightestAround(kept, 1);
+        for (std::size_t i = 0; i < kept.pixels.size(); ++i) {
+            const int value = plane.pixels[i];
+            kept.pixels[i] |= wider.pixels[i] && !numbers[i] && value >= dimInk * brightness &&
+                              value - floor.pixels[i] >= dimInk * brightness &&
+                              value - opened.pixels[i] >= leastRelief * brightness;
         }
     }
+    const QRect area = inkedArea(kept);
     if (area.isEmpty()) {
         return std::nullopt;
     }
 
     // Letters keep their soft edges: a ring of one pixel around them counts with what brightness it has.
-    Plane kept(plane.width, plane.height);
-    for (std::size_t i = 0; i < kept.pixels.size(); ++i) {
-        kept.pixels[i] = isLetterBlob[std::size_t(numbers[i])];
-    }
     const Plane ring = lightestAround(kept, 1);
     CleanLine line;
     line.ink = Plane(plane.width, plane.height);
     for (std::size_t i = 0; i < kept.pixels.size(); ++i) {
-        if (ring.pixels[i] && (kept.pixels[i] || !lit.pixels[i])) {
+        if (ring.pixels[i] && (kept.pixels[i] || !numbers[i])) {
             const double level = (double(plane.pixels[i]) / brightness - paleInk) / (fullInk - paleInk);
             line.ink.pixels[i] = std::uint8_t(std::lround(255 * std::clamp(level, 0.0, 1.0)));
         }
     }
 
     line.area = area;
-    line.arch.middle = (area.left() + area.right()) / 2.0;
+    line.arch.centre = (area.left() + area.right()) / 2.0;
     line.arch.half = std::max(1.0, area.width() / 2.0);
     if (cleaning.straighten) {
         line.arch = ArchSearch(kept, area).find(unit);
     }
-    const std::vector<double> rows = rowInk(kept, line.arch);
-    const auto inked = [](double ink) { return ink > 0; };
-    const auto top = std::ranges::find_if(rows, inked) - rows.begin();
-    const auto bottom = std::find_if(rows.rbegin(), rows.rend(), inked).base() - rows.begin();
-    line.letters = QRectF(area.left(), double(top - plane.height), area.width(), double(bottom - top));
-    line.rows = countRows(rows, unit);
+    Profile profile = profileOf(kept, line.arch);
+    auto [top, bottom] = inkedRange(profile.rows);
+    line.arch.level += double(top + bottom - 1) / 2 - profile.rowOrigin;
+    profile = profileOf(kept, line.arch);
+    if (cleaning.straighten) {
+        // Upright strokes fill single columns only if turned letters are turned back, and moved ones are not.
+        Arch turned = line.arch;
+        turned.turn = 1;
+        Profile turnedProfile = profileOf(kept, turned);
+        if (sharpness(turnedProfile.columns) > sharpness(profile.columns)) {
+            line.arch = turned;
+            profile = std::move(turnedProfile);
+        }
+    }
+    std::tie(top, bottom) = inkedRange(profile.rows);
+    const auto [left, right] = inkedRange(profile.columns);
+    line.letters = QRectF(double(left - profile.columnOrigin), double(top - profile.rowOrigin), double(right - left),
+                          double(bottom - top));
+    line.fill =
+        std::accumulate(profile.rows.begin(), profile.rows.end(), 0.0) / (line.letters.width() * line.letters.height());
+    line.rows = countRows(profile.rows, unit);
     line.runsPerColumn = runsPerColumn(kept);
     return line;
 }
@@ -347,11 +490,12 @@ Plane picture(const CleanLine& line, const PictureShape& shape) {
         for (int row = 0; row < shape.height; ++row) {
             double ink = 0;
             for (const double partX : {0.25, 0.75}) {
-                const double x = line.letters.left() - margin + (column + partX) / scale - 0.5;
-                const double shift = line.arch.at(x);
+                const double along = line.letters.left() - margin + (column + partX) / scale - 0.5;
+                const double middle = line.arch.at(along) + line.arch.level;
+                const double lean = line.arch.turn * line.arch.slopeAt(along);
                 for (const double partY : {0.25, 0.75}) {
-                    const double y = line.letters.top() - margin + (row + partY) / scale - 0.5 + shift;
-                    ink += sample(line.ink, x, y) / 4;
+                    const double offset = line.letters.top() - margin + (row + partY) / scale - 0.5;
+                    ink += sample(line.ink, along - offset * lean, middle + offset) / 4;
                 }
             }
             result.row(row)[column] = std::uint8_t(255 - std::lround(ink));

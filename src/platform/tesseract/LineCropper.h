@@ -9,34 +9,43 @@
 
 namespace pelloran {
 
-// Vertical displacement of a line's letters along the line, in pixels, downwards: a cubic of the distance from the
-// middle of the line.
+// How a line of letters runs: its middle stands below a straight line by a cubic of the distance from the line's
+// centre.
 struct Arch {
     double at(double x) const {
-        const double t = (x - middle) / half;
+        const double t = (x - centre) / half;
         return t * (slope + t * (bend + t * wave));
     }
 
-    double middle = 0;
-    double half = 1; // half the line's width
-    double slope = 0;
+    // Tangent at `x`.
+    double slopeAt(double x) const {
+        const double t = (x - centre) / half;
+        return (slope + t * (2 * bend + t * 3 * wave)) / half;
+    }
+
+    double centre = 0; // pixels
+    double half = 1;   // half the line's width, in pixels
+    double slope = 0;  // pixels at the line's ends
     double bend = 0;
     double wave = 0;
+    double level = 0; // y of the middle of the letters where the cubic is 0
+    double turn = 0;  // 1: every letter is turned with the line; 0: letters are only moved up and down
 };
 
 // How to tell letters from what is behind them; readings that fail are worth a second try with other values.
 struct Cleaning {
-    double inkLevel = 0.62; // of the line's own brightness: darker pixels are outline or background
+    double inkLevel = 0.60; // of the line's own brightness: darker pixels are outline or background
     bool straighten = true;
 };
 
 // The letters of one line, alone.
 struct CleanLine {
-    Plane ink;      // 0 (none) to 255; where it is depends on the plane it was cut from
-    Arch arch;      // by which the letters stand below the line's middle
-    QRectF letters; // box of the straightened letters within `ink`
-    QRect area;     // box of the letters as they stand, within `ink`
-    int rows = 0;   // lines of text one above the other; 1 for a name
+    Plane ink;       // 0 (none) to 255; where it is depends on the plane it was cut from
+    Arch arch;       // by which the letters stand below the line's middle
+    QRectF letters;  // box of the straightened letters within `ink`
+    QRect area;      // box of the letters as they stand, within `ink`
+    double fill = 0; // part of that box that is ink
+    int rows = 0;    // lines of text one above the other; 1 for a name
     double runsPerColumn =
         0; // strokes met on the way down a column with ink: below 2.3 in Latin text, above in Chinese
 };

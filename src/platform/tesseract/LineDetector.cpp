@@ -29,25 +29,6 @@ int pixels(double length, double unit) {
     return std::max(1, int(std::lround(length * unit)));
 }
 
-void removeLongRuns(Plane& mask, int longest) {
-    for (int y = 0; y < mask.height; ++y) {
-        std::uint8_t* row = mask.row(y);
-        for (int x = 0; x < mask.width;) {
-            if (!row[x]) {
-                ++x;
-                continue;
-            }
-            const int start = x;
-            while (x < mask.width && row[x]) {
-                ++x;
-            }
-            if (x - start > longest) {
-                std::fill(row + start, row + x, std::uint8_t(0));
-            }
-        }
-    }
-}
-
 // The cells of the grid that hold ink, with the gaps between neighbours in a row of cells filled.
 Plane inkedCells(const Plane& mask, int cell, int widestGapInCells) {
     Plane cells((mask.width + cell - 1) / cell, (mask.height + cell - 1) / cell);
@@ -128,12 +109,11 @@ bool looksLikeLine(const TextBox& box, double unit) {
            box.ink >= leastFill * box.area.width() * box.area.height();
 }
 
-// Names have the most ink of all lines on a card, and the blackest outlines.
+} // namespace
+
 double promise(const TextBox& box) {
     return box.ink * box.darkness * box.darkness;
 }
-
-} // namespace
 
 Plane strokes(const Plane& plane, double unit) {
     const int radius = std::max(1, int(std::lround(strokeReach * unit - 0.5)));
@@ -147,6 +127,25 @@ Plane strokes(const Plane& plane, double unit) {
     }
     removeLongRuns(mask, pixels(longestStroke, unit));
     return mask;
+}
+
+void removeLongRuns(Plane& mask, int longest) {
+    for (int y = 0; y < mask.height; ++y) {
+        std::uint8_t* row = mask.row(y);
+        for (int x = 0; x < mask.width;) {
+            if (!row[x]) {
+                ++x;
+                continue;
+            }
+            const int start = x;
+            while (x < mask.width && row[x]) {
+                ++x;
+            }
+            if (x - start > longest) {
+                std::fill(row + start, row + x, std::uint8_t(0));
+            }
+        }
+    }
 }
 
 std::vector<TextBox> detectLines(const Plane& plane, double unit) {

@@ -120,6 +120,14 @@ Plane lightness(const QImage& image, const QRect& area, ReadingHints::Lettering 
     return plane;
 }
 
+Plane part(const Plane& plane, const QRect& area) {
+    Plane result(area.width(), area.height());
+    for (int y = 0; y < result.height; ++y) {
+        std::copy_n(plane.row(area.top() + y) + area.left(), result.width, result.row(y));
+    }
+    return result;
+}
+
 Plane shrunk(const Plane& plane, int times) {
     Plane result = plane;
     for (int i = 0; i < times; ++i) {

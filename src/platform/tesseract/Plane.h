@@ -36,6 +36,9 @@ struct Plane {
 // not: the darkest of the three colour channels, for golden letters averaged with luma. Any format.
 Plane lightness(const QImage& image, const QRect& area, ReadingHints::Lettering lettering);
 
+// The pixels of `area`, which must lie within the plane.
+Plane part(const Plane& plane, const QRect& area);
+
 // Halves the plane `times` times, each pixel the mean of four.
 Plane shrunk(const Plane& plane, int times);
 
