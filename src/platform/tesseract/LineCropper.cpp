@@ -318,6 +318,18 @@ std::pair<std::ptrdiff_t, std::ptrdiff_t> inkedRange(const std::vector<double>& 
             std::find_if(bins.rbegin(), bins.rend(), inked).base() - bins.begin()};
 }
 
+// What the letters stand on: light things that are broad or run out of the plane, and all that hangs together with
+// them. The dark outlines keep the letters apart from it.
+Plane backdropOf(const Plane& plane, Plane broad) {
+    for (int y = 0; y < plane.height; ++y) {
+        broad.row(y)[0] = plane.at(0, y);
+        broad.row(y)[plane.width - 1] = plane.at(plane.width - 1, y);
+    }
+    std::copy_n(plane.row(0), plane.width, broad.row(0));
+    std::copy_n(plane.row(plane.height - 1), plane.width, broad.row(plane.height - 1));
+    return floodedFrom(std::move(broad), plane);
+}
+
 QRect inkedArea(const Plane& kept) {
     int left = kept.width;
     int right = -1;
@@ -400,13 +412,13 @@ std::optional<CleanLine> cleanLine(const Plane& plane, const QRect& box, double 
 
     const int reach = std::max(1, int(std::lround(letterReach * unit)));
     const Plane floor = darkestAround(plane, reach);
-    const Plane opened = lightestAround(floor, reach);
+    const Plane backdrop = backdropOf(plane, lightestAround(floor, reach));
     Plane lit(plane.width, plane.height);
     for (std::size_t i = 0; i < lit.pixels.size(); ++i) {
         const int value = plane.pixels[i];
         lit.pixels[i] = value >= cleaning.inkLevel * brightness &&
                         value - floor.pixels[i] >= leastContrast * brightness &&
-                        value - opened.pixels[i] >= leastRelief * brightness;
+                        value - backdrop.pixels[i] >= leastRelief * brightness;
     }
     removeLongRuns(lit, int(longestLetterRun * unit));
     Plane bright(plane.width, plane.height);
@@ -431,7 +443,7 @@ std::optional<CleanLine> cleanLine(const Plane& plane, const QRect& box, double 
             const int value = plane.pixels[i];
             kept.pixels[i] |= wider.pixels[i] && !numbers[i] && value >= dimInk * brightness &&
                               value - floor.pixels[i] >= dimInk * brightness &&
-                              value - opened.pixels[i] >= leastRelief * brightness;
+                              value - backdrop.pixels[i] >= leastRelief * brightness;
         }
     }
     const QRect area = inkedArea(kept);

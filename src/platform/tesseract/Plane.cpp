@@ -153,4 +153,41 @@ Plane lightestAround(const Plane& plane, int radius) {
     return extremeAround<Lightest>(plane, radius);
 }
 
+Plane floodedFrom(Plane seed, const Plane& plane) {
+    // Sweeps down and up alternately settle everything but spirals in two or three rounds.
+    const int width = plane.width;
+    const auto settle = [&](int x, int y, int fromX, int fromY) {
+        std::uint8_t& level = seed.row(y)[x];
+        const std::uint8_t reachable = std::min(seed.at(fromX, fromY), plane.at(x, y));
+        const bool rises = reachable > level;
+        level = std::max(level, reachable);
+        return rises;
+    };
+    bool changed = true;
+    while (changed) {
+        changed = false;
+        for (int y = 0; y < plane.height; ++y) {
+            for (int x = 0; x < width; ++x) {
+                if (y > 0) {
+                    changed |= settle(x, y, x, y - 1);
+                }
+                if (x > 0) {
+                    changed |= settle(x, y, x - 1, y);
+                }
+            }
+        }
+        for (int y = plane.height - 1; y >= 0; --y) {
+            for (int x = width - 1; x >= 0; --x) {
+                if (y + 1 < plane.height) {
+                    changed |= settle(x, y, x, y + 1);
+                }
+                if (x + 1 < width) {
+                    changed |= settle(x, y, x + 1, y);
+                }
+            }
+        }
+    }
+    return seed;
+}
+
 } // namespace pelloran

@@ -46,4 +46,8 @@ Plane shrunk(const Plane& plane, int times);
 Plane darkestAround(const Plane& plane, int radius);
 Plane lightestAround(const Plane& plane, int radius);
 
+// The plane without what is thin or enclosed: every pixel as light as can be kept on a way from it to a pixel of `seed`
+// over `plane` (grey reconstruction by dilation). `seed` is nowhere lighter than `plane`.
+Plane floodedFrom(Plane seed, const Plane& plane);
+
 } // namespace pelloran
