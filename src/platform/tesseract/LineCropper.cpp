@@ -13,18 +13,20 @@ namespace pelloran {
 namespace {
 
 // Lengths and areas are in pixels of a window 1080 pixels high.
-constexpr double brightnessRank = 0.75;   // of stroke pixels that are darker than what counts as the line's brightness
-constexpr double letterReach = 6;         // half the widest stroke of a letter, with room
-constexpr double leastContrast = 0.35;    // of the line's brightness: between a letter and its outline
-constexpr double leastRelief = 0.20;      // of the line's brightness: ribbons are as light, but broad
-constexpr double speckArea = 5;           // sparks and grain; the dot of an i has 10 and more
-constexpr double widestLetter = 75;       // several that touch; longer ones are strips of ribbon
+constexpr double brightnessRank = 0.75; // of stroke pixels that are darker than what counts as the line's brightness
+constexpr double letterReach = 6;       // half the widest stroke of a letter, with room
+constexpr double leastContrast = 0.35;  // of the line's brightness: between a letter and its outline
+constexpr double leastRelief = 0.20;    // of the line's brightness: ribbons are as light, but broad
+constexpr double speckArea = 5;         // sparks and grain; the dot of an i has 10 and more
+constexpr double uprightProof = 1;
+constexpr double lowestLetter = 12;
+constexpr double widestStrip = 48;        // several that touch; longer ones are strips of ribbon
 constexpr double longestLetterRun = 44;   // the Chinese one is a single stroke as wide as the character
 constexpr double brightInk = 0.75;        // of the line's brightness
 constexpr double leastBrightShare = 0.15; // of a letter's pixels in bright ink; remains of ribbon have none
 constexpr double sparkShare = 0.25;       // of the middle letter's area; smaller is punctuation or a spark
 constexpr double sparkDistance = 4;       // punctuation keeps closer to its letter
-constexpr double dimInk = 0.38;           // of the line's brightness: thin strokes
+constexpr double dimInk = 0.30;           // of the line's brightness: thin strokes
 constexpr double dimInkReach = 2.5;       // from brighter ink
 constexpr double leastStrokeShare = 0.25; // of a letter's pixels in detected strokes; blots of light have fewer
 constexpr double paleInk = 0.25;          // of the line's brightness: ink begins, so that edges stay soft
@@ -94,7 +96,8 @@ bool isLetter(const Blob& blob, const Plane& plane, const QRect& box, double uni
     const int middleX = (blob.left + blob.right) / 2;
     const int middleY = (blob.top + blob.bottom) / 2;
     return !runsOut && blob.area >= speckArea * unit * unit && blob.strokePixels >= leastStrokeShare * blob.area &&
-           blob.brightPixels >= leastBrightShare * blob.area && blob.right - blob.left <= widestLetter * unit &&
+           blob.brightPixels >= leastBrightShare * blob.area &&
+           !(blob.right - blob.left > widestStrip * unit && blob.bottom - blob.top < lowestLetter * unit) &&
            middleY >= box.top() && middleY <= box.bottom() && middleX >= box.left() - 4 * unit &&
            middleX <= box.right() + 4 * unit;
 }
@@ -465,22 +468,19 @@ std::optional<CleanLine> cleanLine(const Plane& plane, const QRect& box, double 
     line.area = area;
     line.arch.centre = (area.left() + area.right()) / 2.0;
     line.arch.half = std::max(1.0, area.width() / 2.0);
-    if (cleaning.straighten) {
-        line.arch = ArchSearch(kept, area).find(unit);
-    }
+    line.arch = ArchSearch(kept, area).find(unit);
     Profile profile = profileOf(kept, line.arch);
     auto [top, bottom] = inkedRange(profile.rows);
     line.arch.level += double(top + bottom - 1) / 2 - profile.rowOrigin;
     profile = profileOf(kept, line.arch);
-    if (cleaning.straighten) {
-        // Upright strokes fill single columns only if turned letters are turned back, and moved ones are not.
-        Arch turned = line.arch;
-        turned.turn = 1;
-        Profile turnedProfile = profileOf(kept, turned);
-        if (sharpness(turnedProfile.columns) > sharpness(profile.columns)) {
-            line.arch = turned;
-            profile = std::move(turnedProfile);
-        }
+    // Upright strokes fill single columns only if turned letters are turned back, and moved ones are not.
+    Arch turned = line.arch;
+    turned.turn = 1;
+    Profile turnedProfile = profileOf(kept, turned);
+    const bool seemTurned = sharpness(turnedProfile.columns) > uprightProof * sharpness(profile.columns);
+    if (seemTurned != cleaning.otherTurn) {
+        line.arch = turned;
+        profile = std::move(turnedProfile);
     }
     std::tie(top, bottom) = inkedRange(profile.rows);
     const auto [left, right] = inkedRange(profile.columns);

@@ -35,7 +35,7 @@ struct Arch {
 // How to tell letters from what is behind them; readings that fail are worth a second try with other values.
 struct Cleaning {
     double inkLevel = 0.60; // of the line's own brightness: darker pixels are outline or background
-    bool straighten = true;
+    bool otherTurn = false; // take letters for turned with the line where they seem only moved, and the other way round
 };
 
 // The letters of one line, alone.

@@ -24,8 +24,19 @@ constexpr double denseLetters = 2.3;     // strokes down a column: Chinese above
 constexpr double guessBonus = 0.15;      // in confidence, for the script that the shape of the letters suggests
 constexpr double fullestLine = 0.62;     // part of a line's box that is ink; more is the paper between dark letters
 
-// What to try on a line, one after the other, until its text is a known name.
-constexpr std::array cleanings{Cleaning{.inkLevel = 0.60}, Cleaning{.inkLevel = 0.48}, Cleaning{.inkLevel = 0.72}};
+// What to try on a line, one after the other, until its text is a known name. The network is easily thrown off: the
+// same letters a little larger or thinner are often read right.
+struct Attempt {
+    Cleaning cleaning;
+    double margin; // around the letters, as a multiple of the script's own
+};
+
+constexpr std::array attempts{
+    Attempt{{.inkLevel = 0.58, .otherTurn = false}, 1},
+    Attempt{{.inkLevel = 0.58, .otherTurn = true}, 1},
+    Attempt{{.inkLevel = 0.48, .otherTurn = false}, 0.65},
+    Attempt{{.inkLevel = 0.70, .otherTurn = false}, 1.45},
+};
 
 // The game keeps its proportions and is as tall as the window, unless that is narrower than 4:3.
 double unitOf(const QImage& image) {
@@ -108,6 +119,7 @@ private:
     const double unit;
     std::vector<Line> lines;
     std::optional<Script> script; // of this image
+    double margin = 1;            // of the attempt under way, as a multiple of the script's own
     std::size_t readings = 0;
 };
 
@@ -137,25 +149,27 @@ void Reading::findLines() {
 
 void Reading::cleanLines() {
     for (Line& line : lines) {
-        line.clean = cleanLine(line.crop, line.box.area.translated(-line.origin), unit, cleanings.front());
+        line.clean = cleanLine(line.crop, line.box.area.translated(-line.origin), unit, attempts.front().cleaning);
     }
     std::erase_if(
         lines, [](const Line& line) { return !line.clean || line.clean->rows != 1 || line.clean->fill > fullestLine; });
 }
 
 void Reading::readRow(const LineRow& row) {
+    margin = attempts.front().margin;
     readOnce(row);
     if (!hints.names) {
         return;
     }
-    for (std::size_t attempt = 1; attempt < cleanings.size() && readings < mostReadings; ++attempt) {
+    for (std::size_t attempt = 1; attempt < attempts.size() && readings < mostReadings; ++attempt) {
+        margin = attempts[attempt].margin;
         LineRow unknown;
         for (const std::size_t index : row) {
             if (lines[index].known) {
                 continue;
             }
             Line& line = lines[index];
-            auto clean = cleanLine(line.crop, line.box.area.translated(-line.origin), unit, cleanings[attempt]);
+            auto clean = cleanLine(line.crop, line.box.area.translated(-line.origin), unit, attempts[attempt].cleaning);
             if (clean && clean->rows == 1) {
                 line.clean = std::move(clean);
                 unknown.push_back(index);
@@ -199,7 +213,9 @@ void Reading::readOnce(const LineRow& row) {
 std::vector<LineReading> Reading::readWith(Script with, const LineRow& row) {
     std::vector<LineReader::Work> work;
     for (const std::size_t index : row) {
-        work.push_back({picture(*lines[index].clean, pictureShape(with)), with});
+        PictureShape shape = pictureShape(with);
+        shape.margin *= margin;
+        work.push_back({picture(*lines[index].clean, shape), with});
     }
     readings += work.size();
     return reader.read(work);
