@@ -32,10 +32,9 @@ struct Attempt {
 };
 
 constexpr std::array attempts{
-    Attempt{{.inkLevel = 0.58, .otherTurn = false}, 1},
-    Attempt{{.inkLevel = 0.58, .otherTurn = true}, 1},
-    Attempt{{.inkLevel = 0.48, .otherTurn = false}, 0.65},
-    Attempt{{.inkLevel = 0.70, .otherTurn = false}, 1.45},
+    Attempt{{.inkLevel = 0.58, .otherTurn = false}, 1},    Attempt{{.inkLevel = 0.58, .otherTurn = true}, 1},
+    Attempt{{.inkLevel = 0.48, .otherTurn = false}, 0.65}, Attempt{{.inkLevel = 0.70, .otherTurn = false}, 1.45},
+    Attempt{{.inkLevel = 0.58, .otherTurn = false}, 0.4},  Attempt{{.inkLevel = 0.58, .otherTurn = false}, 2},
 };
 
 // The game keeps its proportions and is as tall as the window, unless that is narrower than 4:3.
@@ -59,8 +58,8 @@ struct Line {
     Plane crop;
     QPoint origin; // of the crop, in the image
     std::optional<CleanLine> clean;
-    LineReading reading;
-    bool known = false; // the reading is one of the known names
+    std::vector<LineReading> readings; // different ones
+    bool known = false;                // the reading is one of the known names
 };
 
 // The lines of one image, read row by row.
@@ -203,9 +202,12 @@ void Reading::readOnce(const LineRow& row) {
     for (std::size_t i = 0; i < row.size(); ++i) {
         Line& line = lines[row[i]];
         const bool known = isKnown(results[i].text);
-        if (known || results[i].confidence > line.reading.confidence) {
-            line.reading = results[i];
+        if (known) {
+            line.readings = {results[i]};
             line.known = known;
+        } else if (!results[i].text.isEmpty() &&
+                   std::ranges::find(line.readings, results[i].text, &LineReading::text) == line.readings.end()) {
+            line.readings.push_back(results[i]);
         }
     }
 }
@@ -242,13 +244,12 @@ std::vector<OCRToken> Reading::tokensOf(const LineRow& row) const {
     std::vector<OCRToken> tokens;
     for (const std::size_t index : row) {
         const Line& line = lines[index];
-        if (line.reading.text.isEmpty()) {
-            continue;
-        }
         const QRectF box(line.clean->area.translated(line.origin));
-        tokens.push_back({line.reading.text, line.reading.confidence, box.center().x() / image.width(),
-                          box.center().y() / image.height(), box.width() / image.width(),
-                          box.height() / image.height()});
+        for (const LineReading& reading : line.readings) {
+            tokens.push_back({reading.text, reading.confidence, box.center().x() / image.width(),
+                              box.center().y() / image.height(), box.width() / image.width(),
+                              box.height() / image.height()});
+        }
     }
     return tokens;
 }
