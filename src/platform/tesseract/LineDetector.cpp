@@ -14,15 +14,16 @@ constexpr double strokeReach = 4.5;  // half the widest stroke, and how far a da
 constexpr int dimmestStroke = 110;   // letters are white or pale gold, also in shade
 constexpr int outlineContrast = 75;  // between a stroke and its outline; the grain of wood and cloth has less
 constexpr int strokeRelief = 45;     // by which a stroke stands out of the wider light things around it
-constexpr double longestStroke = 34; // horizontally; edges of ribbons and frames run on
+constexpr double longestStroke = 42; // horizontally; edges of ribbons and frames run on
 constexpr double cellSize = 3;       // strokes are counted on a coarse grid: gaps between letters span few cells
 constexpr int leastInkOfCell = 2;    // pixels; single ones are grain and sparks
-constexpr double widestGap = 20;     // between letters and words of a name
+constexpr double widestGap = 26;     // between letters and words of a name
 constexpr double lowestLine = 11;    // less is a row of sparks or an edge
 constexpr double tallestLine = 74;   // an arched name, with room
-constexpr double shortestLine = 22;  // one Chinese character
-constexpr double longestLine = 420;  // wider than any card
-constexpr double leastFill = 0.06;   // of a box by strokes; less is scattered light
+constexpr double heightOfNames = 36;
+constexpr double shortestLine = 22;   // one Chinese character
+constexpr double longestLine = 420;   // wider than any card
+constexpr double leastFill = 0.06;    // of a box by strokes; less is scattered light
 constexpr std::size_t mostLines = 12; // three offers have a name each, a second name and some rows of rules
 
 int pixels(double length, double unit) {
@@ -111,8 +112,9 @@ bool looksLikeLine(const TextBox& box, double unit) {
 
 } // namespace
 
-double promise(const TextBox& box) {
-    return box.ink * box.darkness * box.darkness;
+double promise(const TextBox& box, double unit) {
+    const double size = std::min(box.area.height() / unit, heightOfNames) / heightOfNames;
+    return box.ink * box.darkness * box.darkness * size * size;
 }
 
 Plane strokes(const Plane& plane, double unit) {
@@ -184,7 +186,7 @@ std::vector<TextBox> detectLines(const Plane& plane, double unit) {
             boxes.push_back(box);
         }
     }
-    std::ranges::stable_sort(boxes, std::ranges::greater(), promise);
+    std::ranges::stable_sort(boxes, std::ranges::greater(), [&](const TextBox& box) { return promise(box, unit); });
     boxes.resize(std::min(boxes.size(), mostLines));
     return boxes;
 }

@@ -13,10 +13,10 @@ constexpr double leastSpacing = 200;    // offers stand 310 to 430 apart
 constexpr double spacingTolerance = 60; // names are centred on their cards, but cards hover
 constexpr double rivalShare = 0.3;      // of the best row's promise: also likely to be one of names
 
-double promiseOf(const LineRow& row, const std::vector<TextBox>& boxes) {
+double promiseOf(const LineRow& row, const std::vector<TextBox>& boxes, double unit) {
     double sum = 0;
     for (const std::size_t index : row) {
-        sum += promise(boxes[index]);
+        sum += promise(boxes[index], unit);
     }
     return sum;
 }
@@ -35,9 +35,9 @@ LineRow evenThree(const LineRow& candidates, const std::vector<TextBox>& boxes, 
                     continue;
                 }
                 const LineRow row{left, centre, right};
-                if (promiseOf(row, boxes) > bestPromise) {
+                if (promiseOf(row, boxes, unit) > bestPromise) {
                     best = row;
-                    bestPromise = promiseOf(row, boxes);
+                    bestPromise = promiseOf(row, boxes, unit);
                 }
             }
         }
@@ -53,7 +53,8 @@ std::vector<LineRow> rowsOf(const std::vector<TextBox>& boxes, double unit, RowO
     for (std::size_t i = 0; i < rest.size(); ++i) {
         rest[i] = i;
     }
-    std::ranges::stable_sort(rest, std::ranges::greater(), [&](std::size_t index) { return promise(boxes[index]); });
+    std::ranges::stable_sort(rest, std::ranges::greater(),
+                             [&](std::size_t index) { return promise(boxes[index], unit); });
 
     std::vector<LineRow> rows;
     while (!rest.empty()) {
@@ -70,7 +71,7 @@ std::vector<LineRow> rowsOf(const std::vector<TextBox>& boxes, double unit, RowO
             } else {
                 row.resize(std::min<std::size_t>(row.size(), 2));
             }
-            if (promiseOf(row, boxes) > promiseOf(best, boxes)) {
+            if (promiseOf(row, boxes, unit) > promiseOf(best, boxes, unit)) {
                 best = row;
             }
         }
@@ -81,11 +82,12 @@ std::vector<LineRow> rowsOf(const std::vector<TextBox>& boxes, double unit, RowO
         std::ranges::sort(best, {}, [&](std::size_t index) { return boxes[index].area.left(); });
         rows.push_back(best);
     }
-    std::ranges::stable_sort(rows, std::ranges::greater(), [&](const LineRow& row) { return promiseOf(row, boxes); });
+    std::ranges::stable_sort(rows, std::ranges::greater(),
+                             [&](const LineRow& row) { return promiseOf(row, boxes, unit); });
     if (order == RowOrder::lowestFirst && !rows.empty()) {
-        const double rival = rivalShare * promiseOf(rows.front(), boxes);
-        const auto others = std::stable_partition(rows.begin(), rows.end(),
-                                                  [&](const LineRow& row) { return promiseOf(row, boxes) >= rival; });
+        const double rival = rivalShare * promiseOf(rows.front(), boxes, unit);
+        const auto others = std::stable_partition(
+            rows.begin(), rows.end(), [&](const LineRow& row) { return promiseOf(row, boxes, unit) >= rival; });
         std::stable_sort(rows.begin(), others,
                          [&](const LineRow& a, const LineRow& b) { return level(a.front()) > level(b.front()); });
     }

@@ -144,17 +144,6 @@ private:
             lock.unlock();
             LineReading reading = networks[std::size_t(work.script)].read(work.picture);
             lock.lock();
-            if (getenv("DUMP")) { // TEMPORARY
-                static int n = 0;
-                char name[200];
-                snprintf(name, sizeof name, "/tmp/reader-lab/dump/%05d.pgm", n++);
-                if (FILE* f = fopen(name, "wb")) {
-                    fprintf(f, "P5\n%d %d\n255\n", work.picture.width, work.picture.height);
-                    fwrite(work.picture.pixels.data(), 1, work.picture.pixels.size(), f);
-                    fclose(f);
-                    fprintf(stderr, "%05d %s %.2f\n", n - 1, qPrintable(reading.text), double(reading.confidence));
-                }
-            }
             (*readings)[index] = std::move(reading);
             if (--unfinished == 0) {
                 changed.notify_all();

@@ -18,7 +18,7 @@ constexpr double halfTallestLine = 37; // a line centred on the band's edge reac
 constexpr double halfLongestLine = 210;
 constexpr double cropMargin = 9;         // around a box, to see what runs out of it
 constexpr double largestUnit = 1.6;      // finer pictures are halved before lines are looked for
-constexpr std::size_t mostReadings = 18; // in one image
+constexpr std::size_t mostReadings = 24; // in one image
 constexpr float sureEnough = 0.75F;      // mean confidence of a script that is the right one
 constexpr double denseLetters = 2.3;     // strokes down a column: Chinese above, Latin below
 constexpr double guessBonus = 0.15;      // in confidence, for the script that the shape of the letters suggests
@@ -34,7 +34,7 @@ struct Attempt {
 constexpr std::array attempts{
     Attempt{{.inkLevel = 0.58, .otherTurn = false}, 1},    Attempt{{.inkLevel = 0.58, .otherTurn = true}, 1},
     Attempt{{.inkLevel = 0.48, .otherTurn = false}, 0.65}, Attempt{{.inkLevel = 0.70, .otherTurn = false}, 1.45},
-    Attempt{{.inkLevel = 0.58, .otherTurn = false}, 0.4},  Attempt{{.inkLevel = 0.58, .otherTurn = false}, 2},
+    Attempt{{.inkLevel = 0.58, .otherTurn = false}, 0.4},
 };
 
 // The game keeps its proportions and is as tall as the window, unless that is narrower than 4:3.
@@ -82,14 +82,21 @@ public:
         for (const Line& line : lines) {
             boxes.push_back(line.box);
         }
-        for (const LineRow& row : rowsOf(boxes, unit, order)) {
-            readRow(row);
-            // The names of the three offers stand in one row: one of them known, nothing else matters.
-            if (std::ranges::any_of(row, [&](std::size_t index) { return lines[index].known; })) {
+        const std::vector<LineRow> rows = rowsOf(boxes, unit, order);
+        for (const LineRow& row : rows) {
+            readOnce(row, attempts.front());
+            if (hasKnown(row)) {
+                retry(row);
                 return tokensOf(row);
             }
             if (readings >= mostReadings) {
                 break;
+            }
+        }
+        for (const LineRow& row : rows) {
+            retry(row);
+            if (hasKnown(row)) {
+                return tokensOf(row);
             }
         }
         LineRow all;
@@ -102,9 +109,10 @@ public:
 private:
     void findLines();
     void cleanLines();
-    void readRow(const LineRow& row);
-    void readOnce(const LineRow& row);
-    std::vector<LineReading> readWith(Script script, const LineRow& row);
+    bool hasKnown(const LineRow& row) const;
+    void retry(const LineRow& row);
+    void readOnce(const LineRow& row, const Attempt& attempt);
+    std::vector<LineReading> readWith(Script script, const LineRow& row, double margin);
     double worth(const std::vector<LineReading>& results) const;
     Script guess(const LineRow& row) const;
     std::vector<OCRToken> tokensOf(const LineRow& row) const;
@@ -118,7 +126,6 @@ private:
     const double unit;
     std::vector<Line> lines;
     std::optional<Script> script; // of this image
-    double margin = 1;            // of the attempt under way, as a multiple of the script's own
     std::size_t readings = 0;
 };
 
@@ -154,31 +161,33 @@ void Reading::cleanLines() {
         lines, [](const Line& line) { return !line.clean || line.clean->rows != 1 || line.clean->fill > fullestLine; });
 }
 
-void Reading::readRow(const LineRow& row) {
-    margin = attempts.front().margin;
-    readOnce(row);
+// The names of the three offers stand in one row: when one of them is known, nothing outside the row matters.
+bool Reading::hasKnown(const LineRow& row) const {
+    return std::ranges::any_of(row, [&](std::size_t index) { return lines[index].known; });
+}
+
+void Reading::retry(const LineRow& row) {
     if (!hints.names) {
         return;
     }
     for (std::size_t attempt = 1; attempt < attempts.size() && readings < mostReadings; ++attempt) {
-        margin = attempts[attempt].margin;
         LineRow unknown;
         for (const std::size_t index : row) {
-            if (lines[index].known) {
+            Line& line = lines[index];
+            if (line.known) {
                 continue;
             }
-            Line& line = lines[index];
             auto clean = cleanLine(line.crop, line.box.area.translated(-line.origin), unit, attempts[attempt].cleaning);
             if (clean && clean->rows == 1) {
                 line.clean = std::move(clean);
                 unknown.push_back(index);
             }
         }
-        readOnce(unknown);
+        readOnce(unknown, attempts[attempt]);
     }
 }
 
-void Reading::readOnce(const LineRow& row) {
+void Reading::readOnce(const LineRow& row, const Attempt& attempt) {
     if (row.empty()) {
         return;
     }
@@ -186,10 +195,10 @@ void Reading::readOnce(const LineRow& row) {
     if (undecided) {
         script = remembered.value_or(guess(row));
     }
-    std::vector<LineReading> results = readWith(*script, row);
+    std::vector<LineReading> results = readWith(*script, row, attempt.margin);
     double value = worth(results);
     if (undecided && value < double(sureEnough)) {
-        std::vector<LineReading> otherResults = readWith(other(*script), row);
+        std::vector<LineReading> otherResults = readWith(other(*script), row, attempt.margin);
         if (const double otherValue = worth(otherResults); otherValue > value + guessBonus) {
             results = std::move(otherResults);
             value = otherValue;
@@ -212,7 +221,7 @@ void Reading::readOnce(const LineRow& row) {
     }
 }
 
-std::vector<LineReading> Reading::readWith(Script with, const LineRow& row) {
+std::vector<LineReading> Reading::readWith(Script with, const LineRow& row, double margin) {
     std::vector<LineReader::Work> work;
     for (const std::size_t index : row) {
         PictureShape shape = pictureShape(with);
