@@ -17,9 +17,15 @@ constexpr int strokeRelief = 45;     // by which a stroke stands out of the wide
 constexpr double longestStroke = 42; // horizontally; edges of ribbons and frames run on
 constexpr double cellSize = 3;       // strokes are counted on a coarse grid: gaps between letters span few cells
 constexpr int leastInkOfCell = 2;    // pixels; single ones are grain and sparks
-constexpr double widestGap = 26;     // between letters and words of a name
-constexpr double lowestLine = 11;    // less is a row of sparks or an edge
-constexpr double tallestLine = 74;   // an arched name, with room
+constexpr double widestGap = 20;     // between letters and words of a name
+constexpr double leastInkOfPiece = 40; // of a piece of a line; sparks have less
+constexpr double lowestPiece = 8;
+constexpr double widestJoint = 26;   // between pieces of one name
+constexpr double sharedHeight = 0.5; // of the lower of two pieces
+constexpr double longestName = 265;  // ribbons are 280 wide
+constexpr double tallestName = 64;
+constexpr double lowestLine = 11;  // less is a row of sparks or an edge
+constexpr double tallestLine = 74; // an arched name, with room
 constexpr double heightOfNames = 36;
 constexpr double shortestLine = 22;   // one Chinese character
 constexpr double longestLine = 420;   // wider than any card
@@ -101,7 +107,44 @@ struct Extent {
     int bottom = -1;
     int ink = 0;
     long darkness = 0;
+
+    void add(const Extent& other) {
+        left = std::min(left, other.left);
+        top = std::min(top, other.top);
+        right = std::max(right, other.right);
+        bottom = std::max(bottom, other.bottom);
+        ink += other.ink;
+        darkness += other.darkness;
+    }
 };
+
+// Characters with few strokes leave gaps: joins pieces that stand close together on one line, unless that would make
+// more than a name of them.
+void joinNeighbours(std::vector<Extent>& pieces, double unit) {
+    const auto belongTogether = [unit](const Extent& a, const Extent& b) {
+        const int gap = std::max(a.left, b.left) - std::min(a.right, b.right);
+        const int shared = std::min(a.bottom, b.bottom) - std::max(a.top, b.top);
+        const int smaller = std::min(a.bottom - a.top, b.bottom - b.top);
+        const int width = std::max(a.right, b.right) - std::min(a.left, b.left);
+        const int height = std::max(a.bottom, b.bottom) - std::min(a.top, b.top);
+        return gap <= widestJoint * unit && shared >= sharedHeight * smaller && width <= longestName * unit &&
+               height <= tallestName * unit;
+    };
+    for (bool joined = true; joined;) {
+        joined = false;
+        for (std::size_t i = 0; i < pieces.size(); ++i) {
+            for (std::size_t k = i + 1; k < pieces.size();) {
+                if (belongTogether(pieces[i], pieces[k])) {
+                    pieces[i].add(pieces[k]);
+                    pieces.erase(pieces.begin() + std::ptrdiff_t(k));
+                    joined = true;
+                } else {
+                    ++k;
+                }
+            }
+        }
+    }
+}
 
 bool looksLikeLine(const TextBox& box, double unit) {
     const double width = box.area.width() / unit;
@@ -177,9 +220,14 @@ std::vector<TextBox> detectLines(const Plane& plane, double unit) {
         }
     }
 
+    extents.erase(extents.begin()); // specks outside every cell
+    std::erase_if(extents, [unit](const Extent& extent) {
+        return extent.ink < leastInkOfPiece * unit * unit || extent.bottom - extent.top < lowestPiece * unit;
+    });
+    joinNeighbours(extents, unit);
+
     std::vector<TextBox> boxes;
-    for (std::size_t label = 1; label < extents.size(); ++label) { // label 0: specks outside every cell
-        const Extent& extent = extents[label];
+    for (const Extent& extent : extents) {
         const TextBox box{QRect(QPoint(extent.left, extent.top), QPoint(extent.right, extent.bottom)), extent.ink,
                           extent.ink ? double(extent.darkness) / extent.ink / 255 : 0};
         if (extent.ink && looksLikeLine(box, unit)) {
