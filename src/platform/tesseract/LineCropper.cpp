@@ -1,12 +1,12 @@
 #include "LineCropper.h"
 
+#include "Components.h"
 #include "LineDetector.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <numeric>
-#include <tuple>
 
 namespace pelloran {
 
@@ -18,7 +18,6 @@ constexpr double letterReach = 6;       // half the widest stroke of a letter, w
 constexpr double leastContrast = 0.35;  // of the line's brightness: between a letter and its outline
 constexpr double leastRelief = 0.20;    // of the line's brightness: ribbons are as light, but broad
 constexpr double speckArea = 5;         // sparks and grain; the dot of an i has 10 and more
-constexpr double uprightProof = 1;
 constexpr double lowestLetter = 12;
 constexpr double widestStrip = 48;        // several that touch; longer ones are strips of ribbon
 constexpr double longestLetterRun = 44;   // the Chinese one is a single stroke as wide as the character
@@ -31,10 +30,6 @@ constexpr double dimInkReach = 2.5;       // from brighter ink
 constexpr double leastStrokeShare = 0.25; // of a letter's pixels in detected strokes; blots of light have fewer
 constexpr double paleInk = 0.25;          // of the line's brightness: ink begins, so that edges stay soft
 constexpr double fullInk = 0.90;          // of the line's brightness
-constexpr double steepest = 0.22;         // slope of a wave on a ribbon
-constexpr double roundest = 0.001;        // bend per square of half the width
-constexpr double waviest = 0.000014;      // wave per cube of half the width
-constexpr std::size_t mostSamples = 900;  // pixels that vote on the arch
 constexpr double leastRowInk = 0.04;      // of the fullest row: less lies between two rows of text
 constexpr double leastRowShare = 0.2;     // of all ink: a row of text, not an accent
 constexpr double lowestRow = 8;           // height of a row of text
@@ -50,42 +45,24 @@ struct Blob {
     int bottom = -1;
 };
 
-// Connected groups of pixels of `lit`, numbered from 1 in `numbers`.
-std::vector<Blob> blobsOf(const Plane& lit, const Plane& mask, const Plane& bright, std::vector<int>& numbers) {
-    std::vector<Blob> blobs(1);
-    numbers.assign(lit.pixels.size(), 0);
-    std::vector<int> pending;
-    for (int start = 0; start < int(lit.pixels.size()); ++start) {
-        if (!lit.pixels[std::size_t(start)] || numbers[std::size_t(start)]) {
-            continue;
-        }
-        const int number = int(blobs.size());
-        Blob blob;
-        numbers[std::size_t(start)] = number;
-        pending.push_back(start);
-        while (!pending.empty()) {
-            const int place = pending.back();
-            const int x = place % lit.width;
-            const int y = place / lit.width;
-            pending.pop_back();
+// The groups of `components`, from the second place on.
+std::vector<Blob> blobsOf(const Components& components, const Plane& mask, const Plane& bright) {
+    std::vector<Blob> blobs(std::size_t(components.count) + 1);
+    for (int y = 0; y < mask.height; ++y) {
+        for (int x = 0; x < mask.width; ++x) {
+            const auto place = std::size_t(y) * std::size_t(mask.width) + std::size_t(x);
+            if (components.numbers[place] == 0) {
+                continue;
+            }
+            Blob& blob = blobs[std::size_t(components.numbers[place])];
             ++blob.area;
-            blob.strokePixels += mask.pixels[std::size_t(place)];
-            blob.brightPixels += bright.pixels[std::size_t(place)];
+            blob.strokePixels += mask.pixels[place];
+            blob.brightPixels += bright.pixels[place];
             blob.left = std::min(blob.left, x);
             blob.right = std::max(blob.right, x);
             blob.top = std::min(blob.top, y);
             blob.bottom = std::max(blob.bottom, y);
-            for (int nearY = std::max(0, y - 1); nearY <= std::min(lit.height - 1, y + 1); ++nearY) {
-                for (int nearX = std::max(0, x - 1); nearX <= std::min(lit.width - 1, x + 1); ++nearX) {
-                    const int near = nearY * lit.width + nearX;
-                    if (lit.pixels[std::size_t(near)] && !numbers[std::size_t(near)]) {
-                        numbers[std::size_t(near)] = number;
-                        pending.push_back(near);
-                    }
-                }
-            }
         }
-        blobs.push_back(blob);
     }
     return blobs;
 }
@@ -156,169 +133,6 @@ int brightnessOf(const Plane& plane, const Plane& mask, const QRect& box) {
         }
     }
     return 0;
-}
-
-// Straight lines have full rows and empty ones: the sum of the squares of the rows' ink is greatest.
-class ArchSearch {
-public:
-    ArchSearch(const Plane& kept, const QRect& area)
-        : rows(std::size_t(3 * kept.height)) {
-        std::size_t total = 0;
-        for (const std::uint8_t pixel : kept.pixels) {
-            total += pixel;
-        }
-        const std::size_t every = total / mostSamples + 1;
-        best.centre = (area.left() + area.right()) / 2.0;
-        best.half = std::max(1.0, area.width() / 2.0);
-        std::size_t seen = 0;
-        for (int x = 0; x < kept.width; ++x) {
-            for (int y = 0; y < kept.height; ++y) {
-                if (kept.at(x, y) && seen++ % every == 0) {
-                    samples.push_back({float((x - best.centre) / best.half), float(y + kept.height)});
-                }
-            }
-        }
-    }
-
-    Arch find(double unit) {
-        const double half = best.half / unit;
-        const double slopeLimit = steepest * half * unit;
-        const double bendLimit = roundest * half * half * unit;
-        const double waveLimit = waviest * half * half * half * unit;
-        bestSharpness = sharpness(best);
-        for (int bend = -3; bend <= 3; ++bend) {
-            for (int slope = -3; slope <= 3; ++slope) {
-                for (int wave = -1; wave <= 1; ++wave) {
-                    Arch arch = best;
-                    arch.bend = bend / 3.0 * bendLimit;
-                    arch.slope = slope / 3.0 * slopeLimit;
-                    arch.wave = wave * 0.6 * waveLimit;
-                    consider(arch);
-                }
-            }
-        }
-        best = winner;
-        limits = {slopeLimit, bendLimit, waveLimit};
-        refine(slopeLimit / 3, bendLimit / 3, waveLimit / 2, unit);
-        return best;
-    }
-
-private:
-    struct Sample {
-        float t;
-        float y;
-    };
-
-    void refine(double slopeStep, double bendStep, double waveStep, double unit) {
-        while (std::max({slopeStep, bendStep, waveStep}) > 0.3 * unit) {
-            slopeStep /= 2;
-            bendStep /= 2;
-            waveStep /= 2;
-            for (int round = 0; round < 3; ++round) {
-                for (const int direction : {-1, 1}) {
-                    for (double Arch::* part : {&Arch::bend, &Arch::slope, &Arch::wave}) {
-                        Arch arch = winner;
-                        arch.*part += direction * (part == &Arch::bend    ? bendStep
-                                                   : part == &Arch::slope ? slopeStep
-                                                                          : waveStep);
-                        consider(arch);
-                    }
-                }
-            }
-        }
-        best = winner;
-    }
-
-    struct Limits {
-        double slope = 1e9;
-        double bend = 1e9;
-        double wave = 1e9;
-    };
-
-    void consider(const Arch& arch) {
-        if (std::abs(arch.slope) > limits.slope || std::abs(arch.bend) > limits.bend ||
-            std::abs(arch.wave) > limits.wave) {
-            return;
-        }
-        const double value = sharpness(arch);
-        if (value > bestSharpness || !decided) {
-            bestSharpness = value;
-            winner = arch;
-            decided = true;
-        }
-    }
-
-    double sharpness(const Arch& arch) {
-        std::ranges::fill(rows, 0);
-        const float slope = float(arch.slope);
-        const float bend = float(arch.bend);
-        const float wave = float(arch.wave);
-        const int last = int(rows.size()) - 1;
-        for (const Sample& sample : samples) {
-            const float shift = sample.t * (slope + sample.t * (bend + sample.t * wave));
-            ++rows[std::size_t(std::clamp(int(sample.y - shift + 0.5F), 0, last))];
-        }
-        double sum = 0;
-        for (const int row : rows) {
-            sum += double(row) * row;
-        }
-        return sum;
-    }
-
-    Limits limits;
-    std::vector<Sample> samples;
-    std::vector<int> rows;
-    Arch best;
-    Arch winner;
-    double bestSharpness = 0;
-    bool decided = false;
-};
-
-// Where a pixel of the line comes to stand once the line is straight, its middle at 0.
-QPointF straightened(const Arch& arch, double x, double y) {
-    const double offset = y - arch.at(x) - arch.level;
-    return {x + arch.turn * offset * arch.slopeAt(x), offset};
-}
-
-// Ink by rows and by columns of the straightened line; the first row is `rowOrigin` above its middle.
-struct Profile {
-    std::vector<double> rows;
-    std::vector<double> columns;
-    int rowOrigin = 0;
-    int columnOrigin = 0;
-};
-
-Profile profileOf(const Plane& kept, const Arch& arch) {
-    Profile profile;
-    profile.rowOrigin = 2 * kept.height;
-    profile.columnOrigin = kept.height;
-    profile.rows.resize(std::size_t(4 * kept.height));
-    profile.columns.resize(std::size_t(kept.width + 2 * kept.height));
-    const auto add = [](std::vector<double>& bins, double at) {
-        const auto last = std::ptrdiff_t(bins.size()) - 1;
-        bins[std::size_t(std::clamp<std::ptrdiff_t>(std::lround(at), 0, last))] += 1;
-    };
-    for (int x = 0; x < kept.width; ++x) {
-        for (int y = 0; y < kept.height; ++y) {
-            if (kept.at(x, y)) {
-                const QPointF place = straightened(arch, x, y);
-                add(profile.rows, place.y() + profile.rowOrigin);
-                add(profile.columns, place.x() + profile.columnOrigin);
-            }
-        }
-    }
-    return profile;
-}
-
-double sharpness(const std::vector<double>& bins) {
-    return std::inner_product(bins.begin(), bins.end(), bins.begin(), 0.0);
-}
-
-// First bin with ink and the one after the last.
-std::pair<std::ptrdiff_t, std::ptrdiff_t> inkedRange(const std::vector<double>& bins) {
-    const auto inked = [](double ink) { return ink > 0; };
-    return {std::ranges::find_if(bins, inked) - bins.begin(),
-            std::find_if(bins.rbegin(), bins.rend(), inked).base() - bins.begin()};
 }
 
 // What the letters stand on: light things that are broad or run out of the plane, and all that hangs together with
@@ -428,8 +242,9 @@ std::optional<CleanLine> cleanLine(const Plane& plane, const QRect& box, double 
     for (std::size_t i = 0; i < bright.pixels.size(); ++i) {
         bright.pixels[i] = plane.pixels[i] >= brightInk * brightness;
     }
-    std::vector<int> numbers;
-    const std::vector<Blob> blobs = blobsOf(lit, mask, bright, numbers);
+    const Components components = componentsOf(lit);
+    const std::vector<int>& numbers = components.numbers;
+    const std::vector<Blob> blobs = blobsOf(components, mask, bright);
     std::vector<std::uint8_t> isLetterBlob(blobs.size());
     for (std::size_t number = 1; number < blobs.size(); ++number) {
         isLetterBlob[number] = isLetter(blobs[number], plane, box, unit);
@@ -466,26 +281,11 @@ std::optional<CleanLine> cleanLine(const Plane& plane, const QRect& box, double 
     }
 
     line.area = area;
-    line.arch.centre = (area.left() + area.right()) / 2.0;
-    line.arch.half = std::max(1.0, area.width() / 2.0);
-    line.arch = ArchSearch(kept, area).find(unit);
-    Profile profile = profileOf(kept, line.arch);
-    auto [top, bottom] = inkedRange(profile.rows);
-    line.arch.level += double(top + bottom - 1) / 2 - profile.rowOrigin;
-    profile = profileOf(kept, line.arch);
-    // Upright strokes fill single columns only if turned letters are turned back, and moved ones are not.
-    Arch turned = line.arch;
-    turned.turn = 1;
-    Profile turnedProfile = profileOf(kept, turned);
-    const bool seemTurned = sharpness(turnedProfile.columns) > uprightProof * sharpness(profile.columns);
-    if (seemTurned != cleaning.otherTurn) {
-        line.arch = turned;
-        profile = std::move(turnedProfile);
-    }
-    std::tie(top, bottom) = inkedRange(profile.rows);
+    line.arch = archOf(kept, area, unit, cleaning.otherTurn);
+    const InkProfile profile = inkProfile(kept, line.arch);
+    const auto [top, bottom] = inkedRange(profile.rows);
     const auto [left, right] = inkedRange(profile.columns);
-    line.letters = QRectF(double(left - profile.columnOrigin), double(top - profile.rowOrigin), double(right - left),
-                          double(bottom - top));
+    line.letters = QRectF(left - profile.columnOrigin, top - profile.rowOrigin, right - left, bottom - top);
     line.fill =
         std::accumulate(profile.rows.begin(), profile.rows.end(), 0.0) / (line.letters.width() * line.letters.height());
     line.rows = countRows(profile.rows, unit);

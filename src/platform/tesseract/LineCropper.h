@@ -1,36 +1,13 @@
 #pragma once
 
+#include "Arch.h"
 #include "Plane.h"
 
-#include <QRect>
 #include <QRectF>
 
 #include <optional>
 
 namespace pelloran {
-
-// How a line of letters runs: its middle stands below a straight line by a cubic of the distance from the line's
-// centre.
-struct Arch {
-    double at(double x) const {
-        const double t = (x - centre) / half;
-        return t * (slope + t * (bend + t * wave));
-    }
-
-    // Tangent at `x`.
-    double slopeAt(double x) const {
-        const double t = (x - centre) / half;
-        return (slope + t * (2 * bend + t * 3 * wave)) / half;
-    }
-
-    double centre = 0; // pixels
-    double half = 1;   // half the line's width, in pixels
-    double slope = 0;  // pixels at the line's ends
-    double bend = 0;
-    double wave = 0;
-    double level = 0; // y of the middle of the letters where the cubic is 0
-    double turn = 0;  // 1: every letter is turned with the line; 0: letters are only moved up and down
-};
 
 // How to tell letters from what is behind them; readings that fail are worth a second try with other values.
 struct Cleaning {

@@ -1,8 +1,9 @@
 #include "LineDetector.h"
 
+#include "Components.h"
+
 #include <algorithm>
 #include <cmath>
-#include <numeric>
 
 namespace pelloran {
 
@@ -64,40 +65,6 @@ Plane inkedCells(const Plane& mask, int cell, int widestGapInCells) {
         }
     }
     return cells;
-}
-
-// Connected groups of cells, as a label per cell (0: none) and the number of labels.
-struct Labels {
-    std::vector<int> ofCell;
-    int count = 0;
-};
-
-Labels labelled(const Plane& cells) {
-    Labels labels;
-    labels.ofCell.assign(cells.pixels.size(), 0);
-    std::vector<int> pending;
-    for (int start = 0; start < int(cells.pixels.size()); ++start) {
-        if (!cells.pixels[std::size_t(start)] || labels.ofCell[std::size_t(start)]) {
-            continue;
-        }
-        labels.ofCell[std::size_t(start)] = ++labels.count;
-        pending.push_back(start);
-        while (!pending.empty()) {
-            const int x = pending.back() % cells.width;
-            const int y = pending.back() / cells.width;
-            pending.pop_back();
-            for (int nearY = std::max(0, y - 1); nearY <= std::min(cells.height - 1, y + 1); ++nearY) {
-                for (int nearX = std::max(0, x - 1); nearX <= std::min(cells.width - 1, x + 1); ++nearX) {
-                    const int near = nearY * cells.width + nearX;
-                    if (cells.pixels[std::size_t(near)] && !labels.ofCell[std::size_t(near)]) {
-                        labels.ofCell[std::size_t(near)] = labels.count;
-                        pending.push_back(near);
-                    }
-                }
-            }
-        }
-    }
-    return labels;
 }
 
 struct Extent {
@@ -201,11 +168,11 @@ std::vector<TextBox> detectLines(const Plane& plane, double unit) {
     const Plane outlines = darkestAround(plane, pixels(strokeReach, unit));
     const int cell = pixels(cellSize, unit);
     const Plane cells = inkedCells(mask, cell, int(widestGap * unit / cell));
-    const Labels labels = labelled(cells);
+    const Components components = componentsOf(cells);
 
-    std::vector<Extent> extents(std::size_t(labels.count) + 1);
+    std::vector<Extent> extents(std::size_t(components.count) + 1);
     for (int y = 0; y < mask.height; ++y) {
-        const int* rowLabels = labels.ofCell.data() + std::size_t(y / cell) * std::size_t(cells.width);
+        const int* rowLabels = components.numbers.data() + std::size_t(y / cell) * std::size_t(cells.width);
         for (int x = 0; x < mask.width; ++x) {
             if (!mask.at(x, y)) {
                 continue;
