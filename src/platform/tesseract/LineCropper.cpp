@@ -20,6 +20,7 @@ constexpr double leastRelief = 0.20;    // of the line's brightness: ribbons are
 constexpr double speckArea = 5;         // sparks and grain; the dot of an i has 10 and more
 constexpr double lowestLetter = 12;
 constexpr double widestStrip = 48;        // several that touch; longer ones are strips of ribbon
+constexpr double sideReach = 4;           // of letters beyond the box of the strokes that were found
 constexpr double longestLetterRun = 44;   // the Chinese one is a single stroke as wide as the character
 constexpr double brightInk = 0.75;        // of the line's brightness
 constexpr double leastBrightShare = 0.15; // of a letter's pixels in bright ink; remains of ribbon have none
@@ -75,8 +76,8 @@ bool isLetter(const Blob& blob, const Plane& plane, const QRect& box, double uni
     return !runsOut && blob.area >= speckArea * unit * unit && blob.strokePixels >= leastStrokeShare * blob.area &&
            blob.brightPixels >= leastBrightShare * blob.area &&
            !(blob.right - blob.left > widestStrip * unit && blob.bottom - blob.top < lowestLetter * unit) &&
-           middleY >= box.top() && middleY <= box.bottom() && middleX >= box.left() - 4 * unit &&
-           middleX <= box.right() + 4 * unit;
+           middleY >= box.top() && middleY <= box.bottom() && middleX >= box.left() - sideReach * unit &&
+           middleX <= box.right() + sideReach * unit;
 }
 
 // Sparks far from every letter: small, and with nothing above or below them as the dot of an i has.

@@ -17,14 +17,13 @@ struct Cleaning {
 
 // The letters of one line, alone.
 struct CleanLine {
-    Plane ink;       // 0 (none) to 255; where it is depends on the plane it was cut from
-    Arch arch;       // by which the letters stand below the line's middle
-    QRectF letters;  // box of the straightened letters within `ink`
-    QRect area;      // box of the letters as they stand, within `ink`
-    double fill = 0; // part of that box that is ink
-    int rows = 0;    // lines of text one above the other; 1 for a name
-    double runsPerColumn =
-        0; // strokes met on the way down a column with ink: below 2.3 in Latin text, above in Chinese
+    Plane ink;                // 0 (none) to 255; where it is depends on the plane it was cut from
+    Arch arch;                // by which the letters stand below the line's middle
+    QRectF letters;           // box of the straightened letters within `ink`
+    QRect area;               // box of the letters as they stand, within `ink`
+    double fill = 0;          // part of that box that is ink
+    int rows = 0;             // lines of text one above the other; 1 for a name
+    double runsPerColumn = 0; // strokes met on the way down a column with ink: about 1.6 in Latin text, 2.5 in Chinese
 };
 
 // The letters in `plane`, of which `box` encloses the strokes that were detected. The plane must reach beyond the box

@@ -16,11 +16,16 @@ namespace {
 // Lengths are pixels of a window 1080 pixels high.
 constexpr double halfTallestLine = 37; // a line centred on the band's edge reaches this far out of it
 constexpr double halfLongestLine = 210;
-constexpr double cropMargin = 9;         // around a box, to see what runs out of it
+constexpr double cropMargin = 9;      // around a box, to see what runs out of it
+constexpr double leastSpacing = 200;  // offers stand 310 to 430 apart
+constexpr double widestSpacing = 500; // with the middle one missing, 620 and more
+constexpr double nameWidth = 250;
+constexpr double nameHeight = 46;
+constexpr double narrowestName = 24;
 constexpr double largestUnit = 1.6;      // finer pictures are halved before lines are looked for
 constexpr std::size_t mostReadings = 24; // in one image
 constexpr float sureEnough = 0.75F;      // mean confidence of a script that is the right one
-constexpr double denseLetters = 2.3;     // strokes down a column: Chinese above, Latin below
+constexpr double denseLetters = 1.88;    // strokes down a column: 1.4 to 1.8 in Latin names, 1.9 to 3.1 in Chinese ones
 constexpr double guessBonus = 0.15;      // in confidence, for the script that the shape of the letters suggests
 constexpr double fullestLine = 0.62;     // part of a line's box that is ink; more is the paper between dark letters
 
@@ -86,8 +91,7 @@ public:
         for (const LineRow& row : rows) {
             readOnce(row, attempts.front());
             if (hasKnown(row)) {
-                retry(row);
-                return tokensOf(row);
+                return finishRow(row);
             }
             if (readings >= mostReadings) {
                 break;
@@ -96,7 +100,7 @@ public:
         for (const LineRow& row : rows) {
             retry(row);
             if (hasKnown(row)) {
-                return tokensOf(row);
+                return finishRow(row);
             }
         }
         LineRow all;
@@ -109,6 +113,9 @@ public:
 private:
     void findLines();
     void cleanLines();
+    Line lineAt(const TextBox& box) const;
+    std::optional<std::size_t> findThird(const LineRow& row, std::size_t place);
+    std::vector<OCRToken> finishRow(LineRow row);
     bool hasKnown(const LineRow& row) const;
     void retry(const LineRow& row);
     void readOnce(const LineRow& row, const Attempt& attempt);
@@ -125,7 +132,9 @@ private:
     const ReadingHints& hints;
     const double unit;
     std::vector<Line> lines;
-    std::optional<Script> script; // of this image
+    Plane plane; // of `planeArea` of the image
+    QRect planeArea;
+    std::optional<Script> script; // of this image, once sure
     std::size_t readings = 0;
 };
 
@@ -133,24 +142,69 @@ void Reading::findLines() {
     const QRect band = rectangleIn(hints.band, image.size());
     const int marginX = int(halfLongestLine * unit);
     const int marginY = int(halfTallestLine * unit);
-    const QRect area = band.adjusted(-marginX, -marginY, marginX, marginY).intersected(image.rect());
-    const Plane plane = lightness(image, area, hints.lettering);
+    planeArea = band.adjusted(-marginX, -marginY, marginX, marginY).intersected(image.rect());
+    plane = lightness(image, planeArea, hints.lettering);
     int halvings = 0;
     while (unit / (1 << halvings) > largestUnit) {
         ++halvings;
     }
     const int step = 1 << halvings;
-    const int margin = int(std::lround(cropMargin * unit));
     for (TextBox box : halvings ? detectLines(shrunk(plane, halvings), unit / step) : detectLines(plane, unit)) {
-        const QRect inPlane(box.area.topLeft() * step, box.area.size() * step);
-        box.area = inPlane.translated(area.topLeft());
-        if (!band.contains(box.area.center())) {
-            continue;
+        box.area = QRect(box.area.topLeft() * step, box.area.size() * step).translated(planeArea.topLeft());
+        if (band.contains(box.area.center())) {
+            lines.push_back(lineAt(box));
         }
-        const QRect around =
-            inPlane.adjusted(-margin, -margin, margin, margin).intersected(QRect(0, 0, plane.width, plane.height));
-        lines.push_back({box, part(plane, around), around.topLeft() + area.topLeft(), {}, {}});
     }
+}
+
+Line Reading::lineAt(const TextBox& box) const {
+    const int margin = int(std::lround(cropMargin * unit));
+    const QRect around = box.area.adjusted(-margin, -margin, margin, margin).intersected(planeArea);
+    return {box, part(plane, around.translated(-planeArea.topLeft())), around.topLeft(), {}, {}};
+}
+
+// With two names of a row at hand, the third is where it must be, whatever hid it from the search.
+std::optional<std::size_t> Reading::findThird(const LineRow& row, std::size_t place) {
+    const QRectF first(lines[row[0]].box.area);
+    const QRectF second(lines[row[1]].box.area);
+    const double spacing = second.center().x() - first.center().x();
+    const std::array middles{first.center().x() - spacing, (first.center().x() + second.center().x()) / 2,
+                             second.center().x() + spacing};
+    const bool middleIsMissing = spacing > widestSpacing * unit;
+    if (middleIsMissing != (place == 1) || spacing < leastSpacing * unit) {
+        return std::nullopt;
+    }
+    QRectF box(0, 0, nameWidth * unit, nameHeight * unit);
+    box.moveCenter({middles[place], (first.center().y() + second.center().y()) / 2});
+    if (!planeArea.contains(box.toAlignedRect())) {
+        return std::nullopt;
+    }
+    Line line = lineAt({box.toAlignedRect(), 0, 0});
+    line.clean = cleanLine(line.crop, line.box.area.translated(-line.origin), unit, attempts.front().cleaning);
+    if (!line.clean || line.clean->rows != 1 || line.clean->letters.width() < narrowestName * unit) {
+        return std::nullopt;
+    }
+    lines.push_back(std::move(line));
+    return lines.size() - 1;
+}
+
+// Reads on in the row of names until each is known or everything has been tried.
+std::vector<OCRToken> Reading::finishRow(LineRow row) {
+    retry(row);
+    if (row.size() == 2) {
+        for (std::size_t place = 0; place < 3; ++place) {
+            if (const auto third = findThird(row, place)) {
+                readOnce({*third}, attempts.front());
+                retry({*third});
+                row.push_back(*third);
+                if (lines[*third].known) {
+                    break;
+                }
+                row.pop_back(); // a guess at a place is no line of text
+            }
+        }
+    }
+    return tokensOf(row);
 }
 
 void Reading::cleanLines() {
@@ -191,22 +245,19 @@ void Reading::readOnce(const LineRow& row, const Attempt& attempt) {
     if (row.empty()) {
         return;
     }
-    const bool undecided = !script;
-    if (undecided) {
-        script = remembered.value_or(guess(row));
-    }
-    std::vector<LineReading> results = readWith(*script, row, attempt.margin);
+    Script chosen = script ? *script : remembered.value_or(guess(row));
+    std::vector<LineReading> results = readWith(chosen, row, attempt.margin);
     double value = worth(results);
-    if (undecided && value < double(sureEnough)) {
-        std::vector<LineReading> otherResults = readWith(other(*script), row, attempt.margin);
+    if (!script && value < double(sureEnough)) {
+        std::vector<LineReading> otherResults = readWith(other(chosen), row, attempt.margin);
         if (const double otherValue = worth(otherResults); otherValue > value + guessBonus) {
             results = std::move(otherResults);
             value = otherValue;
-            script = other(*script);
+            chosen = other(chosen);
         }
     }
     if (value >= double(sureEnough)) {
-        remembered = script;
+        script = remembered = chosen;
     }
     for (std::size_t i = 0; i < row.size(); ++i) {
         Line& line = lines[row[i]];
