@@ -32,12 +32,12 @@ public:
         const double half = best.half / unit;
         limits = {steepest * half * unit, roundest * half * half * unit, waviest * half * half * half * unit};
 
+        // Whole columns are left out, never rows: a sieve of rows would see rows where there are none.
         const auto total = std::size_t(std::ranges::count(letters.pixels, 1));
-        const std::size_t every = total / mostSamples + 1;
-        std::size_t seen = 0;
-        for (int x = 0; x < letters.width; ++x) {
+        const int every = int(total / mostSamples) + 1;
+        for (int x = 0; x < letters.width; x += every) {
             for (int y = 0; y < letters.height; ++y) {
-                if (letters.at(x, y) && seen++ % every == 0) {
+                if (letters.at(x, y)) {
                     samples.push_back({float((x - best.centre) / best.half), float(y + letters.height)});
                 }
             }

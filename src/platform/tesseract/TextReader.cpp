@@ -26,7 +26,7 @@ constexpr double largestUnit = 1.6;      // finer pictures are halved before lin
 constexpr std::size_t mostReadings = 24; // in one image
 constexpr float sureEnough = 0.75F;      // mean confidence of a script that is the right one
 constexpr double denseLetters = 1.88;    // strokes down a column: 1.4 to 1.8 in Latin names, 1.9 to 3.1 in Chinese ones
-constexpr double guessBonus = 0.15;      // in confidence, for the script that the shape of the letters suggests
+constexpr double guessBonus = 0.3;       // in confidence, for the script that the shape of the letters suggests
 constexpr double fullestLine = 0.62;     // part of a line's box that is ink; more is the paper between dark letters
 
 // What to try on a line, one after the other, until its text is a known name. The network is easily thrown off: the
