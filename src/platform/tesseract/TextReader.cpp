@@ -257,7 +257,10 @@ void Reading::readOnce(const LineRow& row, const Attempt& attempt) {
         }
     }
     if (value >= double(sureEnough)) {
-        script = remembered = chosen;
+        remembered = chosen;
+    }
+    if (value >= double(sureEnough) || row.size() > 1) { // a single line may be a number
+        script = chosen;
     }
     for (std::size_t i = 0; i < row.size(); ++i) {
         Line& line = lines[row[i]];
