@@ -13,13 +13,13 @@ namespace pelloran {
 namespace {
 
 // Lengths and areas are in pixels of a window 1080 pixels high.
-constexpr double brightnessRank = 0.75; // of stroke pixels that are darker than what counts as the line's brightness
-constexpr double letterReach = 6;       // half the widest stroke of a letter, with room
-constexpr double leastContrast = 0.35;  // of the line's brightness: between a letter and its outline
-constexpr double leastRelief = 0.20;    // of the line's brightness: ribbons are as light, but broad
-constexpr double speckArea = 5;         // sparks and grain; the dot of an i has 10 and more
-constexpr double lowestLetter = 12;
-constexpr double widestStrip = 48;        // several that touch; longer ones are strips of ribbon
+constexpr double brightnessRank = 0.75;   // of stroke pixels that are darker than what counts as the line's brightness
+constexpr double letterReach = 6;         // half the widest stroke of a letter, with room
+constexpr double leastContrast = 0.35;    // of the line's brightness: between a letter and its outline
+constexpr double leastRelief = 0.20;      // of the line's brightness: ribbons are as light, but broad
+constexpr double speckArea = 5;           // sparks and grain; the dot of an i has 10 and more
+constexpr double lowestLetter = 12;       // with the next: what is lower and wider is a strip of ribbon, not a letter
+constexpr double widestStrip = 48;        // bold letters that touch are wider, but not as low
 constexpr double sideReach = 4;           // of letters beyond the box of the strokes that were found
 constexpr double longestLetterRun = 44;   // the Chinese one is a single stroke as wide as the character
 constexpr double brightInk = 0.75;        // of the line's brightness

@@ -20,18 +20,18 @@ constexpr double cellSize = 3;       // strokes are counted on a coarse grid: ga
 constexpr int leastInkOfCell = 2;    // pixels; single ones are grain and sparks
 constexpr double widestGap = 20;     // between letters and words of a name
 constexpr double leastInkOfPiece = 40; // of a piece of a line; sparks have less
-constexpr double lowestPiece = 8;
-constexpr double widestJoint = 26;   // between pieces of one name
-constexpr double sharedHeight = 0.5; // of the lower of two pieces
-constexpr double longestName = 265;  // ribbons are 280 wide
-constexpr double tallestName = 64;
-constexpr double lowestLine = 11;  // less is a row of sparks or an edge
-constexpr double tallestLine = 74; // an arched name, with room
-constexpr double heightOfNames = 36;
-constexpr double shortestLine = 22;   // one Chinese character
-constexpr double longestLine = 420;   // wider than any card
-constexpr double leastFill = 0.06;    // of a box by strokes; less is scattered light
-constexpr std::size_t mostLines = 12; // three offers have a name each, a second name and some rows of rules
+constexpr double lowestPiece = 8;      // the rest of an edge is lower
+constexpr double widestJoint = 26;     // between pieces of one name
+constexpr double sharedHeight = 0.5;   // of the lower of two pieces
+constexpr double longestName = 265;    // ribbons are 280 wide
+constexpr double tallestName = 64;     // a second row of text would make it taller
+constexpr double lowestLine = 11;      // less is a row of sparks or an edge
+constexpr double tallestLine = 74;     // an arched name, with room
+constexpr double heightOfNames = 36;   // with their arch; rules are set in letters half as tall
+constexpr double shortestLine = 22;    // one Chinese character
+constexpr double longestLine = 420;    // wider than any card
+constexpr double leastFill = 0.06;     // of a box by strokes; less is scattered light
+constexpr std::size_t mostLines = 12;  // three offers have a name each, a second name and some rows of rules
 
 int pixels(double length, double unit) {
     return std::max(1, int(std::lround(length * unit)));

@@ -16,12 +16,12 @@ namespace {
 // Lengths are pixels of a window 1080 pixels high.
 constexpr double halfTallestLine = 37; // a line centred on the band's edge reaches this far out of it
 constexpr double halfLongestLine = 210;
-constexpr double cropMargin = 9;      // around a box, to see what runs out of it
-constexpr double leastSpacing = 200;  // offers stand 310 to 430 apart
-constexpr double widestSpacing = 500; // with the middle one missing, 620 and more
-constexpr double nameWidth = 250;
-constexpr double nameHeight = 46;
-constexpr double narrowestName = 24;
+constexpr double cropMargin = 9;         // around a box, to see what runs out of it
+constexpr double leastSpacing = 200;     // offers stand 310 to 430 apart
+constexpr double widestSpacing = 500;    // with the middle one missing, 620 and more
+constexpr double nameWidth = 250;        // the longest names; ribbons are 280 wide
+constexpr double nameHeight = 46;        // of most names, arch included
+constexpr double narrowestName = 24;     // one Chinese character
 constexpr double largestUnit = 1.6;      // finer pictures are halved before lines are looked for
 constexpr std::size_t mostReadings = 24; // in one image
 constexpr float sureEnough = 0.75F;      // mean confidence of a script that is the right one
@@ -124,7 +124,10 @@ private:
     Script guess(const LineRow& row) const;
     std::vector<OCRToken> tokensOf(const LineRow& row) const;
 
-    bool isKnown(const QString& text) const { return hints.names && hints.names->contains(text); }
+    // A list with an unnamed entry must not make a name of every number.
+    bool isKnown(const QString& text) const {
+        return hints.names && hints.names->contains(text) && !hints.names->normalize(text).isEmpty();
+    }
 
     LineReader& reader;
     std::optional<Script>& remembered;
