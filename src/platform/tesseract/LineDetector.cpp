@@ -134,8 +134,8 @@ Plane strokes(const Plane& plane, double unit) {
     Plane mask(plane.width, plane.height);
     for (std::size_t i = 0; i < mask.pixels.size(); ++i) {
         const int value = plane.pixels[i];
-        mask.pixels[i] = std::uint8_t((value > dimmestStroke) & (value - floor.pixels[i] > outlineContrast) &
-                                      (value - opened.pixels[i] > strokeRelief));
+        mask.pixels[i] = value > dimmestStroke && value - floor.pixels[i] > outlineContrast &&
+                         value - opened.pixels[i] > strokeRelief;
     }
     removeLongRuns(mask, pixels(longestStroke, unit));
     return mask;
