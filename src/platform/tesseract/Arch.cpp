@@ -26,7 +26,7 @@ class ArchSearch {
 public:
     ArchSearch(const Plane& letters, const QRect& area, double pixelUnit)
         : unit(pixelUnit)
-        , rows(std::size_t(3 * letters.height)) {
+        , rows(3 * std::size_t(letters.height)) {
         best.centre = (area.left() + area.right()) / 2.0;
         best.half = std::max(1.0, area.width() / 2.0);
         const double half = best.half / unit;
@@ -107,7 +107,8 @@ private:
         const int last = int(rows.size()) - 1;
         for (const Sample& sample : samples) {
             const float shift = sample.t * (slope + sample.t * (bend + sample.t * wave));
-            ++rows[std::size_t(std::clamp(int(sample.y - shift + 0.5F), 0, last))];
+            const auto row = int(sample.y - shift); // rounding either way is the same for all letters
+            ++rows[std::size_t(std::clamp(row, 0, last))];
         }
         double sum = 0;
         for (const int row : rows) {
@@ -130,8 +131,8 @@ InkProfile inkProfile(const Plane& letters, const Arch& arch) {
     InkProfile profile;
     profile.rowOrigin = 2 * letters.height;
     profile.columnOrigin = letters.height;
-    profile.rows.resize(std::size_t(4 * letters.height));
-    profile.columns.resize(std::size_t(letters.width + 2 * letters.height));
+    profile.rows.resize(4 * std::size_t(letters.height));
+    profile.columns.resize(std::size_t(letters.width) + 2 * std::size_t(letters.height));
     const auto add = [](std::vector<double>& bins, double at) {
         const auto last = std::ptrdiff_t(bins.size()) - 1;
         bins[std::size_t(std::clamp<std::ptrdiff_t>(std::lround(at), 0, last))] += 1;

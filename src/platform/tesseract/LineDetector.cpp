@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 
 namespace pelloran {
 
@@ -201,7 +202,10 @@ std::vector<TextBox> detectLines(const Plane& plane, double unit) {
             boxes.push_back(box);
         }
     }
-    std::ranges::stable_sort(boxes, std::ranges::greater(), [&](const TextBox& box) { return promise(box, unit); });
+    const auto rank = [unit](const TextBox& box) {
+        return std::tuple(-promise(box, unit), box.area.top(), box.area.left());
+    };
+    std::ranges::sort(boxes, {}, rank);
     boxes.resize(std::min(boxes.size(), mostLines));
     return boxes;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 
 namespace pelloran {
 
@@ -53,8 +54,7 @@ std::vector<LineRow> rowsOf(const std::vector<TextBox>& boxes, double unit, RowO
     for (std::size_t i = 0; i < rest.size(); ++i) {
         rest[i] = i;
     }
-    std::ranges::stable_sort(rest, std::ranges::greater(),
-                             [&](std::size_t index) { return promise(boxes[index], unit); });
+    std::ranges::sort(rest, {}, [&](std::size_t index) { return std::pair(-promise(boxes[index], unit), index); });
 
     std::vector<LineRow> rows;
     while (!rest.empty()) {
@@ -82,15 +82,15 @@ std::vector<LineRow> rowsOf(const std::vector<TextBox>& boxes, double unit, RowO
         std::ranges::sort(best, {}, [&](std::size_t index) { return boxes[index].area.left(); });
         rows.push_back(best);
     }
-    std::ranges::stable_sort(rows, std::ranges::greater(),
-                             [&](const LineRow& row) { return promiseOf(row, boxes, unit); });
-    if (order == RowOrder::lowestFirst && !rows.empty()) {
-        const double rival = rivalShare * promiseOf(rows.front(), boxes, unit);
-        const auto others = std::stable_partition(
-            rows.begin(), rows.end(), [&](const LineRow& row) { return promiseOf(row, boxes, unit) >= rival; });
-        std::stable_sort(rows.begin(), others,
-                         [&](const LineRow& a, const LineRow& b) { return level(a.front()) > level(b.front()); });
+    double best = 0;
+    for (const LineRow& row : rows) {
+        best = std::max(best, promiseOf(row, boxes, unit));
     }
+    std::ranges::sort(rows, {}, [&](const LineRow& row) {
+        const double own = promiseOf(row, boxes, unit);
+        const bool rivals = order == RowOrder::lowestFirst && own >= rivalShare * best;
+        return std::tuple(!rivals, rivals ? -level(row.front()) : -own, row.front());
+    });
     return rows;
 }
 

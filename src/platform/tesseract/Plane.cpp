@@ -6,7 +6,7 @@ namespace pelloran {
 
 namespace {
 
-// The three extremes of a running window: loops over whole rows without branches, which compilers turn into vector
+// The two extremes of a running window: loops over whole rows without branches, which compilers turn into vector
 // code.
 struct Darkest {
     static constexpr std::uint8_t outside = 255;
@@ -136,8 +136,8 @@ Plane shrunk(const Plane& plane, int times) {
             const std::uint8_t* upper = result.row(2 * y);
             const std::uint8_t* lower = result.row(2 * y + 1);
             std::uint8_t* row = half.row(y);
-            for (int x = 0; x < half.width; ++x) {
-                row[x] = std::uint8_t((upper[2 * x] + upper[2 * x + 1] + lower[2 * x] + lower[2 * x + 1] + 2) / 4);
+            for (int x = 0; x < half.width; ++x, upper += 2, lower += 2) {
+                row[x] = std::uint8_t((upper[0] + upper[1] + lower[0] + lower[1] + 2) / 4);
             }
         }
         result = std::move(half);

@@ -84,6 +84,7 @@ public:
         const RowOrder order =
             hints.lettering == ReadingHints::Lettering::white ? RowOrder::mostInkFirst : RowOrder::lowestFirst;
         std::vector<TextBox> boxes;
+        boxes.reserve(lines.size());
         for (const Line& line : lines) {
             boxes.push_back(line.box);
         }
