@@ -1,5 +1,6 @@
 #include "LineCropper.h"
 
+#include "Components.h"
 #include "LineDetector.h"
 
 #include <algorithm>
@@ -13,14 +14,23 @@ namespace {
 
 // Lengths and areas are in pixels of a window 1080 pixels high.
 constexpr double brightnessRank = 0.75;   // of stroke pixels that are darker than what counts as the line's brightness
+constexpr double letterReach = 6;         // half the widest stroke of a letter, with room
+constexpr double leastContrast = 0.35;    // of the line's brightness: between a letter and its outline
+constexpr double leastRelief = 0.20;      // of the line's brightness: ribbons are as light, but broad
 constexpr double speckArea = 5;           // sparks and grain; the dot of an i has 10 and more
+constexpr double lowestLetter = 12;       // with the next: what is lower and wider is a strip of ribbon, not a letter
+constexpr double widestStrip = 48;        // bold letters that touch are wider, but not as low
+constexpr double sideReach = 4;           // of letters beyond the box of the strokes that were found
+constexpr double longestLetterRun = 44;   // the Chinese one is a single stroke as wide as the character
+constexpr double brightInk = 0.75;        // of the line's brightness
+constexpr double leastBrightShare = 0.15; // of a letter's pixels in bright ink; remains of ribbon have none
+constexpr double sparkShare = 0.25;       // of the middle letter's area; smaller is punctuation or a spark
+constexpr double sparkDistance = 4;       // punctuation keeps closer to its letter
+constexpr double dimInk = 0.30;           // of the line's brightness: thin strokes
+constexpr double dimInkReach = 2.5;       // from brighter ink
 constexpr double leastStrokeShare = 0.25; // of a letter's pixels in detected strokes; blots of light have fewer
-constexpr double paleInk = 0.40;          // of the line's brightness: ink begins, so that edges stay soft
+constexpr double paleInk = 0.25;          // of the line's brightness: ink begins, so that edges stay soft
 constexpr double fullInk = 0.90;          // of the line's brightness
-constexpr double steepest = 0.22;         // slope of a wave on a ribbon
-constexpr double roundest = 0.001;        // bend per square of half the width
-constexpr double waviest = 0.000014;      // wave per cube of half the width
-constexpr std::size_t mostSamples = 900;  // pixels that vote on the arch
 constexpr double leastRowInk = 0.04;      // of the fullest row: less lies between two rows of text
 constexpr double leastRowShare = 0.2;     // of all ink: a row of text, not an accent
 constexpr double lowestRow = 8;           // height of a row of text
@@ -29,47 +39,31 @@ constexpr int narrowestPicture = 16;      // pixels
 struct Blob {
     int area = 0;
     int strokePixels = 0;
+    int brightPixels = 0;
     int left = 1 << 30;
     int top = 1 << 30;
     int right = -1;
     int bottom = -1;
 };
 
-// Connected groups of pixels of `lit`, numbered from 1 in `numbers`.
-std::vector<Blob> blobsOf(const Plane& lit, const Plane& mask, std::vector<int>& numbers) {
-    std::vector<Blob> blobs(1);
-    numbers.assign(lit.pixels.size(), 0);
-    std::vector<int> pending;
-    for (int start = 0; start < int(lit.pixels.size()); ++start) {
-        if (!lit.pixels[std::size_t(start)] || numbers[std::size_t(start)]) {
-            continue;
-        }
-        const int number = int(blobs.size());
-        Blob blob;
-        numbers[std::size_t(start)] = number;
-        pending.push_back(start);
-        while (!pending.empty()) {
-            const int place = pending.back();
-            const int x = place % lit.width;
-            const int y = place / lit.width;
-            pending.pop_back();
+// The groups of `components`, from the second place on.
+std::vector<Blob> blobsOf(const Components& components, const Plane& mask, const Plane& bright) {
+    std::vector<Blob> blobs(std::size_t(components.count) + 1);
+    for (int y = 0; y < mask.height; ++y) {
+        for (int x = 0; x < mask.width; ++x) {
+            const auto place = std::size_t(y) * std::size_t(mask.width) + std::size_t(x);
+            if (components.numbers[place] == 0) {
+                continue;
+            }
+            Blob& blob = blobs[std::size_t(components.numbers[place])];
             ++blob.area;
-            blob.strokePixels += mask.pixels[std::size_t(place)];
+            blob.strokePixels += mask.pixels[place];
+            blob.brightPixels += bright.pixels[place];
             blob.left = std::min(blob.left, x);
             blob.right = std::max(blob.right, x);
             blob.top = std::min(blob.top, y);
             blob.bottom = std::max(blob.bottom, y);
-            for (int nearY = std::max(0, y - 1); nearY <= std::min(lit.height - 1, y + 1); ++nearY) {
-                for (int nearX = std::max(0, x - 1); nearX <= std::min(lit.width - 1, x + 1); ++nearX) {
-                    const int near = nearY * lit.width + nearX;
-                    if (lit.pixels[std::size_t(near)] && !numbers[std::size_t(near)]) {
-                        numbers[std::size_t(near)] = number;
-                        pending.push_back(near);
-                    }
-                }
-            }
         }
-        blobs.push_back(blob);
     }
     return blobs;
 }
@@ -80,8 +74,43 @@ bool isLetter(const Blob& blob, const Plane& plane, const QRect& box, double uni
     const int middleX = (blob.left + blob.right) / 2;
     const int middleY = (blob.top + blob.bottom) / 2;
     return !runsOut && blob.area >= speckArea * unit * unit && blob.strokePixels >= leastStrokeShare * blob.area &&
-           middleY >= box.top() && middleY <= box.bottom() && middleX >= box.left() - 4 * unit &&
-           middleX <= box.right() + 4 * unit;
+           blob.brightPixels >= leastBrightShare * blob.area &&
+           !(blob.right - blob.left > widestStrip * unit && blob.bottom - blob.top < lowestLetter * unit) &&
+           middleY >= box.top() && middleY <= box.bottom() && middleX >= box.left() - sideReach * unit &&
+           middleX <= box.right() + sideReach * unit;
+}
+
+// Sparks far from every letter: small, and with nothing above or below them as the dot of an i has.
+void removeSparks(const std::vector<Blob>& blobs, std::vector<std::uint8_t>& isLetterBlob, double unit) {
+    std::vector<int> areas;
+    for (std::size_t i = 0; i < blobs.size(); ++i) {
+        if (isLetterBlob[i]) {
+            areas.push_back(blobs[i].area);
+        }
+    }
+    if (areas.empty()) {
+        return;
+    }
+    std::ranges::nth_element(areas, areas.begin() + std::ptrdiff_t(areas.size() / 2));
+    const double small = sparkShare * areas[areas.size() / 2];
+    std::vector<std::size_t> sparks;
+    for (std::size_t i = 0; i < blobs.size(); ++i) {
+        if (!isLetterBlob[i] || blobs[i].area >= small) {
+            continue;
+        }
+        bool alone = true;
+        for (std::size_t k = 0; k < blobs.size(); ++k) {
+            alone &= !isLetterBlob[k] || blobs[k].area < small ||
+                     blobs[i].left - blobs[k].right > sparkDistance * unit ||
+                     blobs[k].left - blobs[i].right > sparkDistance * unit;
+        }
+        if (alone) {
+            sparks.push_back(i);
+        }
+    }
+    for (const std::size_t spark : sparks) {
+        isLetterBlob[spark] = 0;
+    }
 }
 
 // The line's own brightness: of its strokes, most of which are letters.
@@ -107,123 +136,34 @@ int brightnessOf(const Plane& plane, const Plane& mask, const QRect& box) {
     return 0;
 }
 
-// Straight lines have full rows and empty ones: the sum of the squares of the rows' ink is greatest.
-class ArchSearch {
-public:
-    ArchSearch(const Plane& kept, const QRect& area)
-        : rows(std::size_t(3 * kept.height)) {
-        std::size_t total = 0;
-        for (const std::uint8_t pixel : kept.pixels) {
-            total += pixel;
-        }
-        const std::size_t every = total / mostSamples + 1;
-        best.middle = (area.left() + area.right()) / 2.0;
-        best.half = std::max(1.0, area.width() / 2.0);
-        std::size_t seen = 0;
+// What the letters stand on: light things that are broad or run out of the plane, and all that hangs together with
+// them. The dark outlines keep the letters apart from it.
+Plane backdropOf(const Plane& plane, Plane broad) {
+    for (int y = 0; y < plane.height; ++y) {
+        broad.row(y)[0] = plane.at(0, y);
+        broad.row(y)[plane.width - 1] = plane.at(plane.width - 1, y);
+    }
+    std::copy_n(plane.row(0), plane.width, broad.row(0));
+    std::copy_n(plane.row(plane.height - 1), plane.width, broad.row(plane.height - 1));
+    return floodedFrom(std::move(broad), plane);
+}
+
+QRect inkedArea(const Plane& kept) {
+    int left = kept.width;
+    int right = -1;
+    int top = kept.height;
+    int bottom = -1;
+    for (int y = 0; y < kept.height; ++y) {
         for (int x = 0; x < kept.width; ++x) {
-            for (int y = 0; y < kept.height; ++y) {
-                if (kept.at(x, y) && seen++ % every == 0) {
-                    samples.push_back({float((x - best.middle) / best.half), float(y + kept.height)});
-                }
-            }
-        }
-    }
-
-    Arch find(double unit) {
-        const double half = best.half / unit;
-        const double slopeLimit = steepest * half * unit;
-        const double bendLimit = roundest * half * half * unit;
-        const double waveLimit = waviest * half * half * half * unit;
-        bestSharpness = sharpness(best);
-        for (int bend = -3; bend <= 3; ++bend) {
-            for (int slope = -3; slope <= 3; ++slope) {
-                for (int wave = -1; wave <= 1; ++wave) {
-                    Arch arch = best;
-                    arch.bend = bend / 3.0 * bendLimit;
-                    arch.slope = slope / 3.0 * slopeLimit;
-                    arch.wave = wave * 0.6 * waveLimit;
-                    consider(arch);
-                }
-            }
-        }
-        best = winner;
-        refine(slopeLimit / 3, bendLimit / 3, waveLimit / 2, unit);
-        return best;
-    }
-
-private:
-    struct Sample {
-        float t;
-        float y;
-    };
-
-    void refine(double slopeStep, double bendStep, double waveStep, double unit) {
-        while (std::max({slopeStep, bendStep, waveStep}) > 0.3 * unit) {
-            slopeStep /= 2;
-            bendStep /= 2;
-            waveStep /= 2;
-            for (int round = 0; round < 3; ++round) {
-                for (const int direction : {-1, 1}) {
-                    for (double Arch::* part : {&Arch::bend, &Arch::slope, &Arch::wave}) {
-                        Arch arch = winner;
-                        arch.*part += direction * (part == &Arch::bend    ? bendStep
-                                                   : part == &Arch::slope ? slopeStep
-                                                                          : waveStep);
-                        consider(arch);
-                    }
-                }
-            }
-        }
-        best = winner;
-    }
-
-    void consider(const Arch& arch) {
-        const double value = sharpness(arch);
-        if (value > bestSharpness || !decided) {
-            bestSharpness = value;
-            winner = arch;
-            decided = true;
-        }
-    }
-
-    double sharpness(const Arch& arch) {
-        std::ranges::fill(rows, 0);
-        const float slope = float(arch.slope);
-        const float bend = float(arch.bend);
-        const float wave = float(arch.wave);
-        const int last = int(rows.size()) - 1;
-        for (const Sample& sample : samples) {
-            const float shift = sample.t * (slope + sample.t * (bend + sample.t * wave));
-            ++rows[std::size_t(std::clamp(int(sample.y - shift + 0.5F), 0, last))];
-        }
-        double sum = 0;
-        for (const int row : rows) {
-            sum += double(row) * row;
-        }
-        return sum;
-    }
-
-    std::vector<Sample> samples;
-    std::vector<int> rows;
-    Arch best;
-    Arch winner;
-    double bestSharpness = 0;
-    bool decided = false;
-};
-
-// Ink by rows of the straightened line, the first of them `height` rows above the plane.
-std::vector<double> rowInk(const Plane& kept, const Arch& arch) {
-    std::vector<double> rows(std::size_t(3 * kept.height));
-    for (int x = 0; x < kept.width; ++x) {
-        const double shift = arch.at(x);
-        for (int y = 0; y < kept.height; ++y) {
             if (kept.at(x, y)) {
-                const auto row = std::ptrdiff_t(std::lround(y - shift)) + kept.height;
-                rows[std::size_t(std::clamp<std::ptrdiff_t>(row, 0, std::ptrdiff_t(rows.size()) - 1))] += 1;
+                left = std::min(left, x);
+                right = std::max(right, x);
+                top = std::min(top, y);
+                bottom = y;
             }
         }
     }
-    return rows;
+    return {QPoint(left, top), QPoint(right, bottom)};
 }
 
 int countRows(const std::vector<double>& rows, double unit) {
@@ -288,52 +228,68 @@ std::optional<CleanLine> cleanLine(const Plane& plane, const QRect& box, double 
         return std::nullopt;
     }
 
+    const int reach = std::max(1, int(std::lround(letterReach * unit)));
+    const Plane floor = darkestAround(plane, reach);
+    const Plane backdrop = backdropOf(plane, lightestAround(floor, reach));
     Plane lit(plane.width, plane.height);
     for (std::size_t i = 0; i < lit.pixels.size(); ++i) {
-        lit.pixels[i] = plane.pixels[i] >= cleaning.inkLevel * brightness;
+        const int value = plane.pixels[i];
+        lit.pixels[i] = value >= cleaning.inkLevel * brightness &&
+                        value - floor.pixels[i] >= leastContrast * brightness &&
+                        value - backdrop.pixels[i] >= leastRelief * brightness;
     }
-    std::vector<int> numbers;
-    const std::vector<Blob> blobs = blobsOf(lit, mask, numbers);
+    removeLongRuns(lit, int(longestLetterRun * unit));
+    Plane bright(plane.width, plane.height);
+    for (std::size_t i = 0; i < bright.pixels.size(); ++i) {
+        bright.pixels[i] = plane.pixels[i] >= brightInk * brightness;
+    }
+    const Components components = componentsOf(lit);
+    const std::vector<int>& numbers = components.numbers;
+    const std::vector<Blob> blobs = blobsOf(components, mask, bright);
     std::vector<std::uint8_t> isLetterBlob(blobs.size());
-    QRect area;
     for (std::size_t number = 1; number < blobs.size(); ++number) {
-        const Blob& blob = blobs[number];
-        isLetterBlob[number] = isLetter(blob, plane, box, unit);
-        if (isLetterBlob[number]) {
-            area |= QRect(QPoint(blob.left, blob.top), QPoint(blob.right, blob.bottom));
+        isLetterBlob[number] = isLetter(blobs[number], plane, box, unit);
+    }
+    removeSparks(blobs, isLetterBlob, unit);
+    Plane kept(plane.width, plane.height);
+    for (std::size_t i = 0; i < kept.pixels.size(); ++i) {
+        kept.pixels[i] = isLetterBlob[std::size_t(numbers[i])];
+    }
+    // Thin strokes are dimmer than thick ones, but never far from them; what is dim further out is the ribbon.
+    for (int step = 0; step < int(std::lround(dimInkReach * unit)); ++step) {
+        const Plane wider = lightestAround(kept, 1);
+        for (std::size_t i = 0; i < kept.pixels.size(); ++i) {
+            const int value = plane.pixels[i];
+            kept.pixels[i] |= wider.pixels[i] && !numbers[i] && value >= dimInk * brightness &&
+                              value - floor.pixels[i] >= dimInk * brightness &&
+                              value - backdrop.pixels[i] >= leastRelief * brightness;
         }
     }
+    const QRect area = inkedArea(kept);
     if (area.isEmpty()) {
         return std::nullopt;
     }
 
     // Letters keep their soft edges: a ring of one pixel around them counts with what brightness it has.
-    Plane kept(plane.width, plane.height);
-    for (std::size_t i = 0; i < kept.pixels.size(); ++i) {
-        kept.pixels[i] = isLetterBlob[std::size_t(numbers[i])];
-    }
     const Plane ring = lightestAround(kept, 1);
     CleanLine line;
     line.ink = Plane(plane.width, plane.height);
     for (std::size_t i = 0; i < kept.pixels.size(); ++i) {
-        if (ring.pixels[i] && (kept.pixels[i] || !lit.pixels[i])) {
+        if (ring.pixels[i] && (kept.pixels[i] || !numbers[i])) {
             const double level = (double(plane.pixels[i]) / brightness - paleInk) / (fullInk - paleInk);
             line.ink.pixels[i] = std::uint8_t(std::lround(255 * std::clamp(level, 0.0, 1.0)));
         }
     }
 
     line.area = area;
-    line.arch.middle = (area.left() + area.right()) / 2.0;
-    line.arch.half = std::max(1.0, area.width() / 2.0);
-    if (cleaning.straighten) {
-        line.arch = ArchSearch(kept, area).find(unit);
-    }
-    const std::vector<double> rows = rowInk(kept, line.arch);
-    const auto inked = [](double ink) { return ink > 0; };
-    const auto top = std::ranges::find_if(rows, inked) - rows.begin();
-    const auto bottom = std::find_if(rows.rbegin(), rows.rend(), inked).base() - rows.begin();
-    line.letters = QRectF(area.left(), double(top - plane.height), area.width(), double(bottom - top));
-    line.rows = countRows(rows, unit);
+    line.arch = archOf(kept, area, unit, cleaning.otherTurn);
+    const InkProfile profile = inkProfile(kept, line.arch);
+    const auto [top, bottom] = inkedRange(profile.rows);
+    const auto [left, right] = inkedRange(profile.columns);
+    line.letters = QRectF(left - profile.columnOrigin, top - profile.rowOrigin, right - left, bottom - top);
+    line.fill =
+        std::accumulate(profile.rows.begin(), profile.rows.end(), 0.0) / (line.letters.width() * line.letters.height());
+    line.rows = countRows(profile.rows, unit);
     line.runsPerColumn = runsPerColumn(kept);
     return line;
 }
@@ -347,11 +303,12 @@ Plane picture(const CleanLine& line, const PictureShape& shape) {
         for (int row = 0; row < shape.height; ++row) {
             double ink = 0;
             for (const double partX : {0.25, 0.75}) {
-                const double x = line.letters.left() - margin + (column + partX) / scale - 0.5;
-                const double shift = line.arch.at(x);
+                const double along = line.letters.left() - margin + (column + partX) / scale - 0.5;
+                const double middle = line.arch.at(along) + line.arch.level;
+                const double lean = line.arch.turn * line.arch.slopeAt(along);
                 for (const double partY : {0.25, 0.75}) {
-                    const double y = line.letters.top() - margin + (row + partY) / scale - 0.5 + shift;
-                    ink += sample(line.ink, x, y) / 4;
+                    const double offset = line.letters.top() - margin + (row + partY) / scale - 0.5;
+                    ink += sample(line.ink, along - offset * lean, middle + offset) / 4;
                 }
             }
             result.row(row)[column] = std::uint8_t(255 - std::lround(ink));

@@ -1,44 +1,29 @@
 #pragma once
 
+#include "Arch.h"
 #include "Plane.h"
 
-#include <QRect>
 #include <QRectF>
 
 #include <optional>
 
 namespace pelloran {
 
-// Vertical displacement of a line's letters along the line, in pixels, downwards: a cubic of the distance from the
-// middle of the line.
-struct Arch {
-    double at(double x) const {
-        const double t = (x - middle) / half;
-        return t * (slope + t * (bend + t * wave));
-    }
-
-    double middle = 0;
-    double half = 1; // half the line's width
-    double slope = 0;
-    double bend = 0;
-    double wave = 0;
-};
-
 // How to tell letters from what is behind them; readings that fail are worth a second try with other values.
 struct Cleaning {
-    double inkLevel = 0.62; // of the line's own brightness: darker pixels are outline or background
-    bool straighten = true;
+    double inkLevel = 0.60; // of the line's own brightness: darker pixels are outline or background
+    bool otherTurn = false; // take letters for turned with the line where they seem only moved, and the other way round
 };
 
 // The letters of one line, alone.
 struct CleanLine {
-    Plane ink;      // 0 (none) to 255; where it is depends on the plane it was cut from
-    Arch arch;      // by which the letters stand below the line's middle
-    QRectF letters; // box of the straightened letters within `ink`
-    QRect area;     // box of the letters as they stand, within `ink`
-    int rows = 0;   // lines of text one above the other; 1 for a name
-    double runsPerColumn =
-        0; // strokes met on the way down a column with ink: below 2.3 in Latin text, above in Chinese
+    Plane ink;                // 0 (none) to 255; where it is depends on the plane it was cut from
+    Arch arch;                // by which the letters stand below the line's middle
+    QRectF letters;           // box of the straightened letters within `ink`
+    QRect area;               // box of the letters as they stand, within `ink`
+    double fill = 0;          // part of that box that is ink
+    int rows = 0;             // lines of text one above the other; 1 for a name
+    double runsPerColumn = 0; // strokes met on the way down a column with ink: about 1.6 in Latin text, 2.5 in Chinese
 };
 
 // The letters in `plane`, of which `box` encloses the strokes that were detected. The plane must reach beyond the box

@@ -1,8 +1,10 @@
 #include "LineDetector.h"
 
+#include "Components.h"
+
 #include <algorithm>
 #include <cmath>
-#include <numeric>
+#include <tuple>
 
 namespace pelloran {
 
@@ -14,38 +16,26 @@ constexpr double strokeReach = 4.5;  // half the widest stroke, and how far a da
 constexpr int dimmestStroke = 110;   // letters are white or pale gold, also in shade
 constexpr int outlineContrast = 75;  // between a stroke and its outline; the grain of wood and cloth has less
 constexpr int strokeRelief = 45;     // by which a stroke stands out of the wider light things around it
-constexpr double longestStroke = 34; // horizontally; edges of ribbons and frames run on
+constexpr double longestStroke = 42; // horizontally; edges of ribbons and frames run on
 constexpr double cellSize = 3;       // strokes are counted on a coarse grid: gaps between letters span few cells
 constexpr int leastInkOfCell = 2;    // pixels; single ones are grain and sparks
 constexpr double widestGap = 20;     // between letters and words of a name
-constexpr double lowestLine = 11;    // less is a row of sparks or an edge
-constexpr double tallestLine = 74;   // an arched name, with room
-constexpr double shortestLine = 22;  // one Chinese character
-constexpr double longestLine = 420;  // wider than any card
-constexpr double leastFill = 0.06;   // of a box by strokes; less is scattered light
-constexpr std::size_t mostLines = 12; // three offers have a name each, a second name and some rows of rules
+constexpr double leastInkOfPiece = 40; // of a piece of a line; sparks have less
+constexpr double lowestPiece = 8;      // the rest of an edge is lower
+constexpr double widestJoint = 26;     // between pieces of one name
+constexpr double sharedHeight = 0.5;   // of the lower of two pieces
+constexpr double longestName = 265;    // ribbons are 280 wide
+constexpr double tallestName = 64;     // a second row of text would make it taller
+constexpr double lowestLine = 11;      // less is a row of sparks or an edge
+constexpr double tallestLine = 74;     // an arched name, with room
+constexpr double heightOfNames = 36;   // with their arch; rules are set in letters half as tall
+constexpr double shortestLine = 22;    // one Chinese character
+constexpr double longestLine = 420;    // wider than any card
+constexpr double leastFill = 0.06;     // of a box by strokes; less is scattered light
+constexpr std::size_t mostLines = 12;  // three offers have a name each, a second name and some rows of rules
 
 int pixels(double length, double unit) {
     return std::max(1, int(std::lround(length * unit)));
-}
-
-void removeLongRuns(Plane& mask, int longest) {
-    for (int y = 0; y < mask.height; ++y) {
-        std::uint8_t* row = mask.row(y);
-        for (int x = 0; x < mask.width;) {
-            if (!row[x]) {
-                ++x;
-                continue;
-            }
-            const int start = x;
-            while (x < mask.width && row[x]) {
-                ++x;
-            }
-            if (x - start > longest) {
-                std::fill(row + start, row + x, std::uint8_t(0));
-            }
-        }
-    }
 }
 
 // The cells of the grid that hold ink, with the gaps between neighbours in a row of cells filled.
@@ -78,40 +68,6 @@ Plane inkedCells(const Plane& mask, int cell, int widestGapInCells) {
     return cells;
 }
 
-// Connected groups of cells, as a label per cell (0: none) and the number of labels.
-struct Labels {
-    std::vector<int> ofCell;
-    int count = 0;
-};
-
-Labels labelled(const Plane& cells) {
-    Labels labels;
-    labels.ofCell.assign(cells.pixels.size(), 0);
-    std::vector<int> pending;
-    for (int start = 0; start < int(cells.pixels.size()); ++start) {
-        if (!cells.pixels[std::size_t(start)] || labels.ofCell[std::size_t(start)]) {
-            continue;
-        }
-        labels.ofCell[std::size_t(start)] = ++labels.count;
-        pending.push_back(start);
-        while (!pending.empty()) {
-            const int x = pending.back() % cells.width;
-            const int y = pending.back() / cells.width;
-            pending.pop_back();
-            for (int nearY = std::max(0, y - 1); nearY <= std::min(cells.height - 1, y + 1); ++nearY) {
-                for (int nearX = std::max(0, x - 1); nearX <= std::min(cells.width - 1, x + 1); ++nearX) {
-                    const int near = nearY * cells.width + nearX;
-                    if (cells.pixels[std::size_t(near)] && !labels.ofCell[std::size_t(near)]) {
-                        labels.ofCell[std::size_t(near)] = labels.count;
-                        pending.push_back(near);
-                    }
-                }
-            }
-        }
-    }
-    return labels;
-}
-
 struct Extent {
     int left = 1 << 30;
     int top = 1 << 30;
@@ -119,7 +75,44 @@ struct Extent {
     int bottom = -1;
     int ink = 0;
     long darkness = 0;
+
+    void add(const Extent& other) {
+        left = std::min(left, other.left);
+        top = std::min(top, other.top);
+        right = std::max(right, other.right);
+        bottom = std::max(bottom, other.bottom);
+        ink += other.ink;
+        darkness += other.darkness;
+    }
 };
+
+// Characters with few strokes leave gaps: joins pieces that stand close together on one line, unless that would make
+// more than a name of them.
+void joinNeighbours(std::vector<Extent>& pieces, double unit) {
+    const auto belongTogether = [unit](const Extent& a, const Extent& b) {
+        const int gap = std::max(a.left, b.left) - std::min(a.right, b.right);
+        const int shared = std::min(a.bottom, b.bottom) - std::max(a.top, b.top);
+        const int smaller = std::min(a.bottom - a.top, b.bottom - b.top);
+        const int width = std::max(a.right, b.right) - std::min(a.left, b.left);
+        const int height = std::max(a.bottom, b.bottom) - std::min(a.top, b.top);
+        return gap <= widestJoint * unit && shared >= sharedHeight * smaller && width <= longestName * unit &&
+               height <= tallestName * unit;
+    };
+    for (bool joined = true; joined;) {
+        joined = false;
+        for (std::size_t i = 0; i < pieces.size(); ++i) {
+            for (std::size_t k = i + 1; k < pieces.size();) {
+                if (belongTogether(pieces[i], pieces[k])) {
+                    pieces[i].add(pieces[k]);
+                    pieces.erase(pieces.begin() + std::ptrdiff_t(k));
+                    joined = true;
+                } else {
+                    ++k;
+                }
+            }
+        }
+    }
+}
 
 bool looksLikeLine(const TextBox& box, double unit) {
     const double width = box.area.width() / unit;
@@ -128,12 +121,12 @@ bool looksLikeLine(const TextBox& box, double unit) {
            box.ink >= leastFill * box.area.width() * box.area.height();
 }
 
-// Names have the most ink of all lines on a card, and the blackest outlines.
-double promise(const TextBox& box) {
-    return box.ink * box.darkness * box.darkness;
-}
-
 } // namespace
+
+double promise(const TextBox& box, double unit) {
+    const double size = std::min(box.area.height() / unit, heightOfNames) / heightOfNames;
+    return box.ink * box.darkness * box.darkness * size * size;
+}
 
 Plane strokes(const Plane& plane, double unit) {
     const int radius = std::max(1, int(std::lround(strokeReach * unit - 0.5)));
@@ -142,11 +135,30 @@ Plane strokes(const Plane& plane, double unit) {
     Plane mask(plane.width, plane.height);
     for (std::size_t i = 0; i < mask.pixels.size(); ++i) {
         const int value = plane.pixels[i];
-        mask.pixels[i] = std::uint8_t((value > dimmestStroke) & (value - floor.pixels[i] > outlineContrast) &
-                                      (value - opened.pixels[i] > strokeRelief));
+        mask.pixels[i] = value > dimmestStroke && value - floor.pixels[i] > outlineContrast &&
+                         value - opened.pixels[i] > strokeRelief;
     }
     removeLongRuns(mask, pixels(longestStroke, unit));
     return mask;
+}
+
+void removeLongRuns(Plane& mask, int longest) {
+    for (int y = 0; y < mask.height; ++y) {
+        std::uint8_t* row = mask.row(y);
+        for (int x = 0; x < mask.width;) {
+            if (!row[x]) {
+                ++x;
+                continue;
+            }
+            const int start = x;
+            while (x < mask.width && row[x]) {
+                ++x;
+            }
+            if (x - start > longest) {
+                std::fill(row + start, row + x, std::uint8_t(0));
+            }
+        }
+    }
 }
 
 std::vector<TextBox> detectLines(const Plane& plane, double unit) {
@@ -157,11 +169,11 @@ std::vector<TextBox> detectLines(const Plane& plane, double unit) {
     const Plane outlines = darkestAround(plane, pixels(strokeReach, unit));
     const int cell = pixels(cellSize, unit);
     const Plane cells = inkedCells(mask, cell, int(widestGap * unit / cell));
-    const Labels labels = labelled(cells);
+    const Components components = componentsOf(cells);
 
-    std::vector<Extent> extents(std::size_t(labels.count) + 1);
+    std::vector<Extent> extents(std::size_t(components.count) + 1);
     for (int y = 0; y < mask.height; ++y) {
-        const int* rowLabels = labels.ofCell.data() + std::size_t(y / cell) * std::size_t(cells.width);
+        const int* rowLabels = components.numbers.data() + std::size_t(y / cell) * std::size_t(cells.width);
         for (int x = 0; x < mask.width; ++x) {
             if (!mask.at(x, y)) {
                 continue;
@@ -176,16 +188,24 @@ std::vector<TextBox> detectLines(const Plane& plane, double unit) {
         }
     }
 
+    extents.erase(extents.begin()); // specks outside every cell
+    std::erase_if(extents, [unit](const Extent& extent) {
+        return extent.ink < leastInkOfPiece * unit * unit || extent.bottom - extent.top < lowestPiece * unit;
+    });
+    joinNeighbours(extents, unit);
+
     std::vector<TextBox> boxes;
-    for (std::size_t label = 1; label < extents.size(); ++label) { // label 0: specks outside every cell
-        const Extent& extent = extents[label];
+    for (const Extent& extent : extents) {
         const TextBox box{QRect(QPoint(extent.left, extent.top), QPoint(extent.right, extent.bottom)), extent.ink,
                           extent.ink ? double(extent.darkness) / extent.ink / 255 : 0};
         if (extent.ink && looksLikeLine(box, unit)) {
             boxes.push_back(box);
         }
     }
-    std::ranges::stable_sort(boxes, std::ranges::greater(), promise);
+    const auto rank = [unit](const TextBox& box) {
+        return std::tuple(-promise(box, unit), box.area.top(), box.area.left());
+    };
+    std::ranges::sort(boxes, {}, rank);
     boxes.resize(std::min(boxes.size(), mostLines));
     return boxes;
 }

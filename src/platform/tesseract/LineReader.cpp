@@ -74,7 +74,7 @@ private:
 } // namespace
 
 PictureShape pictureShape(Script script) {
-    return script == Script::latin ? PictureShape{36, 0.16} : PictureShape{48, 0.32};
+    return script == Script::latin ? PictureShape{36, 0.16} : PictureShape{48, 0.22};
 }
 
 class LineReader::Pool {

@@ -6,7 +6,7 @@ namespace pelloran {
 
 namespace {
 
-// The three extremes of a running window: loops over whole rows without branches, which compilers turn into vector
+// The two extremes of a running window: loops over whole rows without branches, which compilers turn into vector
 // code.
 struct Darkest {
     static constexpr std::uint8_t outside = 255;
@@ -120,6 +120,14 @@ Plane lightness(const QImage& image, const QRect& area, ReadingHints::Lettering 
     return plane;
 }
 
+Plane part(const Plane& plane, const QRect& area) {
+    Plane result(area.width(), area.height());
+    for (int y = 0; y < result.height; ++y) {
+        std::copy_n(plane.row(area.top() + y) + area.left(), result.width, result.row(y));
+    }
+    return result;
+}
+
 Plane shrunk(const Plane& plane, int times) {
     Plane result = plane;
     for (int i = 0; i < times; ++i) {
@@ -128,8 +136,8 @@ Plane shrunk(const Plane& plane, int times) {
             const std::uint8_t* upper = result.row(2 * y);
             const std::uint8_t* lower = result.row(2 * y + 1);
             std::uint8_t* row = half.row(y);
-            for (int x = 0; x < half.width; ++x) {
-                row[x] = std::uint8_t((upper[2 * x] + upper[2 * x + 1] + lower[2 * x] + lower[2 * x + 1] + 2) / 4);
+            for (int x = 0; x < half.width; ++x, upper += 2, lower += 2) {
+                row[x] = std::uint8_t((upper[0] + upper[1] + lower[0] + lower[1] + 2) / 4);
             }
         }
         result = std::move(half);
@@ -143,6 +151,43 @@ Plane darkestAround(const Plane& plane, int radius) {
 
 Plane lightestAround(const Plane& plane, int radius) {
     return extremeAround<Lightest>(plane, radius);
+}
+
+Plane floodedFrom(Plane seed, const Plane& plane) {
+    // Sweeps down and up alternately settle everything but spirals in two or three rounds.
+    const int width = plane.width;
+    const auto settle = [&](int x, int y, int fromX, int fromY) {
+        std::uint8_t& level = seed.row(y)[x];
+        const std::uint8_t reachable = std::min(seed.at(fromX, fromY), plane.at(x, y));
+        const bool rises = reachable > level;
+        level = std::max(level, reachable);
+        return rises;
+    };
+    bool changed = true;
+    while (changed) {
+        changed = false;
+        for (int y = 0; y < plane.height; ++y) {
+            for (int x = 0; x < width; ++x) {
+                if (y > 0) {
+                    changed |= settle(x, y, x, y - 1);
+                }
+                if (x > 0) {
+                    changed |= settle(x, y, x - 1, y);
+                }
+            }
+        }
+        for (int y = plane.height - 1; y >= 0; --y) {
+            for (int x = width - 1; x >= 0; --x) {
+                if (y + 1 < plane.height) {
+                    changed |= settle(x, y, x, y + 1);
+                }
+                if (x + 1 < width) {
+                    changed |= settle(x, y, x + 1, y);
+                }
+            }
+        }
+    }
+    return seed;
 }
 
 } // namespace pelloran

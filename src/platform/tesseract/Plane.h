@@ -36,11 +36,18 @@ struct Plane {
 // not: the darkest of the three colour channels, for golden letters averaged with luma. Any format.
 Plane lightness(const QImage& image, const QRect& area, ReadingHints::Lettering lettering);
 
+// The pixels of `area`, which must lie within the plane.
+Plane part(const Plane& plane, const QRect& area);
+
 // Halves the plane `times` times, each pixel the mean of four.
 Plane shrunk(const Plane& plane, int times);
 
 // The darkest, or the lightest, pixel of the square of 2 * radius + 1 pixels around each one.
 Plane darkestAround(const Plane& plane, int radius);
 Plane lightestAround(const Plane& plane, int radius);
+
+// The plane without what is thin or enclosed: every pixel as light as can be kept on a way from it to a pixel of `seed`
+// over `plane` (grey reconstruction by dilation). `seed` is nowhere lighter than `plane`.
+Plane floodedFrom(Plane seed, const Plane& plane);
 
 } // namespace pelloran

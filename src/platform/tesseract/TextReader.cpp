@@ -2,9 +2,11 @@
 
 #include "LineCropper.h"
 #include "LineDetector.h"
+#include "LinePicker.h"
 #include "LineReader.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace pelloran {
@@ -15,43 +17,308 @@ namespace {
 constexpr double halfTallestLine = 37; // a line centred on the band's edge reaches this far out of it
 constexpr double halfLongestLine = 210;
 constexpr double cropMargin = 9;         // around a box, to see what runs out of it
-constexpr double halfColumn = 120;       // offers stand 320 apart; lines of one offer are centred on it
+constexpr double leastSpacing = 200;     // offers stand 310 to 430 apart
+constexpr double widestSpacing = 500;    // with the middle one missing, 620 and more
+constexpr double nameWidth = 250;        // the longest names; ribbons are 280 wide
+constexpr double nameHeight = 46;        // of most names, arch included
+constexpr double narrowestName = 24;     // one Chinese character
 constexpr double largestUnit = 1.6;      // finer pictures are halved before lines are looked for
-constexpr std::size_t mostReadings = 16; // in one image
+constexpr std::size_t mostReadings = 24; // in one image
 constexpr float sureEnough = 0.75F;      // mean confidence of a script that is the right one
-constexpr double denseLetters = 2.3;     // strokes down a column: Chinese above, Latin below
+constexpr double denseLetters = 1.88;    // strokes down a column: 1.4 to 1.8 in Latin names, 1.9 to 3.1 in Chinese ones
+constexpr double guessBonus = 0.3;       // in confidence, for the script that the shape of the letters suggests
+constexpr double fullestLine = 0.62;     // part of a line's box that is ink; more is the paper between dark letters
+
+// What to try on a line, one after the other, until its text is a known name. The network is easily thrown off: the
+// same letters a little larger or thinner are often read right.
+struct Attempt {
+    Cleaning cleaning;
+    double margin; // around the letters, as a multiple of the script's own
+};
+
+constexpr std::array attempts{
+    Attempt{{.inkLevel = 0.58, .otherTurn = false}, 1},    Attempt{{.inkLevel = 0.58, .otherTurn = true}, 1},
+    Attempt{{.inkLevel = 0.48, .otherTurn = false}, 0.65}, Attempt{{.inkLevel = 0.70, .otherTurn = false}, 1.45},
+    Attempt{{.inkLevel = 0.58, .otherTurn = false}, 0.4},
+};
 
 // The game keeps its proportions and is as tall as the window, unless that is narrower than 4:3.
 double unitOf(const QImage& image) {
     return std::min(double(image.height()), image.width() * 0.75) / 1080;
 }
 
-struct Attempt {
-    std::size_t line;
-    Cleaning cleaning;
-};
-
-// A line in the picture and what has been made of it.
-struct Line {
-    QRect area; // pixels of the image
-    Plane crop;
-    QRect box; // within the crop
-    double unit;
-    LineReading best;
-    QRect letters; // pixels of the image, once cropped
-    bool exact = false;
-};
-
-struct Column {
-    double middle = 0;
-    std::vector<std::size_t> lines;
-    std::vector<Attempt> attempts;
-    std::size_t tried = 0;
-    bool exact = false;
-};
+QRect rectangleIn(const QRectF& fractions, const QSize& size) {
+    return QRectF(fractions.x() * size.width(), fractions.y() * size.height(), fractions.width() * size.width(),
+                  fractions.height() * size.height())
+        .toAlignedRect();
+}
 
 Script other(Script script) {
     return script == Script::latin ? Script::chinese : Script::latin;
+}
+
+// A line in the picture and what has been made of it.
+struct Line {
+    TextBox box; // in pixels of the image
+    Plane crop;
+    QPoint origin; // of the crop, in the image
+    std::optional<CleanLine> clean;
+    std::vector<LineReading> readings; // different ones
+    bool known = false;                // the reading is one of the known names
+};
+
+// The lines of one image, read row by row.
+class Reading {
+public:
+    Reading(LineReader& lineReader, std::optional<Script>& rememberedScript, const QImage& picture,
+            const ReadingHints& readingHints)
+        : reader(lineReader)
+        , remembered(rememberedScript)
+        , image(picture)
+        , hints(readingHints)
+        , unit(unitOf(picture)) {}
+
+    std::vector<OCRToken> tokens() {
+        findLines();
+        cleanLines();
+        const RowOrder order =
+            hints.lettering == ReadingHints::Lettering::white ? RowOrder::mostInkFirst : RowOrder::lowestFirst;
+        std::vector<TextBox> boxes;
+        boxes.reserve(lines.size());
+        for (const Line& line : lines) {
+            boxes.push_back(line.box);
+        }
+        const std::vector<LineRow> rows = rowsOf(boxes, unit, order);
+        for (const LineRow& row : rows) {
+            readOnce(row, attempts.front());
+            if (hasKnown(row)) {
+                return finishRow(row);
+            }
+            if (readings >= mostReadings) {
+                break;
+            }
+        }
+        for (const LineRow& row : rows) {
+            retry(row);
+            if (hasKnown(row)) {
+                return finishRow(row);
+            }
+        }
+        LineRow all;
+        for (std::size_t index = 0; index < lines.size(); ++index) {
+            all.push_back(index);
+        }
+        return tokensOf(all);
+    }
+
+private:
+    void findLines();
+    void cleanLines();
+    Line lineAt(const TextBox& box) const;
+    std::optional<std::size_t> findThird(const LineRow& row, std::size_t place);
+    std::vector<OCRToken> finishRow(LineRow row);
+    bool hasKnown(const LineRow& row) const;
+    void retry(const LineRow& row);
+    void readOnce(const LineRow& row, const Attempt& attempt);
+    std::vector<LineReading> readWith(Script script, const LineRow& row, double margin);
+    double worth(const std::vector<LineReading>& results) const;
+    Script guess(const LineRow& row) const;
+    std::vector<OCRToken> tokensOf(const LineRow& row) const;
+
+    // A list with an unnamed entry must not make a name of every number.
+    bool isKnown(const QString& text) const {
+        return hints.names && hints.names->contains(text) && !hints.names->normalize(text).isEmpty();
+    }
+
+    LineReader& reader;
+    std::optional<Script>& remembered;
+    const QImage& image;
+    const ReadingHints& hints;
+    const double unit;
+    std::vector<Line> lines;
+    Plane plane; // of `planeArea` of the image
+    QRect planeArea;
+    std::optional<Script> script; // of this image, once sure
+    std::size_t readings = 0;
+};
+
+void Reading::findLines() {
+    const QRect band = rectangleIn(hints.band, image.size());
+    const int marginX = int(halfLongestLine * unit);
+    const int marginY = int(halfTallestLine * unit);
+    planeArea = band.adjusted(-marginX, -marginY, marginX, marginY).intersected(image.rect());
+    plane = lightness(image, planeArea, hints.lettering);
+    int halvings = 0;
+    while (unit / (1 << halvings) > largestUnit) {
+        ++halvings;
+    }
+    const int step = 1 << halvings;
+    for (TextBox box : halvings ? detectLines(shrunk(plane, halvings), unit / step) : detectLines(plane, unit)) {
+        box.area = QRect(box.area.topLeft() * step, box.area.size() * step).translated(planeArea.topLeft());
+        if (band.contains(box.area.center())) {
+            lines.push_back(lineAt(box));
+        }
+    }
+}
+
+Line Reading::lineAt(const TextBox& box) const {
+    const int margin = int(std::lround(cropMargin * unit));
+    const QRect around = box.area.adjusted(-margin, -margin, margin, margin).intersected(planeArea);
+    return {box, part(plane, around.translated(-planeArea.topLeft())), around.topLeft(), {}, {}};
+}
+
+// With two names of a row at hand, the third is where it must be, whatever hid it from the search.
+std::optional<std::size_t> Reading::findThird(const LineRow& row, std::size_t place) {
+    const QRectF first(lines[row[0]].box.area);
+    const QRectF second(lines[row[1]].box.area);
+    const double spacing = second.center().x() - first.center().x();
+    const std::array middles{first.center().x() - spacing, (first.center().x() + second.center().x()) / 2,
+                             second.center().x() + spacing};
+    const bool middleIsMissing = spacing > widestSpacing * unit;
+    if (middleIsMissing != (place == 1) || spacing < leastSpacing * unit) {
+        return std::nullopt;
+    }
+    QRectF box(0, 0, nameWidth * unit, nameHeight * unit);
+    box.moveCenter({middles[place], (first.center().y() + second.center().y()) / 2});
+    if (!planeArea.contains(box.toAlignedRect())) {
+        return std::nullopt;
+    }
+    Line line = lineAt({box.toAlignedRect(), 0, 0});
+    line.clean = cleanLine(line.crop, line.box.area.translated(-line.origin), unit, attempts.front().cleaning);
+    if (!line.clean || line.clean->rows != 1 || line.clean->letters.width() < narrowestName * unit) {
+        return std::nullopt;
+    }
+    lines.push_back(std::move(line));
+    return lines.size() - 1;
+}
+
+// Reads on in the row of names until each is known or everything has been tried.
+std::vector<OCRToken> Reading::finishRow(LineRow row) {
+    retry(row);
+    if (row.size() == 2) {
+        for (std::size_t place = 0; place < 3; ++place) {
+            if (const auto third = findThird(row, place)) {
+                readOnce({*third}, attempts.front());
+                retry({*third});
+                row.push_back(*third);
+                if (lines[*third].known) {
+                    break;
+                }
+                row.pop_back(); // a guess at a place is no line of text
+            }
+        }
+    }
+    return tokensOf(row);
+}
+
+void Reading::cleanLines() {
+    for (Line& line : lines) {
+        line.clean = cleanLine(line.crop, line.box.area.translated(-line.origin), unit, attempts.front().cleaning);
+    }
+    std::erase_if(
+        lines, [](const Line& line) { return !line.clean || line.clean->rows != 1 || line.clean->fill > fullestLine; });
+}
+
+// The names of the three offers stand in one row: when one of them is known, nothing outside the row matters.
+bool Reading::hasKnown(const LineRow& row) const {
+    return std::ranges::any_of(row, [&](std::size_t index) { return lines[index].known; });
+}
+
+void Reading::retry(const LineRow& row) {
+    if (!hints.names) {
+        return;
+    }
+    for (std::size_t attempt = 1; attempt < attempts.size() && readings < mostReadings; ++attempt) {
+        LineRow unknown;
+        for (const std::size_t index : row) {
+            Line& line = lines[index];
+            if (line.known) {
+                continue;
+            }
+            auto clean = cleanLine(line.crop, line.box.area.translated(-line.origin), unit, attempts[attempt].cleaning);
+            if (clean && clean->rows == 1) {
+                line.clean = std::move(clean);
+                unknown.push_back(index);
+            }
+        }
+        readOnce(unknown, attempts[attempt]);
+    }
+}
+
+void Reading::readOnce(const LineRow& row, const Attempt& attempt) {
+    if (row.empty()) {
+        return;
+    }
+    Script chosen = script ? *script : remembered.value_or(guess(row));
+    std::vector<LineReading> results = readWith(chosen, row, attempt.margin);
+    double value = worth(results);
+    if (!script && value < double(sureEnough)) {
+        std::vector<LineReading> otherResults = readWith(other(chosen), row, attempt.margin);
+        if (const double otherValue = worth(otherResults); otherValue > value + guessBonus) {
+            results = std::move(otherResults);
+            value = otherValue;
+            chosen = other(chosen);
+        }
+    }
+    if (value >= double(sureEnough)) {
+        remembered = chosen;
+    }
+    if (value >= double(sureEnough) || row.size() > 1) { // a single line may be a number
+        script = chosen;
+    }
+    for (std::size_t i = 0; i < row.size(); ++i) {
+        Line& line = lines[row[i]];
+        const bool known = isKnown(results[i].text);
+        if (known) {
+            line.readings = {results[i]};
+            line.known = known;
+        } else if (!results[i].text.isEmpty() &&
+                   std::ranges::find(line.readings, results[i].text, &LineReading::text) == line.readings.end()) {
+            line.readings.push_back(results[i]);
+        }
+    }
+}
+
+std::vector<LineReading> Reading::readWith(Script with, const LineRow& row, double margin) {
+    std::vector<LineReader::Work> work;
+    for (const std::size_t index : row) {
+        PictureShape shape = pictureShape(with);
+        shape.margin *= margin;
+        work.push_back({picture(*lines[index].clean, shape), with});
+    }
+    readings += work.size();
+    return reader.read(work);
+}
+
+// A known name is worth more than any confidence.
+double Reading::worth(const std::vector<LineReading>& results) const {
+    double sum = 0;
+    for (const LineReading& result : results) {
+        sum += isKnown(result.text) ? double(results.size()) : double(result.confidence);
+    }
+    return sum / double(results.size());
+}
+
+Script Reading::guess(const LineRow& row) const {
+    double runs = 0;
+    for (const std::size_t index : row) {
+        runs += lines[index].clean->runsPerColumn;
+    }
+    return runs > denseLetters * double(row.size()) ? Script::chinese : Script::latin;
+}
+
+std::vector<OCRToken> Reading::tokensOf(const LineRow& row) const {
+    std::vector<OCRToken> tokens;
+    for (const std::size_t index : row) {
+        const Line& line = lines[index];
+        const QRectF box(line.clean->area.translated(line.origin));
+        for (const LineReading& reading : line.readings) {
+            tokens.push_back({reading.text, reading.confidence, box.center().x() / image.width(),
+                              box.center().y() / image.height(), box.width() / image.width(),
+                              box.height() / image.height()});
+        }
+    }
+    return tokens;
 }
 
 class TesseractTextReader final : public TextReader {
@@ -59,7 +326,9 @@ public:
     explicit TesseractTextReader(std::unique_ptr<LineReader> lineReader)
         : reader(std::move(lineReader)) {}
 
-    std::vector<OCRToken> read(const QImage& image, const ReadingHints& hints) override;
+    std::vector<OCRToken> read(const QImage& image, const ReadingHints& hints) override {
+        return image.isNull() ? std::vector<OCRToken>() : Reading(*reader, remembered, image, hints).tokens();
+    }
 
     // Every line is brought to the height its network was made for, whatever the size of the window.
     bool scalesLinesItself() const override { return true; }
@@ -68,168 +337,8 @@ public:
 
 private:
     std::unique_ptr<LineReader> reader;
-    std::optional<Script> remembered;
+    std::optional<Script> remembered; // which the client uses
 };
-
-QRect rectangleIn(const QRectF& fractions, const QSize& size) {
-    return QRectF(fractions.x() * size.width(), fractions.y() * size.height(), fractions.width() * size.width(),
-                  fractions.height() * size.height())
-        .toAlignedRect();
-}
-
-std::vector<Line> findLines(const QImage& image, const ReadingHints& hints, double unit) {
-    const QRect band = rectangleIn(hints.band, image.size());
-    const int marginX = int(halfLongestLine * unit);
-    const int marginY = int(halfTallestLine * unit);
-    const QRect area = band.adjusted(-marginX, -marginY, marginX, marginY).intersected(image.rect());
-    const Plane plane = lightness(image, area, hints.lettering);
-    int halvings = 0;
-    while (unit / (1 << halvings) > largestUnit) {
-        ++halvings;
-    }
-    const std::vector<TextBox> boxes =
-        halvings ? detectLines(shrunk(plane, halvings), unit / (1 << halvings)) : detectLines(plane, unit);
-    std::vector<Line> lines;
-    for (const TextBox& found : boxes) {
-        const QRect box(found.area.topLeft() * (1 << halvings), found.area.size() * (1 << halvings));
-        const QRect inImage = box.translated(area.topLeft());
-        if (!band.contains(inImage.center())) {
-            continue;
-        }
-        const int margin = int(std::lround(cropMargin * unit));
-        const QRect cropArea =
-            box.adjusted(-margin, -margin, margin, margin).intersected(QRect(0, 0, plane.width, plane.height));
-        Line line{inImage, Plane(cropArea.width(), cropArea.height()), box.translated(-cropArea.topLeft()), unit, {},
-                  inImage};
-        for (int y = 0; y < cropArea.height(); ++y) {
-            std::copy_n(plane.row(cropArea.top() + y) + cropArea.left(), cropArea.width(), line.crop.row(y));
-        }
-        lines.push_back(std::move(line));
-    }
-    return lines;
-}
-
-std::vector<Column> columnsOf(const std::vector<Line>& lines, double unit) {
-    std::vector<Column> columns;
-    for (std::size_t i = 0; i < lines.size(); ++i) {
-        const double middle = lines[i].area.center().x();
-        const auto column = std::ranges::find_if(
-            columns, [&](const Column& known) { return std::abs(known.middle - middle) < halfColumn * unit; });
-        if (column == columns.end()) {
-            columns.push_back({middle, {i}, {}});
-        } else {
-            column->lines.push_back(i);
-        }
-    }
-    return columns;
-}
-
-std::vector<OCRToken> TesseractTextReader::read(const QImage& image, const ReadingHints& hints) {
-    if (image.isNull()) {
-        return {};
-    }
-    const double unit = unitOf(image);
-    std::vector<Line> lines = findLines(image, hints, unit);
-    std::vector<Column> columns = columnsOf(lines, unit);
-    for (Column& column : columns) {
-        for (std::size_t i = 0; i < column.lines.size(); ++i) {
-            column.attempts.push_back({column.lines[i], {}});
-        }
-        if (hints.names) {
-            column.attempts.insert(column.attempts.begin() + 1, {column.lines.front(), {.inkLevel = 0.5}});
-            column.attempts.push_back({column.lines.front(), {.inkLevel = 0.72}});
-        }
-    }
-
-    std::size_t readings = 0;
-    std::size_t exactColumns = 0;
-    Script script = remembered.value_or(Script::latin);
-    bool cold = !remembered;
-    while (readings < mostReadings && exactColumns < 3) {
-        std::vector<std::pair<std::size_t, std::size_t>> chosen; // column, line
-        std::vector<CleanLine> cleaned;
-        for (std::size_t c = 0; c < columns.size(); ++c) {
-            Column& column = columns[c];
-            while (!column.exact && column.tried < column.attempts.size()) {
-                const Attempt attempt = column.attempts[column.tried++];
-                Line& line = lines[attempt.line];
-                const auto clean = cleanLine(line.crop, line.box, line.unit, attempt.cleaning);
-                if (!clean || clean->rows != 1) {
-                    continue;
-                }
-                line.letters = clean->area.translated(line.area.topLeft() - line.box.topLeft());
-                chosen.emplace_back(c, attempt.line);
-                cleaned.push_back(*clean);
-                break;
-            }
-        }
-        if (chosen.empty()) {
-            break;
-        }
-        const auto readAll = [&](Script with) {
-            std::vector<LineReader::Work> work;
-            for (const CleanLine& line : cleaned) {
-                work.push_back({picture(line, pictureShape(with)), with});
-            }
-            readings += work.size();
-            return reader->read(work);
-        };
-        const auto worth = [&](const std::vector<LineReading>& results) {
-            double sum = 0;
-            for (const LineReading& result : results) {
-                sum += result.confidence + (hints.names && hints.names->contains(result.text) ? 10 : 0);
-            }
-            return sum / double(results.size());
-        };
-        if (cold) {
-            std::vector<double> runs;
-            for (const CleanLine& line : cleaned) {
-                runs.push_back(line.runsPerColumn);
-            }
-            std::ranges::sort(runs);
-            script = runs[runs.size() / 2] > denseLetters ? Script::chinese : Script::latin;
-        }
-        std::vector<LineReading> results = readAll(script);
-        if (worth(results) < double(sureEnough) && !(readings > results.size())) {
-            std::vector<LineReading> otherResults = readAll(other(script));
-            if (worth(otherResults) > worth(results)) {
-                results = std::move(otherResults);
-                script = other(script);
-            }
-        }
-        cold = false;
-        if (worth(results) >= double(sureEnough)) {
-            remembered = script;
-        }
-        for (std::size_t i = 0; i < results.size(); ++i) {
-            Line& line = lines[chosen[i].second];
-            const bool exact = hints.names && hints.names->contains(results[i].text);
-            if (exact || (!line.exact && results[i].confidence > line.best.confidence)) {
-                line.best = results[i];
-                line.exact = exact;
-            }
-            if (exact && !columns[chosen[i].first].exact) {
-                columns[chosen[i].first].exact = true;
-                ++exactColumns;
-            }
-        }
-    }
-
-    std::vector<OCRToken> tokens;
-    for (const Column& column : columns) {
-        for (const std::size_t index : column.lines) {
-            const Line& line = lines[index];
-            if (line.best.text.isEmpty() || (column.exact && !line.exact)) {
-                continue;
-            }
-            const QRectF box(line.letters);
-            tokens.push_back({line.best.text, line.best.confidence, box.center().x() / image.width(),
-                              box.center().y() / image.height(), box.width() / image.width(),
-                              box.height() / image.height()});
-        }
-    }
-    return tokens;
-}
 
 } // namespace
 

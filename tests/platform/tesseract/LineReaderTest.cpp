@@ -1,0 +1,64 @@
+#include "platform/tesseract/LineReader.h"
+
+#include "PaintedText.h"
+#include "support/Printing.h"
+
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace pelloran {
+
+namespace {
+
+Plane pictureOf(const QString& word, Script script) {
+    QImage image = testing::wood(400, 100);
+    testing::paintWord(image, QPoint(200, 50), word, 32);
+    const auto line = cleanLine(testing::planeOf(image), QRect(20, 30, 360, 40), 1, {});
+    return line ? picture(*line, pictureShape(script)) : Plane(16, 16, 255);
+}
+
+TEST(LineReaderTest, MissingDataNamesThePackagesToInstall) {
+    const QTemporaryDir empty;
+    const auto reader = LineReader::create(empty.path());
+    ASSERT_FALSE(reader);
+    EXPECT_TRUE(reader.error().contains(QStringLiteral("tesseract-ocr-eng"))) << reader.error().toStdString();
+    EXPECT_TRUE(reader.error().contains(QStringLiteral("tesseract-ocr-chi-sim"))) << reader.error().toStdString();
+}
+
+TEST(LineReaderTest, AnswersStandInTheOrderOfTheWork) {
+    const auto reader = LineReader::create();
+    ASSERT_TRUE(reader) << reader.error().toStdString();
+    const QStringList words{QStringLiteral("TITLE"), QStringLiteral("LIFE"), QStringLiteral("HILT"),
+                            QStringLiteral("FILE"), QStringLiteral("LEFT")};
+    std::vector<LineReader::Work> work;
+    for (const QString& word : words) {
+        work.push_back({pictureOf(word, Script::latin), Script::latin});
+    }
+    for (int round = 0; round < 3; ++round) {
+        const std::vector<LineReading> readings = (*reader)->read(work);
+        ASSERT_EQ(readings.size(), work.size());
+        for (std::size_t i = 0; i < readings.size(); ++i) {
+            EXPECT_EQ(readings[i].text, words[int(i)]);
+            EXPECT_GT(readings[i].confidence, 0.5F);
+            EXPECT_LE(readings[i].confidence, 1.0F);
+        }
+    }
+}
+
+TEST(LineReaderTest, OddPicturesAreReadAsLittle) {
+    const auto reader = LineReader::create();
+    ASSERT_TRUE(reader) << reader.error().toStdString();
+    for (const Script script : {Script::latin, Script::chinese}) {
+        const int height = pictureShape(script).height;
+        const auto readings = (*reader)->read(
+            {{Plane(16, height, 255), script}, {Plane(16, height, 0), script}, {Plane(4000, height, 255), script}});
+        EXPECT_EQ(readings.size(), 3U);
+        EXPECT_LE(readings[0].text.size(), 1) << "blank paper";
+    }
+    EXPECT_TRUE((*reader)->read({}).empty());
+}
+
+} // namespace
+
+} // namespace pelloran

@@ -1,0 +1,131 @@
+#include "platform/tesseract/Plane.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+
+namespace pelloran {
+
+namespace {
+
+Plane randomPlane(int width, int height, unsigned seed) {
+    std::mt19937 random(seed);
+    Plane plane(width, height);
+    std::ranges::generate(plane.pixels, [&] { return std::uint8_t(random()); });
+    return plane;
+}
+
+std::uint8_t extremeOfSquare(const Plane& plane, int x, int y, int radius, bool darkest) {
+    std::uint8_t result = plane.at(x, y);
+    for (int nearY = std::max(0, y - radius); nearY <= std::min(plane.height - 1, y + radius); ++nearY) {
+        for (int nearX = std::max(0, x - radius); nearX <= std::min(plane.width - 1, x + radius); ++nearX) {
+            result = darkest ? std::min(result, plane.at(nearX, nearY)) : std::max(result, plane.at(nearX, nearY));
+        }
+    }
+    return result;
+}
+
+TEST(PlaneTest, ExtremesEqualThoseOfEverySquare) {
+    struct Row {
+        int width;
+        int height;
+        int radius;
+        const char* why;
+    };
+
+    const Row table[] = {
+        {37, 23, 4, "the usual window"},          {37, 23, 3, "window of seven, not a power of two"},
+        {5, 3, 6, "window wider than the plane"}, {1, 1, 2, "a single pixel"},
+        {130, 9, 4, "more than two strips"},      {20, 20, 0, "nothing around"},
+    };
+    for (const Row& row : table) {
+        SCOPED_TRACE(row.why);
+        const Plane plane = randomPlane(row.width, row.height, 7);
+        const Plane dark = darkestAround(plane, row.radius);
+        const Plane light = lightestAround(plane, row.radius);
+        for (int y = 0; y < plane.height; ++y) {
+            for (int x = 0; x < plane.width; ++x) {
+                ASSERT_EQ(dark.at(x, y), extremeOfSquare(plane, x, y, row.radius, true)) << x << ' ' << y;
+                ASSERT_EQ(light.at(x, y), extremeOfSquare(plane, x, y, row.radius, false)) << x << ' ' << y;
+            }
+        }
+    }
+}
+
+TEST(PlaneTest, LightnessIsTheDarkestChannelInEveryFormat) {
+    QImage image(70, 3, QImage::Format_RGB32);
+    image.fill(QColor(200, 120, 90));
+
+    struct Row {
+        QImage::Format format;
+        const char* why;
+    };
+
+    const Row table[] = {
+        {QImage::Format_RGB32, "as captured"},          {QImage::Format_ARGB32_Premultiplied, "with alpha"},
+        {QImage::Format_RGB888, "three bytes a pixel"}, {QImage::Format_RGBA64, "eight bytes a pixel"},
+        {QImage::Format_RGBA8888, "other byte order"},
+    };
+    for (const Row& row : table) {
+        SCOPED_TRACE(row.why);
+        const Plane plane =
+            lightness(image.convertToFormat(row.format), QRect(9, 1, 500, 500), ReadingHints::Lettering::white);
+        EXPECT_EQ(plane.width, 61);
+        EXPECT_EQ(plane.height, 2);
+        EXPECT_TRUE(std::ranges::all_of(plane.pixels, [](int value) { return value == 90; }));
+    }
+}
+
+TEST(PlaneTest, GoldIsLighterForGoldenLettering) {
+    QImage image(4, 4, QImage::Format_RGB32);
+    image.fill(QColor(240, 220, 150));
+    EXPECT_EQ(lightness(image, image.rect(), ReadingHints::Lettering::white).at(0, 0), 150);
+    EXPECT_EQ(lightness(image, image.rect(), ReadingHints::Lettering::whiteOrGolden).at(0, 0), 184);
+}
+
+TEST(PlaneTest, LightnessOutsideTheImageIsEmpty) {
+    EXPECT_TRUE(lightness(QImage(), QRect(0, 0, 5, 5), ReadingHints::Lettering::white).pixels.empty());
+    EXPECT_TRUE(lightness(QImage(4, 4, QImage::Format_RGB32), QRect(9, 9, 5, 5), ReadingHints::Lettering::white)
+                    .pixels.empty());
+}
+
+TEST(PlaneTest, ShrinkingTakesMeansAndDropsOddEdges) {
+    Plane plane(3, 2);
+    plane.pixels = {10, 20, 99, 30, 40, 99};
+    EXPECT_EQ(shrunk(plane, 1).pixels, std::vector<std::uint8_t>{25});
+    EXPECT_EQ(shrunk(plane, 0), plane);
+    EXPECT_TRUE(shrunk(plane, 5).pixels.empty());
+}
+
+TEST(PlaneTest, FloodStopsAtDarkMoats) {
+    // A lit left half, a moat, and an island as light as the shore.
+    Plane plane(9, 5, 200);
+    for (int y = 0; y < plane.height; ++y) {
+        plane.row(y)[4] = 30;
+    }
+    Plane seed(9, 5);
+    seed.row(2)[0] = 200;
+    const Plane flooded = floodedFrom(seed, plane);
+    EXPECT_EQ(flooded.at(3, 0), 200) << "the whole shore is reached";
+    EXPECT_EQ(flooded.at(4, 3), 30);
+    EXPECT_EQ(flooded.at(8, 4), 30) << "the island only over the moat";
+}
+
+TEST(PlaneTest, FloodFollowsASpiral) {
+    // One light path wound inwards; the seed at its outer end reaches the middle undimmed.
+    const char* const maze[] = {"#######", "......#", "#####.#", "#...#.#", "#.###.#", "#.....#", "#######"};
+    Plane plane(7, 7);
+    for (int y = 0; y < 7; ++y) {
+        for (int x = 0; x < 7; ++x) {
+            plane.row(y)[x] = maze[y][x] == '.' ? 180 : 0;
+        }
+    }
+    Plane seed(7, 7);
+    seed.row(1)[0] = 180;
+    EXPECT_EQ(floodedFrom(seed, plane), plane);
+}
+
+} // namespace
+
+} // namespace pelloran
