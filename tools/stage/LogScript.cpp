@@ -1,5 +1,6 @@
 #include "stage/LogScript.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace pelloran::stage {
@@ -67,6 +68,7 @@ std::vector<LogLine> LogScript::begin(const Step& step) {
         break;
     case StepKind::end:
         setMode(deckComplete);
+        deck = deck.last(std::min<qsizetype>(deck.size(), deckSize)); // those that a redraft replaced are gone
         break;
     }
     return std::exchange(lines, {});

@@ -303,6 +303,9 @@ Situation situationAt(const Scenario& scenario, std::size_t step) {
             break;
         case StepKind::end:
             situation.deckComplete = true;
+            if (situation.deck.size() > deckSize) {
+                situation.deck.erase(situation.deck.begin(), situation.deck.end() - deckSize);
+            }
             break;
         case StepKind::idle:
         case StepKind::lookAtHero:

@@ -37,6 +37,8 @@ struct Step {
     bool operator==(const Step&) const = default;
 };
 
+constexpr int deckSize = 30;
+
 // A draft as it will be played. Every step fits the one before it: a choice is one of the offers on screen.
 struct Scenario {
     QString name;
@@ -57,7 +59,7 @@ struct Scenario {
 struct Situation {
     Step step;
     std::optional<HeroClass> hero; // once confirmed
-    std::vector<Card> deck;        // in the order of picking
+    std::vector<Card> deck;        // in the order of picking; a redraft replaces the oldest
     bool redrafting = false;
     bool deckComplete = false;
 };

@@ -111,15 +111,15 @@ public:
         painter.setRenderHint(QPainter::Antialiasing);
     }
 
-    void sky(QPointF light) {
+    void sky(QPointF light, double strength) {
         QLinearGradient gradient(0, 0, 0, h);
         gradient.setColorAt(0, palette.high);
         gradient.setColorAt(0.75, palette.low);
         gradient.setColorAt(1, shade(palette.low, 0.7));
         painter.fillRect(image.rect(), gradient);
         clouds();
-        halo(light, 0.85, 0.55);
-        halo(light, 0.34, 0.9);
+        halo(light, 0.85, 0.55 * strength);
+        halo(light, 0.34, 0.9 * strength);
     }
 
     void halo(QPointF centre, double radius, double strength) {
@@ -199,7 +199,7 @@ public:
             leaves(centre);
             break;
         }
-        halo(centre, 0.42, 0.9);
+        halo(centre, 0.3, 0.75);
     }
 
     void blade() {
@@ -214,12 +214,12 @@ public:
         painter.strokePath(shape, QPen(withAlpha(palette.glow, 0.9), h * 0.008));
     }
 
-    void sparks(int count) {
+    void sparks(int count, double largest = 0.016) {
         additive();
         painter.setPen(Qt::NoPen);
         for (int i = 0; i < count; ++i) {
             const QPointF centre(between(random, 0, w), between(random, 0, h));
-            const double radius = h * between(random, 0.004, 0.016);
+            const double radius = h * between(random, largest / 4, largest);
             QRadialGradient spark(centre, radius * 2.4);
             spark.setColorAt(0, withAlpha(mix(palette.glow, Qt::white, 0.6), 0.9));
             spark.setColorAt(1, withAlpha(palette.glow, 0));
@@ -406,8 +406,8 @@ private:
             tongue.cubicTo(x - wide * 1.6, foot - tall * 0.5, x + lean, foot - tall * 0.5, x + lean, foot - tall);
             tongue.cubicTo(x + lean * 0.5 + wide, foot - tall * 0.6, x + wide * 1.7, foot - tall * 0.4, x + wide, foot);
             QLinearGradient heat(0, foot, 0, foot - tall);
-            heat.setColorAt(0, withAlpha(palette.glow, 0.5));
-            heat.setColorAt(0.5, withAlpha(palette.low, 0.45));
+            heat.setColorAt(0, withAlpha(palette.glow, 0.22));
+            heat.setColorAt(0.45, withAlpha(palette.low, 0.4));
             heat.setColorAt(1, withAlpha(palette.low, 0));
             painter.fillPath(tongue, heat);
         }
@@ -485,7 +485,7 @@ QImage paintCardArt(const Card& card, QSize size, quint32 seed) {
     Random random(own);
     Picture picture(size, paletteOf(card, random), own);
     const bool isFigure = card.type == u"MINION" || card.type == u"HERO";
-    picture.sky({between(random, 0.3, 0.7), isFigure ? between(random, 0.3, 0.5) : 0.5});
+    picture.sky({between(random, 0.3, 0.7), isFigure ? between(random, 0.3, 0.5) : 0.5}, isFigure ? 1.0 : 0.45);
     if (isFigure) {
         picture.ridges(3, 0.55);
         picture.figure(card.rarity == u"LEGENDARY");
@@ -501,7 +501,7 @@ QImage paintCardArt(const Card& card, QSize size, quint32 seed) {
 QImage paintClassArt(const QString& classKey, QSize size, quint32 seed) {
     const quint32 own = seedOf(classKey, seed);
     Picture picture(size, paletteOfClass(classKey), own);
-    picture.sky({0.5, 0.45});
+    picture.sky({0.5, 0.45}, 0.5);
     picture.ridges(3, 0.68);
     picture.power();
     picture.sparks(40);
@@ -510,9 +510,9 @@ QImage paintClassArt(const QString& classKey, QSize size, quint32 seed) {
 
 QImage paintValley(QSize size, quint32 seed) {
     Picture picture(size, dusk, seed + 101);
-    picture.sky({0.5, 0.52});
+    picture.sky({0.5, 0.52}, 1);
     picture.ridges(5, 0.5);
-    picture.sparks(60);
+    picture.sparks(70, 0.004);
     return picture.finished();
 }
 

@@ -192,8 +192,8 @@ void CardPainter::paintRules(QPainter& painter, const Card& card) const {
     painter.strokePath(sheet, QPen(QColor(0x22, 0x14, 0x08), 5));
     painter.strokePath(sheet, QPen(withAlpha(gold, 0.65), 1.6));
     const double lowest = card.type == u"SPELL" ? 14 : 30; // room for the jewels at the lower corners
-    lettering.drawParagraph(painter, rulesText(card, language), box.adjusted(12, 24, -12, -lowest),
-                            language == Language::english ? 20 : 19,
+    lettering.drawParagraph(painter, rulesText(card, language), box.adjusted(12, 18, -12, -lowest),
+                            language == Language::english ? 23 : 22,
                             dark ? QColor(0xe8, 0xe0, 0xd0) : QColor(0x2c, 0x1c, 0x0c));
 }
 
@@ -230,7 +230,7 @@ void CardPainter::paintRarity(QPainter& painter, const Card& card) const {
 void CardPainter::paintNumbers(QPainter& painter, const Card& card) const {
     const auto number = [&](QPointF centre, const QColor& colour, int value) {
         drawJewel(painter, centre, 36, colour);
-        lettering.draw(painter, QString::number(value), centre, 60, {.pixelSize = 50, .outlineWidth = 0.11});
+        lettering.draw(painter, QString::number(value), centre, 60, {.pixelSize = 50, .outlineWidth = 0.09});
     };
     number({-120, -196}, manaBlue, card.cost);
     if (card.type == u"MINION" || card.type == u"WEAPON") {

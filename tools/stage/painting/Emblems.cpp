@@ -13,24 +13,36 @@ namespace pelloran::stage {
 
 namespace {
 
+// Uniting and cutting paths flattens their curves with an error of about a quarter of a unit, so signs are cut at this
+// many units and made small afterwards.
+constexpr double cuttingScale = 200;
+
+QTransform enlarged() {
+    return QTransform::fromScale(cuttingScale, cuttingScale);
+}
+
 QPainterPath polygon(std::initializer_list<QPointF> corners) {
     QPainterPath path;
     path.addPolygon(QPolygonF(QList<QPointF>(corners)));
     path.closeSubpath();
-    return path;
+    return enlarged().map(path);
 }
 
 QPainterPath turned(const QPainterPath& path, double degrees, QPointF shift = {}) {
     QTransform transform;
-    transform.translate(shift.x(), shift.y());
+    transform.translate(shift.x() * cuttingScale, shift.y() * cuttingScale);
     transform.rotate(degrees);
     return transform.map(path);
 }
 
 QPainterPath circle(QPointF centre, double radius) {
     QPainterPath path;
-    path.addEllipse(centre, radius, radius);
+    path.addEllipse(centre * cuttingScale, radius * cuttingScale, radius * cuttingScale);
     return path;
+}
+
+QPainterPath reduced(const QPainterPath& path) {
+    return enlarged().inverted().map(path);
 }
 
 QPainterPath ring(double outer, double inner) {
@@ -55,7 +67,7 @@ QPainterPath shield() {
     path.cubicTo(0.86, 0.1, 0.6, 0.65, 0, 1);
     path.cubicTo(-0.6, 0.65, -0.86, 0.1, -0.8, -0.74);
     path.cubicTo(-0.6, -0.72, -0.3, -0.75, 0, -0.95);
-    return path - polygon({{-0.09, -0.6}, {0.09, -0.6}, {0.09, 0.62}, {-0.09, 0.62}}) -
+    return enlarged().map(path) - polygon({{-0.09, -0.6}, {0.09, -0.6}, {0.09, 0.62}, {-0.09, 0.62}}) -
            polygon({{-0.55, -0.24}, {0.55, -0.24}, {0.5, -0.06}, {-0.5, -0.06}});
 }
 
@@ -66,7 +78,7 @@ QPainterPath paw() {
     path.addEllipse(QPointF(-0.26, -0.5), 0.21, 0.33);
     path.addEllipse(QPointF(0.26, -0.5), 0.21, 0.33);
     path.addEllipse(QPointF(0.68, -0.08), 0.2, 0.3);
-    return path;
+    return enlarged().map(path);
 }
 
 QPainterPath flame() {
@@ -83,19 +95,20 @@ QPainterPath flame() {
     heart.cubicTo(0.1, 0.35, 0.34, 0.42, 0.3, 0.66);
     heart.cubicTo(0.26, 0.86, -0.24, 0.88, -0.28, 0.62);
     heart.cubicTo(-0.28, 0.42, -0.04, 0.36, 0.02, 0.1);
-    return path - heart;
+    return enlarged().map(path) - enlarged().map(heart);
 }
 
 QPainterPath bow() {
     QPainterPath path = circle({-0.35, 0}, 0.98) - circle({-0.62, 0}, 1.02);
     path |=
         polygon({{-0.92, -0.06}, {0.62, -0.06}, {0.62, -0.24}, {0.98, 0}, {0.62, 0.24}, {0.62, 0.06}, {-0.92, 0.06}});
+    path |= polygon({{-0.38, -0.95}, {-0.32, -0.95}, {-0.32, 0.95}, {-0.38, 0.95}}); // the string
     return turned(path, -45);
 }
 
 QPainterPath glaives() {
     const QPainterPath blade = circle({0, 0}, 0.95) - circle({0.34, 0}, 0.92);
-    return turned(blade, 25, {-0.02, 0}) | turned(blade, 205, {0.02, 0});
+    return turned(blade, 195, {-0.86, 0}) | turned(blade, 15, {0.86, 0});
 }
 
 QPainterPath sun() {
@@ -105,6 +118,15 @@ QPainterPath sun() {
     }
     return path | polygon({{-0.07, -0.5}, {0.07, -0.5}, {0.07, 0.5}, {-0.07, 0.5}}) |
            polygon({{-0.5, -0.16}, {0.5, -0.16}, {0.5, -0.02}, {-0.5, -0.02}});
+}
+
+QPainterPath guidingStar() {
+    const QPainterPath small = QTransform::fromScale(0.62, 0.62).map(star(4, 0.34));
+    return enlarged().map(star(4, 0.22)) | turned(enlarged().map(small), 45);
+}
+
+QPainterPath longBlade() {
+    return enlarged().map(sword(0.11));
 }
 
 } // namespace
@@ -126,22 +148,22 @@ QPainterPath sword(double w) {
     QPainterPath path = polygon({{0, -1}, {w, -0.78}, {w * 0.9, 0.42}, {-w * 0.9, 0.42}, {-w, -0.78}});
     path |= polygon({{-0.4, 0.36}, {0, 0.44}, {0.4, 0.36}, {0.36, 0.54}, {-0.36, 0.54}});
     path |= polygon({{-0.06, 0.5}, {0.06, 0.5}, {0.06, 0.88}, {-0.06, 0.88}});
-    return path | circle({0, 0.9}, 0.1);
+    return reduced(path | circle({0, 0.9}, 0.1));
 }
 
 QPainterPath emblem(const QString& classKey) {
     static const QHash<QString, QPainterPath> all{
-        {QStringLiteral("MAGE"), star(4, 0.22) | QTransform::fromScale(0.62, 0.62).map(turned(star(4, 0.34), 45))},
-        {QStringLiteral("PALADIN"), hammer()},
-        {QStringLiteral("PRIEST"), sun()},
-        {QStringLiteral("ROGUE"), turned(sword(0.11), 38) | turned(sword(0.11), -38)},
-        {QStringLiteral("SHAMAN"), bolt()},
-        {QStringLiteral("WARLOCK"), flame()},
-        {QStringLiteral("WARRIOR"), shield()},
-        {QStringLiteral("HUNTER"), bow()},
-        {QStringLiteral("DRUID"), paw()},
+        {QStringLiteral("MAGE"), reduced(guidingStar())},
+        {QStringLiteral("PALADIN"), reduced(hammer())},
+        {QStringLiteral("PRIEST"), reduced(sun())},
+        {QStringLiteral("ROGUE"), reduced(turned(longBlade(), 38) | turned(longBlade(), -38))},
+        {QStringLiteral("SHAMAN"), reduced(bolt())},
+        {QStringLiteral("WARLOCK"), reduced(flame())},
+        {QStringLiteral("WARRIOR"), reduced(shield())},
+        {QStringLiteral("HUNTER"), reduced(bow())},
+        {QStringLiteral("DRUID"), reduced(paw())},
         {QStringLiteral("DEATHKNIGHT"), sword(0.17)},
-        {QStringLiteral("DEMONHUNTER"), glaives()},
+        {QStringLiteral("DEMONHUNTER"), reduced(glaives())},
     };
     return all.value(classKey, star(6, 0.55));
 }

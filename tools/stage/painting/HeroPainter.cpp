@@ -23,7 +23,9 @@ QPainterPath archway(double halfWidth, double top, double bottom) {
 } // namespace
 
 QPainterPath HeroPainter::outline() const {
-    return QTransform::fromScale(unit, unit).map(archway(172, -410, -38));
+    QPainterPath plaque;
+    plaque.addRect(QRectF(-112, -40, 224, 68));
+    return QTransform::fromScale(unit, unit).map(archway(172, -410, -38).united(plaque));
 }
 
 void HeroPainter::paint(QPainter& painter, const HeroClass& hero, QPointF nameCentre) const {

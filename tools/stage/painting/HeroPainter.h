@@ -18,7 +18,7 @@ public:
         , unit(heroUnit)
         , seed(artSeed) {}
 
-    // The outline of any portrait whose class name is centred at (0, 0).
+    // The outline of any portrait, its name included, whose class name is centred at (0, 0).
     QPainterPath outline() const;
 
     void paint(QPainter& painter, const HeroClass& hero, QPointF nameCentre) const;

@@ -51,7 +51,7 @@ public:
         double pixelSize = 30;
         QColor fill{0xfb, 0xf6, 0xe6};
         QColor outline{0x0a, 0x07, 0x05};
-        double outlineWidth = 0.16; // of the pixel size, on each side
+        double outlineWidth = 0.12; // of the pixel size, on each side
     };
 
     // One line along `curve`, its middle at `centre`, made smaller where it would be wider than `maximumWidth`.

@@ -65,24 +65,30 @@ void Light::setGlows(const QPainterPath& outline, const std::vector<QPointF>& ne
     glowing = outline;
     places = newPlaces;
     chosen = newChosen;
-    softHalo = places.empty() ? QImage() : halo(outline, QColor(130, 190, 255));
-    goldenHalo = places.empty() || chosen < 0 ? QImage() : halo(outline, QColor(255, 196, 80));
+    halos.clear();
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        const bool golden = static_cast<int>(i) == chosen;
+        halos.push_back(halo(i, golden ? QColor(255, 196, 80) : QColor(130, 190, 255)));
+    }
 }
 
-QImage Light::halo(const QPainterPath& outline, const QColor& colour) const {
+// The glow falls on the board only, not on the offer itself nor on its neighbours.
+QImage Light::halo(std::size_t place, const QColor& colour) const {
     const double margin = reach * unit;
-    const QRectF box = outline.boundingRect().adjusted(-margin, -margin, margin, margin);
+    const QRectF box = glowing.boundingRect().adjusted(-margin, -margin, margin, margin);
     QImage image = blank(box.size());
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.translate(-box.topLeft());
     constexpr int rings = 14;
     for (int ring = rings; ring > 0; --ring) {
-        painter.strokePath(outline, QPen(withAlpha(colour, 0.095), 2 * margin * ring / rings, Qt::SolidLine,
-                                         Qt::RoundCap, Qt::RoundJoin));
+        const double width = 2 * margin * ring / rings;
+        painter.strokePath(glowing, QPen(withAlpha(colour, 0.095), width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     }
     painter.setCompositionMode(QPainter::CompositionMode_DestinationOut);
-    painter.fillPath(outline, Qt::black);
+    for (const QPointF& other : places) {
+        painter.fillPath(glowing.translated(other - places[place]), Qt::black);
+    }
     return image;
 }
 
@@ -95,7 +101,7 @@ void Light::paint(QPainter& painter, double seconds) const {
         }
         const double pulse = 0.5 + 0.5 * std::sin(seconds * 2.1 + static_cast<double>(i) * 1.3);
         painter.setOpacity(isChosen ? 1 : 0.4 + 0.5 * pulse);
-        painter.drawImage((places[i] + corner).toPoint(), isChosen ? goldenHalo : softHalo);
+        painter.drawImage((places[i] + corner).toPoint(), halos[i]);
         // A light that runs along the edge.
         const double around = fractionOf(seconds / 5 + static_cast<double>(i) / 3);
         const QPointF runner = places[i] + glowing.pointAtPercent(around);

@@ -29,15 +29,14 @@ private:
         double size;
     };
 
-    QImage halo(const QPainterPath& outline, const QColor& colour) const;
+    QImage halo(std::size_t place, const QColor& colour) const;
 
     QSize size;
     double unit;
     QImage beam;
     QImage spark;
     std::vector<Mote> motes;
-    QImage softHalo;
-    QImage goldenHalo;
+    std::vector<QImage> halos; // one for each place
     QPainterPath glowing;
     std::vector<QPointF> places;
     int chosen = -1;

@@ -33,7 +33,8 @@ constexpr std::array<double, 3> cardColumns{0.233, 0.402, 0.571};
 constexpr double cardNameHeight = 0.415;
 constexpr std::array<double, 3> heroColumns{0.27, 0.488, 0.71};
 constexpr double heroNameHeight = 0.535;
-constexpr int deckSize = 30;
+constexpr double cardBoardRight = 0.725; // leaves room for the deck
+constexpr double heroBoardRight = 0.87;
 
 const QColor leather(0x5a, 0x40, 0x2a);
 const QColor pale(0xf2, 0xe8, 0xd2);
@@ -105,40 +106,42 @@ QRectF ScenePainter::area(double left, double top, double right, double bottom) 
 }
 
 void ScenePainter::show(const Situation& situation) {
-    scene = table;
+    const StepKind kind = situation.step.kind;
+    const bool heroesOffered =
+        kind == StepKind::heroPick || kind == StepKind::lookAtHero || kind == StepKind::chooseHero;
+    if (kind == StepKind::idle) {
+        scene = table;
+    } else {
+        startFrom(heroesOffered ? heroBoardRight : cardBoardRight);
+    }
     QPainter painter(&scene);
     painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing | QPainter::SmoothPixmapTransform);
     light.setGlows({}, {}, -1);
-    switch (situation.step.kind) {
+    switch (kind) {
     case StepKind::idle:
         paintMenu(painter);
         return;
     case StepKind::heroPick:
     case StepKind::lookAtHero:
     case StepKind::chooseHero:
-        paintBoard(painter, 0.87);
-        paintTitle(painter, words().chooseHero, 0.488);
+        paintTitle(painter, words().chooseHero, heroColumns[1]);
         paintHeroes(painter, situation);
         return;
     case StepKind::cardPick:
     case StepKind::choose:
-        paintBoard(painter, 0.725);
-        paintTitle(painter, words().chooseCard, 0.402);
+        paintTitle(painter, words().chooseCard, cardColumns[1]);
         paintCards(painter, situation);
         break;
     case StepKind::skipAhead:
-        paintBoard(painter, 0.725);
-        paintTitle(painter, words().chooseCard, 0.402);
+        paintTitle(painter, words().chooseCard, cardColumns[1]);
         paintFaceDown(painter);
         break;
     case StepKind::redraft:
-        paintBoard(painter, 0.725);
-        paintTitle(painter, words().redraft, 0.402);
+        paintTitle(painter, words().redraft, cardColumns[1]);
         paintFaceDown(painter);
         break;
     case StepKind::end:
-        paintBoard(painter, 0.725);
-        paintTitle(painter, words().deckComplete, 0.402);
+        paintTitle(painter, words().deckComplete, cardColumns[1]);
         paintComplete(painter, situation);
         break;
     }
@@ -154,7 +157,21 @@ void ScenePainter::paint(QPainter& painter, double seconds) const {
     light.paint(painter, seconds);
 }
 
-void ScenePainter::paintBoard(QPainter& painter, double right) {
+void ScenePainter::startFrom(double boardRight) {
+    QImage& board = boards[boardRight];
+    if (board.isNull()) {
+        board = table;
+        QPainter painter(&board);
+        painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+        paintBoard(painter, boardRight);
+        if (boardRight == cardBoardRight) {
+            paintDeckPanel(painter);
+        }
+    }
+    scene = board;
+}
+
+void ScenePainter::paintBoard(QPainter& painter, double right) const {
     const QRectF box = area(0.085, 0.09, right, 0.83);
     QPainterPath frame;
     frame.addRoundedRect(box, 10 * unit, 10 * unit);
@@ -200,8 +217,8 @@ void ScenePainter::paintTitle(QPainter& painter, const QString& title, double x)
 }
 
 void ScenePainter::paintMenu(QPainter& painter) const {
-    const QPointF centre = at(0.44, 0.5);
-    const double radius = 372 * unit;
+    const QPointF centre = at(0.5, 0.52);
+    const double radius = 390 * unit;
     QPainterPath round;
     round.addEllipse(centre, radius, radius);
     castShadow(painter, round, 60 * unit, 0.9);
@@ -220,7 +237,7 @@ void ScenePainter::paintMenu(QPainter& painter) const {
         drawJewel(painter, place, (i % 2 == 0 ? 24 : 15) * unit,
                   i % 2 == 0 ? QColor(0x2a, 0x6a, 0xd8) : QColor(0xb8, 0x30, 0x22));
     }
-    paintTitle(painter, words().mainMenu, 0.44);
+    paintTitle(painter, words().mainMenu, 0.5);
     const QSizeF button(330 * unit, 84 * unit);
     paintButton(painter, words().play, centre + QPointF(0, -110) * unit, button, false);
     paintButton(painter, words().arena, centre, button, true);
@@ -319,49 +336,64 @@ void ScenePainter::paintManaCurve(QPainter& painter, const Situation& situation)
     }
 }
 
-void ScenePainter::paintDeck(QPainter& painter, const Situation& situation) const {
-    const QRectF panel = area(0.75, 0.065, 0.978, 0.885);
+QRectF ScenePainter::deckPanel() const {
+    return area(0.75, 0.065, 0.978, 0.885);
+}
+
+void ScenePainter::paintDeckPanel(QPainter& painter) const {
+    const QRectF panel = deckPanel();
     QPainterPath frame;
     frame.addRoundedRect(panel, 12 * unit, 12 * unit);
     castShadow(painter, frame, 30 * unit, 0.85);
     painter.drawImage(panel, mottled(panel.size().toSize(), QColor(0x3c, 0x2c, 0x1e), 0.7, unit, seed + 8));
     drawRim(painter, frame, 10 * unit, bronze);
+}
 
+void ScenePainter::paintDeck(QPainter& painter, const Situation& situation) {
+    const QRectF inside = deckPanel().adjusted(20 * unit, 26 * unit, -20 * unit, -24 * unit);
     const std::vector<DeckRow> rows = deckRows(situation.deck);
-    const double top = panel.top() + 26 * unit;
-    const double room = panel.bottom() - 24 * unit - top;
-    const double pitch = std::min(40 * unit, rows.empty() ? room : room / static_cast<double>(rows.size()));
-    const double height = pitch - 3 * unit;
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        const Card& card = *rows[i].card;
-        const QRectF row(panel.left() + 20 * unit, top + pitch * static_cast<double>(i), panel.width() - 40 * unit,
-                         height);
-        painter.fillRect(row, QColor(0x1a, 0x16, 0x16));
-        const QRectF art(row.right() - 190 * unit, row.top(), 160 * unit, height);
-        painter.setClipRect(art);
-        const QRectF wide(art.left(), art.center().y() - 45 * unit, art.width(), 90 * unit);
-        painter.drawImage(wide, paintCardArt(card, wide.size().toSize().expandedTo({8, 8}), seed));
-        painter.setClipping(false);
-        QLinearGradient fade(art.topLeft(), art.topRight());
-        fade.setColorAt(0, QColor(0x1a, 0x16, 0x16));
-        fade.setColorAt(0.8, QColor(0x1a, 0x16, 0x16, 30));
-        painter.fillRect(art.adjusted(-1, 0, 0, 0), fade);
-        const double letters = std::min(23 * unit, height * 0.72);
-        const QPointF cost(row.left() + 17 * unit, row.center().y());
-        painter.fillRect(QRectF(row.left(), row.top(), 34 * unit, height), metal(row, QColor(0x1f, 0x52, 0xb4)));
-        lettering.draw(painter, QString::number(card.cost), cost, 30 * unit, {.pixelSize = letters * 1.1});
-        lettering.drawFrom(painter, card.name.in(language), {row.left() + 44 * unit, row.center().y()}, 270 * unit,
-                           {.pixelSize = letters, .fill = pale});
-        if (rows[i].copies > 1) {
-            lettering.draw(painter, QString::number(rows[i].copies), {row.right() - 15 * unit, row.center().y()},
-                           30 * unit, {.pixelSize = letters * 1.1, .fill = QColor(0xff, 0xd2, 0x4a)});
-        }
-        QPainterPath edge;
-        edge.addRect(row);
-        painter.strokePath(edge, QPen(withAlpha(bronze, 0.55), 1.5 * unit));
+    const double pitch =
+        std::min(40 * unit, inside.height() / static_cast<double>(std::max<std::size_t>(rows.size(), 1)));
+    double top = inside.top();
+    for (const DeckRow& row : rows) {
+        paintDeckRow(painter, *row.card, row.copies, {inside.left(), top, inside.width(), pitch - 3 * unit});
+        top += pitch;
     }
     lettering.draw(painter, QStringLiteral("%1 / %2").arg(situation.deck.size()).arg(deckSize), at(0.835, 0.93),
                    200 * unit, {.pixelSize = 32 * unit, .fill = pale});
+}
+
+void ScenePainter::paintDeckRow(QPainter& painter, const Card& card, int copies, const QRectF& row) {
+    const QColor dark(0x1a, 0x16, 0x16);
+    painter.fillRect(row, dark);
+    const QRectF art(row.right() - 190 * unit, row.top(), 160 * unit, row.height());
+    const QRectF whole(art.left(), art.center().y() - 45 * unit, art.width(), 90 * unit);
+    QImage& strip = strips[card.id];
+    if (strip.isNull()) {
+        strip = paintCardArt(card, whole.size().toSize().expandedTo({8, 8}), seed);
+    }
+    painter.setClipRect(art);
+    painter.drawImage(whole, strip);
+    painter.setClipping(false);
+    QLinearGradient fade(art.topLeft(), art.topRight());
+    fade.setColorAt(0, dark);
+    fade.setColorAt(0.8, withAlpha(dark, 0.12));
+    painter.fillRect(art.adjusted(-1, 0, 0, 0), fade);
+
+    const double middle = row.center().y();
+    const double letters = std::min(23 * unit, row.height() * 0.72);
+    painter.fillRect(QRectF(row.topLeft(), QSizeF(34 * unit, row.height())), metal(row, QColor(0x1f, 0x52, 0xb4)));
+    lettering.draw(painter, QString::number(card.cost), {row.left() + 17 * unit, middle}, 30 * unit,
+                   {.pixelSize = letters * 1.1});
+    lettering.drawFrom(painter, card.name.in(language), {row.left() + 44 * unit, middle}, 270 * unit,
+                       {.pixelSize = letters, .fill = pale});
+    if (copies > 1) {
+        lettering.draw(painter, QString::number(copies), {row.right() - 15 * unit, middle}, 30 * unit,
+                       {.pixelSize = letters * 1.1, .fill = QColor(0xff, 0xd2, 0x4a)});
+    }
+    QPainterPath edge;
+    edge.addRect(row);
+    painter.strokePath(edge, QPen(withAlpha(bronze, 0.55), 1.5 * unit));
 }
 
 void ScenePainter::paintButton(QPainter& painter, const QString& text, QPointF centre, QSizeF size, bool lit) const {

@@ -6,8 +6,11 @@
 #include "stage/painting/Light.h"
 #include "stage/Scenario.h"
 
+#include <QHash>
 #include <QImage>
 #include <QPainter>
+
+#include <map>
 
 namespace pelloran::stage {
 
@@ -34,7 +37,8 @@ private:
     QRectF area(double left, double top, double right, double bottom) const;
     const Words& words() const;
 
-    void paintBoard(QPainter& painter, double right);
+    void startFrom(double boardRight);
+    void paintBoard(QPainter& painter, double right) const;
     void paintTitle(QPainter& painter, const QString& title, double x) const;
     void paintMenu(QPainter& painter) const;
     void paintHeroes(QPainter& painter, const Situation& situation);
@@ -43,7 +47,10 @@ private:
     void paintComplete(QPainter& painter, const Situation& situation) const;
     void paintProgress(QPainter& painter, const Situation& situation) const;
     void paintManaCurve(QPainter& painter, const Situation& situation) const;
-    void paintDeck(QPainter& painter, const Situation& situation) const;
+    QRectF deckPanel() const;
+    void paintDeckPanel(QPainter& painter) const;
+    void paintDeck(QPainter& painter, const Situation& situation);
+    void paintDeckRow(QPainter& painter, const Card& card, int copies, const QRectF& row);
     void paintButton(QPainter& painter, const QString& text, QPointF centre, QSizeF size, bool lit) const;
     void paintVeil(QPainter& painter, const QPainterPath& outline, const std::vector<QPointF>& places,
                    int chosen) const;
@@ -57,6 +64,8 @@ private:
     HeroPainter heroes;
     Light light;
     QImage table;
+    std::map<double, QImage> boards; // table and board, by the board's right edge: they cost more than all else
+    QHash<QString, QImage> strips;   // pictures for the rows of the deck, by card
     QImage scene;
 };
 
