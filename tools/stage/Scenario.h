@@ -46,7 +46,7 @@ struct Scenario {
     Language language = Language::english;
     std::vector<Step> steps; // at least one
 
-    // From JSON; see scenarios/README.md. The error says which step is wrong and why.
+    // From JSON as tools/stage/README.md describes it. The error says which step is wrong and why.
     static std::expected<Scenario, QString> parse(const QByteArray& json);
 
     // A scenario that ships with the program, by its name, or else a file.

@@ -19,6 +19,7 @@ StageWindow::StageWindow(PainterFactory painterFactory)
 }
 
 void StageWindow::show(const Situation& newSituation, std::function<void()> whenShown) {
+    tellShown(); // a step that was overtaken before it could be seen
     situation = newSituation;
     shown = std::move(whenShown);
     if (painter) {
@@ -26,7 +27,7 @@ void StageWindow::show(const Situation& newSituation, std::function<void()> when
     }
     if (isExposed()) {
         update();
-    } else {
+    } else if (wasExposed) {
         tellShown();
     }
 }
@@ -44,6 +45,7 @@ void StageWindow::paintEvent(QPaintEvent*) {
 void StageWindow::exposeEvent(QExposeEvent* event) {
     QRasterWindow::exposeEvent(event);
     if (isExposed()) {
+        wasExposed = true;
         frames.start();
     } else {
         frames.stop();

@@ -21,8 +21,9 @@ public:
 
     explicit StageWindow(PainterFactory makePainter);
 
-    // Calls `shown` once the picture has been handed to the display, or at once when the window cannot be seen.
-    void show(const Situation& situation, std::function<void()> shown);
+    // Calls `shown` once the picture has been handed to the display. Before the window appears for the first time, that
+    // waits; later, when it cannot be seen (minimised), it is called at once.
+    void show(const Situation& situation, std::function<void()> whenShown);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -38,6 +39,7 @@ private:
     std::function<void()> shown;
     QElapsedTimer sinceStart;
     QTimer frames;
+    bool wasExposed = false;
 };
 
 } // namespace pelloran::stage

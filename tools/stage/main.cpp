@@ -9,6 +9,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSocketNotifier>
+#include <QSysInfo>
 #include <QTimer>
 
 #include <unistd.h>
@@ -224,7 +225,12 @@ int run(int argc, char** argv) {
     // Decided before the application object is made, which opens the display.
     if (!options->picture.isEmpty()) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    } else if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && !qEnvironmentVariableIsEmpty("DISPLAY")) {
+    } else if (QSysInfo::kernelType() == u"linux" && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+        if (qEnvironmentVariableIsEmpty("DISPLAY")) {
+            say(stderr,
+                QStringLiteral("pelloran-stage: no X display (DISPLAY is not set); --picture works without one\n"));
+            return failed;
+        }
         qputenv("QT_QPA_PLATFORM", "xcb"); // where windows of other programs can be captured
     }
     // A reader that leaves must not end the play.
