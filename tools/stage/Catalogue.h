@@ -49,6 +49,9 @@ class Catalogue {
 public:
     static const Catalogue& sample();
 
+    Catalogue(const Catalogue&) = delete;
+    Catalogue& operator=(const Catalogue&) = delete;
+
     // Null when there is none of that identifier. Valid as long as the program runs.
     const Card* card(const QString& id) const;
     const HeroClass* heroClass(const QString& key) const;

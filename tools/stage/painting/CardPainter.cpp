@@ -7,6 +7,8 @@
 #include <QHash>
 #include <QRadialGradient>
 
+#include <vector>
+
 namespace pelloran::stage {
 
 namespace {
@@ -25,6 +27,17 @@ QColor rarityColour(const QString& rarity) {
         {QStringLiteral("LEGENDARY"), QColor(0xf4, 0x92, 0x18)},
     };
     return all.value(rarity, QColor());
+}
+
+// Places on a card, from the middle of its name.
+const QRectF body(-148, -226, 296, 438);
+constexpr QPointF manaPlace(-120, -196);
+constexpr QPointF attackPlace(-122, 182);
+constexpr QPointF healthPlace(122, 182);
+constexpr double jewelRadius = 36;
+
+bool hasStrength(const Card& card) {
+    return card.type == u"MINION" || card.type == u"WEAPON";
 }
 
 QPainterPath rounded(const QRectF& box, double radius) {
@@ -92,8 +105,22 @@ void drawJewel(QPainter& painter, QPointF centre, double radius, const QColor& c
     drawRim(painter, round, radius * 0.13, gold);
 }
 
-QPainterPath CardPainter::outline() const {
-    return QTransform::fromScale(unit, unit).map(rounded({-148, -226, 296, 438}, 24));
+QPainterPath CardPainter::outline(const Card& card, QPointF nameCentre) const {
+    QPainterPath shape = rounded(body, 24);
+    std::vector<QPointF> jewels{manaPlace};
+    if (hasStrength(card)) {
+        jewels.insert(jewels.end(), {attackPlace, healthPlace});
+    }
+    for (const QPointF& jewel : jewels) {
+        QPainterPath round;
+        round.addEllipse(jewel, jewelRadius + 3, jewelRadius + 3);
+        shape = shape.united(round);
+    }
+    return QTransform::fromTranslate(nameCentre.x(), nameCentre.y()).scale(unit, unit).map(shape);
+}
+
+QPainterPath CardPainter::backOutline(QPointF nameCentre) const {
+    return QTransform::fromTranslate(nameCentre.x(), nameCentre.y()).scale(unit, unit).map(rounded(body, 24));
 }
 
 void CardPainter::paintFace(QPainter& painter, const Card& card, QPointF nameCentre) const {
@@ -113,12 +140,11 @@ void CardPainter::paintBack(QPainter& painter, QPointF nameCentre) const {
     painter.save();
     painter.translate(nameCentre);
     painter.scale(unit, unit);
-    const QPainterPath body = rounded({-148, -226, 296, 438}, 24);
-    castShadow(painter, body, 20, 0.8);
-    painter.fillPath(body, QColor(0x1c, 0x2a, 0x52));
+    const QPainterPath shape = rounded(body, 24);
+    castShadow(painter, shape, 20, 0.8);
     painter.save();
-    painter.setClipPath(body);
-    painter.drawImage(QRectF(-148, -226, 296, 438), mottled({296, 438}, QColor(0x26, 0x36, 0x6a), 1.0, 1, seed));
+    painter.setClipPath(shape);
+    painter.drawImage(body, mottled(body.size().toSize(), QColor(0x26, 0x36, 0x6a), 1.0, 1, seed));
     painter.restore();
     drawRim(painter, rounded({-140, -218, 280, 422}, 18), 9, gold);
     drawRim(painter, rounded({-112, -190, 224, 366}, 100), 5, bronze);
@@ -134,25 +160,24 @@ void CardPainter::paintBack(QPainter& painter, QPointF nameCentre) const {
 }
 
 void CardPainter::paintBody(QPainter& painter, const Card& card) const {
-    const QRectF box(-148, -226, 296, 438);
-    const QPainterPath body = rounded(box, 24);
-    castShadow(painter, body, 22, 0.85);
+    const QPainterPath shape = rounded(body, 24);
+    castShadow(painter, shape, 22, 0.85);
     painter.save();
-    painter.setClipPath(body);
+    painter.setClipPath(shape);
     const QColor colour = classColour(card.cardClass);
-    painter.drawImage(box, mottled({296, 438}, shade(colour, 0.95), 0.85, 1, seed + 3));
-    QLinearGradient light(0, box.top(), 0, box.bottom());
+    painter.drawImage(body, mottled(body.size().toSize(), shade(colour, 0.95), 0.85, 1, seed + 3));
+    QLinearGradient light(0, body.top(), 0, body.bottom());
     light.setColorAt(0, QColor(255, 255, 255, 70));
     light.setColorAt(0.35, QColor(255, 255, 255, 0));
     light.setColorAt(1, QColor(0, 0, 0, 150));
-    painter.fillRect(box, light);
+    painter.fillRect(body, light);
     painter.restore();
     // A frame of dark metal with a bright inner edge.
-    drawRim(painter, rounded(box.adjusted(5, 5, -5, -5), 20), 10, mix(steel, colour, 0.55));
-    painter.strokePath(rounded(box.adjusted(13, 13, -13, -13), 14), QPen(QColor(0, 0, 0, 150), 3));
-    painter.strokePath(rounded(box.adjusted(15, 15, -15, -15), 13), QPen(withAlpha(shade(colour, 1.8), 0.5), 1.4));
+    drawRim(painter, rounded(body.adjusted(5, 5, -5, -5), 20), 10, mix(steel, colour, 0.55));
+    painter.strokePath(rounded(body.adjusted(13, 13, -13, -13), 14), QPen(QColor(0, 0, 0, 150), 3));
+    painter.strokePath(rounded(body.adjusted(15, 15, -15, -15), 13), QPen(withAlpha(shade(colour, 1.8), 0.5), 1.4));
     if (card.rarity == u"LEGENDARY") {
-        drawRim(painter, rounded(box.adjusted(5, 5, -5, -5), 20), 6, gold);
+        drawRim(painter, rounded(body.adjusted(5, 5, -5, -5), 20), 6, gold);
         for (const double side : {-1.0, 1.0}) {
             QPainterPath horn;
             horn.moveTo(side * 40, -222);
@@ -209,7 +234,7 @@ void CardPainter::paintName(QPainter& painter, const Card& card) const {
     const QPointF centre(0, spell ? -5 : 0);
     drawRibbon(painter, curve, centre, 50, cloth, 1);
     lettering.drawAlong(painter, card.name.in(language), centre, 252, curve,
-                        {.pixelSize = language == Language::english ? 33.0 : 32.0});
+                        {.pixelSize = language == Language::english ? 34.0 : 36.0});
 }
 
 void CardPainter::paintRarity(QPainter& painter, const Card& card) const {
@@ -229,13 +254,13 @@ void CardPainter::paintRarity(QPainter& painter, const Card& card) const {
 
 void CardPainter::paintNumbers(QPainter& painter, const Card& card) const {
     const auto number = [&](QPointF centre, const QColor& colour, int value) {
-        drawJewel(painter, centre, 36, colour);
+        drawJewel(painter, centre, jewelRadius, colour);
         lettering.draw(painter, QString::number(value), centre, 60, {.pixelSize = 50, .outlineWidth = 0.09});
     };
-    number({-120, -196}, manaBlue, card.cost);
-    if (card.type == u"MINION" || card.type == u"WEAPON") {
-        number({-122, 182}, attackGold, card.attack);
-        number({122, 182}, card.type == u"WEAPON" ? shieldGrey : healthRed, card.health);
+    number(manaPlace, manaBlue, card.cost);
+    if (hasStrength(card)) {
+        number(attackPlace, attackGold, card.attack);
+        number(healthPlace, card.type == u"WEAPON" ? shieldGrey : healthRed, card.health);
     }
 }
 

@@ -18,8 +18,9 @@ public:
         , unit(cardUnit)
         , seed(artSeed) {}
 
-    // The outline of any card whose name is centred at (0, 0).
-    QPainterPath outline() const;
+    // What a card covers, the jewels at its corners included.
+    QPainterPath outline(const Card& card, QPointF nameCentre) const;
+    QPainterPath backOutline(QPointF nameCentre) const;
 
     void paintFace(QPainter& painter, const Card& card, QPointF nameCentre) const;
 

@@ -22,10 +22,11 @@ QPainterPath archway(double halfWidth, double top, double bottom) {
 
 } // namespace
 
-QPainterPath HeroPainter::outline() const {
+QPainterPath HeroPainter::outline(QPointF nameCentre) const {
     QPainterPath plaque;
     plaque.addRect(QRectF(-112, -40, 224, 68));
-    return QTransform::fromScale(unit, unit).map(archway(172, -410, -38).united(plaque));
+    const QTransform placed = QTransform::fromTranslate(nameCentre.x(), nameCentre.y()).scale(unit, unit);
+    return placed.map(archway(172, -410, -38).united(plaque));
 }
 
 void HeroPainter::paint(QPainter& painter, const HeroClass& hero, QPointF nameCentre) const {
@@ -59,7 +60,7 @@ void HeroPainter::paint(QPainter& painter, const HeroClass& hero, QPointF nameCe
     painter.fillPath(plaque, QColor(0x1c, 0x14, 0x10));
     painter.strokePath(plaque, QPen(metal(plaque.boundingRect(), bronze), 3));
     lettering.draw(painter, hero.name.in(language), {0, 0}, 205,
-                   {.pixelSize = language == Language::english ? 38.0 : 36.0, .fill = QColor(0xfb, 0xee, 0xc6)});
+                   {.pixelSize = language == Language::english ? 38.0 : 39.0, .fill = QColor(0xfb, 0xee, 0xc6)});
     painter.restore();
 }
 

@@ -18,8 +18,8 @@ public:
         , unit(heroUnit)
         , seed(artSeed) {}
 
-    // The outline of any portrait, its name included, whose class name is centred at (0, 0).
-    QPainterPath outline() const;
+    // What a portrait and its name cover.
+    QPainterPath outline(QPointF nameCentre) const;
 
     void paint(QPainter& painter, const HeroClass& hero, QPointF nameCentre) const;
 

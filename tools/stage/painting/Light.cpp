@@ -7,6 +7,7 @@
 
 #include <cmath>
 #include <numbers>
+#include <utility>
 
 namespace pelloran::stage {
 
@@ -18,6 +19,11 @@ QImage blank(QSizeF size) {
     QImage image(size.toSize().expandedTo({2, 2}), QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     return image;
+}
+
+QRect haloBox(const QPainterPath& outline, double unit) {
+    const double margin = reach * unit;
+    return outline.boundingRect().adjusted(-margin, -margin, margin, margin).toAlignedRect();
 }
 
 double fractionOf(double value) {
@@ -61,50 +67,46 @@ Light::Light(QSize windowSize, double lengthUnit, quint32 seed)
     }
 }
 
-void Light::setGlows(const QPainterPath& outline, const std::vector<QPointF>& newPlaces, int newChosen) {
-    glowing = outline;
-    places = newPlaces;
+void Light::setGlows(std::vector<QPainterPath> outlines, int newChosen) {
+    glowing = std::move(outlines);
     chosen = newChosen;
     halos.clear();
-    for (std::size_t i = 0; i < places.size(); ++i) {
+    for (std::size_t i = 0; i < glowing.size(); ++i) {
         const bool golden = static_cast<int>(i) == chosen;
-        halos.push_back(halo(i, golden ? QColor(255, 196, 80) : QColor(130, 190, 255)));
+        halos.push_back(halo(glowing[i], golden ? QColor(255, 196, 80) : QColor(130, 190, 255)));
     }
 }
 
 // The glow falls on the board only, not on the offer itself nor on its neighbours.
-QImage Light::halo(std::size_t place, const QColor& colour) const {
-    const double margin = reach * unit;
-    const QRectF box = glowing.boundingRect().adjusted(-margin, -margin, margin, margin);
+QImage Light::halo(const QPainterPath& outline, const QColor& colour) const {
+    const QRect box = haloBox(outline, unit);
     QImage image = blank(box.size());
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.translate(-box.topLeft());
     constexpr int rings = 14;
     for (int ring = rings; ring > 0; --ring) {
-        const double width = 2 * margin * ring / rings;
-        painter.strokePath(glowing, QPen(withAlpha(colour, 0.095), width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        const double width = 2 * reach * unit * ring / rings;
+        painter.strokePath(outline, QPen(withAlpha(colour, 0.095), width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     }
     painter.setCompositionMode(QPainter::CompositionMode_DestinationOut);
-    for (const QPointF& other : places) {
-        painter.fillPath(glowing.translated(other - places[place]), Qt::black);
+    for (const QPainterPath& shape : glowing) {
+        painter.fillPath(shape, Qt::black);
     }
     return image;
 }
 
 void Light::paint(QPainter& painter, double seconds) const {
-    const QPointF corner = glowing.boundingRect().topLeft() - QPointF(reach * unit, reach * unit);
-    for (std::size_t i = 0; i < places.size(); ++i) {
+    for (std::size_t i = 0; i < glowing.size(); ++i) {
         const bool isChosen = static_cast<int>(i) == chosen;
         if (chosen >= 0 && !isChosen) {
             continue;
         }
         const double pulse = 0.5 + 0.5 * std::sin(seconds * 2.1 + static_cast<double>(i) * 1.3);
         painter.setOpacity(isChosen ? 1 : 0.4 + 0.5 * pulse);
-        painter.drawImage((places[i] + corner).toPoint(), halos[i]);
+        painter.drawImage(haloBox(glowing[i], unit).topLeft(), halos[i]);
         // A light that runs along the edge.
-        const double around = fractionOf(seconds / 5 + static_cast<double>(i) / 3);
-        const QPointF runner = places[i] + glowing.pointAtPercent(around);
+        const QPointF runner = glowing[i].pointAtPercent(fractionOf(seconds / 5 + static_cast<double>(i) / 3));
         const double radius = 26 * unit;
         painter.setOpacity(0.8);
         painter.drawImage(QRectF(runner - QPointF(radius, radius), QSizeF(2 * radius, 2 * radius)), spark);

@@ -15,8 +15,8 @@ class Light {
 public:
     Light(QSize size, double unit, quint32 seed);
 
-    // The places that glow from now on; `chosen` shines golden (-1: none).
-    void setGlows(const QPainterPath& outline, const std::vector<QPointF>& places, int chosen);
+    // The things that glow from now on, by their outlines in the window; `chosen` shines golden (-1: none).
+    void setGlows(std::vector<QPainterPath> outlines, int chosen);
 
     // The light `seconds` after the start, over a scene that has been painted already.
     void paint(QPainter& painter, double seconds) const;
@@ -29,16 +29,15 @@ private:
         double size;
     };
 
-    QImage halo(std::size_t place, const QColor& colour) const;
+    QImage halo(const QPainterPath& outline, const QColor& colour) const;
 
     QSize size;
     double unit;
     QImage beam;
     QImage spark;
     std::vector<Mote> motes;
-    std::vector<QImage> halos; // one for each place
-    QPainterPath glowing;
-    std::vector<QPointF> places;
+    std::vector<QPainterPath> glowing;
+    std::vector<QImage> halos; // one for each of them
     int chosen = -1;
 };
 

@@ -116,7 +116,7 @@ void ScenePainter::show(const Situation& situation) {
     }
     QPainter painter(&scene);
     painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing | QPainter::SmoothPixmapTransform);
-    light.setGlows({}, {}, -1);
+    light.setGlows({}, -1);
     switch (kind) {
     case StepKind::idle:
         paintMenu(painter);
@@ -245,47 +245,49 @@ void ScenePainter::paintMenu(QPainter& painter) const {
 }
 
 void ScenePainter::paintHeroes(QPainter& painter, const Situation& situation) {
-    std::vector<QPointF> places;
+    std::vector<QPainterPath> offers;
     for (std::size_t i = 0; i < situation.step.heroes.size(); ++i) {
-        places.push_back(at(heroColumns[i], heroNameHeight));
-        heroes.paint(painter, situation.step.heroes[i], places.back());
+        const QPointF place = at(heroColumns[i], heroNameHeight);
+        heroes.paint(painter, situation.step.heroes[i], place);
+        offers.push_back(heroes.outline(place));
     }
     const int chosen = situation.step.chosen.value_or(-1);
     if (situation.step.kind == StepKind::chooseHero) {
-        paintVeil(painter, heroes.outline(), places, chosen);
+        paintVeil(painter, offers, chosen);
     } else if (situation.step.kind == StepKind::lookAtHero) {
-        paintButton(painter, words().play, at(0.488, 0.72), {260 * unit, 76 * unit}, true);
+        paintButton(painter, words().play, at(heroColumns[1], 0.72), {260 * unit, 76 * unit}, true);
     }
-    light.setGlows(heroes.outline(), places, chosen);
+    light.setGlows(std::move(offers), chosen);
     paintButton(painter, words().back, at(0.925, 0.93), {150 * unit, 56 * unit}, false);
 }
 
 void ScenePainter::paintCards(QPainter& painter, const Situation& situation) {
-    std::vector<QPointF> places;
+    std::vector<QPainterPath> offers;
     for (std::size_t i = 0; i < situation.step.cards.size(); ++i) {
-        places.push_back(at(cardColumns[i], cardNameHeight));
-        cards.paintFace(painter, situation.step.cards[i], places.back());
+        const QPointF place = at(cardColumns[i], cardNameHeight);
+        cards.paintFace(painter, situation.step.cards[i], place);
+        offers.push_back(cards.outline(situation.step.cards[i], place));
     }
     const int chosen = situation.step.chosen.value_or(-1);
-    paintVeil(painter, cards.outline(), places, chosen);
-    light.setGlows(cards.outline(), places, chosen);
+    paintVeil(painter, offers, chosen);
+    light.setGlows(std::move(offers), chosen);
 }
 
 void ScenePainter::paintFaceDown(QPainter& painter) {
-    std::vector<QPointF> places;
+    std::vector<QPainterPath> backs;
     for (const double column : cardColumns) {
-        places.push_back(at(column, cardNameHeight));
-        cards.paintBack(painter, places.back());
+        const QPointF place = at(column, cardNameHeight);
+        cards.paintBack(painter, place);
+        backs.push_back(cards.backOutline(place));
     }
-    light.setGlows(cards.outline(), places, -1);
+    light.setGlows(std::move(backs), -1);
 }
 
 // Darkens the offers that were not taken.
-void ScenePainter::paintVeil(QPainter& painter, const QPainterPath& outline, const std::vector<QPointF>& places,
-                             int chosen) const {
-    for (std::size_t i = 0; chosen >= 0 && i < places.size(); ++i) {
+void ScenePainter::paintVeil(QPainter& painter, const std::vector<QPainterPath>& offers, int chosen) {
+    for (std::size_t i = 0; chosen >= 0 && i < offers.size(); ++i) {
         if (static_cast<int>(i) != chosen) {
-            painter.fillPath(outline.translated(places[i]), QColor(12, 8, 6, 130));
+            painter.fillPath(offers[i], QColor(12, 8, 6, 130));
         }
     }
 }

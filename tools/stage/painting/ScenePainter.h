@@ -52,8 +52,7 @@ private:
     void paintDeck(QPainter& painter, const Situation& situation);
     void paintDeckRow(QPainter& painter, const Card& card, int copies, const QRectF& row);
     void paintButton(QPainter& painter, const QString& text, QPointF centre, QSizeF size, bool lit) const;
-    void paintVeil(QPainter& painter, const QPainterPath& outline, const std::vector<QPointF>& places,
-                   int chosen) const;
+    static void paintVeil(QPainter& painter, const std::vector<QPainterPath>& offers, int chosen);
 
     QSize windowSize;
     Language language;
