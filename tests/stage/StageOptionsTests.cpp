@@ -1,0 +1,78 @@
+#include "stage/StageOptions.h"
+#include "support/Printing.h"
+
+#include <gtest/gtest.h>
+
+namespace pelloran::stage {
+
+namespace {
+
+QStringList words(const char* arguments) {
+    return QString::fromUtf8(arguments).split(u' ', Qt::SkipEmptyParts);
+}
+
+} // namespace
+
+TEST(StageOptions, HasDefaultsForEverything) {
+    const auto options = StageOptions::parse({});
+    ASSERT_TRUE(options.has_value());
+    EXPECT_EQ(options->scenario, QStringLiteral("demo"));
+    EXPECT_EQ(options->size, QSize(1920, 1080));
+    EXPECT_FALSE(options->language.has_value());
+    EXPECT_EQ(options->speed, 1);
+    EXPECT_FALSE(options->help || options->loop || options->fullScreen || options->stepsOnStdin || options->exitAtEnd);
+}
+
+TEST(StageOptions, ReadsEveryOptionWithAndWithoutAnEqualsSign) {
+    const auto options = StageOptions::parse(
+        words("--scenario=demo-zh --logs-dir /a=b --size 1280x720 --language zh --speed 2.5 --loop --seed 7 "
+              "--full-screen --picture p.png --step 3 --steps-on-stdin"));
+    ASSERT_TRUE(options.has_value()) << options.error().toStdString();
+    EXPECT_EQ(options->scenario, QStringLiteral("demo-zh"));
+    EXPECT_EQ(options->logsDir, QStringLiteral("/a=b"));
+    EXPECT_EQ(options->size, QSize(1280, 720));
+    EXPECT_EQ(options->language, Language::chinese);
+    EXPECT_EQ(options->speed, 2.5);
+    EXPECT_TRUE(options->loop);
+    EXPECT_EQ(options->seed, 7U);
+    EXPECT_TRUE(options->fullScreen);
+    EXPECT_EQ(options->picture, QStringLiteral("p.png"));
+    EXPECT_EQ(options->step, 3);
+    EXPECT_TRUE(options->stepsOnStdin);
+}
+
+TEST(StageOptions, RefusesWhatDoesNotFit) {
+    struct Row {
+        const char* why;
+        const char* arguments;
+        const char* mentioned;
+    };
+
+    const Row rows[] = {
+        {"unknown option", "--colour", "--colour"},
+        {"a word by itself", "demo", "demo"},
+        {"no value", "--scenario", "needs a value"},
+        {"an empty value", "--logs-dir=", "must not be empty"},
+        {"a value where none belongs", "--loop=yes", "takes no value"},
+        {"a size of one number", "--size 1920", "WIDTHxHEIGHT"},
+        {"a size below the smallest", "--size 399x300", "400x300"},
+        {"a size above the largest", "--size 7681x4320", "7680x4320"},
+        {"a size with a sign", "--size -800x600", "WIDTHxHEIGHT"},
+        {"a language nobody speaks", "--language fr", "en or zh"},
+        {"standing still", "--speed 0", "0.01"},
+        {"going backwards", "--speed -1", "0.01"},
+        {"not a number", "--speed nan", "0.01"},
+        {"a broken seed", "--seed 1.5", "whole number"},
+        {"a step before the first", "--picture p.png --step -1", "from 0"},
+        {"a step without a picture", "--step 1", "--picture"},
+        {"an end that never comes", "--loop --exit-at-end", "no end"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.why);
+        const auto options = StageOptions::parse(words(row.arguments));
+        ASSERT_FALSE(options.has_value());
+        EXPECT_TRUE(options.error().contains(QString::fromUtf8(row.mentioned))) << options.error().toStdString();
+    }
+}
+
+} // namespace pelloran::stage

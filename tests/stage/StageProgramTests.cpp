@@ -1,0 +1,141 @@
+#include "stage/Scenario.h"
+#include "support/Printing.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+// The program itself, run as a user without a display runs it.
+namespace pelloran::stage {
+
+namespace {
+
+struct Outcome {
+    int exitCode = -1;
+    QByteArray output;
+    QByteArray errors;
+};
+
+Outcome run(const QStringList& arguments) {
+    QProcess program;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+        environment.remove(QString::fromLatin1(name));
+    }
+    program.setProcessEnvironment(environment);
+    program.start(QStringLiteral(PELLORAN_STAGE), arguments);
+    if (!program.waitForFinished(60000) || program.exitStatus() != QProcess::NormalExit) {
+        ADD_FAILURE() << "crashed or never ended: " << program.errorString().toStdString();
+    }
+    return {program.exitCode(), program.readAllStandardOutput(), program.readAllStandardError()};
+}
+
+} // namespace
+
+TEST(StageProgram, HelpsWithoutADisplay) {
+    const Outcome outcome = run({QStringLiteral("--help")});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_TRUE(outcome.output.startsWith("Usage: pelloran-stage"));
+    EXPECT_EQ(outcome.errors, QByteArray());
+}
+
+TEST(StageProgram, ListsItsScenariosWithoutADisplay) {
+    const Outcome outcome = run({QStringLiteral("--list-scenarios")});
+    EXPECT_EQ(outcome.exitCode, 0);
+    for (const QString& name : Scenario::shippedNames()) {
+        EXPECT_TRUE(outcome.output.contains(name.toUtf8() + ": ")) << outcome.output.toStdString();
+    }
+}
+
+TEST(StageProgram, ShowsItsUsageWhenArgumentsDoNotFit) {
+    struct Row {
+        const char* why;
+        QStringList arguments;
+        const char* mentioned;
+    };
+
+    const Row rows[] = {
+        {"unknown option", {QStringLiteral("--nonsense")}, "Usage:"},
+        {"no such scenario", {QStringLiteral("--scenario"), QStringLiteral("none")}, "none"},
+        {"a step beyond the end",
+         {QStringLiteral("--picture"), QStringLiteral("p.png"), QStringLiteral("--step"), QStringLiteral("999")},
+         "last step"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.why);
+        const Outcome outcome = run(row.arguments);
+        EXPECT_EQ(outcome.exitCode, 2);
+        EXPECT_EQ(outcome.output, QByteArray());
+        EXPECT_TRUE(outcome.errors.contains(row.mentioned)) << outcome.errors.toStdString();
+    }
+}
+
+TEST(StageProgram, SaysThatItNeedsADisplayToPlay) {
+    const Outcome outcome = run({});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_TRUE(outcome.errors.contains("display")) << outcome.errors.toStdString();
+}
+
+TEST(StageProgram, PaintsEveryKindOfStepInBothLanguagesAndManySizes) {
+    const QTemporaryDir folder;
+    const QString picture = folder.filePath(QStringLiteral("step.png"));
+    const auto scenario = Scenario::load(QStringLiteral("demo-zh"));
+    ASSERT_TRUE(scenario.has_value()) << scenario.error().toStdString();
+    const QStringList sizes{QStringLiteral("400x300"), QStringLiteral("640x360"), QStringLiteral("500x900"),
+                            QStringLiteral("1280x400")};
+    QSet<int> painted;
+    for (std::size_t step = 0; step < scenario->steps.size(); ++step) {
+        const int kind = static_cast<int>(scenario->steps[step].kind);
+        if (painted.contains(kind)) {
+            continue;
+        }
+        painted.insert(kind);
+        for (const QString& language : {QStringLiteral("en"), QStringLiteral("zh")}) {
+            const QString size = sizes[(painted.size() + (language == u"zh" ? 1 : 0)) % sizes.size()];
+            SCOPED_TRACE(QStringLiteral("step %1, %2, %3").arg(step).arg(language, size).toStdString());
+            const Outcome outcome =
+                run({QStringLiteral("--scenario"), QStringLiteral("demo-zh"), QStringLiteral("--picture"), picture,
+                     QStringLiteral("--step"), QString::number(step), QStringLiteral("--size"), size,
+                     QStringLiteral("--language"), language});
+            ASSERT_EQ(outcome.exitCode, 0) << outcome.errors.toStdString();
+            QFile file(picture);
+            ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+            EXPECT_TRUE(file.read(8).endsWith("PNG\r\n\x1a\n"));
+            EXPECT_GT(file.size(), 10000) << "a blank picture would be smaller";
+            file.remove();
+            const QJsonObject line = QJsonDocument::fromJson(outcome.output).object();
+            EXPECT_EQ(line[u"step"].toInteger(-1), static_cast<qint64>(step));
+            EXPECT_EQ(line[u"kind"].toString(), kindName(scenario->steps[step].kind));
+            EXPECT_EQ(line[u"language"].toString(), language);
+        }
+    }
+    EXPECT_EQ(painted.size(), 9) << "the scenario shows every kind of step";
+}
+
+TEST(StageProgram, ReportsOffersAndChoicesWithTheNamesOnScreen) {
+    const QTemporaryDir folder;
+    const Outcome outcome =
+        run({QStringLiteral("--picture"), folder.filePath(QStringLiteral("p.png")), QStringLiteral("--step"),
+             QStringLiteral("4"), QStringLiteral("--size"), QStringLiteral("640x360")});
+    const QJsonObject line = QJsonDocument::fromJson(outcome.output).object();
+    EXPECT_EQ(line[u"kind"].toString(), QStringLiteral("choose"));
+    EXPECT_EQ(line[u"hero"].toString(), QStringLiteral("MAGE"));
+    ASSERT_EQ(line[u"offers"].toArray().size(), 3);
+    EXPECT_EQ(line[u"offers"][0][u"name"].toString(), QStringLiteral("Fireball"));
+    EXPECT_EQ(line[u"chosen"], line[u"offers"][0]);
+    EXPECT_EQ(line[u"deck"].toArray(), QJsonArray{QStringLiteral("CS2_029")});
+}
+
+TEST(StageProgram, FailsWhereThePictureCannotBeWritten) {
+    const QTemporaryDir folder;
+    const Outcome outcome = run({QStringLiteral("--picture"), folder.filePath(QStringLiteral("no/such/folder/p.png")),
+                                 QStringLiteral("--size"), QStringLiteral("400x300")});
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_TRUE(outcome.errors.contains("cannot write")) << outcome.errors.toStdString();
+}
+
+} // namespace pelloran::stage

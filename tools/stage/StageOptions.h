@@ -1,0 +1,36 @@
+#pragma once
+
+#include "stage/Catalogue.h"
+
+#include <QSize>
+#include <QString>
+#include <QStringList>
+
+#include <expected>
+#include <optional>
+
+namespace pelloran::stage {
+
+struct StageOptions {
+    bool help = false;
+    bool listScenarios = false;
+    QString scenario = QStringLiteral("demo");
+    QString logsDir; // "": no logs are written
+    QSize size{1920, 1080};
+    std::optional<Language> language; // absent: the scenario's own
+    double speed = 1;
+    bool loop = false;
+    quint32 seed = 1;
+    bool fullScreen = false;
+    QString picture; // "": a window
+    int step = 0;    // of the picture
+    bool stepsOnStdin = false;
+    bool exitAtEnd = false;
+
+    // From the arguments after the program's name. The error is one line for people.
+    static std::expected<StageOptions, QString> parse(const QStringList& arguments);
+
+    static QString usage();
+};
+
+} // namespace pelloran::stage
