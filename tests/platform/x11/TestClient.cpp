@@ -140,8 +140,9 @@ void TestClient::paint(xcb_drawable_t drawable, const QImage& image) {
     if (!geometry) {
         return;
     }
-    const QImage packed = geometry->depth == 16 ? image.convertToFormat(QImage::Format_RGB16)
-                                                : image.convertToFormat(QImage::Format_RGB32);
+    const QImage packed = image.convertToFormat(geometry->depth == 16   ? QImage::Format_RGB16
+                                                : geometry->depth == 32 ? QImage::Format_ARGB32_Premultiplied
+                                                                        : QImage::Format_RGB32);
     const xcb_gcontext_t context = xcb_generate_id(connection);
     xcb_create_gc(connection, context, drawable, 0, nullptr);
     xcb_put_image(connection, XCB_IMAGE_FORMAT_Z_PIXMAP, drawable, context, static_cast<std::uint16_t>(packed.width()),
