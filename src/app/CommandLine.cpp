@@ -1,0 +1,226 @@
+#include "app/CommandLine.h"
+
+#include <QCommandLineParser>
+
+#include <array>
+#include <functional>
+
+namespace pelloran {
+
+namespace {
+
+// One option of one command.
+struct Option {
+    QString name;
+    QString valueName; // "" for a switch
+    QString description;
+};
+
+// One command: what it is called, what it takes, and how its parsed options become a value.
+struct Syntax {
+    QString name; // "" for the program itself
+    QString arguments;
+    QString description;
+    std::vector<Option> options;
+    std::expected<Command, QString> (*build)(const QCommandLineParser& parsed);
+};
+
+const QString logsDirOption = QStringLiteral("logs-dir");
+const QString windowOwnerOption = QStringLiteral("window-owner");
+const QString languageOption = QStringLiteral("language");
+const QString snapshotsOption = QStringLiteral("snapshots");
+const QString noPanelOption = QStringLiteral("no-panel");
+const QString phaseOption = QStringLiteral("phase");
+const QString ticksOption = QStringLiteral("ticks");
+const QString classesOption = QStringLiteral("classes");
+
+std::optional<QString> optionalValue(const QCommandLineParser& parsed, const QString& option) {
+    return parsed.isSet(option) ? std::optional(parsed.value(option)) : std::nullopt;
+}
+
+std::expected<Command, QString> noArguments(const QCommandLineParser& parsed, Command command) {
+    if (!parsed.positionalArguments().isEmpty()) {
+        return std::unexpected(
+            QStringLiteral("unknown command or argument \"%1\"").arg(parsed.positionalArguments().first()));
+    }
+    return command;
+}
+
+std::expected<Command, QString> buildRunLoop(const QCommandLineParser& parsed) {
+    RunLoop run{
+        .logsDir = optionalValue(parsed, logsDirOption),
+        .windowOwner = optionalValue(parsed, windowOwnerOption),
+        .language = std::nullopt,
+        .snapshots = true, // with or without --snapshots: until there is a panel, the lines are all there is to see
+    };
+    if (parsed.isSet(languageOption)) {
+        run.language = AppLanguage::fromRawValue(parsed.value(languageOption));
+        if (!run.language) {
+            return std::unexpected(QStringLiteral("--language takes system, zh or en"));
+        }
+    }
+    return noArguments(parsed, run);
+}
+
+std::expected<Command, QString> buildDraftState(const QCommandLineParser& parsed) {
+    return noArguments(parsed, PrintDraftState{optionalValue(parsed, logsDirOption)});
+}
+
+std::expected<Command, QString> buildLogsDir(const QCommandLineParser& parsed) {
+    return noArguments(parsed, PrintLogsDir{});
+}
+
+std::expected<Command, QString> buildRecognize(const QCommandLineParser& parsed) {
+    RecognizeImages recognize{
+        .phase = DraftPhase::cardPick,
+        .ticks = parsed.isSet(ticksOption),
+        .images = parsed.positionalArguments(),
+    };
+    const QString phase = parsed.value(phaseOption);
+    if (phase == QLatin1StringView("heroPick")) {
+        recognize.phase = DraftPhase::heroPick;
+    } else if (phase != QLatin1StringView("cardPick")) {
+        return std::unexpected(QStringLiteral("recognize needs --phase heroPick or --phase cardPick"));
+    }
+    if (recognize.images.isEmpty()) {
+        return std::unexpected(QStringLiteral("recognize needs at least one image"));
+    }
+    return recognize;
+}
+
+std::expected<Command, QString> buildMatch(const QCommandLineParser& parsed) {
+    if (parsed.positionalArguments().isEmpty()) {
+        return std::unexpected(QStringLiteral("match needs at least one text"));
+    }
+    return MatchTexts{.classes = parsed.isSet(classesOption), .texts = parsed.positionalArguments()};
+}
+
+const std::vector<Syntax>& syntaxes() {
+    static const Option logsDir{logsDirOption, QStringLiteral("DIR"),
+                                QStringLiteral("the game's log folder, in place of the usual places")};
+    static const std::vector<Syntax> all{
+        {
+            {},
+            {},
+            QStringLiteral("Follows an Arena draft of Hearthstone and tells the figures of what is offered."),
+            {
+                logsDir,
+                {windowOwnerOption, QStringLiteral("NAME"), QStringLiteral("owner or title of the game's window")},
+                {languageOption, QStringLiteral("LANGUAGE"), QStringLiteral("system, zh or en, for this run")},
+                {snapshotsOption,
+                 {},
+                 QStringLiteral("print every published snapshot as a JSON line (on, until there is a panel)")},
+                {noPanelOption, {}, QStringLiteral("run without a panel (this version has none yet)")},
+            },
+            buildRunLoop,
+        },
+        {
+            QStringLiteral("draft-state"),
+            {},
+            QStringLiteral("Reads the game's logs once and prints the state of the draft."),
+            {logsDir},
+            buildDraftState,
+        },
+        {
+            QStringLiteral("logs-dir"),
+            {},
+            QStringLiteral("Prints the game's log folder; fails when none is found."),
+            {},
+            buildLogsDir,
+        },
+        {
+            QStringLiteral("recognize"),
+            QStringLiteral("IMAGE..."),
+            QStringLiteral("Reads pictures of the game's window and prints what is offered on each."),
+            {
+                {phaseOption, QStringLiteral("PHASE"), QStringLiteral("heroPick or cardPick")},
+                {ticksOption, {}, QStringLiteral("the images are successive ticks of one draft, not independent ones")},
+            },
+            buildRecognize,
+        },
+        {
+            QStringLiteral("match"),
+            QStringLiteral("TEXT..."),
+            QStringLiteral("Prints the card that each text names best."),
+            {{classesOption, {}, QStringLiteral("look among hero classes instead of cards")}},
+            buildMatch,
+        },
+    };
+    return all;
+}
+
+QString usageLine(const Syntax& syntax) {
+    QString line = QStringLiteral("pelloran");
+    for (const QString& word : {syntax.name, QStringLiteral("[options]"), syntax.arguments}) {
+        if (!word.isEmpty()) {
+            line += u' ' + word;
+        }
+    }
+    return line;
+}
+
+QString helpText(const Syntax& syntax) {
+    QString text = QStringLiteral("Usage: %1\n%2\n\nOptions:\n").arg(usageLine(syntax), syntax.description);
+    const auto addLine = [&text](const QString& term, const QString& description) {
+        text += QStringLiteral("  %1  %2\n").arg(term.leftJustified(22), description);
+    };
+    for (const Option& option : syntax.options) {
+        addLine(QStringLiteral("--") + option.name + (option.valueName.isEmpty() ? QString() : u' ' + option.valueName),
+                option.description);
+    }
+    addLine(QStringLiteral("-h, --help"), QStringLiteral("print this and end"));
+    if (syntax.name.isEmpty()) {
+        addLine(QStringLiteral("-v, --version"), QStringLiteral("print the version and end"));
+        text += QStringLiteral("\nCommands (pelloran COMMAND --help tells more):\n");
+        for (const Syntax& command : syntaxes()) {
+            if (!command.name.isEmpty()) {
+                addLine(command.name, command.description);
+            }
+        }
+    }
+    return text;
+}
+
+} // namespace
+
+std::expected<Command, UsageError> parseCommandLine(const QStringList& arguments) {
+    const auto named =
+        arguments.isEmpty() ? syntaxes().end() : std::ranges::find(syntaxes(), arguments.first(), &Syntax::name);
+    const bool isCommand = named != syntaxes().end() && !named->name.isEmpty();
+    const Syntax& syntax = isCommand ? *named : syntaxes().front();
+
+    const auto usage = [&syntax](const QString& problem) {
+        return std::unexpected(
+            UsageError{QStringLiteral("pelloran: %1\nUsage: %2\nMore: pelloran %3--help\n")
+                           .arg(problem, usageLine(syntax), syntax.name.isEmpty() ? QString() : syntax.name + u' ')});
+    };
+    QCommandLineParser parser;
+    parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
+    const QCommandLineOption help(QStringList{QStringLiteral("h"), QStringLiteral("help")});
+    const QCommandLineOption version(QStringList{QStringLiteral("v"), QStringLiteral("version")});
+    parser.addOption(help);
+    if (!isCommand) {
+        parser.addOption(version);
+    }
+    for (const Option& option : syntax.options) {
+        parser.addOption({option.name, option.description, option.valueName});
+    }
+    // The parser takes the first word for the program's name.
+    QStringList words = isCommand ? arguments : QStringList{QStringLiteral("pelloran")} + arguments;
+    if (!parser.parse(words)) {
+        return usage(parser.errorText());
+    }
+    if (parser.isSet(help)) {
+        return PrintText{helpText(syntax)};
+    }
+    if (!isCommand && parser.isSet(version)) {
+        return PrintText{QStringLiteral("pelloran " PELLORAN_VERSION "\n")};
+    }
+    auto command = syntax.build(parser);
+    if (!command) {
+        return usage(command.error());
+    }
+    return *command;
+}
+
+} // namespace pelloran

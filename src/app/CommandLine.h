@@ -1,0 +1,55 @@
+#pragma once
+
+#include "app/localisation/AppLanguage.h"
+#include "draft/DraftModel.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <expected>
+#include <optional>
+#include <variant>
+
+// What the user asked for on the command line, as plain values: nothing here runs anything.
+namespace pelloran {
+
+struct RunLoop {
+    std::optional<QString> logsDir; // absent: where the game usually writes
+    std::optional<QString> windowOwner;
+    std::optional<AppLanguage> language; // for this run only
+    bool snapshots = true;               // every published snapshot as a JSON line on standard output
+};
+
+struct PrintDraftState {
+    std::optional<QString> logsDir;
+};
+
+struct PrintLogsDir {};
+
+struct RecognizeImages {
+    DraftPhase phase = DraftPhase::cardPick; // never idle
+    bool ticks = false; // images are successive ticks of one draft rather than independent of each other
+    QStringList images;
+};
+
+struct MatchTexts {
+    bool classes = false;
+    QStringList texts;
+};
+
+// --help and --version: text for standard output.
+struct PrintText {
+    QString text;
+};
+
+using Command = std::variant<RunLoop, PrintDraftState, PrintLogsDir, RecognizeImages, MatchTexts, PrintText>;
+
+// What is wrong, and how the command is used; for standard error.
+struct UsageError {
+    QString message;
+};
+
+// `arguments` without the program's name. Needs no QCoreApplication.
+std::expected<Command, UsageError> parseCommandLine(const QStringList& arguments);
+
+} // namespace pelloran

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+namespace pelloran {
+
+// The game's log folder on this machine; absent when it lies in none of the usual places.
+std::optional<QString> foundLogsDir();
+
+// The folder to read: the one asked for, else the one found, else the usual place, where the game may yet write.
+QString logsDirToRead(const std::optional<QString>& asked);
+
+} // namespace pelloran

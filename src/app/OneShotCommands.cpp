@@ -1,0 +1,160 @@
+#include "app/OneShotCommands.h"
+
+#include "app/Json.h"
+#include "app/LogsDir.h"
+#include "data/WinrateStore.h"
+#include "draft/LogWatcher.h"
+#include "platform/ApplicationFiles.h"
+#include "platform/Log.h"
+#include "platform/TextReader.h"
+#include "recognition/CardRecognizer.h"
+
+#include <QElapsedTimer>
+#include <QImageReader>
+#include <QTextStream>
+
+#include <cstdio>
+#include <ctime>
+
+namespace pelloran {
+
+namespace {
+
+constexpr int done = 0;
+constexpr int failed = 1;
+
+// A window of 16k by 9k pixels still fits.
+constexpr int maximumImageMegabytes = 1024;
+
+void print(const QByteArray& text) {
+    std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stdout);
+    std::fflush(stdout);
+}
+
+// Of all threads of the program.
+double processCpuMilliseconds() {
+    timespec spent{};
+    ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &spent);
+    return static_cast<double>(spent.tv_sec) * 1e3 + static_cast<double>(spent.tv_nsec) / 1e6;
+}
+
+bool load(WinrateStore& store) {
+    const auto loaded = store.loadFromBundle();
+    if (!loaded) {
+        log(loaded.error().localizedDescription);
+    }
+    return loaded.has_value();
+}
+
+QJsonValue toJson(const std::optional<CardMatch>& match) {
+    if (!match) {
+        return QJsonValue::Null;
+    }
+    return QJsonObject{
+        {QStringLiteral("cardId"), match->cardId},
+        {QStringLiteral("score"), match->score},
+        {QStringLiteral("text"), match->text},
+    };
+}
+
+QJsonValue toJson(const std::optional<ClassMatch>& match) {
+    if (!match) {
+        return QJsonValue::Null;
+    }
+    return QJsonObject{
+        {QStringLiteral("key"), match->key},
+        {QStringLiteral("score"), match->score},
+        {QStringLiteral("text"), match->text},
+    };
+}
+
+QJsonObject recognizeOne(const QImage& image, DraftPhase phase, const CardRecognizer& recognizer, TextReader& reader) {
+    const bool heroes = phase == DraftPhase::heroPick;
+    const double cpuBefore = processCpuMilliseconds();
+    QElapsedTimer wall;
+    wall.start();
+    const std::vector<OCRToken> tokens =
+        CardRecognizer::ocrTokens(image, reader, heroes ? recognizer.heroHints() : recognizer.cardHints());
+    const std::vector<SlotMatch> matches =
+        heroes ? recognizer.recognizeHeroes(tokens) : recognizer.recognizeCards(tokens);
+    return {
+        {QStringLiteral("milliseconds"), static_cast<double>(wall.nsecsElapsed()) / 1e6},
+        {QStringLiteral("cpuMilliseconds"), processCpuMilliseconds() - cpuBefore},
+        {QStringLiteral("slots"), json::array(matches)},
+        {QStringLiteral("tokens"), json::array(tokens)},
+    };
+}
+
+} // namespace
+
+int run(const PrintText& command) {
+    print(command.text.toUtf8());
+    return done;
+}
+
+int run(const PrintDraftState& command) {
+    print(json::line(json::toJson(LogWatcher(logsDirToRead(command.logsDir)).poll())));
+    return done;
+}
+
+int run(const PrintLogsDir&) {
+    const auto folder = foundLogsDir();
+    if (!folder) {
+        log(QStringLiteral("no log folder of the game found; --logs-dir names one that lies elsewhere"));
+        return failed;
+    }
+    print(folder->toUtf8() + '\n');
+    return done;
+}
+
+int run(const RecognizeImages& command) {
+    const auto files = ApplicationFiles::create();
+    WinrateStore store(*files);
+    if (!load(store)) {
+        return failed;
+    }
+    auto reader = TextReader::create();
+    if (!reader) {
+        log(reader.error().reason);
+        return failed;
+    }
+    const CardRecognizer recognizer(store);
+    QImageReader::setAllocationLimit(maximumImageMegabytes);
+    int result = done;
+    for (const QString& path : command.images) {
+        QJsonObject answer;
+        QImageReader file(path);
+        const QImage image = file.read();
+        if (image.isNull()) {
+            answer.insert(QStringLiteral("error"), file.errorString());
+            result = failed;
+        } else {
+            if (!command.ticks) {
+                (*reader)->forget();
+            }
+            answer = recognizeOne(image, command.phase, recognizer, **reader);
+        }
+        answer.insert(QStringLiteral("image"), path);
+        answer.insert(QStringLiteral("phase"), json::phaseName(command.phase));
+        print(json::line(answer));
+    }
+    return result;
+}
+
+int run(const MatchTexts& command) {
+    const auto files = ApplicationFiles::create();
+    WinrateStore store(*files);
+    if (!load(store)) {
+        return failed;
+    }
+    for (const QString& text : command.texts) {
+        print(json::line({
+            {QStringLiteral("text"), text},
+            {QStringLiteral("match"),
+             command.classes ? toJson(store.matchClass({text})) : toJson(store.matchName({text}))},
+        }));
+    }
+    return done;
+}
+
+} // namespace pelloran

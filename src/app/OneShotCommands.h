@@ -1,0 +1,15 @@
+#pragma once
+
+#include "app/CommandLine.h"
+
+// The commands that show one part at work: each prints JSON lines on standard output and diagnostics on standard error,
+// and gives the exit code (0: done, 1: failed). None needs a display; all need the application object.
+namespace pelloran {
+
+int run(const PrintDraftState& command);
+int run(const PrintLogsDir& command);
+int run(const RecognizeImages& command);
+int run(const MatchTexts& command);
+int run(const PrintText& command);
+
+} // namespace pelloran

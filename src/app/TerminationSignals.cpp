@@ -1,0 +1,45 @@
+#include "app/TerminationSignals.h"
+
+#include <QCoreApplication>
+#include <QSocketNotifier>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+
+namespace pelloran {
+
+namespace {
+
+// A signal handler may do next to nothing, but it may write to a pipe; the event loop reads the other end.
+int writeEnd = -1;
+
+void tellEventLoop(int) {
+    const char byte = 0;
+    [[maybe_unused]] const ssize_t written = ::write(writeEnd, &byte, 1);
+}
+
+} // namespace
+
+TerminationSignals::TerminationSignals() {
+    std::signal(SIGPIPE, SIG_IGN);
+    std::array<int, 2> ends{};
+    if (::pipe(ends.data()) != 0) {
+        return; // the signals keep ending the program at once
+    }
+    ::fcntl(ends[0], F_SETFD, FD_CLOEXEC);
+    ::fcntl(ends[1], F_SETFD, FD_CLOEXEC);
+    writeEnd = ends[1];
+    auto* notifier = new QSocketNotifier(ends[0], QSocketNotifier::Read, this);
+    connect(notifier, &QSocketNotifier::activated, this, [notifier] {
+        notifier->setEnabled(false);
+        QCoreApplication::quit();
+    });
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+        std::signal(signal, tellEventLoop);
+    }
+}
+
+} // namespace pelloran

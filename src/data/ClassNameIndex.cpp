@@ -1,0 +1,81 @@
+#include "data/ClassNameIndex.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace pelloran {
+
+using namespace NameMatching;
+
+ClassNameIndex::ClassNameIndex(const ClassesByKey& classes) {
+    for (const auto& [storedKey, row] : classes) {
+        const QString key = row.playerClass.toUpper();
+        add(row.nameZh, key);
+        add(row.displayName(AppLanguage::en), key);
+        if (row.nameEn && !row.nameEn->isEmpty()) {
+            add(*row.nameEn, key);
+        }
+    }
+    for (const auto& [key, row] : classes) {
+        add(key, key);
+    }
+    for (const auto& [nickname, key] : {std::pair(u"萨满"_s, u"SHAMAN"_s), std::pair(u"死骑"_s, u"DEATHKNIGHT"_s),
+                                        std::pair(u"瞎"_s, u"DEMONHUNTER"_s)}) {
+        if (classes.contains(key)) {
+            nicknames.emplace(nickname, key);
+        }
+    }
+}
+
+void ClassNameIndex::add(const QString& name, const QString& key) {
+    const QString norm = normalize(name);
+    candidates.push_back({norm, table.add(norm), key});
+}
+
+std::optional<ClassMatch> ClassNameIndex::bestMatch(const QStringList& lines) const {
+    std::optional<ClassMatch> best;
+    for (const QString& line : lines) {
+        const std::u32string query = table.find(normalize(line));
+        if (query.empty() || query.size() >= classQueryLimit) {
+            continue;
+        }
+        const auto exact = std::ranges::find(candidates, query, &Candidate::characters);
+        if (exact != candidates.end()) {
+            return ClassMatch{exact->key, 1.0, line};
+        }
+        for (const Candidate& candidate : candidates) {
+            const std::u32string& name = candidate.characters;
+            const bool related = contains(query, name) || (query.size() >= 2 && contains(name, query));
+            if (name.size() < 2 || !related) {
+                continue;
+            }
+            const double s = score(query, name);
+            if (s >= classThreshold && (!best || s > best->score)) {
+                best = ClassMatch{candidate.key, s, line};
+            }
+        }
+    }
+    for (const QString& line : lines) {
+        const auto nickname = nicknames.find(normalize(line));
+        if (nickname != nicknames.end() && (!best || best->score < aliasScore)) {
+            best = ClassMatch{nickname->second, aliasScore, line};
+        }
+    }
+    return best;
+}
+
+QSet<QString> ClassNameIndex::exactLines() const {
+    QSet<QString> lines;
+    for (const Candidate& candidate : candidates) {
+        if (!candidate.characters.empty() && candidate.characters.size() < classQueryLimit) {
+            lines.insert(candidate.norm);
+        }
+    }
+    for (const auto& [nickname, key] : nicknames) {
+        lines.insert(nickname);
+    }
+    return lines;
+}
+
+} // namespace pelloran

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "data/NameMatching.h"
+#include "data/WinrateFormats.h"
+
+#include <QSet>
+#include <QStringList>
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace pelloran {
+
+// The class that lines of text name.
+struct ClassMatch {
+    QString key;      // the class in upper case, such as "MAGE"
+    double score = 0; // 0 to 1
+    QString text;     // the line as read
+
+    bool operator==(const ClassMatch&) const = default;
+};
+
+// Everything the classes are called, ready to be searched. Immutable once made; from any thread.
+class ClassNameIndex {
+public:
+    using ClassesByKey = std::map<QString, ClassWinrateRow>;
+
+    ClassNameIndex() = default;
+    explicit ClassNameIndex(const ClassesByKey& classes);
+
+    // A line that is exactly a name ends the search. Else the best of the lines that contain a name or are part of one,
+    // if it reaches NameMatching::classThreshold; a nickname beats it where it scores less. Of equal scores the
+    // earliest line wins, then names in ascending order of keys.
+    std::optional<ClassMatch> bestMatch(const QStringList& lines) const;
+
+    // Normalised lines that name a class exactly, by name or by nickname.
+    QSet<QString> exactLines() const;
+
+private:
+    struct Candidate {
+        QString norm;
+        std::u32string characters;
+        QString key;
+    };
+
+    void add(const QString& name, const QString& key);
+
+    CharacterTable table;
+    std::vector<Candidate> candidates;
+    std::map<QString, QString> nicknames; // normalised, to the class's key
+};
+
+} // namespace pelloran

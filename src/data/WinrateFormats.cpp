@@ -1,0 +1,381 @@
+#include "data/WinrateFormats.h"
+
+#include <QHash>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QJsonParseError>
+
+#include <algorithm>
+#include <array>
+#include <tuple>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace pelloran {
+
+namespace {
+
+template <typename Record, typename Value>
+struct Field {
+    QLatin1StringView key;
+    Value Record::* member;
+};
+
+// What a record's fields are called in files. Decoding, encoding and hashing all go by these tables.
+template <typename Record>
+constexpr std::tuple<> fields;
+
+template <>
+constexpr std::tuple fields<CardStats>{
+    Field{"card_id"_L1, &CardStats::cardId},
+    Field{"name_zh"_L1, &CardStats::nameZh},
+    Field{"name_en"_L1, &CardStats::nameEn},
+    Field{"cost"_L1, &CardStats::cost},
+    Field{"rarity"_L1, &CardStats::rarity},
+    Field{"type"_L1, &CardStats::type},
+    Field{"card_class"_L1, &CardStats::cardClass},
+    Field{"set"_L1, &CardStats::set},
+    Field{"deck_win_rate"_L1, &CardStats::deckWinRate},
+    Field{"drawn_win_rate"_L1, &CardStats::drawnWinRate},
+    Field{"played_win_rate"_L1, &CardStats::playedWinRate},
+    Field{"popularity"_L1, &CardStats::popularity},
+    Field{"avg_copies_in_deck"_L1, &CardStats::avgCopiesInDeck},
+    Field{"num_games"_L1, &CardStats::numGames},
+};
+
+template <>
+constexpr std::tuple fields<WinrateFile>{
+    Field{"player_class"_L1, &WinrateFile::playerClass},
+    Field{"time_range"_L1, &WinrateFile::timeRange},
+    Field{"fetched_at"_L1, &WinrateFile::fetchedAt},
+    Field{"card_count"_L1, &WinrateFile::cardCount},
+    Field{"cards"_L1, &WinrateFile::cards},
+};
+
+template <>
+constexpr std::tuple fields<ClassWinrateRow>{
+    Field{"deck_class_id"_L1, &ClassWinrateRow::deckClassId},
+    Field{"player_class"_L1, &ClassWinrateRow::playerClass},
+    Field{"name_zh"_L1, &ClassWinrateRow::nameZh},
+    Field{"name_en"_L1, &ClassWinrateRow::nameEn},
+    Field{"win_rate"_L1, &ClassWinrateRow::winRate},
+    Field{"pick_rate"_L1, &ClassWinrateRow::pickRate},
+    Field{"pct_7_plus"_L1, &ClassWinrateRow::pct7Plus},
+    Field{"num_drafts"_L1, &ClassWinrateRow::numDrafts},
+    Field{"rank"_L1, &ClassWinrateRow::rank},
+};
+
+template <>
+constexpr std::tuple fields<ClassWinrateFile>{
+    Field{"fetched_at"_L1, &ClassWinrateFile::fetchedAt},
+    Field{"selected_params"_L1, &ClassWinrateFile::selectedParams},
+    Field{"classes"_L1, &ClassWinrateFile::classes},
+};
+
+template <typename Record>
+concept HasFields = std::tuple_size_v<decltype(fields<Record>)> != 0;
+
+// The first place at which a file is not what it should be, such as {"cards[3].cost", "a whole number"}.
+struct Mismatch {
+    QString place;
+    QString wanted;
+};
+
+// Absent when all is well.
+using Verdict = std::optional<Mismatch>;
+
+Verdict wanted(const QString& what) {
+    return Mismatch{{}, what};
+}
+
+Verdict decodeInto(QString& text, const QJsonValue& value) {
+    if (!value.isString()) {
+        return wanted(u"a text"_s);
+    }
+    text = value.toString();
+    return {};
+}
+
+Verdict decodeInto(double& number, const QJsonValue& value) {
+    if (!value.isDouble()) {
+        return wanted(u"a number"_s);
+    }
+    number = value.toDouble();
+    return {};
+}
+
+Verdict decodeInto(qint64& number, const QJsonValue& value) {
+    // toInteger answers with its default for whatever is no whole number of 64 bits.
+    number = value.toInteger(0);
+    if (!value.isDouble() || number != value.toInteger(1)) {
+        return wanted(u"a whole number"_s);
+    }
+    return {};
+}
+
+template <typename Value>
+Verdict decodeInto(std::optional<Value>& field, const QJsonValue& value);
+template <typename Element>
+Verdict decodeInto(std::vector<Element>& elements, const QJsonValue& value);
+
+template <HasFields Record>
+Verdict decodeInto(Record& record, const QJsonValue& value) {
+    if (!value.isObject()) {
+        return wanted(u"an object"_s);
+    }
+    const QJsonObject object = value.toObject();
+    Verdict verdict;
+    const auto decodeField = [&](const auto& field) {
+        verdict = decodeInto(record.*field.member, object.value(field.key));
+        if (verdict) {
+            const bool nested = !verdict->place.isEmpty() && !verdict->place.startsWith(u'[');
+            verdict->place = field.key + (nested ? u"."_s : QString()) + verdict->place;
+        }
+        return !verdict;
+    };
+    std::apply([&](const auto&... field) { static_cast<void>((decodeField(field) && ...)); }, fields<Record>);
+    return verdict;
+}
+
+template <typename Value>
+Verdict decodeInto(std::optional<Value>& field, const QJsonValue& value) {
+    if (value.isNull() || value.isUndefined()) {
+        field.reset();
+        return {};
+    }
+    return decodeInto(field.emplace(), value);
+}
+
+template <typename Element>
+Verdict decodeInto(std::vector<Element>& elements, const QJsonValue& value) {
+    if (!value.isArray()) {
+        return wanted(u"an array"_s);
+    }
+    const QJsonArray array = value.toArray();
+    elements.clear();
+    elements.reserve(static_cast<std::size_t>(array.size()));
+    for (qsizetype index = 0; index < array.size(); ++index) {
+        if (Verdict verdict = decodeInto(elements.emplace_back(), array.at(index))) {
+            const QString dot = verdict->place.isEmpty() ? QString() : u"."_s;
+            verdict->place = u'[' + QString::number(index) + u']' + dot + verdict->place;
+            return verdict;
+        }
+    }
+    return {};
+}
+
+template <typename Value>
+std::expected<Value, DataError> decodeAs(const QJsonValue& json) {
+    Value value;
+    if (const Verdict verdict = decodeInto(value, json)) {
+        const QString place = verdict->place.isEmpty() ? u"the file"_s : verdict->place;
+        return std::unexpected(DataError{u"WinrateFormats"_s, 0, place + u" is not "_s + verdict->wanted});
+    }
+    return value;
+}
+
+template <typename Value>
+std::expected<Value, DataError> decodeAs(const QByteArray& json) {
+    const auto parsed = parseJson(json);
+    return parsed ? decodeAs<Value>(*parsed) : std::unexpected(parsed.error());
+}
+
+QJsonValue encodeValue(const QString& text) {
+    return text;
+}
+
+QJsonValue encodeValue(double number) {
+    return number;
+}
+
+QJsonValue encodeValue(qint64 number) {
+    return number;
+}
+
+template <typename Value>
+QJsonValue encodeValue(const std::vector<Value>& elements);
+
+template <HasFields Record>
+QJsonValue encodeValue(const Record& record) {
+    QJsonObject object;
+    const auto insert = [&object]<typename Value>(QLatin1StringView key, const Value& value) {
+        if constexpr (requires { value.has_value(); }) {
+            if (value) {
+                object.insert(key, encodeValue(*value));
+            }
+        } else {
+            object.insert(key, encodeValue(value));
+        }
+    };
+    std::apply([&](const auto&... field) { (insert(field.key, record.*field.member), ...); }, fields<Record>);
+    return object;
+}
+
+template <typename Value>
+QJsonValue encodeValue(const std::vector<Value>& elements) {
+    QJsonArray array;
+    for (const Value& element : elements) {
+        array.append(encodeValue(element));
+    }
+    return array;
+}
+
+size_t hashOf(const QString& text, size_t seed) {
+    return ::qHash(text, seed);
+}
+
+size_t hashOf(double number, size_t seed) {
+    return ::qHash(number, seed);
+}
+
+size_t hashOf(qint64 number, size_t seed) {
+    return ::qHash(number, seed);
+}
+
+template <typename Value>
+size_t hashOf(const std::vector<Value>& elements, size_t seed);
+template <HasFields Record>
+size_t hashOf(const Record& record, size_t seed);
+
+template <typename Value>
+size_t hashOf(const std::optional<Value>& field, size_t seed) {
+    return field ? hashOf(*field, seed) : hashOf(qint64{-1}, seed);
+}
+
+template <typename Value>
+size_t hashOf(const std::vector<Value>& elements, size_t seed) {
+    for (const Value& element : elements) {
+        seed = hashOf(element, seed);
+    }
+    return hashOf(static_cast<qint64>(elements.size()), seed);
+}
+
+template <HasFields Record>
+size_t hashOf(const Record& record, size_t seed) {
+    std::apply([&](const auto&... field) { ((seed = hashOf(record.*field.member, seed)), ...); }, fields<Record>);
+    return seed;
+}
+
+// Absent for a class that is not one of the game's.
+std::optional<QString> knownEnglishName(const QString& playerClass) {
+    static constexpr std::array<std::pair<QLatin1StringView, QLatin1StringView>, 11> names{{
+        {"DEATHKNIGHT"_L1, "Death Knight"_L1},
+        {"DEMONHUNTER"_L1, "Demon Hunter"_L1},
+        {"DRUID"_L1, "Druid"_L1},
+        {"HUNTER"_L1, "Hunter"_L1},
+        {"MAGE"_L1, "Mage"_L1},
+        {"PALADIN"_L1, "Paladin"_L1},
+        {"PRIEST"_L1, "Priest"_L1},
+        {"ROGUE"_L1, "Rogue"_L1},
+        {"SHAMAN"_L1, "Shaman"_L1},
+        {"WARLOCK"_L1, "Warlock"_L1},
+        {"WARRIOR"_L1, "Warrior"_L1},
+    }};
+    const QString key = playerClass.toUpper();
+    const auto found = std::ranges::find(names, key, [](const auto& entry) { return QString(entry.first); });
+    return found == names.end() ? std::nullopt : std::optional(QString(found->second));
+}
+
+bool hasText(const std::optional<QString>& name) {
+    return name && !name->isEmpty();
+}
+
+} // namespace
+
+QString CardStats::displayName(AppLanguage language) const {
+    const bool chinese = language.isChinese();
+    const auto& first = chinese ? nameZh : nameEn;
+    const auto& second = chinese ? nameEn : nameZh;
+    return hasText(first) ? *first : hasText(second) ? *second : cardId;
+}
+
+QString CardStats::displayName() const {
+    return displayName(AppLanguage::preference());
+}
+
+QString ClassWinrateRow::displayName(AppLanguage language) const {
+    if (language.isChinese()) {
+        if (!nameZh.isEmpty()) {
+            return nameZh;
+        }
+        if (nameEn) {
+            return *nameEn;
+        }
+    } else if (hasText(nameEn)) {
+        return *nameEn;
+    }
+    return knownEnglishName(playerClass).value_or(playerClass);
+}
+
+QString ClassWinrateRow::displayName() const {
+    return displayName(AppLanguage::preference());
+}
+
+std::expected<WinrateFile, DataError> WinrateFile::decode(const QByteArray& json) {
+    return decodeAs<WinrateFile>(json);
+}
+
+std::expected<WinrateFile, DataError> WinrateFile::decode(const QJsonValue& value) {
+    return decodeAs<WinrateFile>(value);
+}
+
+QByteArray WinrateFile::encode() const {
+    return QJsonDocument(encodeValue(*this).toObject()).toJson(QJsonDocument::Compact);
+}
+
+std::expected<ClassWinrateFile, DataError> ClassWinrateFile::decode(const QByteArray& json) {
+    return decodeAs<ClassWinrateFile>(json);
+}
+
+QByteArray ClassWinrateFile::encode() const {
+    return QJsonDocument(encodeValue(*this).toObject()).toJson(QJsonDocument::Compact);
+}
+
+std::expected<std::vector<CardStats>, DataError> decodeCards(const QByteArray& json) {
+    return decodeAs<std::vector<CardStats>>(json);
+}
+
+std::expected<std::vector<CardStats>, DataError> decodeCards(const QJsonArray& rows) {
+    return decodeAs<std::vector<CardStats>>(QJsonValue(rows));
+}
+
+QByteArray encodeCards(const std::vector<CardStats>& cards) {
+    return QJsonDocument(encodeValue(cards).toArray()).toJson(QJsonDocument::Compact);
+}
+
+std::expected<QJsonValue, DataError> parseJson(const QByteArray& json) {
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(json, &error);
+    if (error.error == QJsonParseError::NoError) {
+        return document.isArray() ? QJsonValue(document.array()) : QJsonValue(document.object());
+    }
+    // The parser takes a bare number or text for a syntax error, but not inside an array.
+    if (error.error == QJsonParseError::IllegalValue) {
+        const QByteArray bare = json.startsWith("\xEF\xBB\xBF") ? json.sliced(3) : json;
+        const QJsonArray wrapped = QJsonDocument::fromJson('[' + bare + ']').array();
+        if (wrapped.size() == 1) {
+            return wrapped.first();
+        }
+    }
+    return std::unexpected(DataError{u"QJsonDocument"_s, error.error,
+                                     error.errorString() + u" at byte "_s + QString::number(error.offset)});
+}
+
+size_t qHash(const CardStats& card, size_t seed) {
+    return hashOf(card, seed);
+}
+
+size_t qHash(const WinrateFile& file, size_t seed) {
+    return hashOf(file, seed);
+}
+
+size_t qHash(const ClassWinrateRow& row, size_t seed) {
+    return hashOf(row, seed);
+}
+
+size_t qHash(const ClassWinrateFile& file, size_t seed) {
+    return hashOf(file, seed);
+}
+
+} // namespace pelloran

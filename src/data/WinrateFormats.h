@@ -1,0 +1,117 @@
+#pragma once
+
+#include "app/localisation/AppLanguage.h"
+
+#include <QByteArray>
+#include <QJsonArray>
+#include <QJsonValue>
+#include <QString>
+
+#include <expected>
+#include <optional>
+#include <vector>
+
+// The two data files, as plain values. Percentages run from 0 to 100 and are kept exactly as a file gives them.
+//
+// Decoding is strict on what it knows and deaf to what it does not: unknown keys are ignored, a missing or null
+// optional field is absent, a missing required field or one of another type fails the whole file. A field of whole
+// numbers takes 3, 3.0 and 1e2, but not 3.5, "3", true or anything beyond 64 bits with sign. Of two equal keys the last
+// counts.
+namespace pelloran {
+
+// Why data could not be had. `localizedDescription` is for the user's eyes.
+struct DataError {
+    QString domain; // "Pelloran" for our own findings, else the part of the system that failed
+    int code = 0;   // within the domain; 0 where it has none
+    QString localizedDescription;
+
+    bool operator==(const DataError&) const = default;
+};
+
+// One card's row.
+struct CardStats {
+    QString cardId;
+    std::optional<QString> nameZh;
+    std::optional<QString> nameEn;
+    std::optional<qint64> cost;
+    std::optional<QString> rarity;
+    std::optional<QString> type;
+    std::optional<QString> cardClass;
+    std::optional<QString> set;
+    std::optional<double> deckWinRate;
+    std::optional<double> drawnWinRate;
+    std::optional<double> playedWinRate;
+    std::optional<double> popularity; // as the source gives it; not a percentage
+    std::optional<double> avgCopiesInDeck;
+    std::optional<qint64> numGames;
+
+    // The name in that language, else in the other one, else the identifier; an empty name counts as missing.
+    QString displayName(AppLanguage language) const;
+    // In the language in force.
+    QString displayName() const;
+
+    bool operator==(const CardStats&) const = default;
+};
+
+// The card file: statistics of all cards.
+struct WinrateFile {
+    std::optional<QString> playerClass; // class the figures were taken for
+    std::optional<QString> timeRange;   // such as "LAST_7_DAYS"
+    std::optional<QString> fetchedAt;   // free text
+    std::optional<qint64> cardCount;    // for information; not compared with `cards`
+    std::vector<CardStats> cards;
+
+    static std::expected<WinrateFile, DataError> decode(const QByteArray& json);
+    static std::expected<WinrateFile, DataError> decode(const QJsonValue& value);
+    QByteArray encode() const;
+
+    bool operator==(const WinrateFile&) const = default;
+};
+
+// One class's row.
+struct ClassWinrateRow {
+    std::optional<qint64> deckClassId;
+    QString playerClass; // such as "MAGE", in any case
+    QString nameZh;
+    std::optional<QString> nameEn;
+    std::optional<double> winRate;
+    std::optional<double> pickRate;
+    std::optional<double> pct7Plus; // share of runs with seven or more wins
+    std::optional<qint64> numDrafts;
+    std::optional<qint64> rank; // 1 is best
+
+    // English: the English name unless empty. Chinese: the Chinese name unless empty, else the English one even if it
+    // is empty. Without one, the known English name of the class, else `playerClass`.
+    QString displayName(AppLanguage language) const;
+    // In the language in force.
+    QString displayName() const;
+
+    bool operator==(const ClassWinrateRow&) const = default;
+};
+
+// The class file: statistics of all classes.
+struct ClassWinrateFile {
+    std::optional<QString> fetchedAt;                   // free text
+    std::optional<std::vector<QString>> selectedParams; // for information
+    std::vector<ClassWinrateRow> classes;
+
+    static std::expected<ClassWinrateFile, DataError> decode(const QByteArray& json);
+    QByteArray encode() const;
+
+    bool operator==(const ClassWinrateFile&) const = default;
+};
+
+std::expected<std::vector<CardStats>, DataError> decodeCards(const QByteArray& json);
+std::expected<std::vector<CardStats>, DataError> decodeCards(const QJsonArray& rows);
+QByteArray encodeCards(const std::vector<CardStats>& cards);
+
+// Any one JSON value, a bare number or text included. A byte-order mark is skipped; invalid UTF-8 is an error.
+std::expected<QJsonValue, DataError> parseJson(const QByteArray& json);
+
+// Equal records hash equally.
+size_t qHash(const CardStats& card, size_t seed = 0);
+size_t qHash(const WinrateFile& file, size_t seed = 0);
+size_t qHash(const ClassWinrateRow& row, size_t seed = 0);
+size_t qHash(const ClassWinrateFile& file, size_t seed = 0);
+
+} // namespace pelloran

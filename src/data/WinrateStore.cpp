@@ -1,0 +1,270 @@
+#include "data/WinrateStore.h"
+
+#include "data/CardFile.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace pelloran {
+
+namespace {
+
+// Far above any real file (about 4 MB), far below what would hurt.
+constexpr qint64 largestFile = 64 * 1024 * 1024;
+
+// One of the two data files and where it may lie.
+struct Search {
+    QStringList relativePaths; // below a folder of data
+    QString baseName;          // among the resources
+    QString alternative;       // among the resources, for older layouts; "" for none
+};
+
+Search cardFileSearch() {
+    return {
+        {
+            u"winrates/all_classes_LAST_7_DAYS.json"_s,
+            u"all_classes_LAST_7_DAYS.json"_s,
+            u"mage_arena_LAST_7_DAYS.json"_s,
+            u"winrates/MAGE_LAST_7_DAYS.json"_s,
+            u"Resources/mage_arena_LAST_7_DAYS.json"_s,
+            u"Resources/winrates/MAGE_LAST_7_DAYS.json"_s,
+            u"Resources/winrates/all_classes_LAST_7_DAYS.json"_s,
+        },
+        u"all_classes_LAST_7_DAYS"_s,
+        u"mage_arena_LAST_7_DAYS"_s,
+    };
+}
+
+Search classFileSearch() {
+    return {
+        {
+            u"winrates/class_winrates.json"_s,
+            u"class_winrates.json"_s,
+            u"Resources/winrates/class_winrates.json"_s,
+        },
+        u"class_winrates"_s,
+        {},
+    };
+}
+
+std::optional<QString> firstIn(const QString& folder, const QStringList& relativePaths) {
+    for (const QString& relative : relativePaths) {
+        const QString path = folder + u'/' + relative;
+        if (QFileInfo(path).isFile()) {
+            return path;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<QString> resolveFirstExisting(const Search& search, const ApplicationFiles& files) {
+    if (auto found = firstIn(files.applicationSupportFolder() + u"/Pelloran/config"_s, search.relativePaths)) {
+        return found;
+    }
+
+    const QString json = u"json"_s;
+    const QString winrates = u"winrates"_s;
+    QList<std::pair<QString, QString>> resources{{search.baseName, winrates}, {search.baseName, {}}};
+    if (!search.alternative.isEmpty()) {
+        resources += {{search.alternative, {}}, {u"mage_arena_LAST_7_DAYS"_s, {}}, {u"MAGE_LAST_7_DAYS"_s, winrates}};
+    }
+    for (const auto& [name, subfolder] : std::as_const(resources)) {
+        if (auto found = files.resource(name, json, subfolder)) {
+            return found;
+        }
+    }
+
+    const QString program = files.executableFolder();
+    const QString home = files.homeFolder();
+    for (const QString& folder :
+         {program, QFileInfo(program).path(), home + u"/workbench/pelloran_macos"_s,
+          home + u"/workbench/pelloran_macos/Resources"_s, home + u"/workbench/hsreplay_dump/arena_LAST_7_DAYS"_s}) {
+        if (auto found = firstIn(folder, search.relativePaths)) {
+            return found;
+        }
+    }
+    return std::nullopt;
+}
+
+std::expected<QByteArray, DataError> readFile(const QString& path) {
+    QFile file(path);
+    const auto failed = [&](const QString& why) {
+        return std::unexpected(DataError{u"QFile"_s, file.error(), path + u": "_s + why});
+    };
+    if (!file.open(QFile::ReadOnly)) {
+        return failed(file.errorString());
+    }
+    const QByteArray bytes = file.read(largestFile + 1);
+    if (file.error() != QFile::NoError) {
+        return failed(file.errorString());
+    }
+    if (bytes.size() > largestFile) {
+        return failed(u"larger than 64 MiB"_s);
+    }
+    return bytes;
+}
+
+std::shared_ptr<const KnownNames> knownNames(QSet<QString> normalized) {
+    return std::make_shared<const KnownNames>(KnownNames{&NameMatching::normalize, std::move(normalized)});
+}
+
+} // namespace
+
+WinrateStore::WinrateStore(const ApplicationFiles& applicationFiles)
+    : files(applicationFiles)
+    , cardNamesKnown(knownNames({}))
+    , classNamesKnown(knownNames({})) {}
+
+WinrateStore::~WinrateStore() = default;
+
+WinrateStore::Loaded WinrateStore::loadFromBundle() {
+    const auto cardFile = resolveFirstExisting(cardFileSearch(), files);
+    if (!cardFile) {
+        return std::unexpected(DataError{u"Pelloran"_s, 1, u"winrate JSON not found in cache, bundle or Resources"_s});
+    }
+    if (auto loaded = loadCards(*cardFile); !loaded) {
+        return loaded;
+    }
+    cardsSource = *cardFile;
+    // Heroes without figures are a smaller loss than no draft help at all.
+    if (const auto classFile = resolveFirstExisting(classFileSearch(), files)) {
+        static_cast<void>(loadClasses(*classFile));
+    }
+    return {};
+}
+
+WinrateStore::Loaded WinrateStore::loadCards(const QString& path) {
+    const auto bytes = readFile(path);
+    if (!bytes) {
+        return std::unexpected(bytes.error());
+    }
+    const auto file = CardFile::decode(*bytes, QFileInfo(path).fileName());
+    if (!file) {
+        return std::unexpected(file.error());
+    }
+    applyCards(*file);
+    return {};
+}
+
+WinrateStore::Loaded WinrateStore::loadClasses(const QString& path) {
+    const auto bytes = readFile(path);
+    if (!bytes) {
+        return std::unexpected(bytes.error());
+    }
+    const auto file = ClassWinrateFile::decode(*bytes);
+    if (!file) {
+        return std::unexpected(file.error());
+    }
+    applyClasses(*file);
+    return {};
+}
+
+void WinrateStore::applyCards(const CardFile& file) {
+    cards.clear();
+    cards.reserve(file.rows.size());
+    cardNames.clear();
+    cardNames.reserve(2 * file.rows.size());
+    std::vector<QString> norms;
+    norms.reserve(2 * file.rows.size());
+    QSet<QString> known;
+    known.reserve(static_cast<qsizetype>(2 * file.rows.size()));
+    for (const CardStats& row : file.rows) {
+        cards.try_emplace(row.cardId, row);
+        for (const auto& name : {row.nameZh, row.nameEn}) {
+            if (name && !name->isEmpty()) {
+                const QString norm = normalize(*name);
+                cardNames.push_back({norm, row.cardId, *name});
+                norms.push_back(norm);
+                if (!norm.isEmpty()) {
+                    known.insert(norm);
+                }
+            }
+        }
+    }
+    cardIndex = CardNameIndex(norms);
+    cardNamesKnown = knownNames(std::move(known));
+    cardMeta = file.description + u" / "_s + QString::number(cards.size()) + u" cards"_s;
+    sample = file.isSample;
+}
+
+void WinrateStore::applyClasses(const ClassWinrateFile& file) {
+    classes.clear();
+    namesOfClasses.clear();
+    for (const ClassWinrateRow& row : file.classes) {
+        const QString key = row.playerClass.toUpper();
+        classes.insert_or_assign(key, row);
+        const bool named = row.nameEn && !row.nameEn->isEmpty();
+        for (const QString& name :
+             {row.nameZh, row.playerClass, named ? *row.nameEn : row.displayName(AppLanguage::en)}) {
+            namesOfClasses.push_back({normalize(name), key, row.displayName()});
+        }
+    }
+    for (const auto& [alias, key] : {
+             std::pair(u"萨满"_s, u"SHAMAN"_s),
+             std::pair(u"萨满祭司"_s, u"SHAMAN"_s),
+             std::pair(u"瞎"_s, u"DEMONHUNTER"_s),
+             std::pair(u"DH"_s, u"DEMONHUNTER"_s),
+             std::pair(u"DK"_s, u"DEATHKNIGHT"_s),
+             std::pair(u"死骑"_s, u"DEATHKNIGHT"_s),
+             std::pair(u"德"_s, u"DRUID"_s),
+             std::pair(u"猎"_s, u"HUNTER"_s),
+             std::pair(u"法"_s, u"MAGE"_s),
+             std::pair(u"骑"_s, u"PALADIN"_s),
+             std::pair(u"牧"_s, u"PRIEST"_s),
+             std::pair(u"贼"_s, u"ROGUE"_s),
+             std::pair(u"术"_s, u"WARLOCK"_s),
+             std::pair(u"战"_s, u"WARRIOR"_s),
+         }) {
+        if (const auto found = classes.find(key); found != classes.end()) {
+            namesOfClasses.push_back({normalize(alias), key, found->second.displayName()});
+        }
+    }
+    classIndex = ClassNameIndex(classes);
+    classNamesKnown = knownNames(classIndex.exactLines());
+    metaOfClasses = u"classes "_s + QString::number(classes.size()) + u" / "_s + file.fetchedAt.value_or(u"?"_s);
+}
+
+std::optional<CardStats> WinrateStore::stats(const QString& cardId) const {
+    const auto found = cards.find(cardId);
+    return found == cards.end() ? std::nullopt : std::optional(found->second);
+}
+
+std::optional<ClassWinrateRow> WinrateStore::classStats(const QString& key) const {
+    const auto found = classes.find(key.toUpper());
+    return found == classes.end() ? std::nullopt : std::optional(found->second);
+}
+
+QString WinrateStore::normalize(const QString& text) {
+    return NameMatching::normalize(text);
+}
+
+bool WinrateStore::isPlausibleName(const QString& text) {
+    return NameMatching::isPlausibleName(text);
+}
+
+std::size_t WinrateStore::lcsLength(const QString& a, const QString& b) {
+    return NameMatching::lcsLength(a, b);
+}
+
+double WinrateStore::scoreName(const QString& query, const QString& targetNorm) {
+    return NameMatching::scoreName(query, targetNorm);
+}
+
+std::optional<CardMatch> WinrateStore::matchName(const QStringList& lines) const {
+    const auto hit = cardIndex.bestMatch(lines);
+    if (!hit) {
+        return std::nullopt;
+    }
+    return CardMatch{cardNames[hit->entry].cardId, hit->score, lines[hit->line]};
+}
+
+std::optional<ClassMatch> WinrateStore::matchClass(const QStringList& lines) const {
+    return classIndex.bestMatch(lines);
+}
+
+} // namespace pelloran

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+
+#include <functional>
+#include <optional>
+
+namespace pelloran {
+
+// Value of an environment variable; absent when it is not set.
+using EnvironmentLookup = std::function<std::optional<QString>(const QString& name)>;
+
+// The game's log folder: `standard` where that folder exists; else the most recently changed one among the usual Wine
+// prefixes ($WINEPREFIX, plain Wine, Lutris, Bottles, Steam, PlayOnLinux) below the folder `home`; of equally recent
+// ones the first in that order and then by name. Absent when there is none.
+std::optional<QString> gameLogsDir(const QString& standard, const QString& home, const EnvironmentLookup& environment);
+
+} // namespace pelloran

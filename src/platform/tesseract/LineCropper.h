@@ -1,0 +1,58 @@
+#pragma once
+
+#include "Plane.h"
+
+#include <QRect>
+#include <QRectF>
+
+#include <optional>
+
+namespace pelloran {
+
+// Vertical displacement of a line's letters along the line, in pixels, downwards: a cubic of the distance from the
+// middle of the line.
+struct Arch {
+    double at(double x) const {
+        const double t = (x - middle) / half;
+        return t * (slope + t * (bend + t * wave));
+    }
+
+    double middle = 0;
+    double half = 1; // half the line's width
+    double slope = 0;
+    double bend = 0;
+    double wave = 0;
+};
+
+// How to tell letters from what is behind them; readings that fail are worth a second try with other values.
+struct Cleaning {
+    double inkLevel = 0.62; // of the line's own brightness: darker pixels are outline or background
+    bool straighten = true;
+};
+
+// The letters of one line, alone.
+struct CleanLine {
+    Plane ink;      // 0 (none) to 255; where it is depends on the plane it was cut from
+    Arch arch;      // by which the letters stand below the line's middle
+    QRectF letters; // box of the straightened letters within `ink`
+    QRect area;     // box of the letters as they stand, within `ink`
+    int rows = 0;   // lines of text one above the other; 1 for a name
+    double runsPerColumn =
+        0; // strokes met on the way down a column with ink: below 2.3 in Latin text, above in Chinese
+};
+
+// The letters in `plane`, of which `box` encloses the strokes that were detected. The plane must reach beyond the box
+// on all sides, so that what runs out of it can be told from letters. Absent when nothing is left. `unit` is the size
+// of one pixel of a window 1080 pixels high, in pixels of the plane.
+std::optional<CleanLine> cleanLine(const Plane& plane, const QRect& box, double unit, const Cleaning& cleaning);
+
+// What a network wants to see.
+struct PictureShape {
+    int height;    // of the whole picture, in pixels
+    double margin; // around the letters, as a part of their height
+};
+
+// The straightened letters in black on white.
+Plane picture(const CleanLine& line, const PictureShape& shape);
+
+} // namespace pelloran

@@ -1,0 +1,189 @@
+#include "LineReader.h"
+
+#include <QStringList>
+
+#include <dlfcn.h>
+#include <tesseract/baseapi.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+namespace pelloran {
+
+namespace {
+
+constexpr std::array scripts{Script::latin, Script::chinese};
+
+const char* languageOf(Script script) {
+    return script == Script::latin ? "eng" : "chi_sim";
+}
+
+QString packageOf(Script script) {
+    return script == Script::latin ? QStringLiteral("tesseract-ocr-eng") : QStringLiteral("tesseract-ocr-chi-sim");
+}
+
+// Tesseract spreads each line over all processors with OpenMP, which costs several times the work and gains nothing on
+// lines this small. The setting belongs to a thread, and the environment variable for it is read before main(). Found
+// at run time: which OpenMP is loaded is Tesseract's choice.
+void keepTesseractOnThisThread() {
+    using SetLevels = void (*)(int);
+    if (const auto setLevels = reinterpret_cast<SetLevels>(dlsym(RTLD_DEFAULT, "omp_set_max_active_levels"))) {
+        setLevels(0);
+    }
+}
+
+// One network, on one thread.
+class Network {
+public:
+    bool load(Script script, const QString& dataFolder) {
+        const QByteArray folder = dataFolder.toLocal8Bit();
+        // Names of cards are not words: the dictionaries would only pull them towards some.
+        std::vector<std::string> names{"load_system_dawg", "load_freq_dawg", "debug_file"};
+        std::vector<std::string> values{"0", "0", "/dev/null"};
+        if (api.Init(dataFolder.isEmpty() ? nullptr : folder.constData(), languageOf(script), tesseract::OEM_LSTM_ONLY,
+                     nullptr, 0, &names, &values, false) != 0) {
+            return false;
+        }
+        api.SetPageSegMode(tesseract::PSM_RAW_LINE);
+        api.SetVariable("tessedit_do_invert", "0"); // pictures are always black on white
+        return true;
+    }
+
+    LineReading read(const Plane& picture) {
+        api.SetImage(picture.pixels.data(), picture.width, picture.height, 1, picture.width);
+        api.SetSourceResolution(150); // so that it does not guess, and say so
+        LineReading reading;
+        if (api.Recognize(nullptr) == 0) {
+            const std::unique_ptr<char[]> text(api.GetUTF8Text());
+            reading.text = QString::fromUtf8(text.get()).trimmed();
+            reading.confidence = float(std::clamp(api.MeanTextConf(), 0, 100)) / 100;
+        }
+        api.Clear();
+        return reading;
+    }
+
+private:
+    tesseract::TessBaseAPI api;
+};
+
+} // namespace
+
+PictureShape pictureShape(Script script) {
+    return script == Script::latin ? PictureShape{36, 0.16} : PictureShape{48, 0.32};
+}
+
+class LineReader::Pool {
+public:
+    static constexpr std::size_t size = 2; // more would take memory and gain nothing on three lines
+
+    explicit Pool(const QString& dataFolder) {
+        for (std::size_t i = 0; i < size; ++i) {
+            threads[i] = std::jthread([this, dataFolder] { run(dataFolder); });
+        }
+        std::unique_lock lock(mutex);
+        changed.wait(lock, [this] { return ready == size; });
+    }
+
+    ~Pool() {
+        {
+            const std::scoped_lock lock(mutex);
+            ending = true;
+        }
+        changed.notify_all();
+    }
+
+    // Scripts whose network could not be loaded.
+    std::vector<Script> missing() const {
+        std::vector<Script> result;
+        for (const Script script : scripts) {
+            if (failed[std::size_t(script)]) {
+                result.push_back(script);
+            }
+        }
+        return result;
+    }
+
+    std::vector<LineReading> read(const std::vector<Work>& work) {
+        std::vector<LineReading> results(work.size());
+        std::unique_lock lock(mutex);
+        pending = &work;
+        readings = &results;
+        next = 0;
+        unfinished = work.size();
+        changed.notify_all();
+        changed.wait(lock, [this] { return unfinished == 0; });
+        pending = nullptr;
+        readings = nullptr;
+        return results;
+    }
+
+private:
+    void run(const QString& dataFolder) {
+        keepTesseractOnThisThread();
+        std::array<Network, scripts.size()> networks;
+        for (const Script script : scripts) {
+            if (!networks[std::size_t(script)].load(script, dataFolder)) {
+                failed[std::size_t(script)] = true;
+            }
+        }
+        std::unique_lock lock(mutex);
+        ++ready;
+        changed.notify_all();
+        while (true) {
+            changed.wait(lock, [this] { return ending || (pending && next < pending->size()); });
+            if (ending) {
+                return;
+            }
+            const std::size_t index = next++;
+            const Work& work = (*pending)[index];
+            lock.unlock();
+            LineReading reading = networks[std::size_t(work.script)].read(work.picture);
+            lock.lock();
+            (*readings)[index] = std::move(reading);
+            if (--unfinished == 0) {
+                changed.notify_all();
+            }
+        }
+    }
+
+    std::mutex mutex;
+    std::condition_variable changed;
+    const std::vector<Work>* pending = nullptr;
+    std::vector<LineReading>* readings = nullptr;
+    std::size_t next = 0;
+    std::size_t unfinished = 0;
+    std::size_t ready = 0;
+    bool ending = false;
+    std::array<std::atomic<bool>, scripts.size()> failed{};
+    std::array<std::jthread, size> threads; // last: they use everything above
+};
+
+LineReader::LineReader(std::unique_ptr<Pool> workers)
+    : pool(std::move(workers)) {}
+
+LineReader::~LineReader() = default;
+
+std::expected<std::unique_ptr<LineReader>, QString> LineReader::create(const QString& dataFolder) {
+    auto pool = std::make_unique<Pool>(dataFolder);
+    QStringList packages;
+    for (const Script script : pool->missing()) {
+        packages.append(packageOf(script));
+    }
+    if (!packages.isEmpty()) {
+        return std::unexpected(
+            QStringLiteral("Tesseract has no data for reading the game's letters; please install %1.")
+                .arg(packages.join(QStringLiteral(" and "))));
+    }
+    return std::unique_ptr<LineReader>(new LineReader(std::move(pool)));
+}
+
+std::vector<LineReading> LineReader::read(const std::vector<Work>& work) {
+    return work.empty() ? std::vector<LineReading>() : pool->read(work);
+}
+
+} // namespace pelloran

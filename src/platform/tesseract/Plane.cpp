@@ -1,0 +1,148 @@
+#include "Plane.h"
+
+#include <algorithm>
+
+namespace pelloran {
+
+namespace {
+
+// The three extremes of a running window: loops over whole rows without branches, which compilers turn into vector
+// code.
+struct Darkest {
+    static constexpr std::uint8_t outside = 255;
+
+    static std::uint8_t of(std::uint8_t a, std::uint8_t b) { return std::min(a, b); }
+};
+
+struct Lightest {
+    static constexpr std::uint8_t outside = 0;
+
+    static std::uint8_t of(std::uint8_t a, std::uint8_t b) { return std::max(a, b); }
+};
+
+template <typename Extreme>
+void combine(const std::uint8_t* first, const std::uint8_t* second, std::uint8_t* result, int count) {
+    for (int i = 0; i < count; ++i) {
+        result[i] = Extreme::of(first[i], second[i]);
+    }
+}
+
+// Extreme of `window` neighbours starting at each of the `count` places, each place a run of `run` bytes: doubles the
+// window while it fits, then lets two windows overlap. `values` holds (count + window - 1) * run bytes, spoiled after.
+template <typename Extreme>
+void slide(std::vector<std::uint8_t>& values, std::vector<std::uint8_t>& spare, int count, int window, int run) {
+    int covered = 1;
+    while (covered < window) {
+        const int step = std::min(covered, window - covered);
+        const int places = count + window - covered - step;
+        combine<Extreme>(values.data(), values.data() + std::size_t(step) * std::size_t(run), spare.data(),
+                         places * run);
+        values.swap(spare);
+        covered += step;
+    }
+}
+
+template <typename Extreme>
+Plane extremeAround(const Plane& plane, int radius) {
+    if (radius <= 0 || plane.pixels.empty()) {
+        return plane;
+    }
+    const int window = 2 * radius + 1;
+    Plane result(plane.width, plane.height);
+
+    std::vector<std::uint8_t> line(std::size_t(plane.width + window - 1));
+    std::vector<std::uint8_t> spareLine(line.size());
+    for (int y = 0; y < plane.height; ++y) {
+        std::ranges::fill(line, Extreme::outside);
+        std::copy_n(plane.row(y), plane.width, line.begin() + radius);
+        slide<Extreme>(line, spareLine, plane.width, window, 1);
+        std::copy_n(line.begin(), plane.width, result.row(y));
+    }
+
+    // Down the columns the same with whole rows for pixels, in strips that stay in the processor's cache.
+    constexpr int stripWidth = 64;
+    std::vector<std::uint8_t> strip;
+    std::vector<std::uint8_t> spareStrip;
+    for (int left = 0; left < plane.width; left += stripWidth) {
+        const int run = std::min(stripWidth, plane.width - left);
+        strip.assign(std::size_t(plane.height + window - 1) * std::size_t(run), Extreme::outside);
+        spareStrip.resize(strip.size());
+        for (int y = 0; y < plane.height; ++y) {
+            std::copy_n(result.row(y) + left, run, strip.begin() + std::ptrdiff_t(y + radius) * run);
+        }
+        slide<Extreme>(strip, spareStrip, plane.height, window, run);
+        for (int y = 0; y < plane.height; ++y) {
+            std::copy_n(strip.begin() + std::ptrdiff_t(y) * run, run, result.row(y) + left);
+        }
+    }
+    return result;
+}
+
+bool isPlainRgb(QImage::Format format) {
+    return format == QImage::Format_RGB32 || format == QImage::Format_ARGB32 ||
+           format == QImage::Format_ARGB32_Premultiplied;
+}
+
+} // namespace
+
+Plane lightness(const QImage& image, const QRect& area, ReadingHints::Lettering lettering) {
+    const QRect part = area.intersected(image.rect());
+    if (part.isEmpty()) {
+        return {};
+    }
+    const bool asItIs = isPlainRgb(image.format());
+    const QImage source = asItIs ? image : image.copy(part).convertToFormat(QImage::Format_RGB32);
+    const QPoint origin = asItIs ? part.topLeft() : QPoint(0, 0);
+    if (source.isNull()) {
+        return {};
+    }
+
+    Plane plane(part.width(), part.height());
+    for (int y = 0; y < plane.height; ++y) {
+        const auto* pixels = reinterpret_cast<const QRgb*>(source.constScanLine(origin.y() + y)) + origin.x();
+        std::uint8_t* row = plane.row(y);
+        if (lettering == ReadingHints::Lettering::white) {
+            for (int x = 0; x < plane.width; ++x) {
+                const QRgb pixel = pixels[x];
+                row[x] = std::uint8_t(std::min({pixel & 255U, (pixel >> 8) & 255U, (pixel >> 16) & 255U}));
+            }
+        } else {
+            for (int x = 0; x < plane.width; ++x) {
+                const QRgb pixel = pixels[x];
+                const unsigned blue = pixel & 255U;
+                const unsigned green = (pixel >> 8) & 255U;
+                const unsigned red = (pixel >> 16) & 255U;
+                const unsigned luma = (77 * red + 150 * green + 29 * blue) >> 8;
+                row[x] = std::uint8_t((std::min({red, green, blue}) + luma) / 2);
+            }
+        }
+    }
+    return plane;
+}
+
+Plane shrunk(const Plane& plane, int times) {
+    Plane result = plane;
+    for (int i = 0; i < times; ++i) {
+        Plane half(result.width / 2, result.height / 2);
+        for (int y = 0; y < half.height; ++y) {
+            const std::uint8_t* upper = result.row(2 * y);
+            const std::uint8_t* lower = result.row(2 * y + 1);
+            std::uint8_t* row = half.row(y);
+            for (int x = 0; x < half.width; ++x) {
+                row[x] = std::uint8_t((upper[2 * x] + upper[2 * x + 1] + lower[2 * x] + lower[2 * x + 1] + 2) / 4);
+            }
+        }
+        result = std::move(half);
+    }
+    return result;
+}
+
+Plane darkestAround(const Plane& plane, int radius) {
+    return extremeAround<Darkest>(plane, radius);
+}
+
+Plane lightestAround(const Plane& plane, int radius) {
+    return extremeAround<Lightest>(plane, radius);
+}
+
+} // namespace pelloran

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "platform/TextReader.h"
+
+#include <QImage>
+#include <QRect>
+
+#include <cstdint>
+#include <vector>
+
+namespace pelloran {
+
+// One byte a pixel, rows without gaps.
+struct Plane {
+    Plane() = default;
+
+    Plane(int columns, int rows, std::uint8_t value = 0)
+        : width(columns)
+        , height(rows)
+        , pixels(std::size_t(columns) * std::size_t(rows), value) {}
+
+    std::uint8_t* row(int y) { return pixels.data() + std::size_t(y) * std::size_t(width); }
+
+    const std::uint8_t* row(int y) const { return pixels.data() + std::size_t(y) * std::size_t(width); }
+
+    std::uint8_t at(int x, int y) const { return row(y)[x]; }
+
+    bool operator==(const Plane&) const = default;
+
+    int width = 0;
+    int height = 0;
+    std::vector<std::uint8_t> pixels;
+};
+
+// Lightness of the part `area` of `image` (clipped to it), in which white letters stand out and saturated colours do
+// not: the darkest of the three colour channels, for golden letters averaged with luma. Any format.
+Plane lightness(const QImage& image, const QRect& area, ReadingHints::Lettering lettering);
+
+// Halves the plane `times` times, each pixel the mean of four.
+Plane shrunk(const Plane& plane, int times);
+
+// The darkest, or the lightest, pixel of the square of 2 * radius + 1 pixels around each one.
+Plane darkestAround(const Plane& plane, int radius);
+Plane lightestAround(const Plane& plane, int radius);
+
+} // namespace pelloran

@@ -1,0 +1,246 @@
+#include "recognition/CardRecognizer.h"
+
+#include "data/NameMatching.h"
+#include "data/WinrateStore.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+#include <optional>
+#include <utility>
+
+namespace pelloran {
+
+namespace {
+
+// A weaker match is more often a wrong one than a badly read one.
+constexpr double minimumScore = 0.86;
+
+// Normalised names outside these lengths are cost digits, keywords or rules text.
+constexpr std::size_t minimumNameLength = 2;
+constexpr std::size_t maximumNameLength = 14;
+
+// Small names gain from being enlarged before they are read.
+constexpr double enlargement = 1.5;
+
+// Scores this close are equally good.
+constexpr double heroTieMargin = 0.02;
+
+constexpr double oneThird = 1.0 / 3.0;
+constexpr double twoThirds = 2.0 / 3.0;
+
+struct Band {
+    double left, right, top, bottom;
+
+    // Bounds included.
+    bool holds(const OCRToken& token) const {
+        return token.midY >= top && token.midY <= bottom && token.midX >= left && token.midX <= right;
+    }
+
+    QRectF rectangle() const { return {QPointF(left, top), QPointF(right, bottom)}; }
+};
+
+// To the right of the cards lies the deck list, below the heroes the buttons.
+constexpr Band cards{.left = 0.08, .right = 0.72, .top = 0.28, .bottom = 0.78};
+constexpr Band heroes{.left = 0.08, .right = 0.92, .top = 0.3, .bottom = 0.85};
+
+// Absent where a whole number of pixels cannot express the product.
+std::optional<int> enlarged(int length) {
+    const double product = length * enlargement;
+    if (!std::isfinite(product) || product > std::numeric_limits<int>::max()) {
+        return std::nullopt;
+    }
+    return static_cast<int>(product);
+}
+
+QImage enlargedCopy(const QImage& image) {
+    const auto width = enlarged(image.width());
+    const auto height = enlarged(image.height());
+    if (!width || !height) {
+        return {};
+    }
+    return image.scaled(*width, *height, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+}
+
+template <typename Match>
+RecognitionCandidate candidate(const QString& id, const Match& match, const OCRToken& token) {
+    return {id, match.score, match.text, token.midX, token.midY};
+}
+
+// Keeps the first candidate of each id until a later one of the same id `replaces` it.
+std::vector<RecognitionCandidate> merge(const std::vector<RecognitionCandidate>& candidates, auto replaces) {
+    std::vector<RecognitionCandidate> merged;
+    for (const RecognitionCandidate& later : candidates) {
+        const auto kept = std::ranges::find(merged, later.id, &RecognitionCandidate::id);
+        if (kept == merged.end()) {
+            merged.push_back(later);
+        } else if (replaces(later, *kept)) {
+            *kept = later;
+        }
+    }
+    return merged;
+}
+
+DraftSlot slotOfSingle(double midX) {
+    return midX < oneThird ? DraftSlot::left : midX < twoThirds ? DraftSlot::middle : DraftSlot::right;
+}
+
+std::pair<DraftSlot, DraftSlot> slotsOfPair(double firstX, double secondX) {
+    const DraftSlot first = firstX < 0.45 ? DraftSlot::left : DraftSlot::middle;
+    const DraftSlot second = secondX > 0.55 ? DraftSlot::right : DraftSlot::middle;
+    if (first == second) {
+        return {DraftSlot::left, DraftSlot::right};
+    }
+    return {first, second};
+}
+
+} // namespace
+
+CardRecognizer::CardRecognizer(const WinrateStore& winrates)
+    : store(winrates) {}
+
+QRectF CardRecognizer::cardBand() {
+    return cards.rectangle();
+}
+
+QRectF CardRecognizer::heroBand() {
+    return heroes.rectangle();
+}
+
+ReadingHints CardRecognizer::cardHints() const {
+    return {cardBand(), ReadingHints::Lettering::white, store.knownCardNames()};
+}
+
+ReadingHints CardRecognizer::heroHints() const {
+    return {heroBand(), ReadingHints::Lettering::whiteOrGolden, store.knownClassNames()};
+}
+
+std::vector<OCRToken> CardRecognizer::ocrTokens(const QImage& image, TextReader& reader, const ReadingHints& hints) {
+    if (image.isNull()) {
+        return {};
+    }
+    std::vector<OCRToken> tokens = runVisionTokens(image, reader, hints);
+    // A reader that finds lines first and scales each to the size it reads best has done what the second look is for.
+    if (reader.scalesLinesItself()) {
+        return tokens;
+    }
+    if (const QImage copy = enlargedCopy(image); !copy.isNull()) {
+        const std::vector<OCRToken> more = runVisionTokens(copy, reader, hints);
+        tokens.insert(tokens.end(), more.begin(), more.end());
+    }
+    return tokens;
+}
+
+std::vector<OCRToken> CardRecognizer::runVisionTokens(const QImage& bitmap, TextReader& reader,
+                                                      const ReadingHints& hints) {
+    std::vector<OCRToken> tokens;
+    for (OCRToken& token : reader.read(bitmap, hints)) {
+        token.text = token.text.trimmed();
+        if (!token.text.isEmpty()) {
+            tokens.push_back(std::move(token));
+        }
+    }
+    return tokens;
+}
+
+std::vector<SlotMatch> CardRecognizer::recognizeCards(const std::vector<OCRToken>& tokens) const {
+    std::vector<RecognitionCandidate> candidates;
+    for (const OCRToken& token : tokens) {
+        if (!cards.holds(token)) {
+            continue;
+        }
+        const std::size_t length = characterCount(WinrateStore::normalize(token.text));
+        if (length < minimumNameLength || length > maximumNameLength) {
+            continue;
+        }
+        const auto match = store.matchName({token.text});
+        if (match && match->score >= minimumScore) {
+            candidates.push_back(candidate(match->cardId, *match, token));
+        }
+    }
+    candidates = mergeCards(candidates);
+    std::ranges::stable_sort(candidates, {}, &RecognitionCandidate::midX);
+    return assignToSlots(pickThreeHorizontally(candidates), QStringLiteral("card-layout"));
+}
+
+std::vector<SlotMatch> CardRecognizer::recognizeHeroes(const std::vector<OCRToken>& tokens) const {
+    std::vector<RecognitionCandidate> candidates;
+    for (const OCRToken& token : tokens) {
+        if (!heroes.holds(token)) {
+            continue;
+        }
+        const auto match = store.matchClass({token.text});
+        if (match && match->score >= minimumScore) {
+            candidates.push_back(candidate(match->key, *match, token));
+        }
+    }
+    return assignToSlots(mergeHeroes(candidates), QStringLiteral("class-layout"));
+}
+
+std::vector<SlotMatch> CardRecognizer::recognizeCards(const QImage& image, TextReader& reader) const {
+    return recognizeCards(ocrTokens(image, reader, cardHints()));
+}
+
+std::vector<SlotMatch> CardRecognizer::recognizeHeroes(const QImage& image, TextReader& reader) const {
+    return recognizeHeroes(ocrTokens(image, reader, heroHints()));
+}
+
+std::vector<RecognitionCandidate> mergeCards(const std::vector<RecognitionCandidate>& candidates) {
+    return merge(candidates, [](const auto& later, const auto& kept) { return later.score > kept.score; });
+}
+
+std::vector<RecognitionCandidate> mergeHeroes(const std::vector<RecognitionCandidate>& candidates) {
+    return merge(candidates, [](const auto& later, const auto& kept) {
+        const double gain = later.score - kept.score;
+        return gain > heroTieMargin || (std::abs(gain) <= heroTieMargin && later.midY > kept.midY);
+    });
+}
+
+std::vector<RecognitionCandidate> pickThreeHorizontally(const std::vector<RecognitionCandidate>& candidates) {
+    if (candidates.size() < 4) {
+        return candidates;
+    }
+    const double first = candidates.front().midX;
+    const double span = std::max(candidates.back().midX - first, 0.001);
+    std::array<const RecognitionCandidate*, 3> best{};
+    for (const RecognitionCandidate& candidate : candidates) {
+        const double position = (candidate.midX - first) / span;
+        const std::size_t column = position < 0.33 ? 0 : position < 0.66 ? 1 : 2;
+        if (!best[column] || candidate.score > best[column]->score) {
+            best[column] = &candidate;
+        }
+    }
+    if (std::ranges::find(best, nullptr) != best.end()) {
+        return {candidates.begin(), candidates.begin() + 3};
+    }
+    return {*best[0], *best[1], *best[2]};
+}
+
+std::vector<SlotMatch> assignToSlots(std::vector<RecognitionCandidate> candidates, const QString& methodPrefix) {
+    std::ranges::stable_sort(candidates, {}, &RecognitionCandidate::midX);
+
+    const QString withoutMatch =
+        methodPrefix + (candidates.empty() ? QStringLiteral("-empty") : QStringLiteral("-miss"));
+    std::vector<SlotMatch> matches;
+    for (const DraftSlot slot : DraftSlot::allCases()) {
+        matches.push_back({slot, std::nullopt, 0, withoutMatch, QString()});
+    }
+    const auto assign = [&](DraftSlot slot, const RecognitionCandidate& candidate) {
+        matches[slot] = {slot, candidate.id, candidate.score, methodPrefix, candidate.text};
+    };
+    if (candidates.size() == 1) {
+        assign(slotOfSingle(candidates[0].midX), candidates[0]);
+    } else if (candidates.size() == 2) {
+        const auto [first, second] = slotsOfPair(candidates[0].midX, candidates[1].midX);
+        assign(first, candidates[0]);
+        assign(second, candidates[1]);
+    } else if (candidates.size() >= 3) {
+        for (const DraftSlot slot : DraftSlot::allCases()) {
+            assign(slot, candidates[slot]);
+        }
+    }
+    return matches;
+}
+
+} // namespace pelloran

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "platform/TextReader.h"
+#include "platform/WindowServer.h"
+#include "recognition/WindowCapture.h"
+
+#include <QString>
+
+#include <expected>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace pelloran {
+
+// Looks at the game's window for those who must not wait for it: finds the window, captures it, reads its text.
+// Everything slow and nothing of the draft's state. All calls come from one thread, the recognition thread, where also
+// the window server's connection and the reader are made, at the first need.
+class ScreenReader {
+public:
+    using MakeWindowServer = std::function<std::unique_ptr<WindowServer>()>;
+    using MakeTextReader = std::function<std::expected<std::unique_ptr<TextReader>, TextReader::Unavailable>()>;
+
+    ScreenReader(MakeWindowServer makeWindowServer, MakeTextReader makeTextReader);
+
+    // Lines on the window whose owner or title holds `ownerHint`; with no `hints` the window is only captured and no
+    // text is read. A text reader that cannot be made is logged once, gives no lines, and is tried for again next time:
+    // the user may be installing what it lacks.
+    std::expected<std::vector<OCRToken>, WindowCaptureError> look(const QString& ownerHint,
+                                                                  const std::optional<ReadingHints>& hints);
+
+private:
+    TextReader* textReader();
+
+    MakeWindowServer makeWindowServer;
+    MakeTextReader makeTextReader;
+    std::unique_ptr<WindowServer> windows;
+    std::unique_ptr<TextReader> reader;
+    bool toldOfMissingReader = false;
+};
+
+} // namespace pelloran

@@ -1,0 +1,92 @@
+#include "app/CommandLine.h"
+#include "support/Printing.h"
+
+#include <gtest/gtest.h>
+
+namespace pelloran {
+namespace {
+
+std::expected<Command, UsageError> parse(const char* words) {
+    return parseCommandLine(QString::fromUtf8(words).split(u' ', Qt::SkipEmptyParts));
+}
+
+template <typename T>
+T parsed(const char* words) {
+    const auto command = parse(words);
+    EXPECT_TRUE(command) << words << ": " << command.error().message.toStdString();
+    EXPECT_TRUE(std::holds_alternative<T>(*command)) << words;
+    return std::get<T>(*command);
+}
+
+TEST(CommandLine, RunsTheLoopByDefault) {
+    const auto plain = parsed<RunLoop>("");
+    EXPECT_EQ(plain.logsDir, std::nullopt);
+    EXPECT_EQ(plain.windowOwner, std::nullopt);
+    EXPECT_EQ(plain.language, std::nullopt);
+
+    const auto full =
+        parsed<RunLoop>("--no-panel --snapshots --logs-dir /games/Logs --window-owner=炉石传说 --language zh");
+    EXPECT_EQ(full.logsDir, QStringLiteral("/games/Logs"));
+    EXPECT_EQ(full.windowOwner, QStringLiteral("炉石传说"));
+    EXPECT_EQ(full.language, AppLanguage::zh);
+    EXPECT_TRUE(full.snapshots);
+}
+
+TEST(CommandLine, TakesTheCommandsThatShowOnePart) {
+    EXPECT_EQ(parsed<PrintDraftState>("draft-state --logs-dir Logs").logsDir, QStringLiteral("Logs"));
+    EXPECT_EQ(parsed<PrintDraftState>("draft-state").logsDir, std::nullopt);
+    parsed<PrintLogsDir>("logs-dir");
+
+    const auto heroes = parsed<RecognizeImages>("recognize --phase heroPick a.png b.png");
+    EXPECT_EQ(heroes.phase, DraftPhase::heroPick);
+    EXPECT_EQ(heroes.images, (QStringList{QStringLiteral("a.png"), QStringLiteral("b.png")}));
+    EXPECT_FALSE(heroes.ticks);
+    EXPECT_TRUE(parsed<RecognizeImages>("recognize a.png --ticks --phase=cardPick").ticks) << "options in any place";
+
+    EXPECT_EQ(parsed<MatchTexts>("match Fireball").texts, QStringList{QStringLiteral("Fireball")});
+    EXPECT_TRUE(parsed<MatchTexts>("match --classes Mage").classes);
+    EXPECT_EQ(parsed<MatchTexts>("match -- --phase").texts, QStringList{QStringLiteral("--phase")})
+        << "after -- everything is text";
+}
+
+TEST(CommandLine, ExplainsItself) {
+    EXPECT_TRUE(parsed<PrintText>("--version").text.startsWith(QStringLiteral("pelloran ")));
+    for (const char* words : {"--help", "-h", "recognize --help", "--snapshots --help"}) {
+        EXPECT_TRUE(parsed<PrintText>(words).text.contains(QStringLiteral("Usage: pelloran"))) << words;
+    }
+    EXPECT_TRUE(parsed<PrintText>("recognize --help").text.contains(QStringLiteral("--phase")));
+}
+
+TEST(CommandLine, RefusesWhatDoesNotFit) {
+    struct Case {
+        const char* why;
+        const char* words;
+        const char* mentions;
+    };
+
+    const Case cases[] = {
+        {"unknown option", "--fast", "fast"},
+        {"unknown command", "recognise a.png", "recognise"},
+        {"option without its value", "--logs-dir", "logs-dir"},
+        {"value for a switch", "--snapshots=yes", "snapshots"},
+        {"unknown language", "--language fr", "--language"},
+        {"languages are written in lower case", "--language ZH", "--language"},
+        {"argument for a command without any", "draft-state extra", "extra"},
+        {"option of another command", "draft-state --phase heroPick", "phase"},
+        {"no phase", "recognize a.png", "--phase"},
+        {"a phase without offers", "recognize --phase idle a.png", "--phase"},
+        {"no image", "recognize --phase heroPick", "image"},
+        {"no text", "match --classes", "text"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const auto command = parse(c.words);
+        ASSERT_FALSE(command);
+        EXPECT_TRUE(command.error().message.contains(QString::fromUtf8(c.mentions)))
+            << command.error().message.toStdString();
+        EXPECT_TRUE(command.error().message.contains(QStringLiteral("Usage: pelloran")));
+    }
+}
+
+} // namespace
+} // namespace pelloran

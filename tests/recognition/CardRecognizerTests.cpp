@@ -1,0 +1,319 @@
+#include "fakes/FakeTextReader.h"
+#include "recognition/CardRecognizer.h"
+#include "support/Printing.h"
+#include "support/SampleStore.h"
+
+#include <gtest/gtest.h>
+
+namespace pelloran {
+
+static void PrintTo(const SlotMatch& match, std::ostream* out) {
+    *out << '{' << match.slot.rawValue().toStdString() << ": "
+         << match.cardId.value_or(QStringLiteral("nothing")).toStdString() << ' ' << match.confidence << ' '
+         << match.method.toStdString() << " \"" << match.ocrText.toStdString() << "\"}";
+}
+
+namespace {
+
+using testing::SampleStore;
+
+const QByteArray cardFile = R"({"player_class": "ALL", "time_range": "TEST", "cards": [
+    {"card_id": "FIREBALL", "name_zh": "火球术", "name_en": "Fireball"},
+    {"card_id": "FROSTBOLT", "name_zh": "寒冰箭", "name_en": "Frostbolt"},
+    {"card_id": "YETI", "name_zh": "冰风雪人", "name_en": "Chillwind Yeti"},
+    {"card_id": "POLYMORPH", "name_zh": "变形术", "name_en": "Polymorph"},
+    {"card_id": "LONG", "name_zh": "很长", "name_en": "Abcdefghijklmno"},
+    {"card_id": "LIMIT", "name_zh": "极限", "name_en": "Zbcdefghijklmn"},
+    {"card_id": "SHORT", "name_zh": "法", "name_en": null}
+]})";
+
+const QByteArray classFile = R"({"classes": [
+    {"player_class": "MAGE", "name_zh": "法师", "name_en": "Mage"},
+    {"player_class": "DRUID", "name_zh": "德鲁伊", "name_en": "Druid"},
+    {"player_class": "ROGUE", "name_zh": "潜行者", "name_en": "Rogue"},
+    {"player_class": "SHAMAN", "name_zh": "萨满祭司", "name_en": "Shaman"},
+    {"player_class": "WARLOCK", "name_zh": "术士", "name_en": "Warlock"}
+]})";
+
+OCRToken token(const char* text, double midX, double midY = 0.5) {
+    return {QString::fromUtf8(text), 0.9F, midX, midY, 0.1, 0.03};
+}
+
+QStringList idsBySlot(const std::vector<SlotMatch>& matches) {
+    QStringList ids;
+    for (const SlotMatch& match : matches) {
+        ids.append(match.cardId.value_or(QStringLiteral("-")));
+    }
+    return ids;
+}
+
+QStringList words(const char* list) {
+    return QString::fromUtf8(list).split(u' ');
+}
+
+class CardRecognizerTest : public ::testing::Test {
+protected:
+    SampleStore sample{cardFile, classFile};
+    CardRecognizer recognizer{sample.store};
+};
+
+using AssignToSlots = ::testing::Test;
+
+RecognitionCandidate candidate(const char* id, double midX, double score = 0.9, double midY = 0.5) {
+    return {QString::fromUtf8(id), score, QString::fromUtf8(id), midX, midY};
+}
+
+std::vector<RecognitionCandidate> candidatesAt(std::initializer_list<double> positions) {
+    std::vector<RecognitionCandidate> candidates;
+    for (const double midX : positions) {
+        candidates.push_back({QString(QChar(static_cast<char16_t>(u'a' + candidates.size()))), 0.9, {}, midX, 0.5});
+    }
+    return candidates;
+}
+
+TEST(AssignToSlots, PlacesByNumberAndPosition) {
+    struct Case {
+        const char* why;
+        std::initializer_list<double> positions;
+        const char* expected; // ids a, b, c ... in the order given, by slot
+    };
+
+    const Case cases[] = {
+        {"nothing", {}, "- - -"},
+        {"one, at the left", {0.33}, "a - -"},
+        {"one, exactly a third is the middle", {1.0 / 3.0}, "- a -"},
+        {"one, just below two thirds", {0.666}, "- a -"},
+        {"one, exactly two thirds is the right", {2.0 / 3.0}, "- - a"},
+        {"two, far apart", {0.2, 0.8}, "a - b"},
+        {"two, left and middle", {0.44, 0.55}, "a b -"},
+        {"two, middle and right", {0.45, 0.551}, "- a b"},
+        {"two, both would be the middle", {0.50, 0.52}, "a - b"},
+        {"two, given right to left", {0.8, 0.2}, "b - a"},
+        {"two, both at the far left: the second falls to the middle", {0.1, 0.2}, "a b -"},
+        {"two, both at the far right: the first falls to the middle", {0.8, 0.9}, "- a b"},
+        {"three go by order, wherever they stand", {0.1, 0.12, 0.13}, "a b c"},
+        {"equal positions keep their order", {0.5, 0.5, 0.5}, "a b c"},
+        {"a fourth is ignored", {0.9, 0.1, 0.3, 0.5}, "b c d"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        EXPECT_EQ(idsBySlot(assignToSlots(candidatesAt(c.positions), QStringLiteral("p"))), words(c.expected));
+    }
+}
+
+TEST(AssignToSlots, NamesTheMethodBySlot) {
+    const auto empty = assignToSlots({}, QStringLiteral("card-layout"));
+    ASSERT_EQ(empty.size(), 3U);
+    for (const DraftSlot slot : DraftSlot::allCases()) {
+        EXPECT_EQ(empty[slot], (SlotMatch{slot, std::nullopt, 0, QStringLiteral("card-layout-empty"), QString()}));
+    }
+    const auto one = assignToSlots({{QStringLiteral("X"), 0.95, QStringLiteral("as read"), 0.1, 0.5}},
+                                   QStringLiteral("class-layout"));
+    EXPECT_EQ(one[0], (SlotMatch{DraftSlot::left, QStringLiteral("X"), 0.95, QStringLiteral("class-layout"),
+                                 QStringLiteral("as read")}));
+    EXPECT_EQ(one[1], (SlotMatch{DraftSlot::middle, std::nullopt, 0, QStringLiteral("class-layout-miss"), QString()}));
+    EXPECT_EQ(one[2], (SlotMatch{DraftSlot::right, std::nullopt, 0, QStringLiteral("class-layout-miss"), QString()}));
+}
+
+TEST(PickThreeHorizontally, TakesTheBestOfEachThird) {
+    struct Case {
+        const char* why;
+        std::vector<RecognitionCandidate> candidates;
+        const char* expected;
+    };
+
+    const Case cases[] = {
+        {"three stay, however close", {candidate("a", 0.1), candidate("b", 0.11), candidate("c", 0.12)}, "a b c"},
+        {"columns 0 0 1 2: the better of the first two",
+         {candidate("a", 0.10, 0.9), candidate("b", 0.12, 0.95), candidate("c", 0.40), candidate("d", 0.70)},
+         "b c d"},
+        {"equal scores: the leftmost",
+         {candidate("a", 0.10), candidate("b", 0.12), candidate("c", 0.40), candidate("d", 0.70)},
+         "a c d"},
+        {"columns 0 0 2 2: a third is empty, so the first three",
+         {candidate("a", 0.10), candidate("b", 0.15, 1.0), candidate("c", 0.50), candidate("d", 0.70, 1.0)},
+         "a b c"},
+        {"a third begins at 0.33 of the span",
+         {candidate("a", 0.0), candidate("b", 0.33), candidate("c", 0.66), candidate("d", 1.0, 0.8)},
+         "a b c"},
+        {"all at one place: the span is at least a thousandth",
+         {candidate("a", 0.5), candidate("b", 0.5, 1.0), candidate("c", 0.5), candidate("d", 0.5)},
+         "a b c"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        QStringList ids;
+        for (const RecognitionCandidate& picked : pickThreeHorizontally(c.candidates)) {
+            ids.append(picked.id);
+        }
+        EXPECT_EQ(ids, words(c.expected));
+    }
+}
+
+TEST(MergeHeroes, PrefersTheLowerOfEqualLines) {
+    struct Case {
+        const char* why;
+        double firstScore, firstY, secondScore, secondY;
+        bool secondWins;
+    };
+
+    const Case cases[] = {
+        {"within the margin and lower", 0.90, 0.4, 0.91, 0.5, true},
+        {"within the margin and higher up", 0.90, 0.5, 0.91, 0.4, false},
+        {"slightly worse, but lower", 0.91, 0.4, 0.90, 0.5, true},
+        {"clearly better, wherever it lies", 0.90, 0.5, 0.93, 0.4, true},
+        {"clearly worse, wherever it lies", 0.93, 0.4, 0.90, 0.5, false},
+        {"equal at the same height", 0.95, 0.5, 0.95, 0.5, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const auto merged = mergeHeroes(
+            {candidate("MAGE", 0.1, c.firstScore, c.firstY), candidate("MAGE", 0.2, c.secondScore, c.secondY)});
+        ASSERT_EQ(merged.size(), 1U);
+        EXPECT_EQ(merged[0].midX, c.secondWins ? 0.2 : 0.1);
+    }
+}
+
+TEST(MergeCards, TakesTheHigherScoreOnly) {
+    const auto merged = mergeCards({candidate("a", 0.1, 0.90, 0.3), candidate("b", 0.2, 0.9),
+                                    candidate("a", 0.3, 0.90, 0.9), candidate("b", 0.4, 0.901)});
+    ASSERT_EQ(merged.size(), 2U) << "order of first appearance";
+    EXPECT_EQ(merged[0].midX, 0.1) << "an equal score stays with the first, also when the later lies lower";
+    EXPECT_EQ(merged[1].midX, 0.4);
+}
+
+TEST_F(CardRecognizerTest, ReadsThreeCardsLeftToRight) {
+    const auto matches =
+        recognizer.recognizeCards({token("寒冰箭", 0.4), token("Chillwind Yeti", 0.57), token("Fireball", 0.23)});
+    ASSERT_EQ(matches.size(), 3U);
+    EXPECT_EQ(matches[0], (SlotMatch{DraftSlot::left, QStringLiteral("FIREBALL"), 1.0, QStringLiteral("card-layout"),
+                                     QStringLiteral("Fireball")}));
+    EXPECT_EQ(idsBySlot(matches), words("FIREBALL FROSTBOLT YETI"));
+}
+
+TEST_F(CardRecognizerTest, KeepsOnlyCardTokensThatCanBeNames) {
+    struct Case {
+        const char* why;
+        OCRToken token;
+        bool kept;
+    };
+
+    const Case cases[] = {
+        {"in the band", token("Fireball", 0.2), true},
+        {"top edge counts", token("Fireball", 0.2, 0.28), true},
+        {"above the band", token("Fireball", 0.2, 0.2799), false},
+        {"bottom edge counts", token("Fireball", 0.2, 0.78), true},
+        {"below the band", token("Fireball", 0.2, 0.7801), false},
+        {"left edge counts", token("Fireball", 0.08), true},
+        {"left of the band", token("Fireball", 0.0799), false},
+        {"right edge counts", token("Fireball", 0.72), true},
+        {"in the deck list", token("Fireball", 0.7201), false},
+        {"one character is too short", token("法", 0.2), false},
+        {"two characters are enough", token("火球", 0.2), false}, // length passes, the score (0.63) does not
+        {"fourteen characters", token("Zbcdefghijklmn", 0.2), true},
+        {"fifteen characters are too long", token("Abcdefghijklmno", 0.2), false},
+        {"digits and spaces do not count as characters", token("Z bcdefghijklmn 12", 0.2), true},
+        {"score just above the floor", token("Fireboll", 0.2), true}, // subsequence 7 of 8: 0.93
+        {"score below the floor", token("Firebal1", 0.2), false},     // contained, 7 of 8: 0.83
+        {"nothing like a name", token("Deal 6 damage", 0.2), false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        EXPECT_EQ(idsBySlot(recognizer.recognizeCards({c.token})) != words("- - -"), c.kept);
+    }
+}
+
+TEST_F(CardRecognizerTest, KeepsOnlyHeroTokensInTheirBand) {
+    struct Case {
+        const char* why;
+        OCRToken token;
+        bool kept;
+    };
+
+    const Case cases[] = {
+        {"top edge counts", token("Mage", 0.2, 0.3), true},
+        {"above", token("Mage", 0.2, 0.2999), false},
+        {"bottom edge counts", token("Mage", 0.2, 0.85), true},
+        {"below", token("Mage", 0.2, 0.8501), false},
+        {"left edge counts", token("Mage", 0.08), true},
+        {"left of it", token("Mage", 0.0799), false},
+        {"right edge counts", token("Mage", 0.92), true},
+        {"right of it", token("Mage", 0.9201), false},
+        {"an alias counts", token("萨满", 0.2), true},
+        {"a single character is no class", token("法", 0.2), false},
+        {"contained, but too little alike", token("Magee", 0.2), false}, // 0.95 * 4 / 5
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        EXPECT_EQ(idsBySlot(recognizer.recognizeHeroes({c.token})) != words("- - -"), c.kept);
+    }
+}
+
+TEST_F(CardRecognizerTest, IgnoresTheRightmostOfFourHeroes) {
+    const auto matches = recognizer.recognizeHeroes(
+        {token("Warlock", 0.9), token("Mage", 0.1), token("德鲁伊", 0.3), token("Rogue", 0.6)});
+    EXPECT_EQ(idsBySlot(matches), words("MAGE DRUID ROGUE"));
+}
+
+TEST_F(CardRecognizerTest, ThinsFourCardsToOnePerThird) {
+    const auto matches = recognizer.recognizeCards(
+        {token("Fireboll", 0.10), token("Frostbolt", 0.12), token("Polymorph", 0.40), token("Chillwind Yeti", 0.70)});
+    EXPECT_EQ(idsBySlot(matches), words("FROSTBOLT POLYMORPH YETI"));
+}
+
+TEST_F(CardRecognizerTest, GivesEmptySlotsForAPictureWithoutNames) {
+    for (const SlotMatch& match : recognizer.recognizeCards({token("Fireball", 0.9)})) {
+        EXPECT_EQ(match.method, QStringLiteral("card-layout-empty"));
+    }
+    for (const SlotMatch& match : recognizer.recognizeHeroes(std::vector<OCRToken>())) {
+        EXPECT_EQ(match.method, QStringLiteral("class-layout-empty"));
+    }
+}
+
+TEST_F(CardRecognizerTest, ReadsTheImageTwiceUnlessTheReaderScalesItself) {
+    testing::FakeTextReader reader;
+    reader.tokens = {token("Fireboll", 0.2), token("  ", 0.3), token(" Fireball\n", 0.2)};
+    const QImage image(101, 51, QImage::Format_RGB32);
+
+    EXPECT_EQ(CardRecognizer::ocrTokens(image, reader, {}).size(), 4U) << "blank lines are dropped from both passes";
+    EXPECT_EQ(reader.sizes, (std::vector<QSize>{{101, 51}, {151, 76}})) << "whole pixels, cut off";
+
+    reader.sizes.clear();
+    reader.scales = true;
+    const auto tokens = CardRecognizer::ocrTokens(image, reader, {});
+    EXPECT_EQ(reader.sizes, (std::vector<QSize>{{101, 51}}));
+    ASSERT_EQ(tokens.size(), 2U);
+    EXPECT_EQ(tokens[1].text, QStringLiteral("Fireball")) << "trimmed";
+
+    reader.sizes.clear();
+    EXPECT_TRUE(CardRecognizer::ocrTokens(QImage(), reader, {}).empty());
+    EXPECT_TRUE(reader.sizes.empty()) << "no picture, nothing to read";
+}
+
+TEST_F(CardRecognizerTest, ReadsAndMatchesInOne) {
+    testing::FakeTextReader reader;
+    reader.tokens = {token("Fireboll", 0.2), token("Mage", 0.5)};
+    const QImage image(100, 50, QImage::Format_RGB32);
+    EXPECT_EQ(idsBySlot(recognizer.recognizeCards(image, reader)), words("FIREBALL - -"));
+    EXPECT_EQ(reader.lastHints.band, CardRecognizer::cardBand());
+    EXPECT_EQ(idsBySlot(recognizer.recognizeHeroes(image, reader)), words("- MAGE -"));
+    EXPECT_EQ(reader.lastHints.band, CardRecognizer::heroBand());
+}
+
+TEST_F(CardRecognizerTest, HintsCarryTheNamesInUseEvenAfterAReload) {
+    const ReadingHints before = recognizer.cardHints();
+    ASSERT_TRUE(before.names);
+    EXPECT_TRUE(before.names->contains(QStringLiteral("FIREBALL (4)")));
+    EXPECT_FALSE(before.names->contains(QStringLiteral("Fireba")));
+    EXPECT_TRUE(recognizer.heroHints().names->contains(QStringLiteral("潜行者")));
+
+    sample.write(QStringLiteral("all_classes_LAST_7_DAYS.json"),
+                 R"({"cards": [{"card_id": "N", "name_en": "Newcomer"}]})");
+    sample.reload();
+    EXPECT_TRUE(before.names->contains(QStringLiteral("Fireball"))) << "a snapshot never changes";
+    EXPECT_FALSE(recognizer.cardHints().names->contains(QStringLiteral("Fireball")));
+    EXPECT_TRUE(recognizer.cardHints().names->contains(QStringLiteral("newcomer")));
+}
+
+} // namespace
+} // namespace pelloran
