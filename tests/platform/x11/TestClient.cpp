@@ -43,8 +43,10 @@ QImage pattern(QSize size, std::uint32_t seed) {
 TestClient::TestClient(const QByteArray& display)
     : connection(xcb_connect(display.constData(), nullptr))
     , screen(xcb_setup_roots_iterator(xcb_get_setup(connection)).data) {
-    const Owned<xcb_composite_query_version_reply_t> version(
-        xcb_composite_query_version_reply(connection, xcb_composite_query_version(connection, 0, 2), nullptr));
+    if (xcb_get_extension_data(connection, &xcb_composite_id)->present) {
+        const Owned<xcb_composite_query_version_reply_t> version(
+            xcb_composite_query_version_reply(connection, xcb_composite_query_version(connection, 0, 2), nullptr));
+    }
 }
 
 TestClient::~TestClient() {
@@ -240,6 +242,12 @@ bool TestClient::isRedirected(xcb_window_t window) {
     }
     xcb_free_pixmap(connection, pixmap);
     return true;
+}
+
+bool TestClient::hasOwner(const char* selection) {
+    const Owned<xcb_get_selection_owner_reply_t> reply(
+        xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, atom(selection)), nullptr));
+    return reply && reply->owner != XCB_WINDOW_NONE;
 }
 
 } // namespace pelloran::testing

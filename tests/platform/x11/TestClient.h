@@ -64,6 +64,9 @@ public:
     // Some program keeps the window's pixels apart.
     bool isRedirected(xcb_window_t window);
 
+    // Some program has taken the selection, as a compositor does.
+    bool hasOwner(const char* selection);
+
     // Waits until the server has done all that was asked.
     void sync();
 

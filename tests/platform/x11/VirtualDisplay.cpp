@@ -15,7 +15,6 @@ namespace pelloran::testing {
 namespace {
 
 const QString serverProgram = QStringLiteral("Xvfb");
-const QString managerProgram = QStringLiteral("openbox");
 
 void end(QProcess& process) {
     if (process.state() != QProcess::NotRunning) {
@@ -38,7 +37,11 @@ bool eventually(const std::function<bool()>& condition, int milliseconds) {
 }
 
 bool VirtualDisplay::isInstalled() {
-    return !QStandardPaths::findExecutable(serverProgram).isEmpty();
+    return isInstalled(serverProgram);
+}
+
+bool VirtualDisplay::isInstalled(const QString& program) {
+    return !QStandardPaths::findExecutable(program).isEmpty();
 }
 
 std::unique_ptr<VirtualDisplay> VirtualDisplay::start(const QStringList& arguments) {
@@ -61,7 +64,7 @@ VirtualDisplay::~VirtualDisplay() {
 }
 
 void VirtualDisplay::stop() {
-    stopWindowManager();
+    stopPrograms();
     end(server);
 }
 
@@ -73,22 +76,22 @@ qint64 VirtualDisplay::residentMemory() const {
     return file.readAll().split(' ').value(1).toLongLong() * sysconf(_SC_PAGESIZE);
 }
 
-bool VirtualDisplay::windowManagerIsInstalled() {
-    return !QStandardPaths::findExecutable(managerProgram).isEmpty();
-}
-
-bool VirtualDisplay::startWindowManager() {
+bool VirtualDisplay::startProgram(const QString& program, const QStringList& arguments) {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("DISPLAY"), QString::fromLatin1(displayName));
-    windowManager.setProcessEnvironment(environment);
-    windowManager.setStandardErrorFile(QProcess::nullDevice());
-    windowManager.setStandardOutputFile(QProcess::nullDevice());
-    windowManager.start(managerProgram, {QStringLiteral("--sm-disable")});
-    return windowManager.waitForStarted(patience);
+    const auto& process = programs.emplace_back(std::make_unique<QProcess>());
+    process->setProcessEnvironment(environment);
+    process->setStandardErrorFile(QProcess::nullDevice());
+    process->setStandardOutputFile(QProcess::nullDevice());
+    process->start(program, arguments);
+    return process->waitForStarted(patience);
 }
 
-void VirtualDisplay::stopWindowManager() {
-    end(windowManager);
+void VirtualDisplay::stopPrograms() {
+    for (const auto& process : programs) {
+        end(*process);
+    }
+    programs.clear();
 }
 
 } // namespace pelloran::testing

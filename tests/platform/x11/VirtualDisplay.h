@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 namespace pelloran::testing {
 
@@ -19,6 +20,7 @@ class VirtualDisplay {
 public:
     // Whether such a server is installed.
     static bool isInstalled();
+    static bool isInstalled(const QString& program);
 
     // `arguments` beyond the usual ones, such as {"-screen", "0", "800x600x16"}. Null when it does not come up.
     static std::unique_ptr<VirtualDisplay> start(const QStringList& arguments = {});
@@ -33,17 +35,15 @@ public:
     // Memory of the server itself, in bytes.
     qint64 residentMemory() const;
 
-    static bool windowManagerIsInstalled();
-
-    // Waits until it manages windows; false when it does not come to that.
-    bool startWindowManager();
-    void stopWindowManager();
+    // Starts a window manager or a compositor on this display; false when it does not start. It ends with the display.
+    bool startProgram(const QString& program, const QStringList& arguments);
+    void stopPrograms();
 
     void stop();
 
 private:
     QProcess server;
-    QProcess windowManager;
+    std::vector<std::unique_ptr<QProcess>> programs;
     QByteArray displayName;
 };
 

@@ -355,9 +355,33 @@ TEST_F(ManagedWindowImagesTest, AWindowThatLosesItsFrameIsFollowed) {
     const QImage picture = pattern({640, 480}, 5);
     const auto window = createManaged({.background = picture});
     ASSERT_TRUE(server->image(window));
-    display->stopWindowManager();
+    display->stopPrograms();
     ASSERT_TRUE(eventually([&] { return client->parent(window) == client->root() && client->isViewable(window); }));
     EXPECT_TRUE(eventually([&] { return server->image(window).value_or(QImage()) == picture; }));
+}
+
+TEST_F(ManagedWindowImagesTest, ACompositorIsNoHindrance) {
+    const QString compositor = QStringLiteral("picom");
+    if (!VirtualDisplay::isInstalled(compositor)) {
+        GTEST_SKIP() << "needs picom, which is not installed";
+    }
+    const QImage picture = pattern({640, 480}, 6);
+    const auto window = createManaged({.background = picture});
+    ASSERT_TRUE(display->startProgram(compositor, {QStringLiteral("--backend"), QStringLiteral("xrender"),
+                                                   QStringLiteral("--config"), QStringLiteral("/dev/null")}));
+    ASSERT_TRUE(eventually([&] { return client->hasOwner("_NET_WM_CM_S0"); })) << "picom does not come up";
+    const auto cover = createManaged({.bounds = {0, 0, 1200, 900}});
+    client->sendToRoot(cover, "_NET_ACTIVE_WINDOW", 2);
+    EXPECT_TRUE(eventually([&] { return ids() == std::vector<std::int64_t>{cover, window}; }));
+    // It takes the name before it begins its work.
+    EXPECT_TRUE(eventually([&] { return client->isRedirected(client->parent(window)); }));
+    for (int i = 0; i < 3; ++i) {
+        const auto image = server->image(window);
+        ASSERT_TRUE(image) << outcome(image);
+        EXPECT_TRUE(*image == picture);
+    }
+    ASSERT_TRUE(server->image(cover)); // ends what was begun for the other window
+    EXPECT_TRUE(client->isRedirected(client->parent(window))) << "what the compositor does is its own";
 }
 
 } // namespace

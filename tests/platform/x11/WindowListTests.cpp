@@ -296,7 +296,7 @@ TEST_F(ManagedWindowListTest, AMinimisedWindowIsInNeitherListing) {
 TEST_F(ManagedWindowListTest, SurvivesItsManager) {
     const auto window = createManaged({});
     EXPECT_TRUE(eventually([&] { return ids().size() == 1; }));
-    display->stopWindowManager();
+    display->stopPrograms();
     EXPECT_TRUE(eventually([&] { return client->parent(window) == client->root(); }));
     EXPECT_TRUE(eventually([&] { return ids() == std::vector<std::int64_t>{window}; }));
 }
