@@ -147,8 +147,6 @@ WindowImages::WindowImages(const XcbConnection& serverConnection)
 std::expected<QImage, WindowImageError> WindowImages::take(xcb_window_t window) {
     auto image = takeOrFail(window);
     if (!image) {
-        // The next attempt begins afresh: a number may have passed to another window, which is not redirected yet.
-        redirection.reset();
         return std::unexpected(translated(image.error()));
     }
     return *std::move(image);
@@ -160,6 +158,7 @@ std::expected<QImage, Failure> WindowImages::takeOrFail(xcb_window_t window) {
     }
     const auto topLevel = topLevelOf(window);
     if (!topLevel) {
+        redirection.reset();
         return std::unexpected(topLevel.error());
     }
     if (const auto redirected = redirect(*topLevel); !redirected) {
@@ -183,6 +182,8 @@ std::expected<QImage, Failure> WindowImages::takeOrFail(xcb_window_t window) {
         return std::unexpected(size.error());
     }
     if (!named) {
+        // Unmapped; or the number has passed to another window, which is not redirected yet.
+        redirection.reset();
         return std::unexpected(named.error());
     }
     for (const Failure* failure : {attributes ? nullptr : &attributes.error(), frame ? nullptr : &frame.error(),

@@ -7,7 +7,6 @@
 #include <QStringDecoder>
 
 #include <algorithm>
-#include <cstring>
 #include <ranges>
 #include <utility>
 
@@ -51,9 +50,8 @@ std::vector<std::uint32_t> numbersOf(const PropertyReply& reply) {
     if (!reply || reply->format != 32) {
         return {};
     }
-    std::vector<std::uint32_t> numbers(static_cast<std::size_t>(xcb_get_property_value_length(reply.get())) / 4);
-    std::memcpy(numbers.data(), xcb_get_property_value(reply.get()), numbers.size() * 4);
-    return numbers;
+    const auto* first = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
+    return {first, first + xcb_get_property_value_length(reply.get()) / 4};
 }
 
 std::optional<std::uint32_t> firstNumberOf(const PropertyReply& reply) {
@@ -245,7 +243,7 @@ std::vector<xcb_window_t> markedClients(const XcbConnection& connection, const s
     for (const xcb_window_t window : topLevel) {
         level.push_back({window, level.size()});
     }
-    std::vector<Node> clients;
+    std::vector<std::vector<xcb_window_t>> clients(topLevel.size()); // by place
     std::size_t seen = 0;
     for (int depth = 0; depth < deepestClient && !level.empty() && seen + level.size() <= mostWindows; ++depth) {
         seen += level.size();
@@ -259,7 +257,7 @@ std::vector<xcb_window_t> markedClients(const XcbConnection& connection, const s
             const PropertyReply mark = property(connection, requests[i].first);
             const std::vector<xcb_window_t> children = childrenOf(connection, requests[i].second);
             if (mark) {
-                clients.push_back(level[i]);
+                clients[level[i].place].push_back(level[i].window);
                 continue;
             }
             for (const xcb_window_t child : children) {
@@ -268,9 +266,10 @@ std::vector<xcb_window_t> markedClients(const XcbConnection& connection, const s
         }
         level = std::move(below);
     }
-    std::ranges::stable_sort(clients, {}, &Node::place);
     std::vector<xcb_window_t> windows;
-    std::ranges::transform(clients, std::back_inserter(windows), &Node::window);
+    for (const std::vector<xcb_window_t>& ofOne : clients) {
+        windows.insert(windows.end(), ofOne.begin(), ofOne.end());
+    }
     return windows;
 }
 

@@ -1,0 +1,160 @@
+#include "platform/Log.h"
+#include "platform/UserDefaults.h"
+#include "support/Printing.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+#include <vector>
+
+#ifdef Q_OS_LINUX // elsewhere the store is the system's own, and a test would write into the user's
+
+namespace pelloran {
+
+namespace {
+
+// Qt asks for the user's folder once in a run, so all tests share one and clear it. The tests' main() keeps Qt away
+// from that folder; here it is the subject.
+const QString& configurationFolder() {
+    static const QTemporaryDir folder;
+    static const QString path = [] {
+        QStandardPaths::setTestModeEnabled(false);
+        qputenv("XDG_CONFIG_HOME", QFile::encodeName(folder.path()));
+        return folder.path();
+    }();
+    return path;
+}
+
+class SettingsUserDefaultsTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        clear();
+        setLogSink([this](const QString& message) { logged << message; });
+    }
+
+    void TearDown() override {
+        setLogSink({});
+        clear();
+    }
+
+    void clear() {
+        QDir(programFolder).removeRecursively();
+        QFile::remove(programFolder);
+    }
+
+    void writeFile(const QByteArray& contents) {
+        ASSERT_TRUE(QDir().mkpath(programFolder));
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(contents);
+    }
+
+    const QString programFolder = configurationFolder() + QStringLiteral("/Pelloran");
+    const QString path = programFolder + QStringLiteral("/Pelloran.ini");
+    const QString key = QStringLiteral("pelloran.language");
+    QStringList logged;
+};
+
+TEST_F(SettingsUserDefaultsTest, KeepsTextsInTheUsersConfigurationFolder) {
+    const auto defaults = UserDefaults::create();
+    EXPECT_EQ(defaults->string(key), std::nullopt);
+    EXPECT_FALSE(QFileInfo::exists(path)) << "reading must not write";
+    for (const QString& value : {QStringLiteral("zh"), QStringLiteral("炉石, \"a\"; b=c\n%20"), QStringLiteral("@x"),
+                                 QStringLiteral("12"), QStringLiteral("true"), QStringLiteral(" ")}) {
+        SCOPED_TRACE(value.toStdString());
+        defaults->setString(key, value);
+        EXPECT_EQ(defaults->string(key), value);
+        EXPECT_EQ(UserDefaults::create()->string(key), value) << "another run must find it";
+    }
+    EXPECT_TRUE(QFileInfo(path).isFile());
+    EXPECT_TRUE(logged.isEmpty());
+}
+
+TEST_F(SettingsUserDefaultsTest, KeysDoNotMix) {
+    const auto defaults = UserDefaults::create();
+    defaults->setString(key, QStringLiteral("en"));
+    defaults->setString(QStringLiteral("pelloran.skippedAppVersion"), QStringLiteral("1.2.3"));
+    EXPECT_EQ(defaults->string(key), QStringLiteral("en"));
+    EXPECT_EQ(defaults->string(QStringLiteral("pelloran.skippedAppVersion")), QStringLiteral("1.2.3"));
+    EXPECT_EQ(defaults->string(QStringLiteral("language")), std::nullopt);
+}
+
+TEST_F(SettingsUserDefaultsTest, WhatIsNotTextCountsAsAbsent) {
+    struct Case {
+        const char* why;
+        QByteArray value;
+        std::optional<QString> expected;
+    };
+
+    const Case cases[] = {
+        {"plain text", "zh", QStringLiteral("zh")},
+        {"empty text", "", QString()},
+        {"a number is written as text", "12", QStringLiteral("12")},
+        {"a list", "zh, en", std::nullopt},
+        {"bytes", "@ByteArray(zh)", std::nullopt},
+        {"nothing", "@Invalid()", std::nullopt},
+        {"a rectangle", "@Rect(1 2 3 4)", std::nullopt},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.why);
+        clear();
+        writeFile("[General]\npelloran.language=" + c.value + "\n");
+        const auto found = UserDefaults::create()->string(key);
+        EXPECT_EQ(found.has_value(), c.expected.has_value());
+        EXPECT_EQ(found.value_or(QString()), c.expected.value_or(QString()));
+    }
+}
+
+TEST_F(SettingsUserDefaultsTest, AFileThatIsNoStoreIsNoChoice) {
+    for (const QByteArray& contents :
+         {QByteArray(4096, '\0'), QByteArray("\xff\xfe\x00garbage", 10), QByteArray("[[[[\n====\n%%%"), QByteArray()}) {
+        clear();
+        writeFile(contents);
+        EXPECT_EQ(UserDefaults::create()->string(key), std::nullopt);
+    }
+}
+
+TEST_F(SettingsUserDefaultsTest, AStoreThatCannotBeWrittenIsLoggedAndTheValueHolds) {
+    QFile inTheWay(programFolder); // a file where the folder belongs stops even the superuser
+    ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
+    inTheWay.close();
+    const auto defaults = UserDefaults::create();
+    defaults->setString(key, QStringLiteral("zh"));
+    EXPECT_EQ(defaults->string(key), QStringLiteral("zh"));
+    ASSERT_EQ(logged.size(), 1);
+    EXPECT_TRUE(logged.front().contains(key)) << logged.front().toStdString();
+    EXPECT_TRUE(logged.front().contains(path)) << logged.front().toStdString();
+}
+
+TEST_F(SettingsUserDefaultsTest, IsSafeFromAnyThread) {
+    const auto defaults = UserDefaults::create();
+    defaults->setString(key, QStringLiteral("zh"));
+    std::vector<std::thread> threads;
+    std::atomic<int> strange = 0;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&, i] {
+            for (int round = 0; round < 25; ++round) {
+                defaults->setString(key, i % 2 ? QStringLiteral("zh") : QStringLiteral("en"));
+                const auto value = defaults->string(key);
+                strange += value != QStringLiteral("zh") && value != QStringLiteral("en");
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(strange, 0);
+}
+
+} // namespace
+
+} // namespace pelloran
+
+#endif

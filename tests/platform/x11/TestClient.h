@@ -1,0 +1,78 @@
+#pragma once
+
+#include <QByteArray>
+#include <QImage>
+#include <QRect>
+#include <QString>
+
+#include <xcb/xcb.h>
+
+#include <cstdint>
+#include <vector>
+
+namespace pelloran::testing {
+
+// A picture in which each pixel tells its place and each `seed` looks different.
+QImage pattern(QSize size, std::uint32_t seed);
+
+struct WindowOptions {
+    QRect bounds{100, 80, 640, 480};
+    xcb_window_t parent = XCB_WINDOW_NONE; // none: the root
+    bool overrideRedirect = false;
+    bool mapped = true;
+    bool inputOnly = false;
+    int border = 0;
+    int depth = 0;          // 0: the parent's; 32: with transparency
+    QImage background = {}; // painted by the server wherever the window is uncovered
+};
+
+// Another program on the display, as far as a test needs one. What it asks of the server has been done when a function
+// returns; what a window manager makes of it may take longer.
+class TestClient {
+public:
+    explicit TestClient(const QByteArray& display);
+    ~TestClient();
+    TestClient(const TestClient&) = delete;
+    TestClient& operator=(const TestClient&) = delete;
+
+    xcb_window_t root() const { return screen->root; }
+
+    xcb_window_t create(const WindowOptions& options);
+    void map(xcb_window_t window);
+    void unmap(xcb_window_t window);
+    void destroy(xcb_window_t window);
+    void raise(xcb_window_t window);
+    void setBounds(xcb_window_t window, QRect bounds);
+    void setBackground(xcb_window_t window, const QImage& image);
+    void paint(xcb_window_t window, const QImage& image);
+    // Asks for the paint events of a window; see `nextExposed`.
+    void watchExposure(xcb_window_t window);
+    // The window of the next paint event, if one has arrived.
+    xcb_window_t nextExposed();
+
+    xcb_atom_t atom(const char* name);
+    void setText(xcb_window_t window, const char* property, const char* type, const QByteArray& bytes);
+    void setNumbers(xcb_window_t window, const char* property, const char* type,
+                    const std::vector<std::uint32_t>& numbers);
+    void setAtoms(xcb_window_t window, const char* property, const std::vector<const char*>& names);
+    std::vector<std::uint32_t> numbers(xcb_window_t window, const char* property);
+    // Asks the window manager.
+    void sendToRoot(xcb_window_t window, const char* message, std::uint32_t first, std::uint32_t second = 0);
+
+    bool isViewable(xcb_window_t window);
+    xcb_window_t parent(xcb_window_t window);
+    // Some program keeps the window's pixels apart.
+    bool isRedirected(xcb_window_t window);
+
+    // Some program has taken the selection, as a compositor does.
+    bool hasOwner(const char* selection);
+
+    // Waits until the server has done all that was asked.
+    void sync();
+
+private:
+    xcb_connection_t* connection = nullptr;
+    xcb_screen_t* screen = nullptr;
+};
+
+} // namespace pelloran::testing

@@ -1,0 +1,97 @@
+#include "platform/WindowServerContract.h"
+#include "platform/x11/X11Test.h"
+#include "recognition/WindowCapture.h"
+#include "support/Printing.h"
+
+#include <gtest/gtest.h>
+
+#include <variant>
+
+namespace pelloran::testing {
+
+namespace {
+
+void expectRefusesEverything(WindowServer& server) {
+    EXPECT_FALSE(server.describeWindows(WindowListing::onScreen));
+    EXPECT_FALSE(server.describeWindows(WindowListing::all));
+    const auto image = server.image(1);
+    ASSERT_FALSE(image);
+    EXPECT_TRUE(std::holds_alternative<WindowServerFailed>(image.error()));
+    expectKeepsContract(server);
+}
+
+using X11WindowServerTest = X11Test;
+
+TEST(X11WindowServer, WithoutADisplayRefusesEverything) {
+    for (const QByteArray& display : {QByteArray(), QByteArray(":64999"), QByteArray("no display"),
+                                      QByteArray("/nowhere:0"), QByteArray(":99999999999")}) {
+        SCOPED_TRACE(display.toStdString());
+        qputenv("DISPLAY", display);
+        expectRefusesEverything(*WindowServer::create());
+    }
+    qunsetenv("DISPLAY");
+    expectRefusesEverything(*WindowServer::create());
+}
+
+TEST_F(X11WindowServerTest, KeepsTheContract) {
+    expectKeepsContract(*server);
+    client->create({});
+    client->create({.bounds = {0, 0, 100, 50}, .border = 4});
+    client->create({.overrideRedirect = true});
+    client->create({.mapped = false});
+    expectKeepsContract(*server);
+    EXPECT_EQ(server->permission(), CapturePermission::granted);
+}
+
+TEST_F(X11WindowServerTest, ConnectsAgainWhenTheDisplayComesBack) {
+    ASSERT_TRUE(server->image(client->create({})));
+    client.reset();
+    display->stop();
+    expectRefusesEverything(*server);
+
+    auto same = std::move(server);
+    startDisplay({});
+    const auto window = client->create({});
+    EXPECT_TRUE(eventually([&] { return same->image(window).has_value(); }));
+    const auto windows = same->describeWindows(WindowListing::onScreen);
+    ASSERT_TRUE(windows);
+    EXPECT_EQ(windows->size(), 1U);
+}
+
+TEST_F(X11WindowServerTest, AScreenWithoutAnApplicationIsNotRefused) {
+    const auto windows = server->describeWindows(WindowListing::onScreen);
+    ASSERT_TRUE(windows);
+    EXPECT_TRUE(windows->empty());
+}
+
+TEST_F(X11WindowServerTest, TheGameIsFoundAndCapturedBehindAnotherWindow) {
+    const QImage picture = pattern({800, 600}, 6);
+    const auto game = client->create({.bounds = {0, 0, 800, 600}, .background = picture});
+    client->setText(game, "WM_CLASS", "STRING", QByteArrayLiteral("hearthstone.exe\0hearthstone.exe\0"));
+    client->setText(game, "_NET_WM_NAME", "UTF8_STRING", "Hearthstone");
+    const auto editor = client->create({.bounds = {0, 0, 1000, 900}});
+    client->setText(editor, "_NET_WM_NAME", "UTF8_STRING", "Notes");
+    const auto menu = client->create({.bounds = {0, 0, 800, 600}, .overrideRedirect = true});
+    client->setText(menu, "_NET_WM_NAME", "UTF8_STRING", "Hearthstone");
+
+    const auto found = WindowCapture::findHearthstone(*server, QStringLiteral("Hearthstone"));
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->windowId, game);
+    EXPECT_EQ(found->title, QStringLiteral("Hearthstone"));
+    EXPECT_TRUE(found->onscreen);
+    const auto image = WindowCapture::capture(*server, found->windowId);
+    ASSERT_TRUE(image);
+    EXPECT_TRUE(*image == picture);
+}
+
+TEST_F(X11WindowServerTest, AMinimisedGameIsNotFound) {
+    const auto game = client->create({});
+    client->setText(game, "_NET_WM_NAME", "UTF8_STRING", "Hearthstone");
+    EXPECT_TRUE(WindowCapture::findHearthstone(*server, QString()));
+    client->unmap(game);
+    EXPECT_FALSE(WindowCapture::findHearthstone(*server, QString()));
+}
+
+} // namespace
+
+} // namespace pelloran::testing
