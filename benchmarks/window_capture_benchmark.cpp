@@ -1,7 +1,7 @@
 // What a tick costs in looking for the game and taking its picture. Needs Xvfb; says so and measures nothing without.
 
 #include "platform/x11/TestClient.h"
-#include "platform/x11/VirtualDisplay.h"
+#include "support/VirtualDisplay.h"
 #include "recognition/WindowCapture.h"
 
 #include <QCoreApplication>

@@ -2,7 +2,7 @@
 
 #include "platform/WindowServer.h"
 #include "platform/x11/TestClient.h"
-#include "platform/x11/VirtualDisplay.h"
+#include "support/VirtualDisplay.h"
 
 #include <QtGlobal>
 

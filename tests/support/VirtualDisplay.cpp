@@ -1,4 +1,4 @@
-#include "platform/x11/VirtualDisplay.h"
+#include "support/VirtualDisplay.h"
 
 #include <QDeadlineTimer>
 #include <QFile>
