@@ -32,6 +32,7 @@ TEST(Log, LinesOfSeveralThreadsNeverMix) {
     const QString body(300, u'x');
     const std::string written = standardErrorOf([&] {
         std::vector<std::thread> threads;
+        threads.reserve(threadCount);
         for (int i = 0; i < threadCount; ++i) {
             threads.emplace_back([&body] {
                 for (int line = 0; line < lineCount; ++line) {

@@ -136,9 +136,11 @@ TEST_F(SettingsUserDefaultsTest, AStoreThatCannotBeWrittenIsLoggedAndTheValueHol
 TEST_F(SettingsUserDefaultsTest, IsSafeFromAnyThread) {
     const auto defaults = UserDefaults::create();
     defaults->setString(key, QStringLiteral("zh"));
+    constexpr int threadCount = 4;
     std::vector<std::thread> threads;
+    threads.reserve(threadCount);
     std::atomic<int> strange = 0;
-    for (int i = 0; i < 4; ++i) {
+    for (int i = 0; i < threadCount; ++i) {
         threads.emplace_back([&, i] {
             for (int round = 0; round < 25; ++round) {
                 defaults->setString(key, i % 2 ? QStringLiteral("zh") : QStringLiteral("en"));

@@ -237,8 +237,8 @@ TEST(ChooseHearthstone, PrefersByTitleThenScreenThenAreaThenOrder) {
 // The pairwise rule is an order (title, screen, area), so walking must come to its first maximum.
 TEST(ChooseHearthstone, IsTheFirstMaximumOfAnyList) {
     std::mt19937 random(20240607);
-    const auto pick = [&random](auto... choices) {
-        const std::common_type_t<decltype(choices)...> all[] = {choices...};
+    const auto pick = [&random](const auto&... choices) {
+        const std::common_type_t<std::remove_cvref_t<decltype(choices)>...> all[] = {choices...};
         return all[random() % std::size(all)];
     };
     const auto key = [](const HSWindowInfo& window) {

@@ -5,9 +5,11 @@
 #include <QProcessEnvironment>
 #include <QStandardPaths>
 
+#include <sys/prctl.h>
 #include <unistd.h>
 
 #include <chrono>
+#include <csignal>
 #include <thread>
 
 namespace pelloran::testing {
@@ -15,6 +17,11 @@ namespace pelloran::testing {
 namespace {
 
 const QString serverProgram = QStringLiteral("Xvfb");
+
+// A test that crashes takes its display with it.
+void endWithParent(QProcess& process) {
+    process.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGKILL); });
+}
 
 void end(QProcess& process) {
     if (process.state() != QProcess::NotRunning) {
@@ -47,6 +54,7 @@ bool VirtualDisplay::isInstalled(const QString& program) {
 std::unique_ptr<VirtualDisplay> VirtualDisplay::start(const QStringList& arguments) {
     auto display = std::make_unique<VirtualDisplay>();
     QProcess& server = display->server;
+    endWithParent(server);
     server.setStandardErrorFile(QProcess::nullDevice());
     // It tells its number on standard output as soon as it takes connections.
     server.start(serverProgram, QStringList{QStringLiteral("-displayfd"), QStringLiteral("1"),
@@ -80,6 +88,7 @@ bool VirtualDisplay::startProgram(const QString& program, const QStringList& arg
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("DISPLAY"), QString::fromLatin1(displayName));
     const auto& process = programs.emplace_back(std::make_unique<QProcess>());
+    endWithParent(*process);
     process->setProcessEnvironment(environment);
     process->setStandardErrorFile(QProcess::nullDevice());
     process->setStandardOutputFile(QProcess::nullDevice());

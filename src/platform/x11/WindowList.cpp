@@ -145,7 +145,7 @@ std::optional<QString> ownerOf(const Answers& window) {
     if (names.size() < 2) {
         return std::nullopt;
     }
-    const QString windowClass = oldText(names[1]);
+    QString windowClass = oldText(names[1]);
     if (isLauncher(windowClass)) {
         if (const auto processId = firstNumberOf(window.processId)) {
             return programName(*processId).value_or(windowClass);
@@ -240,6 +240,7 @@ std::vector<xcb_window_t> markedClients(const XcbConnection& connection, const s
     };
 
     std::vector<Node> level;
+    level.reserve(topLevel.size());
     for (const xcb_window_t window : topLevel) {
         level.push_back({window, level.size()});
     }
@@ -248,6 +249,7 @@ std::vector<xcb_window_t> markedClients(const XcbConnection& connection, const s
     for (int depth = 0; depth < deepestClient && !level.empty() && seen + level.size() <= mostWindows; ++depth) {
         seen += level.size();
         std::vector<std::pair<xcb_get_property_cookie_t, xcb_query_tree_cookie_t>> requests;
+        requests.reserve(level.size());
         for (const Node& node : level) {
             requests.emplace_back(requestProperty(connection, node.window, connection.windowStateAtom()),
                                   xcb_query_tree(connection, node.window));

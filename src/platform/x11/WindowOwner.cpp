@@ -10,7 +10,7 @@ namespace pelloran::x11 {
 
 namespace {
 
-constexpr qint64 longestCommandLine = 16 * 1024; // bytes; the name stands at its beginning
+constexpr qint64 longestCommandLine = 16'384; // bytes; the name stands at its beginning
 
 bool isAnyOf(QStringView text, auto... names) {
     return ((text.compare(names, Qt::CaseInsensitive) == 0) || ...);
@@ -44,7 +44,7 @@ bool isLauncher(QStringView windowClass) {
 
 QString programName(const QByteArray& commandLine, const QByteArray& shortName) {
     const QByteArrayList arguments = commandLine.split('\0');
-    const QString program = baseName(QString::fromUtf8(arguments.front()));
+    QString program = baseName(QString::fromUtf8(arguments.front()));
     if (!program.isEmpty() && !isLoader(program)) {
         return program;
     }

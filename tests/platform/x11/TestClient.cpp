@@ -190,6 +190,7 @@ void TestClient::setNumbers(xcb_window_t window, const char* property, const cha
 
 void TestClient::setAtoms(xcb_window_t window, const char* property, const std::vector<const char*>& names) {
     std::vector<std::uint32_t> values;
+    values.reserve(names.size());
     for (const char* name : names) {
         values.push_back(atom(name));
     }

@@ -22,8 +22,9 @@ struct WindowOptions {
     bool mapped = true;
     bool inputOnly = false;
     int border = 0;
-    int depth = 0;          // 0: the parent's; 32: with transparency
-    QImage background = {}; // painted by the server wherever the window is uncovered
+    int depth = 0; // 0: the parent's; 32: with transparency
+    // Painted by the server wherever the window is uncovered.
+    QImage background = {}; // NOLINT(readability-redundant-member-init): designated initialisers leave it out
 };
 
 // Another program on the display, as far as a test needs one. What it asks of the server has been done when a function
