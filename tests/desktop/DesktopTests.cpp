@@ -1,3 +1,4 @@
+#include "platform/x11/TestClient.h"
 #include "support/Printing.h"
 #include "support/ProgramRun.h"
 #include "support/VirtualDisplay.h"
@@ -109,18 +110,20 @@ protected:
         if (!VirtualDisplay::isInstalled() || !VirtualDisplay::isInstalled(QStringLiteral("openbox"))) {
             GTEST_SKIP() << "needs Xvfb and openbox";
         }
-        display = VirtualDisplay::start({QStringLiteral("-screen"), QStringLiteral("0"), QStringLiteral("1920x1080x24")});
+        display =
+            VirtualDisplay::start({QStringLiteral("-screen"), QStringLiteral("0"), QStringLiteral("1920x1080x24")});
         ASSERT_TRUE(display);
-        ASSERT_TRUE(display->startProgram(QStringLiteral("openbox"), {QStringLiteral("--sm-disable")}));
+        testing::TestClient client(display->name());
+        ASSERT_TRUE(testing::startWindowManager(*display, client));
         environment.insert(QStringLiteral("DISPLAY"), QString::fromLatin1(display->name()));
         ASSERT_TRUE(QDir().mkpath(logsDir));
     }
 
     void startPelloran(const QStringList& more = {}) {
         pelloran.start(QStringLiteral(PELLORAN_PROGRAM),
-                       QStringList{QStringLiteral("--no-panel"), QStringLiteral("--snapshots"), QStringLiteral("--logs-dir"),
-                                   logsDir}
-                           + more,
+                       QStringList{QStringLiteral("--no-panel"), QStringLiteral("--snapshots"),
+                                   QStringLiteral("--logs-dir"), logsDir} +
+                           more,
                        environment);
     }
 
@@ -140,9 +143,9 @@ protected:
                 expectOffers(kind, (*step)[QStringLiteral("offers")].toArray());
             } else if (kind == u"idle" || kind == u"end") {
                 EXPECT_TRUE(pelloran.waitFor([](const QJsonObject& snapshot) {
-                    return snapshot[QStringLiteral("phase")].toString() == u"idle"
-                           && !snapshot[QStringLiteral("inDraft")].toBool()
-                           && snapshot[QStringLiteral("cards")].toArray().isEmpty();
+                    return snapshot[QStringLiteral("phase")].toString() == u"idle" &&
+                           !snapshot[QStringLiteral("inDraft")].toBool() &&
+                           snapshot[QStringLiteral("cards")].toArray().isEmpty();
                 }));
             } else if (kind == u"chooseHero") {
                 EXPECT_TRUE(pelloran.waitFor([](const QJsonObject& snapshot) {
@@ -163,8 +166,8 @@ protected:
 
     void expectOffers(const QString& phase, const QJsonArray& offers) {
         const auto snapshot = pelloran.waitFor([&](const QJsonObject& candidate) {
-            return candidate[QStringLiteral("phase")].toString() == phase
-                   && names(candidate[QStringLiteral("cards")]) == names(offers);
+            return candidate[QStringLiteral("phase")].toString() == phase &&
+                   names(candidate[QStringLiteral("cards")]) == names(offers);
         });
         ASSERT_TRUE(snapshot) << "offered: " << names(offers).join(u", ").toStdString()
                               << "; last published: " << QJsonDocument(pelloran.last).toJson().toStdString();
@@ -201,7 +204,8 @@ TEST_F(DesktopTest, PublishesAnEnglishDraftAsItIsPlayed) {
 
 TEST_F(DesktopTest, PublishesAChineseDraftWithARedraftAsItIsPlayed) {
     startPelloran({QStringLiteral("--language"), QStringLiteral("zh")});
-    startStage({QStringLiteral("--scenario"), QStringLiteral("demo-zh"), QStringLiteral("--size"), QStringLiteral("1600x900")});
+    startStage({QStringLiteral("--scenario"), QStringLiteral("demo-zh"), QStringLiteral("--size"),
+                QStringLiteral("1600x900")});
     follow();
 }
 

@@ -251,4 +251,15 @@ bool TestClient::hasOwner(const char* selection) {
     return reply && reply->owner != XCB_WINDOW_NONE;
 }
 
+bool startWindowManager(VirtualDisplay& display, TestClient& client) {
+    const auto managesNewWindows = [&client] {
+        const xcb_window_t probe = client.create({});
+        const bool managed = eventually([&] { return client.parent(probe) != client.root(); }, 100);
+        client.destroy(probe);
+        return managed;
+    };
+    return display.startProgram(QStringLiteral("openbox"), {QStringLiteral("--sm-disable")}) &&
+           eventually(managesNewWindows);
+}
+
 } // namespace pelloran::testing

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/VirtualDisplay.h"
+
 #include <QByteArray>
 #include <QImage>
 #include <QRect>
@@ -75,5 +77,9 @@ private:
     xcb_connection_t* connection = nullptr;
     xcb_screen_t* screen = nullptr;
 };
+
+// Starts openbox on `client`'s display and waits until it puts new windows into frames: it announces itself before it
+// is ready, and forgets windows that are mapped in between. False when it does not come to that.
+bool startWindowManager(VirtualDisplay& display, TestClient& client);
 
 } // namespace pelloran::testing

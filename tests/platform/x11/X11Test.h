@@ -88,16 +88,7 @@ protected:
         if (!VirtualDisplay::isInstalled(QStringLiteral("openbox"))) {
             GTEST_SKIP() << "needs openbox, which is not installed";
         }
-        ASSERT_TRUE(display->startProgram(QStringLiteral("openbox"), {QStringLiteral("--sm-disable")}));
-        ASSERT_TRUE(eventually([this] { return managesNewWindows(); })) << "openbox does not come up";
-    }
-
-    // It announces itself before it is ready, and forgets windows that are mapped in between.
-    bool managesNewWindows() {
-        const xcb_window_t probe = client->create({});
-        const bool managed = eventually([&] { return client->parent(probe) != client->root(); }, 100);
-        client->destroy(probe);
-        return managed;
+        ASSERT_TRUE(startWindowManager(*display, *client)) << "openbox does not come up";
     }
 
     // Waits until the window manager has put the window into a frame and on the screen.
