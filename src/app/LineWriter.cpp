@@ -35,7 +35,7 @@ void LineWriter::write(const QByteArray& line) {
     if (pending.size() + line.size() > maximumPending) {
         if (!std::exchange(behind, true)) {
             log(QStringLiteral(
-                "the reader of the snapshots has fallen behind; lines are left out until it catches up"));
+                "the reader of the snapshots has fallen behind; lines that do not fit any more are left out"));
         }
         return;
     }

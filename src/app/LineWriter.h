@@ -8,12 +8,12 @@
 
 namespace pelloran {
 
-// Writes lines to a file descriptor, each at once, and never waits for who reads them: what a slow reader's pipe cannot
+// Writes lines to a file descriptor, each at once, and never waits for who reads a pipe: what a slow reader's cannot
 // take yet is written when it can. When the reader has gone the lines end, not the program. Main thread, with an event
 // loop. SIGPIPE must be ignored.
 class LineWriter final : public QObject {
 public:
-    // A reader that far behind has stalled: whole lines are left out until it catches up.
+    // A reader that far behind has stalled: lines that do not fit any more are left out, whole.
     static constexpr qsizetype maximumPending = 4 * 1024 * 1024; // bytes
 
     // Does not own `descriptor`.

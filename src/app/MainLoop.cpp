@@ -15,6 +15,7 @@
 #include "recognition/ScreenReader.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 
 #include <unistd.h>
 
@@ -50,6 +51,9 @@ int run(const RunLoop& command) {
 
     AppConfig config;
     config.logsDir = logsDirToRead(command.logsDir);
+    if (!QFileInfo(config.logsDir).isDir()) {
+        log(QStringLiteral("no log folder of the game found; waiting for one at %1").arg(config.logsDir));
+    }
     if (command.windowOwner) {
         config.windowOwnerHint = *command.windowOwner;
     }

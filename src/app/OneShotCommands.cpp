@@ -11,7 +11,6 @@
 
 #include <QElapsedTimer>
 #include <QImageReader>
-#include <QTextStream>
 
 #include <cstdio>
 #include <ctime>

@@ -2,7 +2,7 @@
 
 #include "app/CommandLine.h"
 
-// The commands that show one part at work: each prints JSON lines on standard output and diagnostics on standard error,
+// The commands that show one part at work: each prints its answer on standard output and diagnostics on standard error,
 // and gives the exit code (0: done, 1: failed). None needs a display; all need the application object.
 namespace pelloran {
 

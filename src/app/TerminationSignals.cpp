@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <csignal>
 
 namespace pelloran {
@@ -17,9 +18,13 @@ namespace {
 int writeEnd = -1;
 
 void tellEventLoop(int) {
+    const int error = errno; // of whatever was interrupted
     const char byte = 0;
     [[maybe_unused]] const ssize_t written = ::write(writeEnd, &byte, 1);
+    errno = error;
 }
+
+constexpr std::array terminating{SIGTERM, SIGINT, SIGHUP};
 
 } // namespace
 
@@ -35,10 +40,17 @@ TerminationSignals::TerminationSignals() {
     auto* notifier = new QSocketNotifier(ends[0], QSocketNotifier::Read, this);
     connect(notifier, &QSocketNotifier::activated, this, [notifier] {
         notifier->setEnabled(false);
+        // A second signal ends the program at once: the orderly end waits for the look under way, and that may wait for
+        // a display that hangs.
+        for (const int signal : terminating) {
+            std::signal(signal, SIG_DFL);
+        }
         QCoreApplication::quit();
     });
-    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
-        std::signal(signal, tellEventLoop);
+    for (const int signal : terminating) {
+        if (std::signal(signal, tellEventLoop) == SIG_IGN) {
+            std::signal(signal, SIG_IGN); // as whoever started the program wants it, such as nohup
+        }
     }
 }
 

@@ -177,7 +177,9 @@ void readArenaLog(QByteArrayView arenaLog, DraftState& state) {
         state.hasHero = true;
     } else {
         const QString clicked = choiceOnce(u'(' + LogPatterns::heroClicked.toString() + u')');
-        state.hasHero = LinePattern(clicked, " (HERO_").first(draft).has_value();
+        if (LinePattern(clicked, " (HERO_").first(draft)) {
+            state.hasHero = true;
+        }
     }
 
     if (const std::size_t listing = findLast(draft, LogPatterns::deckListing); listing != Bytes::npos) {

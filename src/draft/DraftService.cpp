@@ -107,15 +107,15 @@ void DraftService::beginTick() {
                   &reader = screenReader] { *answer = reader.look(hint, hints); },
                  this,
                  [this, answer, number, phase = state.phase] {
-                     if (!awaited || awaited->number != number) {
+                     if (!awaits(number)) {
                          return;
                      }
-                     const Awaited done = *std::exchange(awaited, std::nullopt);
-                     if (!done.dropped) {
+                     if (!awaited->dropped) {
                          finishTick(phase, *answer);
                      }
-                     if (done.tickAgain) {
-                         tick();
+                     // Unless the receiver of what was published has stopped the service.
+                     if (awaits(number) && std::exchange(awaited, std::nullopt)->tickAgain) {
+                         beginTick();
                      }
                  });
 }

@@ -28,7 +28,7 @@ class DraftServiceDelegate {
 public:
     virtual ~DraftServiceDelegate() = default;
 
-    // On the main thread.
+    // On the main thread. May call the service, but not destroy it.
     virtual void draftServiceDidUpdate(const OverlaySnapshot& snapshot) = 0;
 };
 
@@ -46,8 +46,7 @@ public:
     // All references must outlive the service; `screenReader` is used on the queue's thread only. Starts nothing.
     DraftService(const AppConfig& config, const WinrateStore& store, SerialQueue& queue, ScreenReader& screenReader);
 
-    // Ticks at once, then every `config.pollInterval` seconds, until stopped or destroyed. Starting again starts
-    // afresh.
+    // Ticks at once, then every `config.pollInterval` seconds from now, until stopped or destroyed.
     void start();
 
     // Ends the ticking and drops the answer that is still awaited.
@@ -67,12 +66,22 @@ public:
 
 private:
     using TileCache = std::map<QString, OverlayCardViewModel>; // by DraftSlot::key()
+
+    // A look at the window that has been asked for. Its number tells a late answer from the one awaited.
+    struct Awaited {
+        int number;
+        bool dropped;   // its answer counts no more
+        bool tickAgain; // once it has come
+    };
+
     using Look = std::expected<std::vector<OCRToken>, WindowCaptureError>;
 
     void timerFired();
     void beginTick();
     void finishTick(DraftPhase phase, const Look& look);
     void forgetTiles();
+
+    bool awaits(int look) const { return awaited && awaited->number == look; }
 
     // What becomes of one offer that recognition gave back: its figures if it was recognised.
     std::optional<OverlayCardViewModel> heroTile(const SlotMatch& match) const;
@@ -92,19 +101,12 @@ private:
     const CardRecognizer recognizer;
     SerialQueue& queue;
     ScreenReader& screenReader;
-    QTimer timer;
+    QTimer timer{this};
 
     TileCache lastGoodCardsBySlot;
     TileCache lastGoodHeroesBySlot;
     std::optional<OverlaySnapshot> lastGoodSnapshot; // the last with at least one recognised tile
     DraftPhase lastPhase = DraftPhase::idle;
-
-    // A look at the window that has been asked for. Its number tells a late answer from the one awaited.
-    struct Awaited {
-        int number;
-        bool dropped;   // its answer counts no more
-        bool tickAgain; // once it has come
-    };
 
     std::optional<Awaited> awaited;
     int looks = 0;

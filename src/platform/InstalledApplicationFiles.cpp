@@ -14,7 +14,7 @@ public:
     QString applicationSupportFolder() const override {
         const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
         // Qt hands on a relative $XDG_DATA_HOME, which is to be ignored: it would mean another folder at each start.
-        return QDir::isAbsolutePath(folder) ? folder : homeFolder() + QStringLiteral("/.local/share");
+        return QDir::isAbsolutePath(folder) ? QDir::cleanPath(folder) : homeFolder() + QStringLiteral("/.local/share");
     }
 
     // Beside the program in a build tree; once installed, where the system keeps resources (PELLORAN_RESOURCES,

@@ -23,7 +23,9 @@ void log(const QString& message) {
         sink()(message);
         return;
     }
-    const QByteArray line = QByteArrayLiteral("[Pelloran] ") + message.toUtf8() + '\n';
+    QByteArray line = QByteArrayLiteral("[Pelloran] ") + message.toUtf8();
+    line.replace('\n', ' ').replace('\r', ' '); // paths and the like come from outside
+    line += '\n';
     std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), stderr);
     std::fflush(stderr);
 }

@@ -7,7 +7,8 @@
 namespace pelloran {
 
 // Writes "[Pelloran] " and the message as one line to standard error, where diagnostics belong: standard output is kept
-// for snapshots and answers. From any thread; lines of several threads never mix.
+// for snapshots and answers. Line breaks in the message become spaces. From any thread; lines of several threads never
+// mix.
 void log(const QString& message);
 
 // Receives every later message, without the prefix, in place of standard error; an empty function restores standard

@@ -9,21 +9,23 @@ namespace pelloran {
 
 namespace {
 
-// QSettings speaks to each system's own store. One object serves all threads, under a lock: the store is small and
-// read far more often than written.
-class SettingsUserDefaults final : public UserDefaults {
+// QSettings speaks to each system's own store; objects on the same store share its contents.
+class Store final : public QSettings {
 public:
-    SettingsUserDefaults()
+    Store()
 #ifdef Q_OS_MACOS
-        : settings(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("com.local"),
-                   QStringLiteral("Pelloran"))
+        : QSettings(NativeFormat, UserScope, QStringLiteral("com.local"), QStringLiteral("Pelloran"))
 #else
-        : settings(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("Pelloran"), QStringLiteral("Pelloran"))
+        : QSettings(IniFormat, UserScope, QStringLiteral("Pelloran"), QStringLiteral("Pelloran"))
 #endif
     {
-        settings.setFallbacksEnabled(false);
+        setFallbacksEnabled(false);
     }
+};
 
+// One object serves all threads, under a lock: the store is small and read far more often than written.
+class SettingsUserDefaults final : public UserDefaults {
+public:
     std::optional<QString> string(const QString& key) const override {
         const std::scoped_lock lock(mutex);
         const QVariant value = settings.value(key);
@@ -35,17 +37,20 @@ public:
 
     void setString(const QString& key, const QString& value) override {
         const std::scoped_lock lock(mutex);
-        settings.setValue(key, value);
-        settings.sync();
-        if (settings.status() != QSettings::NoError) {
+        // An object's status stays with the first error it met, so each write has an object of its own. A garbled store
+        // is an error of its format only: it is written anew.
+        Store store;
+        store.setValue(key, value);
+        store.sync();
+        if (store.status() == QSettings::AccessError) {
             log(QStringLiteral("cannot store the choice \"%1\" in %2; it holds until the program ends")
-                    .arg(key, settings.fileName()));
+                    .arg(key, store.fileName()));
         }
     }
 
 private:
     mutable std::mutex mutex;
-    QSettings settings;
+    Store settings;
 };
 
 } // namespace

@@ -24,9 +24,9 @@ public:
 
     ScreenReader(MakeWindowServer makeWindowServer, MakeTextReader makeTextReader);
 
-    // Lines on the window whose owner or title holds `ownerHint`; with no `hints` the window is only captured and no
-    // text is read. A text reader that cannot be made is logged once, gives no lines, and is tried for again next time:
-    // the user may be installing what it lacks.
+    // Lines on the game's window, as WindowCapture::findHearthstone chooses it; with no `hints` the window is only
+    // captured and no text is read. A text reader that cannot be made is logged once, gives no lines, and is tried for
+    // again next time: the user may be installing what it lacks.
     std::expected<std::vector<OCRToken>, WindowCaptureError> look(const QString& ownerHint,
                                                                   const std::optional<ReadingHints>& hints);
 

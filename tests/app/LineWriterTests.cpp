@@ -5,6 +5,7 @@
 #include <QTest>
 
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <array>
@@ -90,11 +91,22 @@ TEST_F(LineWriterTest, LeavesOutWholeLinesForAStalledReader) {
 }
 
 TEST_F(LineWriterTest, EndsQuietlyWhenTheReaderHasGone) {
+    int told = 0;
+    setLogSink([&](const QString&) { ++told; });
     LineWriter writer(ends[1]);
     closeReader();
     writer.write("one\n");
+    // The same descriptor, readable again: what ended stays ended.
+    std::array<int, 2> others{};
+    ASSERT_EQ(::pipe(others.data()), 0);
+    ASSERT_EQ(::dup2(others[1], ends[1]), ends[1]);
+    ::close(others[1]);
+    ends[0] = others[0];
     writer.write("two\n");
     QCoreApplication::processEvents();
+    pollfd query{.fd = ends[0], .events = POLLIN, .revents = 0};
+    EXPECT_EQ(::poll(&query, 1, 0), 0) << "nothing arrives";
+    EXPECT_EQ(told, 0);
 }
 
 } // namespace

@@ -1,5 +1,4 @@
 #include "data/CardFile.h"
-
 #include "support/Printing.h"
 
 #include <gtest/gtest.h>

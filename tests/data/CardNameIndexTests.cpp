@@ -1,5 +1,4 @@
 #include "data/CardNameIndex.h"
-
 #include "NameMatchingReference.h"
 #include "support/Printing.h"
 #include "support/SharedData.h"

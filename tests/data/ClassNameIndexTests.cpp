@@ -1,5 +1,4 @@
 #include "data/ClassNameIndex.h"
-
 #include "NameMatchingReference.h"
 #include "support/Printing.h"
 
@@ -71,9 +70,9 @@ TEST(ClassNameIndex, FindsTheClassThatLinesName) {
          {u"同名"_s},
          ClassMatch{u"A"_s, 1, u"同名"_s}},
         {"names go before keys of other classes",
-         {classRow(u"AB"_s, u"甲"_s), classRow(u"CD"_s, u"乙"_s, u"ab"_s)},
-         {u"ab"_s},
-         ClassMatch{u"AB"_s, 1, u"ab"_s}},
+         {classRow(u"CD"_s, u"甲"_s, u"zz"_s), classRow(u"EF"_s, u"乙"_s, u"cd"_s)},
+         {u"cd"_s},
+         ClassMatch{u"EF"_s, 1, u"cd"_s}},
         {"first exact line ends the search",
          allClasses(),
          {u"Fireball"_s, u"Rogue"_s, u"Mage"_s},

@@ -1,5 +1,4 @@
 #include "data/WinrateFormats.h"
-
 #include "fakes/FakeSystemSettings.h"
 #include "fakes/FakeUserDefaults.h"
 #include "support/Printing.h"

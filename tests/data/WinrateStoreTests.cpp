@@ -1,5 +1,4 @@
 #include "data/WinrateStore.h"
-
 #include "fakes/FakeApplicationFiles.h"
 #include "fakes/FakeSystemSettings.h"
 #include "fakes/FakeUserDefaults.h"

@@ -157,6 +157,12 @@ TEST_F(DraftServiceTest, PublishesTheIdleMessageOutsideADraft) {
     EXPECT_FALSE(service->isInDraft);
     EXPECT_EQ(windowServer->captures, 0) << "outside a draft nobody looks at the window";
 
+    AppLanguage::setPreference(AppLanguage::zh);
+    service->relocalizeAndRefresh();
+    EXPECT_EQ(recorder->published.back().title, QStringLiteral("Pelloran · 竞技场"));
+    EXPECT_EQ(recorder->published.back().message, QStringLiteral("Waiting for Arena draft…"))
+        << "the message belongs to whoever set it";
+
     service->idleMessage = QStringLiteral("another line");
     EXPECT_EQ(tick().message, QStringLiteral("another line"));
 }
@@ -239,10 +245,13 @@ TEST_F(DraftServiceTest, KeepsTheTileOfASlotThatWasReadBefore) {
     setReads({"Chillwind Yeti", "", ""}); // stands at the left place
     EXPECT_EQ(names(tick()), list({"Chillwind Yeti", "Frostbolt", "Chillwind Yeti"}));
     setReads({"", "", "Fireball"});
-    const OverlaySnapshot later = tick();
-    EXPECT_EQ(names(later), list({"Chillwind Yeti", "Fireball", "Chillwind Yeti"}))
+    EXPECT_EQ(names(tick()), list({"Chillwind Yeti", "Fireball", "Chillwind Yeti"}))
         << "a single line at 0.6 is the middle offer";
-    EXPECT_EQ(later.cards[0].slotLabel, QStringLiteral("L"));
+    AppLanguage::setPreference(AppLanguage::zh);
+    setReads({"", "Frostbolt", ""});
+    const OverlaySnapshot relabelled = tick();
+    EXPECT_EQ(relabelled.cards[0].name, QStringLiteral("Chillwind Yeti")) << "as it was read";
+    EXPECT_EQ(relabelled.cards[0].slotLabel, QStringLiteral("左")) << "captions are of the moment";
 }
 
 TEST_F(DraftServiceTest, MarksCachedTilesAgainstTheirPresentNeighbours) {
@@ -290,7 +299,7 @@ TEST_F(DraftServiceTest, ForgetsExactlyWhatAChangeOfPhaseOutdates) {
     EXPECT_EQ(names(tick()), list({"Frostbolt", "Unrecognized", "Unrecognized"}));
 }
 
-TEST_F(DraftServiceTest, EntersADraftWithoutForgetting) {
+TEST_F(DraftServiceTest, ForgetsEverythingWhenTheDraftEnds) {
     writeLog(cardPickLog);
     setReads({"Fireball", "", ""});
     EXPECT_EQ(names(tick()), list({"Fireball", "Unrecognized", "Unrecognized"}));
@@ -338,7 +347,7 @@ TEST_F(DraftServiceTest, StatusLeavesTheTilesAlone) {
     EXPECT_EQ(names(tick()), list({"Fireball", "Frostbolt", "Unrecognized"}));
 }
 
-TEST_F(DraftServiceTest, UnknownFiguresCountAsUnread) {
+TEST_F(DraftServiceTest, KeepsTheTileOfAClassThatTheDataHasLost) {
     writeLog(heroPickLog);
     setReads({"Mage", "", ""});
     tick();
@@ -373,7 +382,9 @@ TEST_F(DraftServiceTest, DropsSnapshotsWithoutADelegate) {
     service->tick();
     recorder.reset();
     queue.finishNext();
-    EXPECT_TRUE(service->delegate.expired()) << "held weakly";
+    recorder = std::make_shared<Recorder>();
+    service->delegate = recorder;
+    EXPECT_EQ(tick().phase, DraftPhase::cardPick) << "the service goes on";
 }
 
 TEST_F(DraftServiceTest, DoesNotReadTextWithoutAReader) {
@@ -443,12 +454,51 @@ TEST_F(DraftServiceTest, DropsTheAnswerOnceStopped) {
     EXPECT_EQ(recorder->published.size(), 1U);
 }
 
+TEST_F(DraftServiceTest, MayBeStoppedByWhoReceivesASnapshot) {
+    struct Stopper final : DraftServiceDelegate {
+        void draftServiceDidUpdate(const OverlaySnapshot&) override {
+            ++published;
+            service->stop();
+        }
+
+        DraftService* service = nullptr;
+        int published = 0;
+    };
+
+    const auto stopper = std::make_shared<Stopper>();
+    stopper->service = &*service;
+    service->delegate = stopper;
+    writeLog(cardPickLog);
+    service->tick();
+    service->tick(); // asks for one more, which the stop takes back
+    queue.finishNext();
+    EXPECT_EQ(stopper->published, 1);
+    EXPECT_EQ(queue.waiting(), 0U);
+}
+
 TEST_F(DraftServiceTest, SurvivesItsEndDuringATick) {
     writeLog(cardPickLog);
     service->tick();
     service.reset();
     queue.finishNext();
     EXPECT_TRUE(recorder->published.empty());
+}
+
+TEST_F(DraftServiceTest, TicksEveryNineTenthsOfASecondUntilStopped) {
+    writeLog(idleLog);
+    const QTimer* timer = service->findChild<QTimer*>();
+    ASSERT_TRUE(timer);
+    EXPECT_FALSE(timer->isActive()) << "starts nothing by itself";
+    service->start();
+    EXPECT_TRUE(timer->isActive());
+    EXPECT_FALSE(timer->isSingleShot());
+    EXPECT_EQ(timer->interval(), 900);
+    service->start();
+    EXPECT_EQ(recorder->published.size(), 2U) << "every start ticks at once";
+    service->stop();
+    EXPECT_FALSE(timer->isActive());
+    service->start();
+    EXPECT_TRUE(timer->isActive());
 }
 
 TEST_F(DraftServiceTest, TicksAtOnceAndThenAgainAndAgain) {

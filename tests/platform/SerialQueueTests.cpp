@@ -66,7 +66,7 @@ TEST_F(SerialQueueTest, DeliversOnlyFromTheEventLoop) {
     EXPECT_TRUE(waitFor([&] { return delivered; }));
 }
 
-TEST_F(SerialQueueTest, WorkMaySubmittedFromADelivery) {
+TEST_F(SerialQueueTest, WorkMayBeSubmittedFromADelivery) {
     int delivered = 0;
     queue->submit([] {}, &receiver,
                   [&] {

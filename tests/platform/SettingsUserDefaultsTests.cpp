@@ -121,6 +121,14 @@ TEST_F(SettingsUserDefaultsTest, AFileThatIsNoStoreIsNoChoice) {
     }
 }
 
+TEST_F(SettingsUserDefaultsTest, AFileThatIsNoStoreIsWrittenAnew) {
+    writeFile("[[[[\n====\n%%%");
+    const auto defaults = UserDefaults::create();
+    defaults->setString(key, QStringLiteral("zh"));
+    EXPECT_EQ(defaults->string(key), QStringLiteral("zh"));
+    EXPECT_TRUE(logged.isEmpty()) << logged.join(u'\n').toStdString();
+}
+
 TEST_F(SettingsUserDefaultsTest, AStoreThatCannotBeWrittenIsLoggedAndTheValueHolds) {
     QFile inTheWay(programFolder); // a file where the folder belongs stops even the superuser
     ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
@@ -131,6 +139,10 @@ TEST_F(SettingsUserDefaultsTest, AStoreThatCannotBeWrittenIsLoggedAndTheValueHol
     ASSERT_EQ(logged.size(), 1);
     EXPECT_TRUE(logged.front().contains(key)) << logged.front().toStdString();
     EXPECT_TRUE(logged.front().contains(path)) << logged.front().toStdString();
+
+    ASSERT_TRUE(inTheWay.remove());
+    defaults->setString(key, QStringLiteral("en"));
+    EXPECT_EQ(logged.size(), 1) << "an error of the past is not told again";
 }
 
 TEST_F(SettingsUserDefaultsTest, IsSafeFromAnyThread) {

@@ -8,7 +8,9 @@
 #include <QTest>
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <array>
 #include <csignal>
 
 // The program as its users start it, without a display.
@@ -148,10 +150,13 @@ TEST_F(ProgramTest, NamesThePackageThatReadingLacks) {
         run({QStringLiteral("recognize"), QStringLiteral("--phase=heroPick"), QStringLiteral("x.png")});
     EXPECT_EQ(answer.exitCode, 1);
     EXPECT_TRUE(answer.standardError.contains("tesseract-ocr-")) << answer.standardError.toStdString();
+    for (const QByteArray& line : answer.standardError.trimmed().split('\n')) {
+        EXPECT_TRUE(line.startsWith("[Pelloran] ")) << line.toStdString();
+    }
 }
 
 TEST_F(ProgramTest, PublishesFromTheFirstTickAndEndsWhenTold) {
-    for (const int signal : {SIGTERM, SIGINT}) {
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
         QProcess process;
         process.setProcessEnvironment(environment);
         process.start(program, {QStringLiteral("--snapshots"), QStringLiteral("--logs-dir"), path("logs"),
@@ -186,14 +191,27 @@ TEST_F(ProgramTest, TellsOfTheMissingWindowWithoutADisplay) {
 }
 
 TEST_F(ProgramTest, OutlivesTheReaderOfItsLines) {
+    std::array<int, 2> ends{};
+    ASSERT_EQ(::pipe(ends.data()), 0);
     QProcess process;
     process.setProcessEnvironment(environment);
+    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    process.setChildProcessModifier([&ends] {
+        ::dup2(ends[1], STDOUT_FILENO);
+        ::close(ends[0]);
+        ::close(ends[1]);
+    });
     process.start(program, {QStringLiteral("--logs-dir"), path("logs")});
-    ASSERT_TRUE(QTest::qWaitFor([&] { return process.canReadLine(); }, 20'000));
-    process.closeReadChannel(QProcess::StandardOutput);
+    ASSERT_TRUE(process.waitForStarted());
+    ::close(ends[1]);
+    char first = 0;
+    EXPECT_EQ(::read(ends[0], &first, 1), 1);
+    EXPECT_EQ(first, '{');
+    ::close(ends[0]);
     EXPECT_FALSE(process.waitForFinished(2'500)) << "two more ticks have met the closed pipe";
     process.terminate();
     ASSERT_TRUE(process.waitForFinished(20'000));
+    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(process.exitCode(), 0);
 }
 

@@ -30,6 +30,7 @@ const QByteArray cardFile = R"({"player_class": "ALL", "time_range": "TEST", "ca
 const QByteArray classFile = R"({"classes": [
     {"player_class": "MAGE", "name_zh": "法师", "name_en": "Mage"},
     {"player_class": "DRUID", "name_zh": "德鲁伊", "name_en": "Druid"},
+    {"player_class": "DEMONHUNTER", "name_zh": "恶魔猎手"},
     {"player_class": "ROGUE", "name_zh": "潜行者", "name_en": "Rogue"},
     {"player_class": "SHAMAN", "name_zh": "萨满祭司", "name_en": "Shaman"},
     {"player_class": "WARLOCK", "name_zh": "术士", "name_en": "Warlock"}
@@ -164,6 +165,8 @@ TEST(MergeHeroes, PrefersTheLowerOfEqualLines) {
         {"clearly better, wherever it lies", 0.90, 0.5, 0.93, 0.4, true},
         {"clearly worse, wherever it lies", 0.93, 0.4, 0.90, 0.5, false},
         {"equal at the same height", 0.95, 0.5, 0.95, 0.5, false},
+        {"the margin itself is within: better and lower", 0.0, 0.4, 0.02, 0.5, true},
+        {"the margin itself is within: better and higher up", 0.0, 0.5, 0.02, 0.4, false},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
@@ -209,7 +212,7 @@ TEST_F(CardRecognizerTest, KeepsOnlyCardTokensThatCanBeNames) {
         {"right edge counts", token("Fireball", 0.72), true},
         {"in the deck list", token("Fireball", 0.7201), false},
         {"one character is too short", token("法", 0.2), false},
-        {"two characters are enough", token("火球", 0.2), false}, // length passes, the score (0.63) does not
+        {"two characters are enough", token("极限", 0.2), true},
         {"fourteen characters", token("Zbcdefghijklmn", 0.2), true},
         {"fifteen characters are too long", token("Abcdefghijklmno", 0.2), false},
         {"digits and spaces do not count as characters", token("Z bcdefghijklmn 12", 0.2), true},
@@ -240,6 +243,7 @@ TEST_F(CardRecognizerTest, KeepsOnlyHeroTokensInTheirBand) {
         {"right edge counts", token("Mage", 0.92), true},
         {"right of it", token("Mage", 0.9201), false},
         {"an alias counts", token("萨满", 0.2), true},
+        {"of whatever length", token("瞎", 0.2), true},
         {"a single character is no class", token("法", 0.2), false},
         {"contained, but too little alike", token("Magee", 0.2), false}, // 0.95 * 4 / 5
     };

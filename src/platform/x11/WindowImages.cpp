@@ -40,6 +40,7 @@ public:
     ~WindowPixmap() {
         if (exists) {
             xcb_free_pixmap(connection, pixmap);
+            xcb_flush(connection); // the next request may be hours away, and this is a whole window's memory
         }
     }
 

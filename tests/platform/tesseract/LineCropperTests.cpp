@@ -1,6 +1,5 @@
-#include "platform/tesseract/LineCropper.h"
-
 #include "PaintedText.h"
+#include "platform/tesseract/LineCropper.h"
 
 #include <gtest/gtest.h>
 

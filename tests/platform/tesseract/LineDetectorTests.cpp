@@ -1,6 +1,5 @@
-#include "platform/tesseract/LineDetector.h"
-
 #include "PaintedText.h"
+#include "platform/tesseract/LineDetector.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,5 @@
-#include "platform/tesseract/LineReader.h"
-
 #include "PaintedText.h"
+#include "platform/tesseract/LineReader.h"
 #include "support/Printing.h"
 
 #include <QTemporaryDir>

@@ -1,6 +1,5 @@
-#include "platform/TextReader.h"
-
 #include "PaintedText.h"
+#include "platform/TextReader.h"
 #include "support/Printing.h"
 #include "support/SharedData.h"
 

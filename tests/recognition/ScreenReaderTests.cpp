@@ -1,0 +1,105 @@
+#include "fakes/FakeTextReader.h"
+#include "fakes/FakeWindowServer.h"
+#include "platform/Log.h"
+#include "recognition/ScreenReader.h"
+#include "support/Printing.h"
+
+#include <gtest/gtest.h>
+
+namespace pelloran {
+namespace {
+
+using testing::FakeTextReader;
+using testing::FakeWindowServer;
+
+class ScreenReaderTest : public ::testing::Test {
+protected:
+    ScreenReaderTest() {
+        setLogSink([this](const QString& message) { logged.append(message); });
+        textReader->tokens = {{QStringLiteral("Fireball"), 1, 0.2, 0.5, 0.1, 0.02}};
+        textReader->scales = true;
+    }
+
+    ~ScreenReaderTest() override { setLogSink({}); }
+
+    void showWindow() {
+        windowServer->onScreen = {{WindowDescription{
+            .number = 5,
+            .ownerName = QStringLiteral("Hearthstone"),
+            .name = {},
+            .layer = 0,
+            .bounds = WindowBounds{0, 0, 1920, 1080},
+        }}};
+        windowServer->images[5] = QImage(192, 108, QImage::Format_RGB32);
+    }
+
+    std::unique_ptr<FakeWindowServer> ownedWindowServer = std::make_unique<FakeWindowServer>();
+    std::unique_ptr<FakeTextReader> ownedTextReader = std::make_unique<FakeTextReader>();
+    FakeWindowServer* windowServer = ownedWindowServer.get();
+    FakeTextReader* textReader = ownedTextReader.get();
+    bool readerMissing = false;
+    int windowServersMade = 0;
+    int textReadersMade = 0;
+    QStringList logged;
+    ScreenReader screen{
+        [this] {
+            ++windowServersMade;
+            return std::move(ownedWindowServer);
+        },
+        [this]() -> std::expected<std::unique_ptr<TextReader>, TextReader::Unavailable> {
+            if (readerMissing) {
+                return std::unexpected(TextReader::Unavailable{QStringLiteral("install it")});
+            }
+            ++textReadersMade;
+            return std::move(ownedTextReader);
+        },
+    };
+};
+
+TEST_F(ScreenReaderTest, MakesWhatItUsesAtTheFirstNeedAndOnce) {
+    EXPECT_EQ(windowServersMade, 0) << "nothing on the thread that makes it";
+    EXPECT_EQ(screen.look({}, ReadingHints()).error(), WindowCaptureError::noWindow);
+    EXPECT_EQ(windowServersMade, 1);
+    EXPECT_EQ(textReadersMade, 0) << "without a window there is nothing to read";
+    showWindow();
+    for (int look = 0; look < 2; ++look) {
+        EXPECT_EQ(screen.look({}, ReadingHints()), textReader->tokens);
+    }
+    EXPECT_EQ(windowServersMade, 1);
+    EXPECT_EQ(textReadersMade, 1);
+}
+
+TEST_F(ScreenReaderTest, CapturesButDoesNotReadWithoutHints) {
+    showWindow();
+    const auto tokens = screen.look({}, std::nullopt);
+    ASSERT_TRUE(tokens);
+    EXPECT_TRUE(tokens->empty());
+    EXPECT_EQ(windowServer->captures, 1);
+    EXPECT_EQ(textReadersMade, 0);
+    windowServer->failNext(WindowGone{});
+    EXPECT_EQ(screen.look({}, std::nullopt).error(), WindowCaptureError::captureFailed);
+}
+
+TEST_F(ScreenReaderTest, HandsOnWhyThereIsNoPicture) {
+    showWindow();
+    windowServer->failNext(CaptureDenied{});
+    EXPECT_EQ(screen.look({}, ReadingHints()).error(), WindowCaptureError::captureFailed);
+    windowServer->images[5] = QImage();
+    EXPECT_EQ(screen.look({}, ReadingHints()).error(), WindowCaptureError::zeroSize);
+}
+
+TEST_F(ScreenReaderTest, TellsOnceOfAMissingReaderAndTriesAgain) {
+    showWindow();
+    readerMissing = true;
+    for (int look = 0; look < 3; ++look) {
+        const auto tokens = screen.look({}, ReadingHints());
+        ASSERT_TRUE(tokens);
+        EXPECT_TRUE(tokens->empty());
+    }
+    EXPECT_EQ(logged, QStringList{QStringLiteral("install it")});
+    readerMissing = false;
+    EXPECT_EQ(screen.look({}, ReadingHints()), textReader->tokens);
+}
+
+} // namespace
+} // namespace pelloran
