@@ -14,7 +14,7 @@ namespace pelloran {
 class LineWriter final : public QObject {
 public:
     // A reader that far behind has stalled: lines that do not fit any more are left out, whole.
-    static constexpr qsizetype maximumPending = 4 * 1024 * 1024; // bytes
+    static constexpr qsizetype maximumPending = qsizetype{4} * 1024 * 1024; // bytes
 
     // Does not own `descriptor`.
     explicit LineWriter(int descriptor);

@@ -23,7 +23,7 @@ public:
                                     const QString& subfolder) const override {
         const QString relative = subfolder + u'/' + baseName + u'.' + extension;
         for (const QString& folder : {QStringLiteral("resources"), QStringLiteral(PELLORAN_RESOURCES)}) {
-            const QString path = QDir::cleanPath(executableFolder() + u'/' + folder + u'/' + relative);
+            QString path = QDir::cleanPath(executableFolder() + u'/' + folder + u'/' + relative);
             if (QFileInfo(path).isFile()) {
                 return path;
             }
