@@ -38,9 +38,11 @@ struct Attempt {
 };
 
 constexpr std::array attempts{
-    Attempt{{.inkLevel = 0.58, .otherTurn = false}, 1},    Attempt{{.inkLevel = 0.58, .otherTurn = true}, 1},
-    Attempt{{.inkLevel = 0.48, .otherTurn = false}, 0.65}, Attempt{{.inkLevel = 0.70, .otherTurn = false}, 1.45},
-    Attempt{{.inkLevel = 0.58, .otherTurn = false}, 0.4},
+    Attempt{{}, 1},
+    Attempt{{.otherTurn = true}, 1},
+    Attempt{{.inkLevel = 0.48}, 0.65},
+    Attempt{{.inkLevel = 0.70}, 1.45},
+    Attempt{{}, 0.4},
 };
 
 // The game keeps its proportions and is as tall as the window, unless that is narrower than 4:3.
