@@ -11,7 +11,7 @@ namespace pelloran {
 
 // How to tell letters from what is behind them; readings that fail are worth a second try with other values.
 struct Cleaning {
-    double inkLevel = 0.60; // of the line's own brightness: darker pixels are outline or background
+    double inkLevel = 0.58; // of the line's own brightness: darker pixels are outline or background
     bool otherTurn = false; // take letters for turned with the line where they seem only moved, and the other way round
 };
 

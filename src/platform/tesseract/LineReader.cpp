@@ -1,5 +1,6 @@
 #include "LineReader.h"
 
+#include <QDir>
 #include <QStringList>
 
 #include <dlfcn.h>
@@ -27,6 +28,15 @@ QString packageOf(Script script) {
     return script == Script::latin ? QStringLiteral("tesseract-ocr-eng") : QStringLiteral("tesseract-ocr-chi-sim");
 }
 
+QString reasonFor(const std::vector<Script>& missing) {
+    QStringList packages;
+    for (const Script script : missing) {
+        packages.append(packageOf(script));
+    }
+    return QStringLiteral("Tesseract has no data for reading the game's letters; please install %1.")
+        .arg(packages.join(QStringLiteral(" and ")));
+}
+
 // Tesseract spreads each line over all processors with OpenMP, which costs several times the work and gains nothing on
 // lines this small. The setting belongs to a thread, and the environment variable for it is read before main(). Found
 // at run time: which OpenMP is loaded is Tesseract's choice.
@@ -37,14 +47,30 @@ void keepTesseractOnThisThread() {
     }
 }
 
+// Some of Tesseract's settings belong to the process. Held while they may be read or written.
+std::mutex settingUp;
+
+// The folder that Tesseract would look into. Also keeps it from writing to standard error from now on, which it does
+// about every file it does not find; that setting is the process's.
+QString systemFolder() {
+    const std::scoped_lock lock(settingUp);
+    tesseract::TessBaseAPI api;
+    static const bool isQuiet = api.SetVariable("debug_file", "/dev/null");
+    (void)isQuiet;
+    // It tells only after it has looked, for which no language is needed.
+    api.Init(nullptr, "none", tesseract::OEM_LSTM_ONLY);
+    return QString::fromLocal8Bit(api.GetDatapath());
+}
+
 // One network, on one thread.
 class Network {
 public:
     bool load(Script script, const QString& dataFolder) {
         const QByteArray folder = dataFolder.toLocal8Bit();
         // Names of cards are not words: the dictionaries would only pull them towards some.
-        std::vector<std::string> names{"load_system_dawg", "load_freq_dawg", "debug_file"};
-        std::vector<std::string> values{"0", "0", "/dev/null"};
+        std::vector<std::string> names{"load_system_dawg", "load_freq_dawg"};
+        std::vector<std::string> values{"0", "0"};
+        const std::scoped_lock lock(settingUp);
         if (api.Init(dataFolder.isEmpty() ? nullptr : folder.constData(), languageOf(script), tesseract::OEM_LSTM_ONLY,
                      nullptr, 0, &names, &values, false) != 0) {
             return false;
@@ -169,15 +195,21 @@ LineReader::LineReader(std::unique_ptr<Pool> workers)
 LineReader::~LineReader() = default;
 
 std::expected<std::unique_ptr<LineReader>, QString> LineReader::create(const QString& dataFolder) {
-    auto pool = std::make_unique<Pool>(dataFolder);
-    QStringList packages;
-    for (const Script script : pool->missing()) {
-        packages.append(packageOf(script));
+    const QString systems = systemFolder();
+    const QDir folder(dataFolder.isEmpty() ? systems : dataFolder);
+    // Before any network is loaded: one of them may be there, and a caller may ask again every second.
+    std::vector<Script> missing;
+    for (const Script script : scripts) {
+        if (!folder.exists(QString::fromLatin1(languageOf(script)) + QStringLiteral(".traineddata"))) {
+            missing.push_back(script);
+        }
     }
-    if (!packages.isEmpty()) {
-        return std::unexpected(
-            QStringLiteral("Tesseract has no data for reading the game's letters; please install %1.")
-                .arg(packages.join(QStringLiteral(" and "))));
+    if (!missing.empty()) {
+        return std::unexpected(reasonFor(missing));
+    }
+    auto pool = std::make_unique<Pool>(dataFolder);
+    if (missing = pool->missing(); !missing.empty()) {
+        return std::unexpected(reasonFor(missing));
     }
     return std::unique_ptr<LineReader>(new LineReader(std::move(pool)));
 }

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <numeric>
 
 namespace pelloran {
 
@@ -37,9 +38,11 @@ struct Attempt {
 };
 
 constexpr std::array attempts{
-    Attempt{{.inkLevel = 0.58, .otherTurn = false}, 1},    Attempt{{.inkLevel = 0.58, .otherTurn = true}, 1},
-    Attempt{{.inkLevel = 0.48, .otherTurn = false}, 0.65}, Attempt{{.inkLevel = 0.70, .otherTurn = false}, 1.45},
-    Attempt{{.inkLevel = 0.58, .otherTurn = false}, 0.4},
+    Attempt{{}, 1},
+    Attempt{{.otherTurn = true}, 1},
+    Attempt{{.inkLevel = 0.48}, 0.65},
+    Attempt{{.inkLevel = 0.70}, 1.45},
+    Attempt{{}, 0.4},
 };
 
 // The game keeps its proportions and is as tall as the window, unless that is narrower than 4:3.
@@ -57,14 +60,41 @@ Script other(Script script) {
     return script == Script::latin ? Script::chinese : Script::latin;
 }
 
+// Length of the longest common subsequence.
+int commonLength(QStringView a, QStringView b) {
+    std::vector<int> row(std::size_t(b.size()) + 1);
+    for (const QChar character : a) {
+        int diagonal = 0;
+        for (std::size_t i = 1; i < row.size(); ++i) {
+            const int above = row[i];
+            row[i] = character == b[qsizetype(i) - 1] ? diagonal + 1 : std::max(row[i - 1], above);
+            diagonal = above;
+        }
+    }
+    return row.back();
+}
+
+// How close `text` comes to the nearest of `names`: 1 for the same, 0 for nothing in common.
+double resemblance(const QString& text, const KnownNames& names) {
+    const QString normalized = names.normalize ? names.normalize(text) : text;
+    double best = 0;
+    for (const QString& name : names.normalized) {
+        const double length = double(name.size() + normalized.size());
+        if (2 * double(std::min(name.size(), normalized.size())) > best * length) {
+            best = std::max(best, 2 * commonLength(normalized, name) / length);
+        }
+    }
+    return best;
+}
+
 // A line in the picture and what has been made of it.
 struct Line {
     TextBox box; // in pixels of the image
     Plane crop;
     QPoint origin; // of the crop, in the image
     std::optional<CleanLine> clean;
-    std::vector<LineReading> readings; // different ones
-    bool known = false;                // the reading is one of the known names
+    std::vector<LineReading> readings; // different ones; only the known name where there is one
+    bool known = false;
 };
 
 // The lines of one image, read row by row.
@@ -91,24 +121,19 @@ public:
         const std::vector<LineRow> rows = rowsOf(boxes, unit, order);
         for (const LineRow& row : rows) {
             readOnce(row, attempts.front());
-            if (hasKnown(row)) {
-                return finishRow(row);
+            if (hasKnown(row) && finishes(row)) {
+                return tokensOfNames();
             }
             if (readings >= mostReadings) {
                 break;
             }
         }
         for (const LineRow& row : rows) {
-            retry(row);
-            if (hasKnown(row)) {
-                return finishRow(row);
+            if (!hasKnown(row) && finishes(row)) {
+                break;
             }
         }
-        LineRow all;
-        for (std::size_t index = 0; index < lines.size(); ++index) {
-            all.push_back(index);
-        }
-        return tokensOf(all);
+        return tokensOfNames();
     }
 
 private:
@@ -116,14 +141,15 @@ private:
     void cleanLines();
     Line lineAt(const TextBox& box) const;
     std::optional<std::size_t> findThird(const LineRow& row, std::size_t place);
-    std::vector<OCRToken> finishRow(LineRow row);
+    bool finishes(LineRow row);
     bool hasKnown(const LineRow& row) const;
     void retry(const LineRow& row);
     void readOnce(const LineRow& row, const Attempt& attempt);
     std::vector<LineReading> readWith(Script script, const LineRow& row, double margin);
     double worth(const std::vector<LineReading>& results) const;
     Script guess(const LineRow& row) const;
-    std::vector<OCRToken> tokensOf(const LineRow& row) const;
+    const LineReading& bestOf(const Line& line) const;
+    std::vector<OCRToken> tokensOfNames() const;
 
     // A list with an unnamed entry must not make a name of every number.
     bool isKnown(const QString& text) const {
@@ -138,6 +164,7 @@ private:
     std::vector<Line> lines;
     Plane plane; // of `planeArea` of the image
     QRect planeArea;
+    LineRow names;                // all three, left to right, once known
     std::optional<Script> script; // of this image, once sure
     std::size_t readings = 0;
 };
@@ -192,23 +219,30 @@ std::optional<std::size_t> Reading::findThird(const LineRow& row, std::size_t pl
     return lines.size() - 1;
 }
 
-// Reads on in the row of names until each is known or everything has been tried.
-std::vector<OCRToken> Reading::finishRow(LineRow row) {
+// Reads on in a row until each name is known or everything has been tried. True if this is the row of names: a known
+// name on its own may be a word of the rules, beside other lines it is an offer.
+bool Reading::finishes(LineRow row) {
     retry(row);
+    if (!hasKnown(row)) {
+        return false;
+    }
     if (row.size() == 2) {
         for (std::size_t place = 0; place < 3; ++place) {
             if (const auto third = findThird(row, place)) {
                 readOnce({*third}, attempts.front());
                 retry({*third});
-                row.push_back(*third);
                 if (lines[*third].known) {
+                    row.insert(row.begin() + std::ptrdiff_t(place), *third);
                     break;
                 }
-                row.pop_back(); // a guess at a place is no line of text
+                lines.pop_back(); // a guess at a place is no line of text
             }
         }
     }
-    return tokensOf(row);
+    if (row.size() == 3 && std::ranges::all_of(row, [this](std::size_t index) { return lines[index].known; })) {
+        names = row;
+    }
+    return row.size() > 1;
 }
 
 void Reading::cleanLines() {
@@ -219,7 +253,6 @@ void Reading::cleanLines() {
         lines, [](const Line& line) { return !line.clean || line.clean->rows != 1 || line.clean->fill > fullestLine; });
 }
 
-// The names of the three offers stand in one row: when one of them is known, nothing outside the row matters.
 bool Reading::hasKnown(const LineRow& row) const {
     return std::ranges::any_of(row, [&](std::size_t index) { return lines[index].known; });
 }
@@ -307,16 +340,36 @@ Script Reading::guess(const LineRow& row) const {
     return runs > denseLetters * double(row.size()) ? Script::chinese : Script::latin;
 }
 
-std::vector<OCRToken> Reading::tokensOf(const LineRow& row) const {
+// One reading a line: two that resemble different names would make two offers of one. Confidence is a poor judge of
+// misread names; how close they come to a name that exists is a good one.
+const LineReading& Reading::bestOf(const Line& line) const {
+    if (line.readings.size() == 1 || !hints.names) {
+        return *std::ranges::max_element(line.readings, {}, &LineReading::confidence);
+    }
+    return *std::ranges::max_element(line.readings, {}, [this](const LineReading& reading) {
+        return std::pair(resemblance(reading.text, *hints.names), reading.confidence);
+    });
+}
+
+// With three names of one row known, those. Otherwise every line that was read: a name misread by a letter is still
+// one to whoever compares it with the list, and no known word elsewhere may hide it.
+std::vector<OCRToken> Reading::tokensOfNames() const {
+    LineRow wanted = names;
+    if (wanted.empty()) {
+        wanted.resize(lines.size());
+        std::iota(wanted.begin(), wanted.end(), 0);
+    }
     std::vector<OCRToken> tokens;
-    for (const std::size_t index : row) {
+    for (const std::size_t index : wanted) {
         const Line& line = lines[index];
-        const QRectF box(line.clean->area.translated(line.origin));
-        for (const LineReading& reading : line.readings) {
-            tokens.push_back({reading.text, reading.confidence, box.center().x() / image.width(),
-                              box.center().y() / image.height(), box.width() / image.width(),
-                              box.height() / image.height()});
+        if (line.readings.empty()) {
+            continue;
         }
+        const QRectF box(line.clean->area.translated(line.origin));
+        const LineReading& reading = bestOf(line);
+        tokens.push_back({reading.text, reading.confidence, box.center().x() / image.width(),
+                          box.center().y() / image.height(), box.width() / image.width(),
+                          box.height() / image.height()});
     }
     return tokens;
 }

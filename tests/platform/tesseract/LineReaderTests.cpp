@@ -2,6 +2,7 @@
 #include "platform/tesseract/LineReader.h"
 #include "support/Printing.h"
 
+#include <QFile>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -23,6 +24,22 @@ TEST(LineReaderTest, MissingDataNamesThePackagesToInstall) {
     ASSERT_FALSE(reader);
     EXPECT_TRUE(reader.error().contains(QStringLiteral("tesseract-ocr-eng"))) << reader.error().toStdString();
     EXPECT_TRUE(reader.error().contains(QStringLiteral("tesseract-ocr-chi-sim"))) << reader.error().toStdString();
+}
+
+TEST(LineReaderTest, MissingDataIsToldOnceAndOnlyByTheError) {
+    const QTemporaryDir folder;
+    QFile half(folder.filePath(QStringLiteral("eng.traineddata")));
+    ASSERT_TRUE(half.open(QIODevice::WriteOnly));
+    ::testing::internal::CaptureStderr();
+    const auto oneMissing = LineReader::create(folder.path());
+    half.copy(folder.filePath(QStringLiteral("chi_sim.traineddata")));
+    const auto unusable = LineReader::create(folder.path());
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+    ASSERT_FALSE(oneMissing);
+    EXPECT_FALSE(oneMissing.error().contains(QStringLiteral("tesseract-ocr-eng")));
+    EXPECT_TRUE(oneMissing.error().contains(QStringLiteral("tesseract-ocr-chi-sim")));
+    ASSERT_FALSE(unusable) << "empty files";
+    EXPECT_TRUE(unusable.error().contains(QStringLiteral("tesseract-ocr-eng")));
 }
 
 TEST(LineReaderTest, AnswersStandInTheOrderOfTheWork) {

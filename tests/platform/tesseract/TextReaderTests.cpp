@@ -93,6 +93,50 @@ TEST_F(TextReaderTest, ReadsWithoutKnowingTheNames) {
     EXPECT_EQ(texts, expected);
 }
 
+TEST_F(TextReaderTest, AKnownWordOfTheRulesHidesNoMisreadName) {
+    struct Row {
+        QStringList names;
+        QStringList expected;
+        const char* why;
+    };
+
+    const Row table[] = {
+        {{QStringLiteral("Titles"), QStringLiteral("Lifes"), QStringLiteral("Hilts"), QStringLiteral("Felt")},
+         {QStringLiteral("FELT"), QStringLiteral("HILT"), QStringLiteral("LIFE"), QStringLiteral("TITLE")},
+         "three names a letter away, a known word below them"},
+        {{QStringLiteral("Title"), QStringLiteral("Lifes"), QStringLiteral("Hilts"), QStringLiteral("Felt")},
+         {QStringLiteral("HILT"), QStringLiteral("LIFE"), QStringLiteral("TITLE")},
+         "one name right, which tells the row"},
+        {offers + QStringList{QStringLiteral("Felt")},
+         {QStringLiteral("HILT"), QStringLiteral("LIFE"), QStringLiteral("TITLE")},
+         "all names right, nothing else matters"},
+    };
+    QImage image = paintedPick(1920, 1080);
+    testing::paintWord(image, QPoint(767, 600), QStringLiteral("FELT"), 22);
+    for (const Row& row : table) {
+        SCOPED_TRACE(row.why);
+        reader->forget();
+        QStringList texts = textsOf(reader->read(image, {cardBand, {}, known(row.names)}));
+        texts.sort();
+        EXPECT_EQ(texts, row.expected);
+    }
+}
+
+TEST_F(TextReaderTest, ALineIsOneToken) {
+    // Unknown names are read several times, not always alike.
+    QImage image = testing::wood(1920, 1080);
+    for (const int middle : {446, 767, 1097}) {
+        testing::paintLetters(image, QRect(middle - 60, 440, 120, 26));
+    }
+    const auto tokens = reader->read(image, {cardBand, {}, known(offers)});
+    ASSERT_EQ(tokens.size(), 3U);
+    for (std::size_t i = 0; i < tokens.size(); ++i) {
+        for (std::size_t k = 0; k < i; ++k) {
+            EXPECT_GT(std::abs(tokens[i].midX - tokens[k].midX), 0.1);
+        }
+    }
+}
+
 TEST_F(TextReaderTest, LeavesOutWhatLiesOutsideTheBand) {
     const QRectF below(0.08, 0.5, 0.64, 0.28);
     EXPECT_TRUE(reader->read(paintedPick(1920, 1080), {below, {}, nullptr}).empty());
