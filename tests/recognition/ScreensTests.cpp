@@ -1,0 +1,102 @@
+#include "recognition/CardRecognizer.h"
+#include "support/Printing.h"
+#include "support/SampleStore.h"
+#include "support/SharedData.h"
+
+#include <QDir>
+#include <QFile>
+#include <QHash>
+#include <QImage>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <gtest/gtest.h>
+
+namespace pelloran {
+
+namespace {
+
+const QByteArray classFile = R"({"classes": [
+    {"player_class": "DEATHKNIGHT", "name_zh": "死亡骑士"},
+    {"player_class": "DEMONHUNTER", "name_zh": "恶魔猎手"},
+    {"player_class": "DRUID", "name_zh": "德鲁伊"},
+    {"player_class": "HUNTER", "name_zh": "猎人"},
+    {"player_class": "MAGE", "name_zh": "法师"},
+    {"player_class": "PALADIN", "name_zh": "圣骑士"},
+    {"player_class": "PRIEST", "name_zh": "牧师"},
+    {"player_class": "ROGUE", "name_zh": "潜行者"},
+    {"player_class": "SHAMAN", "name_zh": "萨满祭司"},
+    {"player_class": "WARLOCK", "name_zh": "术士"},
+    {"player_class": "WARRIOR", "name_zh": "战士"}
+]})";
+
+// Longer lines are never matched; "Death Knight" and "Demon Hunter" are among them.
+constexpr int longestCardName = 14;
+constexpr int longestClassName = 10;
+
+QByteArray contentsOf(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// From pixels to slots, with everything but the window itself.
+TEST(ScreensTest, EverySlotHoldsWhatIsOffered) {
+    SKIP_WITHOUT_SHARED_DATA("screens");
+    SKIP_WITHOUT_SHARED_DATA("cards.json");
+    const auto reader = TextReader::create();
+    if (!reader) {
+        GTEST_SKIP() << reader.error().reason.toStdString();
+    }
+    const QByteArray cards = contentsOf(testing::sharedData(QStringLiteral("cards.json")));
+    const testing::SampleStore sample(R"({"cards": )" + cards + '}', classFile);
+    const CardRecognizer recognizer(sample.store);
+    QHash<QString, QJsonObject> cardsById;
+    for (const QJsonValue& card : QJsonDocument::fromJson(cards).array()) {
+        cardsById[card[QStringLiteral("card_id")].toString()] = card.toObject();
+    }
+
+    int chineseSlots = 0;
+    int chineseRight = 0;
+    int englishSlots = 0;
+    const QDir folder(testing::sharedData(QStringLiteral("screens")));
+    for (const QString& file : folder.entryList({QStringLiteral("*.json")}, QDir::Files, QDir::Name)) {
+        const QJsonObject truth = QJsonDocument::fromJson(contentsOf(folder.filePath(file))).object();
+        const QImage image(folder.filePath(file.chopped(5) + QStringLiteral(".png")));
+        ASSERT_FALSE(image.isNull()) << file.toStdString();
+        const bool chinese = truth[QStringLiteral("lang")].toString() == QStringLiteral("zh");
+        const bool hero = truth[QStringLiteral("phase")].toString() == QStringLiteral("heroPick");
+        const QString nameKey = chinese ? QStringLiteral("name_zh") : QStringLiteral("name_en");
+        (*reader)->forget();
+        const auto matches =
+            hero ? recognizer.recognizeHeroes(image, **reader) : recognizer.recognizeCards(image, **reader);
+        ASSERT_EQ(matches.size(), 3U);
+        for (const SlotMatch& match : matches) {
+            const QJsonObject offer = truth[QStringLiteral("slots")][match.slot.rawValue()].toObject();
+            const QString id = offer[QStringLiteral("id")].toString();
+            const QString name = offer[QStringLiteral("name")].toString();
+            SCOPED_TRACE((file + u' ' + match.slot.rawValue() + u' ' + name).toStdString());
+            ASSERT_FALSE(id.isEmpty());
+            // Cards that were printed again share a name, and a name is all there is to read.
+            const bool right =
+                match.cardId && (match.cardId == id || (!hero && cardsById[*match.cardId][nameKey] == name));
+            EXPECT_TRUE(right || !match.cardId)
+                << "holds " << match.cardId->toStdString() << ", read " << match.ocrText.toStdString();
+            const QString normalized = WinrateStore::normalize(name);
+            if (chinese) {
+                ++chineseSlots;
+                chineseRight += right;
+            } else if (hero ? normalized.size() <= longestClassName : normalized.size() <= longestCardName) {
+                ++englishSlots;
+                EXPECT_TRUE(right);
+            }
+        }
+    }
+    EXPECT_EQ(chineseSlots, 18);
+    EXPECT_GE(chineseRight, 15);
+    EXPECT_GE(englishSlots, 15) << "slots that count";
+}
+
+} // namespace
+
+} // namespace pelloran
