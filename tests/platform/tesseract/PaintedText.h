@@ -37,11 +37,12 @@ inline void paintLetters(QImage& image, const QRect& area, QColor letters = Qt::
     }
 }
 
-// A word of letters that can be made of bars (E, F, H, I, L, T), white in black outlines, `height` pixels tall and
-// centred on `middle`.
-inline void paintWord(QImage& image, QPoint middle, const QString& word, int height) {
-    const int stroke = height / 6;
-    const int width = height * 5 / 8;
+// A word of letters that can be made of bars (E, F, H, I, L, T, 日, 王, 田), in black outlines, `height` pixels tall
+// and centred on `middle`.
+inline void paintWord(QImage& image, QPoint middle, const QString& word, int height, QColor letters = Qt::white) {
+    const bool isLatin = word.front().unicode() < 0x80;
+    const int stroke = height / (isLatin ? 6 : 9);
+    const int width = isLatin ? height * 5 / 8 : height * 9 / 10;
     const int advance = width + stroke * 3 / 2;
     const auto barsOf = [&](QChar letter) -> std::vector<QRect> {
         const QRect left(0, 0, stroke, height);
@@ -50,7 +51,7 @@ inline void paintWord(QImage& image, QPoint middle, const QString& word, int hei
         const QRect top(0, 0, width, stroke);
         const QRect waist(0, (height - stroke) / 2, width, stroke);
         const QRect bottom(0, height - stroke, width, stroke);
-        switch (letter.toLatin1()) {
+        switch (letter.unicode()) {
         case 'E':
             return {left, top, waist, bottom};
         case 'F':
@@ -63,6 +64,12 @@ inline void paintWord(QImage& image, QPoint middle, const QString& word, int hei
             return {left, bottom};
         case 'T':
             return {centre, top};
+        case u'日':
+            return {left, right, top, waist, bottom};
+        case u'王':
+            return {centre, top, waist, bottom};
+        case u'田':
+            return {left, right, centre, top, waist, bottom};
         default:
             return {};
         }
@@ -77,7 +84,7 @@ inline void paintWord(QImage& image, QPoint middle, const QString& word, int hei
                                        .intersected(image.rect());
                 for (int y = part.top(); y <= part.bottom(); ++y) {
                     for (int x = part.left(); x <= part.right(); ++x) {
-                        image.setPixelColor(x, y, outline ? Qt::black : Qt::white);
+                        image.setPixelColor(x, y, outline ? QColor(Qt::black) : letters);
                     }
                 }
             }

@@ -85,6 +85,29 @@ TEST_F(TextReaderTest, ReadsNamesAtEverySizeOfTheWindow) {
     }
 }
 
+TEST_F(TextReaderTest, ReadsChineseNamesWithoutBeingToldTheScript) {
+    const QStringList names{QStringLiteral("王日"), QStringLiteral("田王"), QStringLiteral("日田")};
+    QImage image = testing::wood(1920, 1080);
+    for (int i = 0; i < 3; ++i) {
+        testing::paintWord(image, QPoint(446 + 325 * i, 450), names[i], 36);
+    }
+    EXPECT_EQ(textsOf(reader->read(image, {cardBand, {}, known(names)})), names) << "cold";
+    EXPECT_EQ(textsOf(reader->read(image, {cardBand, {}, known(names)})), names) << "warm";
+    EXPECT_EQ(textsOf(reader->read(paintedPick(1920, 1080), {cardBand, {}, known(offers)})), offers)
+        << "after the client's language was changed";
+}
+
+TEST_F(TextReaderTest, ReadsGoldenNamesOfClasses) {
+    QImage image = testing::wood(1920, 1080);
+    for (int i = 0; i < 3; ++i) {
+        testing::paintWord(image, QPoint(520 + 420 * i, 575), offers[i], 32, QColor(252, 209, 68));
+    }
+    const QRectF heroBand(0.08, 0.3, 0.84, 0.55);
+    EXPECT_EQ(textsOf(reader->read(image, {heroBand, ReadingHints::Lettering::whiteOrGolden, known(offers)})), offers);
+    EXPECT_TRUE(reader->read(image, {heroBand, ReadingHints::Lettering::white, known(offers)}).empty())
+        << "else nothing is shown by this";
+}
+
 TEST_F(TextReaderTest, ReadsWithoutKnowingTheNames) {
     QStringList texts = textsOf(reader->read(paintedPick(1920, 1080), {cardBand, {}, nullptr}));
     QStringList expected = offers;
