@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <climits>
+#include <cstring>
 #include <utility>
 
 namespace pelloran {
@@ -52,6 +53,10 @@ void LineWriter::flush() {
         if (written > 0) {
             pending.remove(0, written);
         } else if (errno != EINTR && errno != EAGAIN) {
+            if (errno != EPIPE) {
+                log(QStringLiteral("the snapshots end, standard output cannot be written: %1")
+                        .arg(QString::fromLocal8Bit(std::strerror(errno))));
+            }
             closed = true;
             pending.clear();
         }

@@ -1,5 +1,6 @@
 #include "app/MainLoop.h"
 
+#include "app/DataErrorText.h"
 #include "app/Json.h"
 #include "app/LineWriter.h"
 #include "app/localisation/L10n.h"
@@ -41,7 +42,7 @@ int run(const RunLoop& command) {
     const auto files = ApplicationFiles::create();
     WinrateStore store(*files);
     if (const auto loaded = store.loadFromBundle(); !loaded) {
-        log(L10n::tr(u"fatal.loadTitle") + QStringLiteral(": ") + loaded.error().localizedDescription);
+        log(L10n::tr(u"fatal.loadTitle") + QStringLiteral(": ") + describe(loaded.error()));
         return 1;
     }
     if (store.holdsSampleData()) {

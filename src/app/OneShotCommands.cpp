@@ -1,5 +1,6 @@
 #include "app/OneShotCommands.h"
 
+#include "app/DataErrorText.h"
 #include "app/Json.h"
 #include "app/LogsDir.h"
 #include "data/WinrateStore.h"
@@ -10,6 +11,7 @@
 #include "recognition/CardRecognizer.h"
 
 #include <QElapsedTimer>
+#include <QFileInfo>
 #include <QImageReader>
 
 #include <cstdio>
@@ -40,7 +42,7 @@ double processCpuMilliseconds() {
 bool load(WinrateStore& store) {
     const auto loaded = store.loadFromBundle();
     if (!loaded) {
-        log(loaded.error().localizedDescription);
+        log(describe(loaded.error()));
     }
     return loaded.has_value();
 }
@@ -122,10 +124,14 @@ int run(const RecognizeImages& command) {
     int result = done;
     for (const QString& path : command.images) {
         QJsonObject answer;
-        QImageReader file(path);
-        const QImage image = file.read();
+        QImageReader file;
+        if (QFileInfo(path).isFile()) { // opening a pipe would wait for its writer
+            file.setFileName(path);
+        }
+        const QImage image = file.fileName().isEmpty() ? QImage() : file.read();
         if (image.isNull()) {
-            answer.insert(QStringLiteral("error"), file.errorString());
+            answer.insert(QStringLiteral("error"),
+                          file.fileName().isEmpty() ? QStringLiteral("no such file") : file.errorString());
             result = failed;
         } else {
             if (!command.ticks) {

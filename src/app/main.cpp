@@ -2,6 +2,7 @@
 #include "app/localisation/AppLanguage.h"
 #include "app/MainLoop.h"
 #include "app/OneShotCommands.h"
+#include "platform/Log.h"
 #include "platform/SystemSettings.h"
 #include "platform/UserDefaults.h"
 
@@ -11,7 +12,17 @@
 
 using namespace pelloran;
 
+namespace {
+
+// What Qt has to say goes where our own diagnostics go.
+void logQtMessage(QtMsgType, const QMessageLogContext&, const QString& message) {
+    log(message);
+}
+
+} // namespace
+
 int main(int argc, char** argv) {
+    qInstallMessageHandler(logQtMessage);
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("Pelloran"));
     QCoreApplication::setApplicationVersion(QStringLiteral(PELLORAN_VERSION));
@@ -29,5 +40,9 @@ int main(int argc, char** argv) {
     }
     const int exitCode = std::visit([](const auto& chosen) { return run(chosen); }, *command);
     AppLanguage::configure(nullptr, nullptr);
+    if (std::ferror(stdout) != 0) {
+        log(QStringLiteral("standard output could not be written"));
+        return 1;
+    }
     return exitCode;
 }

@@ -1,6 +1,7 @@
 #include "data/WinrateStore.h"
 
 #include "data/CardFile.h"
+#include "platform/Log.h"
 
 #include <QDir>
 #include <QFile>
@@ -128,12 +129,15 @@ WinrateStore::Loaded WinrateStore::loadFromBundle() {
         return std::unexpected(DataError{u"Pelloran"_s, 1, u"winrate JSON not found in cache, bundle or Resources"_s});
     }
     if (auto loaded = loadCards(*cardFile); !loaded) {
+        loaded.error().path = *cardFile;
         return loaded;
     }
     cardsSource = *cardFile;
     // Heroes without figures are a smaller loss than no draft help at all.
     if (const auto classFile = resolveFirstExisting(classFileSearch(), files)) {
-        [[maybe_unused]] const Loaded discarded = loadClasses(*classFile);
+        if (const Loaded loaded = loadClasses(*classFile); !loaded) {
+            log(u"class file %1 passed over: %2"_s.arg(*classFile, loaded.error().localizedDescription));
+        }
     }
     return {};
 }

@@ -4,6 +4,7 @@
 #include "platform/Log.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <algorithm>
 #include <filesystem>
@@ -81,9 +82,20 @@ std::optional<QByteArray> LogWatcher::read(const QString& path) const {
     if (text) {
         return *std::move(text);
     }
-    if (text.error() == LogFileError::tooLarge && !reportedAsTooLarge.contains(path)) {
-        reportedAsTooLarge.insert(path);
-        log(QStringLiteral("%1 is larger than %2 MiB and is not read").arg(path).arg(largestLogFile / 1024 / 1024));
+    // A log that is not there yet is nothing to speak of.
+    if (QFileInfo::exists(path) && !reportedAsUnusable.contains(path)) {
+        reportedAsUnusable.insert(path);
+        switch (text.error()) {
+        case LogFileError::tooLarge:
+            log(QStringLiteral("%1 is larger than %2 MiB and is not read").arg(path).arg(largestLogFile / 1024 / 1024));
+            break;
+        case LogFileError::unreadable:
+            log(QStringLiteral("%1 cannot be read").arg(path));
+            break;
+        case LogFileError::notText:
+            log(QStringLiteral("%1 is not text in UTF-8 and is not used").arg(path));
+            break;
+        }
     }
     return std::nullopt;
 }

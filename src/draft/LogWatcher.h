@@ -32,7 +32,7 @@ private:
 
     QString logsDir;
     std::function<void()> pause;
-    mutable QSet<QString> reportedAsTooLarge; // so that each is logged once, not with every poll
+    mutable QSet<QString> reportedAsUnusable; // so that each is logged once, not with every poll
 };
 
 } // namespace pelloran

@@ -1,4 +1,5 @@
 #include "app/CommandLine.h"
+
 #include "support/Printing.h"
 
 #include <gtest/gtest.h>

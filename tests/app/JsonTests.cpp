@@ -1,4 +1,5 @@
 #include "app/Json.h"
+
 #include "support/Printing.h"
 
 #include <QJsonDocument>

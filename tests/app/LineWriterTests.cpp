@@ -1,4 +1,5 @@
 #include "app/LineWriter.h"
+
 #include "platform/Log.h"
 #include "support/Printing.h"
 

@@ -1,4 +1,5 @@
 #include "data/CardFile.h"
+
 #include "support/Printing.h"
 
 #include <gtest/gtest.h>

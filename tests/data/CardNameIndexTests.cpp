@@ -1,4 +1,5 @@
 #include "data/CardNameIndex.h"
+
 #include "NameMatchingReference.h"
 #include "support/Printing.h"
 #include "support/SharedData.h"

@@ -1,4 +1,5 @@
 #include "data/ClassNameIndex.h"
+
 #include "NameMatchingReference.h"
 #include "support/Printing.h"
 

@@ -1,4 +1,5 @@
 #include "data/NameMatching.h"
+
 #include "data/WinrateStore.h"
 #include "NameMatchingReference.h"
 #include "support/Printing.h"

@@ -1,4 +1,5 @@
 #include "data/WinrateFormats.h"
+
 #include "fakes/FakeSystemSettings.h"
 #include "fakes/FakeUserDefaults.h"
 #include "support/Printing.h"

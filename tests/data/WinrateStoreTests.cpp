@@ -1,4 +1,5 @@
 #include "data/WinrateStore.h"
+
 #include "fakes/FakeApplicationFiles.h"
 #include "fakes/FakeSystemSettings.h"
 #include "fakes/FakeUserDefaults.h"

@@ -1,4 +1,5 @@
 #include "draft/ArenaLog.h"
+
 #include "draft/LogFragments.h"
 #include "draft/PlainArenaLog.h"
 #include "support/Printing.h"

@@ -1,5 +1,6 @@
-#include "app/localisation/AppLanguage.h"
 #include "draft/DraftModel.h"
+
+#include "app/localisation/AppLanguage.h"
 #include "support/Printing.h"
 
 #include <gtest/gtest.h>

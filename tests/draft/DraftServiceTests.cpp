@@ -1,5 +1,6 @@
-#include "app/localisation/AppLanguage.h"
 #include "draft/DraftService.h"
+
+#include "app/localisation/AppLanguage.h"
 #include "fakes/FakeSystemSettings.h"
 #include "fakes/FakeTextReader.h"
 #include "fakes/FakeUserDefaults.h"

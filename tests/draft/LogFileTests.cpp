@@ -1,4 +1,5 @@
 #include "draft/LogFile.h"
+
 #include "support/Printing.h"
 
 #include <QDir>

@@ -1,4 +1,5 @@
 #include "draft/LogFolder.h"
+
 #include "support/Printing.h"
 
 #include <QDir>

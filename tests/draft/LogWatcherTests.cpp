@@ -1,4 +1,5 @@
 #include "draft/LogWatcher.h"
+
 #include "platform/Log.h"
 #include "support/Printing.h"
 #include "support/SharedData.h"
@@ -254,11 +255,19 @@ TEST_F(LogWatching, SaysOnceThatALogIsTooLarge) {
     EXPECT_EQ(collected.messages, QStringList{path + u"/Arena.log is larger than 256 MiB and is not read"_s});
 }
 
-TEST_F(LogWatching, SaysNothingOfWhatItCannotRead) {
+TEST_F(LogWatching, TellsOnceOfALogItCannotUseAndNotOfOneThatIsMissing) {
+    const QString path = session(u"Hearthstone_1"_s);
     CollectedLog collected;
-    write(session(u"Hearthstone_1"_s) + u"/Arena.log"_s, "\xFF");
     poll();
     EXPECT_EQ(collected.messages, QStringList());
+    write(path + u"/Arena.log"_s, "\xFF");
+    QDir().mkdir(path + u"/LoadingScreen.log"_s);
+    const LogWatcher watcher(folder.path());
+    watcher.poll();
+    watcher.poll();
+    ASSERT_EQ(collected.messages.size(), 2);
+    EXPECT_TRUE(collected.messages[0].contains(u"LoadingScreen.log cannot be read"_s));
+    EXPECT_TRUE(collected.messages[1].contains(u"Arena.log is not text"_s));
 }
 
 TEST(RecordedLogs, GiveTheStateTheyWereRecordedIn) {

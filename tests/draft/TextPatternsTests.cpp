@@ -1,4 +1,5 @@
 #include "draft/TextPatterns.h"
+
 #include "support/Printing.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 #include "app/localisation/AppLanguage.h"
+
 #include "app/localisation/L10n.h"
 #include "fakes/FakeSystemSettings.h"
 #include "fakes/FakeUserDefaults.h"

@@ -1,5 +1,6 @@
-#include "app/localisation/AppLanguage.h"
 #include "app/localisation/L10n.h"
+
+#include "app/localisation/AppLanguage.h"
 #include "support/Printing.h"
 
 #include <QRegularExpression>

@@ -1,4 +1,5 @@
 #include "platform/Log.h"
+
 #include "support/Printing.h"
 
 #include <QByteArrayList>

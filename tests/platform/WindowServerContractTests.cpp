@@ -1,5 +1,6 @@
-#include "fakes/FakeWindowServer.h"
 #include "platform/WindowServerContract.h"
+
+#include "fakes/FakeWindowServer.h"
 
 #include <gtest/gtest.h>
 

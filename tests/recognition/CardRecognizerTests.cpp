@@ -1,5 +1,6 @@
-#include "fakes/FakeTextReader.h"
 #include "recognition/CardRecognizer.h"
+
+#include "fakes/FakeTextReader.h"
 #include "support/Printing.h"
 #include "support/SampleStore.h"
 

@@ -1,7 +1,8 @@
+#include "recognition/ScreenReader.h"
+
 #include "fakes/FakeTextReader.h"
 #include "fakes/FakeWindowServer.h"
 #include "platform/Log.h"
-#include "recognition/ScreenReader.h"
 #include "support/Printing.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,6 @@
-#include "fakes/FakeWindowServer.h"
 #include "recognition/WindowCapture.h"
+
+#include "fakes/FakeWindowServer.h"
 #include "support/Printing.h"
 
 #include <gmock/gmock.h>

@@ -1,4 +1,5 @@
 #include "stage/Catalogue.h"
+
 #include "support/Printing.h"
 
 #include <QSet>

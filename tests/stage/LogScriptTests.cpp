@@ -1,4 +1,5 @@
 #include "stage/LogScript.h"
+
 #include "support/Printing.h"
 
 #include <gtest/gtest.h>

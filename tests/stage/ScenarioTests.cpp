@@ -1,4 +1,5 @@
 #include "stage/Scenario.h"
+
 #include "support/Printing.h"
 
 #include <QDir>

@@ -1,4 +1,5 @@
 #include "stage/SessionFolder.h"
+
 #include "support/Printing.h"
 
 #include <QDateTime>

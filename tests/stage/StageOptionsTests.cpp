@@ -1,4 +1,5 @@
 #include "stage/StageOptions.h"
+
 #include "support/Printing.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,6 @@
 #include "platform/WindowServer.h"
 
+#include "platform/Log.h"
 #include "platform/x11/WindowImages.h"
 #include "platform/x11/WindowList.h"
 #include "platform/x11/XcbConnection.h"
@@ -47,12 +48,18 @@ private:
         if (!session) {
             if (auto connection = x11::XcbConnection::open()) {
                 session.emplace(std::move(connection));
+                toldOfMissingDisplay = false;
+            } else if (!std::exchange(toldOfMissingDisplay, true)) {
+                log(QStringLiteral(
+                        "no X display can be reached (DISPLAY is \"%1\"), so no window can be seen; trying on")
+                        .arg(qEnvironmentVariable("DISPLAY")));
             }
         }
         return session.has_value();
     }
 
     std::optional<Session> session;
+    bool toldOfMissingDisplay = false;
 };
 
 } // namespace

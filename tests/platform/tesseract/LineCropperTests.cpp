@@ -1,5 +1,6 @@
-#include "PaintedText.h"
 #include "platform/tesseract/LineCropper.h"
+
+#include "PaintedText.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,6 @@
-#include "PaintedText.h"
 #include "platform/tesseract/LineDetector.h"
+
+#include "PaintedText.h"
 
 #include <gtest/gtest.h>
 

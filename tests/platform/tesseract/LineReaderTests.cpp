@@ -1,5 +1,6 @@
-#include "PaintedText.h"
 #include "platform/tesseract/LineReader.h"
+
+#include "PaintedText.h"
 #include "support/Printing.h"
 
 #include <QFile>

@@ -1,5 +1,6 @@
-#include "PaintedText.h"
 #include "platform/TextReader.h"
+
+#include "PaintedText.h"
 #include "support/Printing.h"
 #include "support/SharedData.h"
 

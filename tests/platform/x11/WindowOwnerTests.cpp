@@ -1,4 +1,5 @@
 #include "platform/x11/WindowOwner.h"
+
 #include "support/Printing.h"
 
 #include <QCoreApplication>
