@@ -107,9 +107,9 @@ TEST_F(ProgramTest, SaysWhatIsWrongWithTheData) {
     };
 
     const Case cases[] = {
-        {"no JSON", "cards", ""},
+        {"no JSON", "cards", "illegal"},
         {"no rows", R"({"cards": []})", "all_classes_LAST_7_DAYS.json"},
-        {"wrong types", R"({"cards": [{"card_id": 7}]})", ""},
+        {"wrong types", R"({"cards": [{"card_id": 7}]})", "card_id"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
@@ -120,6 +120,7 @@ TEST_F(ProgramTest, SaysWhatIsWrongWithTheData) {
             EXPECT_EQ(answer.exitCode, 1);
             EXPECT_TRUE(answer.standardError.startsWith("[Pelloran] ")) << answer.standardError.toStdString();
             EXPECT_TRUE(answer.standardError.contains(c.mentions)) << answer.standardError.toStdString();
+            EXPECT_TRUE(answer.standardError.contains("/winrates/all_classes_LAST_7_DAYS.json")) << "names the file";
         }
     }
 }
@@ -188,6 +189,27 @@ TEST_F(ProgramTest, TellsOfTheMissingWindowWithoutADisplay) {
     EXPECT_TRUE(snapshot[QStringLiteral("inDraft")].toBool());
     process.terminate();
     EXPECT_TRUE(process.waitForFinished(20'000));
+    EXPECT_TRUE(process.readAllStandardError().contains("no X display can be reached"));
+}
+
+TEST_F(ProgramTest, FailsWhereItsAnswerCannotBeWritten) {
+    if (!QFileInfo::exists(QStringLiteral("/dev/full"))) {
+        GTEST_SKIP() << "needs /dev/full";
+    }
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    process.setStandardOutputFile(QStringLiteral("/dev/full"));
+    process.start(program, {QStringLiteral("match"), QStringLiteral("Fireball")});
+    ASSERT_TRUE(process.waitForFinished(20'000));
+    EXPECT_EQ(process.exitCode(), 1);
+    EXPECT_TRUE(process.readAllStandardError().contains("could not be written"));
+}
+
+TEST_F(ProgramTest, NamesAClassFileThatItPassesOver) {
+    const QString file = write("data/Pelloran/config/class_winrates.json", "none");
+    const ProgramOutput answer = run({QStringLiteral("match"), QStringLiteral("Fireball")});
+    EXPECT_EQ(answer.exitCode, 0);
+    EXPECT_TRUE(answer.standardError.contains(file.toUtf8())) << answer.standardError.toStdString();
 }
 
 TEST_F(ProgramTest, OutlivesTheReaderOfItsLines) {
