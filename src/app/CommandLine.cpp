@@ -2,8 +2,8 @@
 
 #include <QCommandLineParser>
 
-#include <array>
-#include <functional>
+#include <algorithm>
+#include <vector>
 
 namespace pelloran {
 
