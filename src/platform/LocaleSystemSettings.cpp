@@ -11,6 +11,10 @@ public:
     QStringList preferredLanguages() const override { return QLocale::system().uiLanguages(); }
 
     QString localeIdentifier() const override { return QLocale::system().name(); }
+
+    bool reducesMotion() const override { return false; }
+
+    std::optional<Appearance> appearance() const override { return std::nullopt; }
 };
 
 } // namespace

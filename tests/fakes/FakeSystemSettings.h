@@ -10,8 +10,32 @@ public:
 
     QString localeIdentifier() const override { return locale; }
 
+    bool reducesMotion() const override { return lessMotion; }
+
+    std::optional<Appearance> appearance() const override { return look; }
+
+    void setReducesMotion(bool reduced) {
+        lessMotion = reduced;
+        tellChange();
+    }
+
+    void setAppearance(std::optional<Appearance> appearance) {
+        look = appearance;
+        tellChange();
+    }
+
     QStringList languages{QStringLiteral("en-US")};
     QString locale = QStringLiteral("en_US");
+
+private:
+    void tellChange() const {
+        if (changed) {
+            changed();
+        }
+    }
+
+    bool lessMotion = false;
+    std::optional<Appearance> look;
 };
 
 } // namespace pelloran::testing

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QStandardPaths>
+
+#include <gtest/gtest.h>
+
+namespace pelloran::testing {
+
+// What the main() of every test program does: no display, no network, and an unexpected warning from Qt fails the test
+// that caused it.
+template <typename Application>
+int runAllTests(int argc, char** argv) {
+    static QtMessageHandler printMessage = nullptr;
+    ::testing::InitGoogleTest(&argc, argv);
+    QStandardPaths::setTestModeEnabled(true);
+    const Application application(argc, argv);
+    printMessage =
+        qInstallMessageHandler([](QtMsgType type, const QMessageLogContext& context, const QString& message) {
+            if (type == QtWarningMsg || type == QtCriticalMsg) {
+                ADD_FAILURE() << "unexpected warning: " << message.toStdString();
+            }
+            printMessage(type, context, message);
+        });
+    return RUN_ALL_TESTS();
+}
+
+} // namespace pelloran::testing

@@ -1,0 +1,7 @@
+#include "support/TestMain.h"
+
+#include <QApplication>
+
+int main(int argc, char** argv) {
+    return pelloran::testing::runAllTests<QApplication>(argc, argv);
+}
