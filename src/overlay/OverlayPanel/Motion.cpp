@@ -1,0 +1,111 @@
+#include "overlay/OverlayPanel/Motion.h"
+
+#include "platform/SystemSettings.h"
+
+#include <QEasingCurve>
+#include <QPointF>
+#include <QVariantAnimation>
+
+#include <cmath>
+
+namespace pelloran {
+
+namespace {
+
+struct ReducedMotion {
+    const SystemSettings* settings = nullptr;
+    bool forced = false;
+};
+
+ReducedMotion& reducedMotion() {
+    static ReducedMotion shared;
+    return shared;
+}
+
+// Quick at first, then gently into place.
+QEasingCurve timingCurve() {
+    QEasingCurve curve(QEasingCurve::BezierSpline);
+    curve.addCubicBezierSegment(QPointF(0.22, 0.9), QPointF(0.28, 1.0), QPointF(1.0, 1.0));
+    return curve;
+}
+
+} // namespace
+
+// Runs its function once everything it waits for has ended.
+struct AnimationGroup::Completion {
+    std::function<void()> run;
+    int awaited = 1; // the naming of the animations counts as one
+
+    void oneEnded() {
+        if (--awaited == 0 && run) {
+            run();
+        }
+    }
+};
+
+void AnimationGroup::animate(QObject& target, const char* name, std::function<void(double progress)> step) {
+    Motion::end(target, name);
+    if (duration <= 0) {
+        step(1);
+        return;
+    }
+    auto* animation = new QVariantAnimation(&target); // owned by the target, until it has stopped
+    animation->setObjectName(QLatin1StringView(name));
+    animation->setStartValue(0.0);
+    animation->setEndValue(1.0);
+    animation->setDuration(static_cast<int>(std::lround(duration * 1000)));
+    animation->setEasingCurve(timingCurve());
+    QObject::connect(animation, &QVariantAnimation::valueChanged, &target,
+                     [step = std::move(step)](const QVariant& progress) { step(progress.toDouble()); });
+    ++completion->awaited;
+    QObject::connect(animation, &QAbstractAnimation::stateChanged, &target,
+                     [animation, awaiting = completion](QAbstractAnimation::State state) {
+                         if (state == QAbstractAnimation::Stopped) {
+                             animation->setObjectName(QString());
+                             animation->deleteLater();
+                             awaiting->oneEnded();
+                         }
+                     });
+    animation->start();
+}
+
+void Motion::configure(const SystemSettings* settings) {
+    reducedMotion().settings = settings;
+}
+
+void Motion::forceReducedMotion(bool reduced) {
+    reducedMotion().forced = reduced;
+}
+
+bool Motion::reducesMotion() {
+    const ReducedMotion& asked = reducedMotion();
+    return asked.forced || (asked.settings && asked.settings->reducesMotion());
+}
+
+void Motion::run(double duration, const Animations& animations, const std::function<void()>& completion) {
+    const double effective = reducesMotion() ? 0 : duration;
+    if (effective <= 0) {
+        instant(animations);
+        if (completion) {
+            completion();
+        }
+        return;
+    }
+    AnimationGroup group(effective);
+    group.completion = std::make_shared<AnimationGroup::Completion>(completion);
+    animations(group);
+    group.completion->oneEnded();
+}
+
+void Motion::instant(const Animations& animations) {
+    AnimationGroup group(0);
+    animations(group);
+}
+
+void Motion::end(QObject& target, const char* name) {
+    if (auto* running = target.findChild<QVariantAnimation*>(QLatin1StringView(name), Qt::FindDirectChildrenOnly)) {
+        running->stop();
+    }
+}
+
+} // namespace pelloran

@@ -1,0 +1,33 @@
+#include "overlay/OverlayPanel/PanelColors.h"
+
+namespace pelloran {
+
+namespace {
+
+QColor withAlpha(QColor color, double alpha) {
+    color.setAlphaF(static_cast<float>(alpha));
+    return color;
+}
+
+} // namespace
+
+PanelColors PanelColors::of(Appearance appearance) {
+    const QColor sheet(30, 30, 33);
+    const QColor label = withAlpha(Qt::white, 0.94);
+    return {
+        .material = withAlpha(sheet, appearance == Appearance::dark ? 0.86 : 0.92),
+        .opaqueMaterial = sheet,
+        .border = withAlpha(Qt::white, 0.16),
+        .title = QColor::fromRgbF(0.95F, 0.78F, 0.35F),
+        .label = label,
+        .secondaryLabel = withAlpha(Qt::white, 0.70),
+        .tertiaryLabel = withAlpha(Qt::white, 0.58),
+        // The lighter set of the usual system colours, which stays readable in small type on a dark sheet.
+        .systemGreen = QColor(52, 219, 97),
+        .systemRed = QColor(255, 113, 105),
+        .systemOrange = QColor(255, 179, 64),
+        .tile = withAlpha(label, 0.08),
+    };
+}
+
+} // namespace pelloran
