@@ -121,6 +121,12 @@ OverlayPanelController::OverlayPanelController(const SystemSettings& systemSetti
     panelWindow->attach(*panel->windowHandle());
     panelWindow->compositingChanged = [this] { applyMaterial(); };
     applyMaterial();
+    const auto watch = [this](QScreen* screen) {
+        connect(screen, &QScreen::availableGeometryChanged, this, &OverlayPanelController::bringBackIfLost,
+                Qt::QueuedConnection);
+    };
+    std::ranges::for_each(QGuiApplication::screens(), watch);
+    connect(qGuiApp, &QGuiApplication::screenAdded, this, watch);
     for (const auto signal : {&QGuiApplication::screenRemoved, &QGuiApplication::primaryScreenChanged}) {
         connect(qGuiApp, signal, this, &OverlayPanelController::bringBackIfLost, Qt::QueuedConnection);
     }
@@ -371,6 +377,7 @@ void OverlayPanelController::bringBackIfLost() {
     const auto main = FloatingPanel::mainVisibleFrame();
     const auto own = panel->visibleFrame();
     if (main && own && !isComfortablyOnScreen(panel->frame(), *own)) {
+        Motion::end(*panel, frameAnimation);
         panel->setFrame(broughtBack(panel->frame(), *main));
     }
 }
