@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <ranges>
 #include <span>
 #include <string_view>
 #include <utility>
@@ -221,7 +220,7 @@ X11Panel::View X11Panel::view() const {
     const Surroundings around = surroundings();
     const std::vector<xcb_window_t> ours = topLevelsOf(around.ourWindows);
     for (StackedWindow& window : above) {
-        window.ours = std::ranges::contains(ours, window.id);
+        window.ours = std::ranges::find(ours, window.id) != ours.end();
     }
     return {.viewable = true, .state = panelView(found.front().bounds, above, around.screens)};
 }
