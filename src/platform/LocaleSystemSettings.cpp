@@ -1,26 +1,23 @@
-#include "platform/SystemSettings.h"
+#include "platform/LocaleSystemSettings.h"
 
 #include <QLocale>
 
 namespace pelloran {
 
-namespace {
+QStringList LocaleSystemSettings::preferredLanguages() const {
+    return QLocale::system().uiLanguages();
+}
 
-class LocaleSystemSettings final : public SystemSettings {
-public:
-    QStringList preferredLanguages() const override { return QLocale::system().uiLanguages(); }
+QString LocaleSystemSettings::localeIdentifier() const {
+    return QLocale::system().name();
+}
 
-    QString localeIdentifier() const override { return QLocale::system().name(); }
+bool LocaleSystemSettings::reducesMotion() const {
+    return false;
+}
 
-    bool reducesMotion() const override { return false; }
-
-    std::optional<Appearance> appearance() const override { return std::nullopt; }
-};
-
-} // namespace
-
-std::unique_ptr<SystemSettings> SystemSettings::create() {
-    return std::make_unique<LocaleSystemSettings>();
+std::optional<Appearance> LocaleSystemSettings::appearance() const {
+    return std::nullopt;
 }
 
 } // namespace pelloran

@@ -1,4 +1,5 @@
-#include "platform/SystemSettings.h"
+#include "platform/LocaleSystemSettings.h"
+
 #include "support/Printing.h"
 
 #include <QByteArray>
@@ -18,7 +19,7 @@ namespace {
                                                qputenv("LANGUAGE", "zh_CN:en_GB");
 
 TEST(LocaleSystemSettings, TellsTheLanguagesOfTheEnvironmentInOrder) {
-    const QStringList languages = SystemSettings::create()->preferredLanguages();
+    const QStringList languages = LocaleSystemSettings().preferredLanguages();
     ASSERT_FALSE(languages.isEmpty());
     EXPECT_TRUE(languages.front().startsWith(QStringLiteral("zh"))) << languages.join(u' ').toStdString();
     const auto english = languages.indexOf(QStringLiteral("en-GB"));
@@ -26,7 +27,7 @@ TEST(LocaleSystemSettings, TellsTheLanguagesOfTheEnvironmentInOrder) {
 }
 
 TEST(LocaleSystemSettings, TheFirstLanguageIsTheLocale) {
-    EXPECT_EQ(SystemSettings::create()->localeIdentifier(), QStringLiteral("zh_CN"));
+    EXPECT_EQ(LocaleSystemSettings().localeIdentifier(), QStringLiteral("zh_CN"));
 }
 
 } // namespace

@@ -1,15 +1,27 @@
 #include "platform/x11/XcbConnection.h"
 
+#include <poll.h>
 #include <sys/socket.h>
 #include <xcb/composite.h>
 #include <xcb/shm.h>
+#include <xcb/xcbext.h>
 
+#include <chrono>
+#include <cstdlib>
 #include <string_view>
 #include <tuple>
 
 namespace pelloran::x11 {
 
 namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// A server that is only busy, with a game that starts or a desktop that comes up, answers well within it.
+constexpr std::chrono::milliseconds patience{5000};
+
+// Once it hangs, each of the many requests of a listing must not wait as long again.
+constexpr std::chrono::milliseconds patienceWhileStalled{10};
 
 bool isPresent(xcb_connection_t* connection, xcb_extension_t* extension) {
     const xcb_query_extension_reply_t* reply = xcb_get_extension_data(connection, extension);
@@ -55,8 +67,15 @@ bool XcbConnection::initialize() {
     xcb_prefetch_extension_data(connection, &xcb_shm_id);
     constexpr std::string_view name = "WM_STATE";
     const auto atom = xcb_intern_atom(connection, 0, name.size(), name.data());
+    xcb_intern_atom_cookie_t* const ewmhAtoms = xcb_ewmh_init_atoms(connection, &ewmh);
+    // Answers come in order: after this one all the others are there, and nothing below waits without a limit.
+    const auto last = ask<xcb_get_input_focus_reply>(xcb_get_input_focus(connection), "GetInputFocus");
+    if (!last) {
+        std::free(ewmhAtoms);
+        return false;
+    }
     // On failure the library has freed what it took.
-    hasAtoms = xcb_ewmh_init_atoms_replies(&ewmh, xcb_ewmh_init_atoms(connection, &ewmh), nullptr) != 0;
+    hasAtoms = xcb_ewmh_init_atoms_replies(&ewmh, ewmhAtoms, nullptr) != 0;
     const auto atomReply = ask<xcb_intern_atom_reply>(atom, "InternAtom");
     if (!hasAtoms || !atomReply) {
         return false;
@@ -110,20 +129,43 @@ bool XcbConnection::mostSignificantByteFirst() const {
 }
 
 bool XcbConnection::compositorRuns() const {
-    const auto owner = ask<xcb_get_selection_owner_reply>(
-        xcb_get_selection_owner(connection, ewmh._NET_WM_CM_Sn[screenNumber]), "GetSelectionOwner");
+    const auto owner =
+        ask<xcb_get_selection_owner_reply>(xcb_get_selection_owner(connection, compositorAtom()), "GetSelectionOwner");
     return owner && (*owner)->owner != XCB_WINDOW_NONE;
 }
 
 std::expected<void, Failure> XcbConnection::check(xcb_void_cookie_t cookie, const char* call) const {
-    xcb_generic_error_t* error = xcb_request_check(connection, cookie);
-    if (error || broken()) {
+    // Asking for an answer to something else limits the wait: when it is there, so is the outcome of the request.
+    if (const auto later = ask<xcb_get_input_focus_reply>(xcb_get_input_focus(connection), call); !later) {
+        xcb_discard_reply(connection, cookie.sequence);
+        return std::unexpected(later.error());
+    }
+    if (xcb_generic_error_t* error = xcb_request_check(connection, cookie)) {
         return std::unexpected(failure(error, call));
     }
     return {};
 }
 
-// Takes `error`, which is null when the connection is broken.
+// The answer, or null with `error` set where there is one.
+void* XcbConnection::wait(unsigned int request, xcb_generic_error_t** error) const {
+    const auto deadline = Clock::now() + (stalled ? patienceWhileStalled : patience);
+    xcb_flush(connection);
+    void* reply = nullptr;
+    while (xcb_poll_for_reply(connection, request, &reply, error) == 0) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+        if (left.count() <= 0) {
+            stalled = true;
+            xcb_discard_reply(connection, request);
+            return nullptr;
+        }
+        pollfd readable{xcb_get_file_descriptor(connection), POLLIN, 0};
+        poll(&readable, 1, static_cast<int>(left.count()));
+    }
+    stalled = false;
+    return reply;
+}
+
+// Takes `error`, which is null when there was no answer.
 Failure XcbConnection::failure(xcb_generic_error_t* error, const char* call) const {
     const Reply<xcb_generic_error_t> owned(error);
     return {call, owned ? owned->error_code : -xcb_connection_has_error(connection)};

@@ -21,11 +21,12 @@ using Reply = std::unique_ptr<T, FreeReply>;
 // A request that the X server refused, or never answered.
 struct Failure {
     const char* call;
-    int code; // of the X error; negative (from xcb_connection_has_error) when the connection is broken
+    int code; // of the X error; 0: not answered in time; negative (from xcb_connection_has_error): connection broken
 };
 
 // A connection of our own to the X server that $DISPLAY names, with the atoms of window managers. A lost server breaks
-// the connection (see `broken`) and fails every later request; it never ends the program. One thread at a time.
+// the connection (see `broken`) and fails every later request; it never ends the program. A server that hangs fails the
+// requests until it goes on. One thread at a time.
 class XcbConnection {
 public:
     // Null when there is no display or it refuses us.
@@ -45,6 +46,9 @@ public:
     const xcb_ewmh_connection_t& atoms() const { return ewmh; }
 
     xcb_atom_t windowStateAtom() const { return windowState; }
+
+    // Owned by whoever composes the windows of this screen.
+    xcb_atom_t compositorAtom() const { return ewmh._NET_WM_CM_Sn[screenNumber]; }
 
     // Null when the screen has no such visual.
     const xcb_visualtype_t* visual(xcb_visualid_t id) const;
@@ -67,13 +71,14 @@ public:
     // requests before asking for the first answer; that makes one journey of them.
     template <auto receive, typename Cookie>
     auto ask(Cookie cookie, const char* call) const {
+        using Answer = std::remove_pointer_t<decltype(receive(connection, cookie, nullptr))>;
+        using Result = std::expected<Reply<Answer>, Failure>;
         xcb_generic_error_t* error = nullptr;
-        auto* reply = receive(connection, cookie, &error);
-        using Result = std::expected<Reply<std::remove_pointer_t<decltype(reply)>>, Failure>;
+        void* reply = wait(cookie.sequence, &error);
         if (!reply) {
             return Result(std::unexpected(failure(error, call)));
         }
-        return Result(Reply<std::remove_pointer_t<decltype(reply)>>(reply));
+        return Result(Reply<Answer>(static_cast<Answer*>(reply)));
     }
 
     // Waits until a request without an answer (one of the _checked functions) has been carried out.
@@ -84,6 +89,7 @@ private:
 
     bool initialize();
     bool isLocal() const;
+    void* wait(unsigned int request, xcb_generic_error_t** error) const;
     Failure failure(xcb_generic_error_t* error, const char* call) const;
 
     xcb_connection_t* connection;
@@ -94,6 +100,7 @@ private:
     xcb_atom_t windowState = XCB_ATOM_NONE;
     bool composite = false;
     bool sharedMemory = false;
+    mutable bool stalled = false; // the last request was not answered in time
 };
 
 } // namespace pelloran::x11

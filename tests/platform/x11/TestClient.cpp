@@ -2,9 +2,11 @@
 
 #include <xcb/composite.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <span>
 
 namespace pelloran::testing {
 
@@ -228,6 +230,24 @@ bool TestClient::isViewable(xcb_window_t window) {
     return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE;
 }
 
+bool TestClient::isAbove(xcb_window_t window, xcb_window_t other) {
+    const auto topLevel = [this](xcb_window_t inner) {
+        xcb_window_t outer = inner;
+        for (xcb_window_t next = parent(outer); next != root() && next != XCB_WINDOW_NONE; next = parent(outer)) {
+            outer = next;
+        }
+        return outer;
+    };
+    const Owned<xcb_query_tree_reply_t> tree(
+        xcb_query_tree_reply(connection, xcb_query_tree(connection, root()), nullptr));
+    if (!tree) {
+        return false;
+    }
+    const std::span<const xcb_window_t> children(xcb_query_tree_children(tree.get()),
+                                                 static_cast<std::size_t>(xcb_query_tree_children_length(tree.get())));
+    return std::ranges::find(children, topLevel(window)) > std::ranges::find(children, topLevel(other));
+}
+
 xcb_window_t TestClient::parent(xcb_window_t window) {
     const Owned<xcb_query_tree_reply_t> reply(
         xcb_query_tree_reply(connection, xcb_query_tree(connection, window), nullptr));
@@ -249,6 +269,11 @@ bool TestClient::hasOwner(const char* selection) {
     const Owned<xcb_get_selection_owner_reply_t> reply(
         xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, atom(selection)), nullptr));
     return reply && reply->owner != XCB_WINDOW_NONE;
+}
+
+void TestClient::setOwner(const char* selection, xcb_window_t owner) {
+    xcb_set_selection_owner(connection, owner, atom(selection), XCB_CURRENT_TIME);
+    sync();
 }
 
 bool startWindowManager(VirtualDisplay& display, TestClient& client) {

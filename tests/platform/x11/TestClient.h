@@ -63,12 +63,15 @@ public:
     void sendToRoot(xcb_window_t window, const char* message, std::uint32_t first, std::uint32_t second = 0);
 
     bool isViewable(xcb_window_t window);
+    // Of two children of the root, or of the frames around them.
+    bool isAbove(xcb_window_t window, xcb_window_t other);
     xcb_window_t parent(xcb_window_t window);
     // Some program keeps the window's pixels apart.
     bool isRedirected(xcb_window_t window);
 
     // Some program has taken the selection, as a compositor does.
     bool hasOwner(const char* selection);
+    void setOwner(const char* selection, xcb_window_t owner);
 
     // Waits until the server has done all that was asked.
     void sync();

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QObject>
+#include <QProcess>
+#include <QString>
+#include <QStringView>
+#include <QTimer>
+
+#include <functional>
+#include <optional>
+
+namespace pelloran::freedesktop {
+
+// Of $XDG_CURRENT_DESKTOP, such as "ubuntu:GNOME".
+bool isGnome(QStringView currentDesktop);
+
+// Asks GNOME's own tool once whether animations are enabled, in a process that is ended when it takes too long. Main
+// thread.
+class GnomeAnimations {
+public:
+    // Absent when the tool is missing, fails, or does not know.
+    explicit GnomeAnimations(std::function<void(std::optional<bool>)> answered,
+                             const QString& program = QStringLiteral("gsettings"));
+    ~GnomeAnimations();
+    GnomeAnimations(const GnomeAnimations&) = delete;
+    GnomeAnimations& operator=(const GnomeAnimations&) = delete;
+
+private:
+    QProcess process;
+    QTimer deadline;
+};
+
+} // namespace pelloran::freedesktop

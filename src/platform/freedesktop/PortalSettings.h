@@ -1,0 +1,50 @@
+#pragma once
+
+#include "platform/freedesktop/DesktopPreferences.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVariant>
+#include <QObject>
+#include <QString>
+
+#include <functional>
+#include <optional>
+#include <thread>
+
+namespace pelloran::freedesktop {
+
+// Reads the settings portal and follows it. Nothing here waits for the bus or the portal: connecting to a bus does, so
+// a thread of its own does it. Main thread otherwise.
+class PortalSettings final : public QObject {
+    Q_OBJECT
+
+public:
+    // Of the bus; empty for the session's.
+    explicit PortalSettings(const QString& busAddress);
+
+    // Waits for the thread, at the worst until the bus library gives up on a bus that takes connections and is silent.
+    ~PortalSettings() override;
+
+    // All groups; absent when there is no bus or no portal, or the portal has gone.
+    std::function<void(std::optional<PortalGroups>)> answered;
+    std::function<void(const QString& group, const QString& key, const QVariant& value)> changed;
+
+private Q_SLOTS:
+    void settingChanged(const QString& group, const QString& key, const QDBusVariant& value,
+                        const QDBusMessage& message);
+    void ownerChanged(const QString& name, const QString& before, const QString& now);
+
+private:
+    void connected(const QDBusConnection& connection);
+    void readAll();
+    void tell(std::optional<PortalGroups> groups) const;
+
+    QString connectionName;
+    QDBusConnection bus;
+    QString portal; // unique name of who answered; empty: nobody
+    bool asking = false;
+    std::thread connecting;
+};
+
+} // namespace pelloran::freedesktop

@@ -1,0 +1,9 @@
+#include "platform/GuiSession.h"
+
+namespace pelloran::GuiSession {
+
+std::expected<void, QString> prepare() {
+    return {};
+}
+
+} // namespace pelloran::GuiSession

@@ -1,0 +1,45 @@
+#include "platform/GuiSession.h"
+
+#include <QByteArray>
+#include <QByteArrayList>
+
+#include <xcb/xcb.h>
+
+namespace pelloran::GuiSession {
+
+namespace {
+
+constexpr char platformVariable[] = "QT_QPA_PLATFORM";
+
+// Of a value such as "xcb:option;wayland", what Qt tries first.
+bool triesXcbFirst(const QByteArray& platforms) {
+    return platforms.split(';').front().split(':').front() == "xcb";
+}
+
+bool reachesServer() {
+    xcb_connection_t* connection = xcb_connect(nullptr, nullptr);
+    const bool reached = xcb_connection_has_error(connection) == 0;
+    xcb_disconnect(connection);
+    return reached;
+}
+
+} // namespace
+
+std::expected<void, QString> prepare() {
+    if (qEnvironmentVariableIsEmpty(platformVariable)) {
+        // A window on a Wayland desktop can neither stay on top nor be placed. XWayland's can.
+        qputenv(platformVariable, "xcb");
+    }
+    if (!triesXcbFirst(qgetenv(platformVariable)) || reachesServer()) {
+        return {};
+    }
+    const QString display = qEnvironmentVariable("DISPLAY");
+    if (display.isEmpty()) {
+        return std::unexpected(QStringLiteral("No desktop to show the panel on: the variable $DISPLAY is not set."));
+    }
+    return std::unexpected(
+        QStringLiteral("No desktop to show the panel on: the X server of $DISPLAY (\"%1\") cannot be reached.")
+            .arg(display));
+}
+
+} // namespace pelloran::GuiSession

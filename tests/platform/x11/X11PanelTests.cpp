@@ -1,0 +1,278 @@
+#include "platform/x11/X11Panel.h"
+
+#include "platform/x11/X11Test.h"
+
+#include <QElapsedTimer>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+namespace pelloran::testing {
+
+namespace {
+
+constexpr QRect screen(0, 0, 1280, 1024);
+constexpr QRect panelBounds(800, 100, 360, 420);
+constexpr const char* compositor = "_NET_WM_CM_S0";
+
+bool inTime(const std::function<bool()>& condition) {
+    return QTest::qWaitFor(condition, patience);
+}
+
+// A window of a test client stands for the panel's own.
+class X11PanelTest : public ManagedX11Test {
+protected:
+    void SetUp() override {
+        X11Test::SetUp();
+        if (!IsSkipped() && !HasFatalFailure()) {
+            begin();
+        }
+    }
+
+    void TearDown() override { panel.reset(); }
+
+    void begin() {
+        auto connection = x11::XcbConnection::open();
+        ASSERT_TRUE(connection);
+        window = client->create({.bounds = panelBounds, .overrideRedirect = true});
+        panel = std::make_unique<x11::X11Panel>(std::move(connection), [this] { return surroundings; });
+        panel->setWindow(window);
+        // The look that comes with the window is over, or it could pass for one of the test's.
+        QTest::qWait(0);
+    }
+
+    bool isAbove(xcb_window_t other) { return client->isAbove(window, other); }
+
+    // The panel had the time to do something and did not: what was asked of it later is done.
+    void expectStaysBelow(xcb_window_t other) {
+        QTest::qWait(static_cast<int>(3 * x11::RaiseSchedule::betweenLooks.count()));
+        EXPECT_FALSE(isAbove(other));
+        const xcb_window_t probe = client->create({.bounds = panelBounds});
+        client->destroy(other);
+        EXPECT_TRUE(inTime([&] { return isAbove(probe); })) << "it does not look at all";
+    }
+
+    x11::Surroundings surroundings{.ourWindows = {}, .screens = {screen}};
+    xcb_window_t window = XCB_WINDOW_NONE;
+    std::unique_ptr<x11::X11Panel> panel;
+};
+
+class ManagedX11PanelTest : public X11PanelTest {
+protected:
+    void SetUp() override {
+        ManagedX11Test::SetUp();
+        if (!IsSkipped() && !HasFatalFailure()) {
+            begin();
+        }
+    }
+};
+
+TEST_F(X11PanelTest, IsRaisedAboveAWindowThatCoversIt) {
+    const auto other = client->create({.bounds = {700, 0, 300, 300}});
+    EXPECT_TRUE(inTime([&] { return isAbove(other); }));
+}
+
+TEST_F(X11PanelTest, IsRaisedAboveAWindowThatIsRaisedOrMoved) {
+    const auto other = client->create({.bounds = {0, 0, 300, 300}, .mapped = false});
+    client->map(other);
+    client->raise(other);
+    client->setBounds(other, {700, 0, 300, 300});
+    EXPECT_TRUE(inTime([&] { return isAbove(other); }));
+    client->raise(other);
+    EXPECT_TRUE(inTime([&] { return isAbove(other); }));
+}
+
+TEST_F(X11PanelTest, StaysBelowAWindowThatDoesNotCoverIt) {
+    expectStaysBelow(client->create({.bounds = {0, 0, 300, 300}}));
+}
+
+TEST_F(X11PanelTest, StaysBelowWindowsThatCannotBeSeen) {
+    expectStaysBelow(client->create({.bounds = screen, .inputOnly = true}));
+}
+
+TEST_F(X11PanelTest, StaysBelowOurOwnMenus) {
+    const auto menu = client->create({.bounds = panelBounds, .overrideRedirect = true, .mapped = false});
+    surroundings.ourWindows = {{menu, false}};
+    client->map(menu);
+    expectStaysBelow(menu);
+}
+
+TEST_F(X11PanelTest, StaysBelowAScreenLocker) {
+    const auto locker = client->create({.bounds = screen, .overrideRedirect = true});
+    panel->raise();
+    expectStaysBelow(locker);
+}
+
+TEST_F(X11PanelTest, ComesUpWhenTheLockerGoes) {
+    const auto other = client->create({.bounds = panelBounds, .mapped = false});
+    const auto locker = client->create({.bounds = screen, .overrideRedirect = true});
+    client->map(other);
+    QTest::qWait(static_cast<int>(3 * x11::RaiseSchedule::betweenLooks.count()));
+    EXPECT_FALSE(isAbove(locker));
+    EXPECT_FALSE(isAbove(other) && !isAbove(locker) && client->isAbove(other, locker));
+    client->raise(other);
+    client->raise(locker);
+    client->unmap(locker);
+    EXPECT_TRUE(inTime([&] { return isAbove(other); }));
+}
+
+TEST_F(X11PanelTest, IsRaisedAtMostOnceASecondAndNeverForgetsTheLastChange) {
+    const auto other = client->create({.bounds = panelBounds});
+    ASSERT_TRUE(inTime([&] { return isAbove(other); }));
+    QElapsedTimer sinceRaise;
+    sinceRaise.start();
+    for (int i = 0; i < 5; ++i) {
+        client->raise(other);
+        QTest::qWait(20);
+    }
+    ASSERT_FALSE(isAbove(other));
+    EXPECT_TRUE(inTime([&] { return isAbove(other); })) << "nothing changes after the last look";
+    // The first one was seen a moment after it happened.
+    EXPECT_GT(sinceRaise.elapsed(), x11::RaiseSchedule::betweenRaises.count() - 200);
+}
+
+TEST_F(X11PanelTest, IsRaisedAtOnceWhenAskedFor) {
+    const auto other = client->create({.bounds = panelBounds});
+    ASSERT_TRUE(inTime([&] { return isAbove(other); }));
+    client->raise(other);
+    ASSERT_FALSE(isAbove(other));
+    panel->raise();
+    EXPECT_TRUE(isAbove(other));
+}
+
+TEST_F(X11PanelTest, IsOnTopWhenItIsMappedAgain) {
+    client->unmap(window);
+    const auto other = client->create({.bounds = {0, 0, 300, 300}});
+    panel->raise();
+    QTest::qWait(static_cast<int>(2 * x11::RaiseSchedule::betweenLooks.count()));
+    EXPECT_FALSE(isAbove(other));
+    client->map(window);
+    EXPECT_TRUE(inTime([&] { return isAbove(other); }));
+}
+
+TEST_F(X11PanelTest, AWindowThatIsNotThereYetHurtsNothing) {
+    const auto next = window + 1000; // of the same program, so nobody else takes the number
+    panel->setWindow(next);
+    panel->setBlurRegion({QRect(0, 0, 5, 5)});
+    panel->raise();
+    QTest::qWait(static_cast<int>(2 * x11::RaiseSchedule::betweenLooks.count()));
+    panel->setWindow(window);
+    const auto other = client->create({.bounds = panelBounds});
+    EXPECT_TRUE(inTime([&] { return isAbove(other); }));
+}
+
+TEST_F(X11PanelTest, TellsTheCompositorWhatToBlur) {
+    panel->setBlurRegion({QRect(2, 0, 356, 1), QRect(0, 1, 360, 419)});
+    const std::vector<std::uint32_t> expected{2, 0, 356, 1, 0, 1, 360, 419};
+    const auto region = [&] { return client->numbers(window, "_KDE_NET_WM_BLUR_BEHIND_REGION"); };
+    EXPECT_TRUE(inTime([&] { return region() == expected; }));
+    panel->setBlurRegion({});
+    EXPECT_TRUE(inTime([&] { return region().empty(); }));
+}
+
+TEST_F(X11PanelTest, FollowsTheCompositor) {
+    int changes = 0;
+    panel->compositingChanged = [&] { ++changes; };
+    EXPECT_FALSE(panel->isComposited());
+    const auto owner = client->create({.mapped = false});
+    client->setOwner(compositor, owner);
+    EXPECT_TRUE(inTime([&] { return panel->isComposited(); }));
+    EXPECT_EQ(changes, 1);
+    client->setOwner(compositor, client->create({.mapped = false}));
+    client->setOwner("_NET_WM_CM_S1", owner);
+    client->setOwner(compositor, XCB_WINDOW_NONE);
+    EXPECT_TRUE(inTime([&] { return !panel->isComposited(); }));
+    EXPECT_EQ(changes, 2) << "one compositor after the other is no change";
+}
+
+TEST_F(X11PanelTest, ACompositorThatDiesIsNoticed) {
+    {
+        TestClient dying(display->name());
+        dying.setOwner(compositor, dying.create({.mapped = false}));
+        EXPECT_TRUE(inTime([&] { return panel->isComposited(); }));
+    }
+    EXPECT_TRUE(inTime([&] { return !panel->isComposited(); }));
+}
+
+TEST_F(X11PanelTest, StaysOnTopUnderARealCompositor) {
+    if (!VirtualDisplay::isInstalled(QStringLiteral("picom"))) {
+        GTEST_SKIP() << "needs picom, which is not installed";
+    }
+    ASSERT_TRUE(
+        display->startProgram(QStringLiteral("picom"), {QStringLiteral("--backend"), QStringLiteral("xrender"),
+                                                        QStringLiteral("--config"), QStringLiteral("/dev/null")}));
+    EXPECT_TRUE(inTime([&] { return panel->isComposited(); }));
+    const auto other = client->create({.bounds = panelBounds});
+    EXPECT_TRUE(inTime([&] { return isAbove(other); })) << "nothing of the compositor's passes for a locker";
+    display->stopPrograms();
+    EXPECT_TRUE(inTime([&] { return !panel->isComposited(); }));
+}
+
+TEST_F(X11PanelTest, SurvivesItsServer) {
+    ASSERT_NO_FATAL_FAILURE(client->create({.bounds = panelBounds}));
+    client.reset();
+    display->stop();
+    QTest::qWait(50);
+    panel->raise();
+    panel->setBlurRegion({QRect(0, 0, 5, 5)});
+    panel->setWindow(window + 1);
+    EXPECT_FALSE(panel->isComposited());
+    QElapsedTimer time;
+    time.start();
+    QTest::qWait(50); // with the notifier of a closed socket still on, this would be busy all the time
+    EXPECT_LT(time.elapsed(), patience);
+}
+
+TEST_F(X11PanelTest, AServerThatHangsFailsRequestsUntilItGoesOn) {
+    const auto connection = x11::XcbConnection::open();
+    ASSERT_TRUE(connection);
+    kill(static_cast<pid_t>(display->processId()), SIGSTOP);
+    QElapsedTimer time;
+    time.start();
+    const auto answer = connection->ask<xcb_query_tree_reply>(xcb_query_tree(*connection, window), "QueryTree");
+    ASSERT_FALSE(answer);
+    EXPECT_EQ(answer.error().code, 0);
+    const auto first = time.restart();
+    EXPECT_GE(first, 1000) << "a server may be busy";
+    for (int i = 0; i < 20; ++i) {
+        EXPECT_FALSE(connection->ask<xcb_query_tree_reply>(xcb_query_tree(*connection, window), "QueryTree"));
+        EXPECT_FALSE(connection->check(xcb_map_window_checked(*connection, window), "MapWindow"));
+    }
+    EXPECT_LT(time.elapsed(), first) << "the next ones wait as long again";
+    kill(static_cast<pid_t>(display->processId()), SIGCONT);
+    EXPECT_TRUE(eventually([&] {
+        return connection->ask<xcb_query_tree_reply>(xcb_query_tree(*connection, window), "QueryTree").has_value();
+    }));
+    EXPECT_FALSE(connection->broken());
+    EXPECT_TRUE(connection->check(xcb_map_window_checked(*connection, window), "MapWindow"));
+}
+
+TEST_F(ManagedX11PanelTest, IsRaisedAboveAFullScreenWindow) {
+    const auto game = createManaged({.bounds = {0, 0, 640, 480}});
+    client->sendToRoot(game, "_NET_ACTIVE_WINDOW", 2);
+    xcb_atom_t fullScreen = client->atom("_NET_WM_STATE_FULLSCREEN");
+    client->sendToRoot(game, "_NET_WM_STATE", 1, fullScreen);
+    ASSERT_TRUE(inTime([&] { return client->numbers(game, "_NET_WM_STATE").size() >= 1; }));
+    EXPECT_TRUE(inTime([&] { return isAbove(game); }));
+}
+
+TEST_F(ManagedX11PanelTest, StaysBelowOurOwnAlerts) {
+    const auto alert = client->create({.bounds = panelBounds, .mapped = false});
+    surroundings.ourWindows = {{window, false}, {alert, true}};
+    client->map(alert);
+    ASSERT_TRUE(inTime([&] { return client->parent(alert) != client->root() && client->isViewable(alert); }));
+    client->sendToRoot(alert, "_NET_ACTIVE_WINDOW", 2);
+    // Openbox puts its windows where they were among the others, or on top.
+    client->raise(client->parent(alert));
+    QTest::qWait(static_cast<int>(3 * x11::RaiseSchedule::betweenLooks.count()));
+    EXPECT_FALSE(isAbove(alert));
+    surroundings.ourWindows = {{window, false}};
+    client->raise(client->parent(alert));
+    EXPECT_TRUE(inTime([&] { return isAbove(alert); })) << "it was the frame that was known";
+}
+
+} // namespace
+
+} // namespace pelloran::testing
