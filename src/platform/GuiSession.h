@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QString>
+
+#include <expected>
+
+// What has to be settled before a QApplication exists.
+namespace pelloran::GuiSession {
+
+// Chooses how Qt talks to the desktop, and finds out whether it can: Qt itself would end the program. Fails with a
+// sentence for the user. Once, on the main thread, before any other starts.
+std::expected<void, QString> prepare();
+
+} // namespace pelloran::GuiSession
