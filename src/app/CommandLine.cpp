@@ -30,6 +30,7 @@ const QString windowOwnerOption = QStringLiteral("window-owner");
 const QString languageOption = QStringLiteral("language");
 const QString snapshotsOption = QStringLiteral("snapshots");
 const QString noPanelOption = QStringLiteral("no-panel");
+const QString reduceMotionOption = QStringLiteral("reduce-motion");
 const QString phaseOption = QStringLiteral("phase");
 const QString ticksOption = QStringLiteral("ticks");
 const QString classesOption = QStringLiteral("classes");
@@ -51,7 +52,10 @@ std::expected<Command, QString> buildRunLoop(const QCommandLineParser& parsed) {
         .logsDir = optionalValue(parsed, logsDirOption),
         .windowOwner = optionalValue(parsed, windowOwnerOption),
         .language = std::nullopt,
-        .snapshots = true, // with or without --snapshots: until there is a panel, the lines are all there is to see
+        .panel = !parsed.isSet(noPanelOption),
+        .snapshots =
+            parsed.isSet(snapshotsOption) || parsed.isSet(noPanelOption), // without a panel they are all there is
+        .reduceMotion = parsed.isSet(reduceMotionOption),
     };
     if (parsed.isSet(languageOption)) {
         run.language = AppLanguage::fromRawValue(parsed.value(languageOption));
@@ -102,15 +106,14 @@ const std::vector<Syntax>& syntaxes() {
         {
             {},
             {},
-            QStringLiteral("Follows an Arena draft of Hearthstone and tells the figures of what is offered."),
+            QStringLiteral("Follows an Arena draft of Hearthstone and shows the figures of what is offered."),
             {
                 logsDir,
                 {windowOwnerOption, QStringLiteral("NAME"), QStringLiteral("owner or title of the game's window")},
                 {languageOption, QStringLiteral("LANGUAGE"), QStringLiteral("system, zh or en, for this run")},
-                {snapshotsOption,
-                 {},
-                 QStringLiteral("print every published snapshot as a JSON line (on, until there is a panel)")},
-                {noPanelOption, {}, QStringLiteral("run without a panel (this version has none yet)")},
+                {snapshotsOption, {}, QStringLiteral("print every published snapshot as a JSON line")},
+                {noPanelOption, {}, QStringLiteral("show nothing, need no display; prints the snapshots")},
+                {reduceMotionOption, {}, QStringLiteral("nothing in the panel moves, whatever the desktop says")},
             },
             buildRunLoop,
         },

@@ -17,7 +17,9 @@ struct RunLoop {
     std::optional<QString> logsDir; // absent: where the game usually writes
     std::optional<QString> windowOwner;
     std::optional<AppLanguage> language; // for this run only
-    bool snapshots = true;               // every published snapshot as a JSON line on standard output
+    bool panel = true;                   // false: no display is needed and nothing is shown
+    bool snapshots = false;              // every published snapshot as a JSON line on standard output
+    bool reduceMotion = false;           // whatever the desktop says
 };
 
 struct PrintDraftState {

@@ -45,7 +45,7 @@ TerminationSignals::TerminationSignals() {
         for (const int signal : terminating) {
             std::signal(signal, SIG_DFL);
         }
-        QCoreApplication::quit();
+        QCoreApplication::exit(0); // unlike quit(), which a window that declines to close can stop
     });
     for (const int signal : terminating) {
         if (std::signal(signal, tellEventLoop) == SIG_IGN) {

@@ -1,14 +1,18 @@
 #include "app/CommandLine.h"
+#include "app/DesktopApplication.h"
 #include "app/localisation/AppLanguage.h"
 #include "app/MainLoop.h"
 #include "app/OneShotCommands.h"
+#include "platform/GuiSession.h"
 #include "platform/Log.h"
 #include "platform/SystemSettings.h"
 #include "platform/UserDefaults.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 
 #include <cstdio>
+#include <expected>
+#include <memory>
 
 using namespace pelloran;
 
@@ -23,22 +27,42 @@ void logQtMessage(QtMsgType, const QMessageLogContext&, const QString& message) 
 
 int main(int argc, char** argv) {
     qInstallMessageHandler(logQtMessage);
-    QCoreApplication application(argc, argv);
-    QCoreApplication::setApplicationName(QStringLiteral("Pelloran"));
-    QCoreApplication::setApplicationVersion(QStringLiteral(PELLORAN_VERSION));
-
-    const auto command = parseCommandLine(QCoreApplication::arguments().mid(1));
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i) {
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    }
+    const auto command = parseCommandLine(arguments);
     if (!command) {
         std::fputs(command.error().message.toUtf8().constData(), stderr);
         return 2;
     }
+    const auto* loop = std::get_if<RunLoop>(&*command);
+    const bool withPanel = loop && loop->panel;
+    const auto session = withPanel ? GuiSession::prepare() : std::expected<void, QString>();
+
+    // Only the panel needs a display, and the bigger application object with it.
+    std::unique_ptr<QCoreApplication> application;
+    if (withPanel && session) {
+        application = std::make_unique<QApplication>(argc, argv);
+    } else {
+        application = std::make_unique<QCoreApplication>(argc, argv);
+    }
+    QCoreApplication::setApplicationName(QStringLiteral("Pelloran"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(PELLORAN_VERSION));
     const auto defaults = UserDefaults::create();
     const auto settings = SystemSettings::create();
     AppLanguage::configure(defaults.get(), settings.get());
-    if (const auto* loop = std::get_if<RunLoop>(&*command); loop && loop->language) {
+    if (loop && loop->language) {
         AppLanguage::overridePreference(*loop->language);
     }
-    const int exitCode = std::visit([](const auto& chosen) { return run(chosen); }, *command);
+    int exitCode = 0;
+    if (!withPanel) {
+        exitCode = std::visit([](const auto& chosen) { return run(chosen); }, *command);
+    } else if (session) {
+        exitCode = runOnDesktop(*loop, *settings);
+    } else {
+        exitCode = failWithoutDisplay(*loop, session.error());
+    }
     AppLanguage::configure(nullptr, nullptr);
     if (std::ferror(stdout) != 0) {
         log(QStringLiteral("standard output could not be written"));

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/SystemSettings.h"
+
+#include <QPalette>
+#include <QString>
+
+#include <optional>
+
+namespace pelloran {
+
+// The colours of menus and alerts on a light or a dark desktop.
+QPalette paletteFor(Appearance appearance);
+
+// What the colours of a palette amount to.
+Appearance appearanceOf(const QPalette& palette);
+
+// Brings menus and alerts into the look that the desktop asks for, where Qt has not done so by itself: not every
+// desktop has a theme that Qt knows. Absent: Qt's own choice. Needs a QApplication.
+void applyAppearance(std::optional<Appearance> asked);
+
+// Tells in the log what to install when no font on this machine covers Chinese. Needs a QGuiApplication.
+void remarkOnMissingFonts();
+
+} // namespace pelloran

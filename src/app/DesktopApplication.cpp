@@ -1,0 +1,126 @@
+#include "app/DesktopApplication.h"
+
+#include "app/AppDelegate.h"
+#include "app/Appearance.h"
+#include "app/DraftParts.h"
+#include "app/MessageBoxAlerts.h"
+#include "app/SingleInstance.h"
+#include "app/TerminationSignals.h"
+#include "app/TrayStatusItem.h"
+#include "overlay/OverlayPanelController.h"
+#include "platform/ApplicationFiles.h"
+#include "platform/Log.h"
+#include "platform/PanelWindow.h"
+#include "platform/SerialQueue.h"
+#include "platform/SystemSettings.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QIcon>
+#include <QSessionManager>
+#include <QTimer>
+
+namespace pelloran {
+
+namespace {
+
+constexpr int done = 0;
+constexpr int failed = 1;
+
+class PanelOverlay final : public Overlay {
+public:
+    explicit PanelOverlay(const SystemSettings& settings)
+        : controller(settings, PanelWindow::create()) {
+        QObject::connect(&controller, &OverlayPanelController::contextMenuRequested, &controller,
+                         [this](QPoint position) {
+                             if (contextMenuRequested) {
+                                 contextMenuRequested(position);
+                             }
+                         });
+    }
+
+    void show() override { controller.show(); }
+
+    void hide() override { controller.hide(); }
+
+    bool isVisible() const override { return controller.isVisible(); }
+
+    void update(const OverlaySnapshot& snapshot) override { controller.update(snapshot); }
+
+    void systemSettingsChanged() override { controller.systemSettingsChanged(); }
+
+private:
+    OverlayPanelController controller;
+};
+
+// What the session manager restarts at the next log-in is the user's list of programs, not what happened to run.
+void leaveRestartToTheUser(QSessionManager& manager) {
+    manager.setRestartHint(QSessionManager::RestartNever);
+}
+
+} // namespace
+
+int runOnDesktop(const RunLoop& command, SystemSettings& settings) {
+    SingleInstance instance(privateRuntimeFolder(qEnvironmentVariable("XDG_RUNTIME_DIR"), QDir::tempPath()),
+                            instanceName(qEnvironmentVariable("DISPLAY")));
+    switch (instance.begin()) {
+    case SingleInstance::Outcome::first:
+    case SingleInstance::Outcome::unavailable:
+        break;
+    case SingleInstance::Outcome::handedOver:
+        log(QStringLiteral("running already; its panel has been brought forward"));
+        return done;
+    case SingleInstance::Outcome::firstSilent:
+        log(QStringLiteral("running already, but it does not answer; end it first"));
+        return failed;
+    }
+
+    const TerminationSignals signals;
+    QApplication::setQuitOnLastWindowClosed(false);
+    QObject::connect(qApp, &QGuiApplication::commitDataRequest, qApp, leaveRestartToTheUser);
+    QObject::connect(qApp, &QGuiApplication::saveStateRequest, qApp, leaveRestartToTheUser);
+    applyAppearance(settings.appearance());
+    remarkOnMissingFonts();
+
+    DraftParts parts(command);
+    if (const auto icon = parts.files->resource(QStringLiteral("pelloran"), QStringLiteral("png"), QString())) {
+        QApplication::setWindowIcon(QIcon(*icon));
+    }
+    MessageBoxAlerts alerts(PanelWindow::create()->windowFlags());
+    TrayStatusItem statusItem;
+    if (!statusItem.isAvailable()) {
+        log(QStringLiteral("this desktop has no status area; the menu opens on a right click of the panel"));
+    }
+    const auto delegate = std::make_shared<AppDelegate>(AppDelegate::Surroundings{
+        .store = parts.store,
+        .screenReader = parts.screenReader,
+        .queue = *parts.recognition,
+        .statusItem = statusItem,
+        .alerts = alerts,
+        .settings = settings,
+        .files = *parts.files,
+        .config = parts.config,
+        .makeOverlay = [&settings] { return std::make_unique<PanelOverlay>(settings); },
+        .terminate = &QCoreApplication::exit,
+        .alsoReceives = parts.printer,
+    });
+    instance.reopen = [&delegate] { delegate->applicationShouldHandleReopen(); };
+    QObject::connect(qApp, &QCoreApplication::aboutToQuit, delegate.get(), [&instance, &delegate] {
+        instance.end(); // a start from now on is not to wait for this one
+        delegate->applicationWillTerminate();
+    });
+    QTimer::singleShot(0, delegate.get(), &AppDelegate::applicationDidFinishLaunching);
+    return QCoreApplication::exec();
+}
+
+int failWithoutDisplay(const RunLoop& command, const QString& reason) {
+    DraftParts parts(command);
+    if (const auto loaded = parts.store.loadFromBundle(); !loaded) {
+        log(loadFailureLine(loaded.error()));
+    } else {
+        log(QStringLiteral("%1; --no-panel follows the draft without a display").arg(reason));
+    }
+    return failed;
+}
+
+} // namespace pelloran

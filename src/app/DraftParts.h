@@ -1,0 +1,52 @@
+#pragma once
+
+#include "app/CommandLine.h"
+#include "app/LineWriter.h"
+#include "data/WinrateStore.h"
+#include "draft/DraftService.h"
+#include "recognition/ScreenReader.h"
+
+#include <QString>
+
+#include <memory>
+
+namespace pelloran {
+
+class ApplicationFiles;
+class SerialQueue;
+
+// Prints every snapshot for who asked for them.
+class SnapshotPrinter final : public DraftServiceDelegate {
+public:
+    SnapshotPrinter();
+
+    void draftServiceDidUpdate(const OverlaySnapshot& snapshot) override;
+
+private:
+    LineWriter output;
+};
+
+// What following a draft takes, with a panel or without. Whoever makes a DraftService of it destroys that first.
+class DraftParts {
+public:
+    // Needs the application object. Says where it waits for a log folder that is not there yet. Loads nothing.
+    explicit DraftParts(const RunLoop& command);
+    ~DraftParts();
+
+    const std::unique_ptr<ApplicationFiles> files;
+    const AppConfig config;
+    WinrateStore store;
+    // In this order, so that the queue waits for the look under way before what it uses goes.
+    ScreenReader screenReader;
+    const std::unique_ptr<SerialQueue> recognition;
+    const std::shared_ptr<SnapshotPrinter> printer; // null: nobody asked
+};
+
+// Lines for the log.
+QString loadFailureLine(const DataError& error);
+QString bootLine(const WinrateStore& store);
+
+// Figures that somebody made up must not be taken for real ones.
+void remarkOnSampleData(const WinrateStore& store);
+
+} // namespace pelloran

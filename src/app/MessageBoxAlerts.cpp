@@ -1,0 +1,65 @@
+#include "app/MessageBoxAlerts.h"
+
+#include "app/localisation/L10n.h"
+
+#include <QGuiApplication>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QScreen>
+#include <QTimer>
+
+namespace pelloran {
+
+namespace {
+
+QMessageBox::Icon iconFor(Alerts::Style style) {
+    switch (style) {
+    case Alerts::Style::informational:
+        return QMessageBox::Information;
+    case Alerts::Style::warning:
+        return QMessageBox::Warning;
+    case Alerts::Style::critical:
+        return QMessageBox::Critical;
+    }
+    Q_UNREACHABLE();
+}
+
+// Whether a desktop's button order puts a role first is its own affair; what counts here is that all buttons have the
+// same role, so that they stand in the order given.
+constexpr auto role = QMessageBox::ActionRole;
+
+} // namespace
+
+MessageBoxAlerts::MessageBoxAlerts(Qt::WindowFlags above)
+    : flags(above & (Qt::WindowStaysOnTopHint | Qt::X11BypassWindowManagerHint)) {}
+
+int MessageBoxAlerts::runModal(const Alert& alert) {
+    QMessageBox box;
+    box.setWindowFlags(box.windowFlags() | flags);
+    box.setIcon(iconFor(alert.style));
+    box.setWindowTitle(QGuiApplication::applicationDisplayName());
+    // What comes from servers and files must not be taken for markup.
+    box.setTextFormat(Qt::PlainText);
+    box.setText(alert.messageText);
+    box.setInformativeText(alert.informativeText);
+
+    const QStringList titles = alert.buttons.isEmpty() ? QStringList{L10n::tr(u"update.btn.ok")} : alert.buttons;
+    QList<QAbstractButton*> buttons;
+    for (QString title : titles) {
+        buttons.append(box.addButton(title.replace(u'&', QStringLiteral("&&")), role));
+    }
+    box.setDefaultButton(qobject_cast<QPushButton*>(buttons.first()));
+    box.setEscapeButton(buttons.last());
+
+    // A window that no window manager knows is neither placed nor given the keyboard by one.
+    QTimer::singleShot(0, &box, [&box] {
+        box.move(box.screen()->availableGeometry().center() - box.rect().center());
+        box.raise();
+        box.activateWindow();
+    });
+    box.exec();
+    const qsizetype pressed = buttons.indexOf(box.clickedButton());
+    return static_cast<int>(pressed < 0 ? buttons.size() - 1 : pressed);
+}
+
+} // namespace pelloran
