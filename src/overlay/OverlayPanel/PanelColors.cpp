@@ -15,7 +15,7 @@ PanelColors PanelColors::of(Appearance appearance) {
     const QColor sheet(30, 30, 33);
     const QColor label = withAlpha(Qt::white, 0.94);
     return {
-        .material = withAlpha(sheet, appearance == Appearance::dark ? 0.86 : 0.92),
+        .material = withAlpha(sheet, appearance == Appearance::dark ? 0.90 : 0.94),
         .opaqueMaterial = sheet,
         .border = withAlpha(Qt::white, 0.16),
         .title = QColor::fromRgbF(0.95F, 0.78F, 0.35F),
