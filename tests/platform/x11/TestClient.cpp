@@ -117,6 +117,12 @@ void TestClient::raise(xcb_window_t window) {
     sync();
 }
 
+void TestClient::lower(xcb_window_t window) {
+    const std::uint32_t below = XCB_STACK_MODE_BELOW;
+    xcb_configure_window(connection, window, XCB_CONFIG_WINDOW_STACK_MODE, &below);
+    sync();
+}
+
 void TestClient::setBounds(xcb_window_t window, QRect bounds) {
     const std::int32_t values[] = {bounds.x(), bounds.y(), bounds.width(), bounds.height()};
     xcb_configure_window(connection, window,

@@ -45,6 +45,7 @@ public:
     void unmap(xcb_window_t window);
     void destroy(xcb_window_t window);
     void raise(xcb_window_t window);
+    void lower(xcb_window_t window);
     void setBounds(xcb_window_t window, QRect bounds);
     void setBackground(xcb_window_t window, const QImage& image);
     void paint(xcb_window_t window, const QImage& image);
