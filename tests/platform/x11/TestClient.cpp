@@ -230,6 +230,12 @@ void TestClient::sendToRoot(xcb_window_t window, const char* message, std::uint3
     sync();
 }
 
+xcb_window_t TestClient::focus() {
+    const Owned<xcb_get_input_focus_reply_t> reply(
+        xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+    return reply ? reply->focus : xcb_window_t{XCB_WINDOW_NONE};
+}
+
 bool TestClient::isViewable(xcb_window_t window) {
     const Owned<xcb_get_window_attributes_reply_t> reply(
         xcb_get_window_attributes_reply(connection, xcb_get_window_attributes(connection, window), nullptr));
