@@ -8,11 +8,11 @@
 
 namespace pelloran::x11 {
 
-namespace {
-
 void PrintTo(PanelView view, std::ostream* out) {
     *out << (view == PanelView::free ? "free" : view == PanelView::obscured ? "obscured" : "locked");
 }
+
+namespace {
 
 constexpr QRect panel(1500, 100, 360, 420);
 constexpr std::array screens{QRect(0, 0, 1920, 1080), QRect(1920, 0, 1280, 1024)};

@@ -117,6 +117,12 @@ void TestClient::raise(xcb_window_t window) {
     sync();
 }
 
+void TestClient::lower(xcb_window_t window) {
+    const std::uint32_t below = XCB_STACK_MODE_BELOW;
+    xcb_configure_window(connection, window, XCB_CONFIG_WINDOW_STACK_MODE, &below);
+    sync();
+}
+
 void TestClient::setBounds(xcb_window_t window, QRect bounds) {
     const std::int32_t values[] = {bounds.x(), bounds.y(), bounds.width(), bounds.height()};
     xcb_configure_window(connection, window,
@@ -222,6 +228,12 @@ void TestClient::sendToRoot(xcb_window_t window, const char* message, std::uint3
                    XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
                    reinterpret_cast<const char*>(&event));
     sync();
+}
+
+xcb_window_t TestClient::focus() {
+    const Owned<xcb_get_input_focus_reply_t> reply(
+        xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+    return reply ? reply->focus : xcb_window_t{XCB_WINDOW_NONE};
 }
 
 bool TestClient::isViewable(xcb_window_t window) {

@@ -45,6 +45,7 @@ public:
     void unmap(xcb_window_t window);
     void destroy(xcb_window_t window);
     void raise(xcb_window_t window);
+    void lower(xcb_window_t window);
     void setBounds(xcb_window_t window, QRect bounds);
     void setBackground(xcb_window_t window, const QImage& image);
     void paint(xcb_window_t window, const QImage& image);
@@ -62,6 +63,8 @@ public:
     // Asks the window manager.
     void sendToRoot(xcb_window_t window, const char* message, std::uint32_t first, std::uint32_t second = 0);
 
+    // Who has the keyboard.
+    xcb_window_t focus();
     bool isViewable(xcb_window_t window);
     // Of two children of the root, or of the frames around them.
     bool isAbove(xcb_window_t window, xcb_window_t other);
