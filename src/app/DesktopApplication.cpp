@@ -113,9 +113,11 @@ int runOnDesktop(const RunLoop& command, SystemSettings& settings) {
     return QCoreApplication::exec();
 }
 
-int failWithoutDisplay(const RunLoop& command, const QString& reason) {
-    DraftParts parts(command);
-    if (const auto loaded = parts.store.loadFromBundle(); !loaded) {
+int failWithoutDisplay(const QString& reason) {
+    // Data that cannot be loaded would be the next thing to fail.
+    const auto files = ApplicationFiles::create();
+    WinrateStore store(*files);
+    if (const auto loaded = store.loadFromBundle(); !loaded) {
         log(loadFailureLine(loaded.error()));
     } else {
         log(QStringLiteral("%1; --no-panel follows the draft without a display").arg(reason));

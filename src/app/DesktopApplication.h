@@ -2,6 +2,8 @@
 
 #include "app/CommandLine.h"
 
+#include <QString>
+
 namespace pelloran {
 
 class SystemSettings;
@@ -12,6 +14,6 @@ int runOnDesktop(const RunLoop& command, SystemSettings& settings);
 
 // In place of it where there is no display, for the `reason` given: says what is wrong and gives the exit code. Needs
 // a QCoreApplication.
-int failWithoutDisplay(const RunLoop& command, const QString& reason);
+int failWithoutDisplay(const QString& reason);
 
 } // namespace pelloran

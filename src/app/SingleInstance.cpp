@@ -28,7 +28,8 @@ constexpr std::chrono::milliseconds pause{20};
 } // namespace
 
 SingleInstance::SingleInstance(const QString& folder, const QString& name)
-    : socketPath(folder + u'/' + name + QStringLiteral(".socket"))
+    : usable(!folder.isEmpty())
+    , socketPath(folder + u'/' + name + QStringLiteral(".socket"))
     , lock(folder + u'/' + name + QStringLiteral(".lock")) {
     lock.setStaleLockTime(0); // however long it runs; a lock whose process is gone is no lock
     server.setSocketOptions(QLocalServer::UserAccessOption);
@@ -46,6 +47,10 @@ SingleInstance::~SingleInstance() {
 }
 
 SingleInstance::Outcome SingleInstance::begin(std::chrono::milliseconds wait) {
+    if (!usable) {
+        log(QStringLiteral("there is no private folder for a socket; a second start will not be noticed"));
+        return Outcome::unavailable;
+    }
     const QDeadlineTimer deadline(wait);
     do {
         if (lock.tryLock(0)) {

@@ -25,7 +25,8 @@ public:
     // How long a second start waits for the first.
     static constexpr std::chrono::milliseconds patience{3'000};
 
-    // `folder` exists and is the user's own; `name` is that of both files, without their extensions.
+    // `folder` exists and is the user's own, or is empty where there is none; `name` is that of both files, without
+    // their extensions.
     SingleInstance(const QString& folder, const QString& name);
     ~SingleInstance() override;
 
@@ -43,6 +44,7 @@ private:
     bool askFirst(std::chrono::milliseconds wait) const;
     void answer(QLocalSocket& asking);
 
+    bool usable;
     QString socketPath;
     QLockFile lock;
     QLocalServer server;

@@ -35,8 +35,8 @@ private:
 
     // The icon refers to it to its end. One that is open may not go before its entry has been served.
     std::unique_ptr<QMenu, DeleteLater> menu;
-    QSystemTrayIcon icon;
-    QTimer whileThereIsNone;
+    QSystemTrayIcon icon{this};
+    QTimer whileThereIsNone{this};
     bool withImage = false;
 };
 

@@ -61,7 +61,7 @@ int main(int argc, char** argv) {
     } else if (session) {
         exitCode = runOnDesktop(*loop, *settings);
     } else {
-        exitCode = failWithoutDisplay(*loop, session.error());
+        exitCode = failWithoutDisplay(session.error());
     }
     AppLanguage::configure(nullptr, nullptr);
     if (std::ferror(stdout) != 0) {

@@ -19,7 +19,7 @@ T parsed(const char* words) {
     return std::get<T>(*command);
 }
 
-TEST(CommandLine, RunsTheLoopByDefault) {
+TEST(CommandLine, ShowsThePanelByDefault) {
     const auto plain = parsed<RunLoop>("");
     EXPECT_EQ(plain.logsDir, std::nullopt);
     EXPECT_EQ(plain.windowOwner, std::nullopt);
@@ -30,7 +30,31 @@ TEST(CommandLine, RunsTheLoopByDefault) {
     EXPECT_EQ(full.logsDir, QStringLiteral("/games/Logs"));
     EXPECT_EQ(full.windowOwner, QStringLiteral("炉石传说"));
     EXPECT_EQ(full.language, AppLanguage::zh);
-    EXPECT_TRUE(full.snapshots);
+}
+
+TEST(CommandLine, ChoosesWhatARunShows) {
+    struct Case {
+        const char* why;
+        const char* words;
+        bool panel;
+        bool snapshots;
+        bool reduceMotion;
+    };
+
+    const Case cases[] = {
+        {"a plain start", "", true, false, false},
+        {"lines beside the panel", "--snapshots", true, true, false},
+        {"without a panel lines are all there is", "--no-panel", false, true, false},
+        {"asking for both is no contradiction", "--no-panel --snapshots", false, true, false},
+        {"a still panel", "--reduce-motion", true, false, true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const auto run = parsed<RunLoop>(c.words);
+        EXPECT_EQ(run.panel, c.panel);
+        EXPECT_EQ(run.snapshots, c.snapshots);
+        EXPECT_EQ(run.reduceMotion, c.reduceMotion);
+    }
 }
 
 TEST(CommandLine, TakesTheCommandsThatShowOnePart) {

@@ -1,0 +1,317 @@
+#include "app/AppDelegate.h"
+
+#include "app/localisation/AppLanguage.h"
+#include "data/WinrateStore.h"
+#include "fakes/FakeAlerts.h"
+#include "fakes/FakeApplicationFiles.h"
+#include "fakes/FakeOverlay.h"
+#include "fakes/FakeStatusItem.h"
+#include "fakes/FakeSystemSettings.h"
+#include "fakes/FakeTextReader.h"
+#include "fakes/FakeUserDefaults.h"
+#include "fakes/FakeWindowServer.h"
+#include "fakes/ManualQueue.h"
+#include "platform/Log.h"
+#include "recognition/ScreenReader.h"
+#include "support/Printing.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QTemporaryDir>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace pelloran {
+namespace {
+
+using Action = StatusMenuEntry::Action;
+using ::testing::ElementsAre;
+
+const QString bootEnglish = QStringLiteral("Local config · bundled · syncing… · Waiting for Arena draft…");
+const QString bootChinese = QStringLiteral("本地配置 · 内置 · 后台同步中… · 等待进入竞技场选卡界面…");
+
+class Receiver final : public DraftServiceDelegate {
+public:
+    void draftServiceDidUpdate(const OverlaySnapshot& snapshot) override { snapshots.push_back(snapshot); }
+
+    std::vector<OverlaySnapshot> snapshots;
+};
+
+class AppDelegateTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        AppLanguage::configure(&defaults, &settings);
+        setLogSink([this](const QString& line) { steps << QStringLiteral("log ") + line; });
+        write("resources/winrates/all_classes_LAST_7_DAYS.json",
+              R"({"cards": [{"card_id": "OWN", "name_en": "Own Card"}]})");
+        write("resources/winrates/class_winrates.json", R"({"classes": []})");
+        config.logsDir = folder.filePath(QStringLiteral("logs"));
+    }
+
+    void TearDown() override {
+        delegate.reset();
+        setLogSink({});
+        AppLanguage::configure(nullptr, nullptr);
+    }
+
+    void write(const char* name, const QByteArray& bytes) const {
+        const QString path = folder.filePath(QString::fromUtf8(name));
+        ASSERT_TRUE(QDir().mkpath(QFileInfo(path).path()));
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+    }
+
+    void launch() {
+        delegate = std::make_shared<AppDelegate>(AppDelegate::Surroundings{
+            .store = store,
+            .screenReader = reader,
+            .queue = queue,
+            .statusItem = item,
+            .alerts = alerts,
+            .settings = settings,
+            .files = files,
+            .config = config,
+            .makeOverlay = [this] { return std::make_unique<testing::FakeOverlay>(panel, steps); },
+            .terminate = [this](int exitCode) { exitCodes.push_back(exitCode); },
+            .alsoReceives = alsoReceives,
+        });
+        delegate->applicationDidFinishLaunching();
+    }
+
+    void withMenuIcon() const {
+        QDir().mkpath(files.resourceFolder());
+        QImage picture(18, 18, QImage::Format_ARGB32);
+        picture.fill(Qt::yellow);
+        ASSERT_TRUE(picture.save(files.resourceFolder() + QStringLiteral("/MenuIcon.png")));
+    }
+
+    void beginDraft() const { write("logs/Hearthstone_1/Arena.log", "D 1 SetDraftMode - DRAFTING\n"); }
+
+    void endDraft() const { QDir(config.logsDir).removeRecursively(); }
+
+    QString lastMessage() const { return panel.snapshots.back().message.value_or(QString()); }
+
+    QTemporaryDir folder;
+    testing::FakeApplicationFiles files{folder.path()};
+    testing::FakeUserDefaults defaults;
+    testing::FakeSystemSettings settings;
+    WinrateStore store{files};
+    ScreenReader reader{[] { return std::make_unique<testing::FakeWindowServer>(); },
+                        [] { return std::make_unique<testing::FakeTextReader>(); }};
+    testing::ManualQueue queue;
+    QStringList steps;
+    testing::FakeStatusItem item{steps};
+    testing::FakeAlerts alerts;
+    testing::OverlayRecord panel;
+    AppConfig config;
+    std::vector<int> exitCodes;
+    std::shared_ptr<DraftServiceDelegate> alsoReceives;
+    std::shared_ptr<AppDelegate> delegate;
+};
+
+TEST_F(AppDelegateTest, StartsInItsOrder) {
+    withMenuIcon();
+    launch();
+    EXPECT_EQ(steps, (QStringList{
+                         QStringLiteral("panel made"),
+                         QStringLiteral("image"),
+                         QStringLiteral("tooltip"),
+                         QStringLiteral("menu"),
+                         QStringLiteral("panel shown"),
+                         QStringLiteral("snapshot Waiting for Arena draft…"), // of the first tick
+                         QStringLiteral("snapshot ") + bootEnglish,
+                         QStringLiteral("log boot cards=") + store.metaDescription() + QStringLiteral("; source=") +
+                             store.cardsSourceDescription() + QStringLiteral("; lang=en"),
+                     }));
+    EXPECT_EQ(item.toolTip, QStringLiteral("Pelloran · Hearthstone helper"));
+    EXPECT_EQ(item.menu, statusMenu(AppLanguage::system));
+    EXPECT_TRUE(panel.visible);
+    EXPECT_TRUE(alerts.shown.empty());
+    EXPECT_TRUE(exitCodes.empty());
+}
+
+TEST_F(AppDelegateTest, ShowsTheBootLineEvenInADraftUntilTheNextTick) {
+    beginDraft();
+    launch();
+    EXPECT_EQ(lastMessage(), bootEnglish);
+    queue.finishNext();
+    EXPECT_EQ(lastMessage(), QStringLiteral("In Arena, but Hearthstone window not found"));
+}
+
+TEST_F(AppDelegateTest, SaysWhyTheDataCannotBeLoadedAndEnds) {
+    write("resources/winrates/all_classes_LAST_7_DAYS.json", "no figures");
+    alerts.whenShown = [this] {
+        EXPECT_TRUE(panel.visible) << "the panel stands already";
+        EXPECT_TRUE(exitCodes.empty()) << "the end waits for the user";
+    };
+    launch();
+    ASSERT_EQ(alerts.shown.size(), 1U);
+    EXPECT_EQ(alerts.shown[0].style, Alerts::Style::critical);
+    EXPECT_EQ(alerts.shown[0].messageText, QStringLiteral("Failed to load win-rate data"));
+    EXPECT_FALSE(alerts.shown[0].informativeText.isEmpty());
+    EXPECT_THAT(exitCodes, ElementsAre(1));
+    EXPECT_TRUE(panel.snapshots.empty()) << "nothing runs";
+    ASSERT_TRUE(steps.last().startsWith(QStringLiteral("log Failed to load win-rate data: ")));
+    EXPECT_TRUE(steps.last().contains(alerts.shown[0].informativeText));
+
+    item.choose(Action::refreshNow);
+    AppLanguage::setPreference(AppLanguage::zh);
+    EXPECT_TRUE(panel.snapshots.empty()) << "what is left of the program does not stumble over what was never made";
+}
+
+TEST_F(AppDelegateTest, TogglesThePanel) {
+    launch();
+    item.choose(Action::toggleOverlay);
+    EXPECT_FALSE(panel.visible);
+    item.choose(Action::toggleOverlay);
+    EXPECT_TRUE(panel.visible);
+}
+
+TEST_F(AppDelegateTest, RefreshesWithOneTick) {
+    launch();
+    const auto before = panel.snapshots.size();
+    item.choose(Action::refreshNow);
+    EXPECT_EQ(panel.snapshots.size(), before + 1);
+    EXPECT_EQ(lastMessage(), bootEnglish) << "which is the idle line from now on";
+}
+
+TEST_F(AppDelegateTest, QuitsFromTheMenu) {
+    launch();
+    item.choose(Action::quit);
+    EXPECT_THAT(exitCodes, ElementsAre(0));
+}
+
+TEST_F(AppDelegateTest, SpeaksTheLanguageChosen) {
+    launch();
+    item.choose(Action::selectLanguage, QStringLiteral("zh"));
+    EXPECT_EQ(defaults.string(QStringLiteral("pelloran.language")), QStringLiteral("zh"));
+    EXPECT_EQ(item.menu, statusMenu(AppLanguage::zh));
+    EXPECT_EQ(item.menu[0].title, QStringLiteral("显示/隐藏悬浮窗"));
+    EXPECT_EQ(item.toolTip, QStringLiteral("Pelloran · 炉石传说助手"));
+    ASSERT_GE(panel.snapshots.size(), 2U);
+    EXPECT_EQ((panel.snapshots.end() - 2)->message, bootChinese) << "the idle line";
+    EXPECT_EQ(panel.snapshots.back(), OverlaySnapshot::idle(bootChinese)) << "and the tick that follows";
+}
+
+TEST_F(AppDelegateTest, RebuildsTheMenuOnlyWhenTheLanguageStaysTheSame) {
+    launch();
+    const auto before = panel.snapshots.size();
+    const int menus = item.menus;
+    int posted = 0;
+    const auto counting =
+        QObject::connect(&AppLanguageNotifier::shared(), &AppLanguageNotifier::posted, [&posted] { ++posted; });
+    item.choose(Action::selectLanguage, QStringLiteral("system"));
+    EXPECT_EQ(posted, 0);
+    EXPECT_EQ(item.menus, menus + 1);
+    EXPECT_EQ(panel.snapshots.size(), before);
+
+    delegate->selectLanguage(QStringLiteral("fr"));
+    EXPECT_EQ(item.menus, menus + 1) << "no language of ours";
+    QObject::disconnect(counting);
+}
+
+TEST_F(AppDelegateTest, FollowsALanguageThatOthersChoose) {
+    launch();
+    AppLanguage::setPreference(AppLanguage::zh);
+    EXPECT_EQ(item.menu, statusMenu(AppLanguage::zh));
+    EXPECT_EQ(lastMessage(), bootChinese);
+}
+
+TEST_F(AppDelegateTest, MarksADraftInTheTitleWhereThereIsNoIcon) {
+    launch();
+    EXPECT_EQ(item.title, QStringLiteral("PL"));
+    beginDraft();
+    delegate->refreshNow();
+    queue.finishNext();
+    EXPECT_EQ(item.title, QStringLiteral("PL●"));
+    endDraft();
+    delegate->refreshNow();
+    EXPECT_EQ(item.title, QStringLiteral("PL"));
+}
+
+TEST_F(AppDelegateTest, TakesAnIconThatDoesNotLoadForNone) {
+    write("resources/MenuIcon.png", "no picture");
+    launch();
+    EXPECT_EQ(item.title, QStringLiteral("PL"));
+}
+
+TEST_F(AppDelegateTest, LeavesAnIconAlone) {
+    withMenuIcon();
+    beginDraft();
+    launch();
+    queue.finishNext();
+    EXPECT_TRUE(panel.snapshots.back().inDraft);
+    EXPECT_TRUE(item.title.isEmpty());
+}
+
+TEST_F(AppDelegateTest, HandsEverySnapshotOfTheServiceOn) {
+    const auto receiver = std::make_shared<Receiver>();
+    alsoReceives = receiver;
+    launch();
+    delegate->refreshNow();
+    ASSERT_EQ(receiver->snapshots.size(), 2U) << "the boot line is for the panel alone";
+    EXPECT_EQ(receiver->snapshots[0].message, QStringLiteral("Waiting for Arena draft…"));
+    EXPECT_EQ(receiver->snapshots[1].message, bootEnglish);
+}
+
+TEST_F(AppDelegateTest, ShowsThePanelWhenStartedAgain) {
+    launch();
+    delegate->toggleOverlay();
+    ASSERT_FALSE(panel.visible);
+    delegate->applicationShouldHandleReopen();
+    EXPECT_TRUE(panel.visible);
+    delegate->applicationShouldHandleReopen();
+    EXPECT_TRUE(panel.visible) << "never hidden by it";
+}
+
+TEST_F(AppDelegateTest, OpensTheMenuOnARightClickOfThePanel) {
+    launch();
+    ASSERT_NE(panel.contextMenu, nullptr);
+    (*panel.contextMenu)(QPoint(70, 80));
+    EXPECT_THAT(item.openedAt, ElementsAre(QPoint(70, 80)));
+}
+
+TEST_F(AppDelegateTest, StopsEverythingOnTermination) {
+    beginDraft();
+    launch();
+    ASSERT_EQ(queue.waiting(), 1U);
+    const auto before = panel.snapshots.size();
+    const int menus = item.menus;
+    delegate->applicationWillTerminate();
+    queue.finishNext();
+    AppLanguage::setPreference(AppLanguage::zh);
+    item.choose(Action::toggleOverlay);
+    settings.setAppearance(std::nullopt);
+    delegate->applicationWillTerminate();
+    EXPECT_EQ(panel.snapshots.size(), before);
+    EXPECT_EQ(item.menus, menus);
+    EXPECT_EQ(panel.settingsChanges, 0);
+    EXPECT_TRUE(panel.visible);
+}
+
+TEST_F(AppDelegateTest, FollowsTheLookOfTheDesktop) {
+    launch();
+    const QPalette before = QApplication::palette();
+    settings.setAppearance(Appearance::dark);
+    EXPECT_EQ(panel.settingsChanges, 1);
+    EXPECT_LT(QApplication::palette().color(QPalette::Window).lightness(), 100);
+    settings.setReducesMotion(true);
+    EXPECT_EQ(panel.settingsChanges, 2);
+    settings.setAppearance(std::nullopt);
+    EXPECT_EQ(QApplication::palette().color(QPalette::Window), before.color(QPalette::Window));
+}
+
+TEST_F(AppDelegateTest, IsHeldWeaklyByItsService) {
+    launch();
+    const std::weak_ptr<AppDelegate> watched = delegate;
+    delegate.reset();
+    EXPECT_TRUE(watched.expired());
+    EXPECT_EQ(panel.contextMenu, nullptr) << "the panel goes with it";
+}
+
+} // namespace
+} // namespace pelloran

@@ -1,0 +1,120 @@
+#include "app/MessageBoxAlerts.h"
+
+#include "support/Printing.h"
+
+#include <QApplication>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+
+namespace pelloran {
+namespace {
+
+constexpr Qt::WindowFlags asHighAsThePanel =
+    Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus;
+
+const Alerts::Alert threeChoices{
+    .style = Alerts::Style::warning,
+    .messageText = QStringLiteral("Update <b>Available</b>"),
+    .informativeText = QStringLiteral("You have 1 & latest is 2."),
+    .buttons = {QStringLiteral("Update Now"), QStringLiteral("Skip & Forget"), QStringLiteral("Ignore")},
+};
+
+// Shows the alert and lets the user do something with it.
+int answer(const Alerts::Alert& alert, const std::function<void(QMessageBox&)>& user) {
+    bool seen = false;
+    QTimer::singleShot(0, [&] {
+        // After the alert's own first turn.
+        QTimer::singleShot(0, [&] {
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            ASSERT_NE(box, nullptr);
+            seen = true;
+            user(*box);
+        });
+    });
+    MessageBoxAlerts alerts(asHighAsThePanel);
+    const int pressed = alerts.runModal(alert);
+    EXPECT_TRUE(seen);
+    return pressed;
+}
+
+QList<QPushButton*> buttonsLeftToRight(const QMessageBox& box) {
+    QList<QPushButton*> buttons = box.findChildren<QPushButton*>();
+    std::ranges::sort(buttons, {}, [](const QPushButton* button) { return button->x(); });
+    return buttons;
+}
+
+TEST(MessageBoxAlerts, ShowWhatTheyAreGiven) {
+    answer(threeChoices, [](QMessageBox& box) {
+        EXPECT_EQ(box.icon(), QMessageBox::Warning);
+        EXPECT_EQ(box.text(), threeChoices.messageText);
+        EXPECT_EQ(box.informativeText(), threeChoices.informativeText);
+        EXPECT_EQ(box.textFormat(), Qt::PlainText) << "what a server sends is no markup";
+        EXPECT_TRUE(box.windowFlags().testFlag(Qt::WindowStaysOnTopHint)) << "the panel must not hide it";
+        EXPECT_FALSE(box.windowFlags().testFlag(Qt::WindowDoesNotAcceptFocus)) << "it takes the keyboard";
+        const auto buttons = buttonsLeftToRight(box);
+        ASSERT_EQ(buttons.size(), 3);
+        EXPECT_EQ(buttons[0]->text(), QStringLiteral("Update Now"));
+        EXPECT_EQ(buttons[1]->text(), QStringLiteral("Skip && Forget")) << "no letter is underlined";
+        EXPECT_EQ(buttons[2]->text(), QStringLiteral("Ignore"));
+        EXPECT_EQ(box.defaultButton(), buttons[0]);
+        box.close();
+    });
+}
+
+TEST(MessageBoxAlerts, TellTheButtonPressed) {
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(answer(threeChoices, [i](QMessageBox& box) { buttonsLeftToRight(box)[i]->click(); }), i);
+    }
+}
+
+TEST(MessageBoxAlerts, TakeTheKeyboardsAnswers) {
+    struct Case {
+        const char* why;
+        Qt::Key key;
+        int pressed;
+    };
+
+    const Case cases[] = {
+        {"the first is the default", Qt::Key_Return, 0},
+        {"turning it away is the last", Qt::Key_Escape, 2},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        EXPECT_EQ(answer(threeChoices, [&c](QMessageBox& box) { QTest::keyClick(&box, c.key); }), c.pressed);
+    }
+}
+
+TEST(MessageBoxAlerts, CountClosingAsTheLastButton) {
+    EXPECT_EQ(answer(threeChoices, [](QMessageBox& box) { box.close(); }), 2);
+}
+
+TEST(MessageBoxAlerts, HaveAStyleEachAndOneButtonOfTheirOwn) {
+    struct Case {
+        Alerts::Style style;
+        QMessageBox::Icon icon;
+    };
+
+    for (const Case& c :
+         {Case{Alerts::Style::informational, QMessageBox::Information},
+          Case{Alerts::Style::warning, QMessageBox::Warning}, Case{Alerts::Style::critical, QMessageBox::Critical}}) {
+        const Alerts::Alert news{c.style, QStringLiteral("News"), QStringLiteral("Nothing to choose."), {}};
+        const int pressed = answer(news, [&c](QMessageBox& box) {
+            EXPECT_EQ(box.icon(), c.icon);
+            const auto buttons = buttonsLeftToRight(box);
+            ASSERT_EQ(buttons.size(), 1);
+            EXPECT_EQ(buttons[0]->text(), QStringLiteral("OK"));
+            buttons[0]->click();
+        });
+        EXPECT_EQ(pressed, 0);
+    }
+}
+
+} // namespace
+} // namespace pelloran
