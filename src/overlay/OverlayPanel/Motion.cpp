@@ -7,6 +7,7 @@
 #include <QVariantAnimation>
 
 #include <cmath>
+#include <utility>
 
 namespace pelloran {
 
@@ -29,6 +30,28 @@ QEasingCurve timingCurve() {
     return curve;
 }
 
+// Lives until it has stopped. One that is deleted while it runs, with its target, tells nobody: its signals would still
+// reach a widget that is half gone.
+class Animation final : public QVariantAnimation {
+public:
+    Animation(QObject* target, std::function<void()> whenEnded)
+        : QVariantAnimation(target)
+        , ended(std::move(whenEnded)) {}
+
+protected:
+    void updateState(State newState, State oldState) override {
+        QVariantAnimation::updateState(newState, oldState);
+        if (newState == Stopped) {
+            setObjectName(QString());
+            deleteLater();
+            ended();
+        }
+    }
+
+private:
+    std::function<void()> ended;
+};
+
 } // namespace
 
 // Runs its function once everything it waits for has ended.
@@ -49,7 +72,8 @@ void AnimationGroup::animate(QObject& target, const char* name, std::function<vo
         step(1);
         return;
     }
-    auto* animation = new QVariantAnimation(&target); // owned by the target, until it has stopped
+    ++completion->awaited;
+    auto* animation = new Animation(&target, [awaiting = completion] { awaiting->oneEnded(); }); // owned by the target
     animation->setObjectName(QLatin1StringView(name));
     animation->setStartValue(0.0);
     animation->setEndValue(1.0);
@@ -57,15 +81,6 @@ void AnimationGroup::animate(QObject& target, const char* name, std::function<vo
     animation->setEasingCurve(timingCurve());
     QObject::connect(animation, &QVariantAnimation::valueChanged, &target,
                      [step = std::move(step)](const QVariant& progress) { step(progress.toDouble()); });
-    ++completion->awaited;
-    QObject::connect(animation, &QAbstractAnimation::stateChanged, &target,
-                     [animation, awaiting = completion](QAbstractAnimation::State state) {
-                         if (state == QAbstractAnimation::Stopped) {
-                             animation->setObjectName(QString());
-                             animation->deleteLater();
-                             awaiting->oneEnded();
-                         }
-                     });
     animation->start();
 }
 

@@ -60,7 +60,9 @@ void TextLabel::setColor(const QColor& color) {
 void TextLabel::setMaximumLines(int lines) {
     if (lines != maximumLines) {
         maximumLines = lines;
-        askForLayout();
+        laidWidth = -1;
+        natural = -1;
+        update();
     }
 }
 

@@ -26,7 +26,7 @@ public:
 
     void setColor(const QColor& color);
 
-    // 0: as many as the text takes.
+    // 0: as many as the text takes. It asks for no layout: a tile tries several while it makes one.
     void setMaximumLines(int lines);
 
     // The first character's ink, rather than its square, begins at the left edge.
