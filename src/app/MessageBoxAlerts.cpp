@@ -4,6 +4,7 @@
 
 #include <QGuiApplication>
 #include <QMessageBox>
+#include <QPainter>
 #include <QPushButton>
 #include <QScreen>
 #include <QTimer>
@@ -24,9 +25,21 @@ QMessageBox::Icon iconFor(Alerts::Style style) {
     Q_UNREACHABLE();
 }
 
-// Whether a desktop's button order puts a role first is its own affair; what counts here is that all buttons have the
-// same role, so that they stand in the order given.
+// The same for all buttons, so that they stand in the order given: desktops differ in which role they put first.
 constexpr auto role = QMessageBox::ActionRole;
+
+// With a line around it: a window that no window manager knows has no frame, and may lie on one of the same colour.
+class FramedMessageBox final : public QMessageBox {
+protected:
+    void paintEvent(QPaintEvent* event) override {
+        QMessageBox::paintEvent(event);
+        if (windowFlags().testFlag(Qt::X11BypassWindowManagerHint)) {
+            QPainter painter(this);
+            painter.setPen(palette().color(QPalette::Disabled, QPalette::WindowText));
+            painter.drawRect(rect().adjusted(0, 0, -1, -1));
+        }
+    }
+};
 
 } // namespace
 
@@ -34,7 +47,7 @@ MessageBoxAlerts::MessageBoxAlerts(Qt::WindowFlags above)
     : flags(above & (Qt::WindowStaysOnTopHint | Qt::X11BypassWindowManagerHint)) {}
 
 int MessageBoxAlerts::runModal(const Alert& alert) {
-    QMessageBox box;
+    FramedMessageBox box;
     box.setWindowFlags(box.windowFlags() | flags);
     box.setIcon(iconFor(alert.style));
     box.setWindowTitle(QGuiApplication::applicationDisplayName());

@@ -37,7 +37,9 @@ SingleInstance::SingleInstance(const QString& folder, const QString& name)
         while (QLocalSocket* asking = server.nextPendingConnection()) {
             connect(asking, &QLocalSocket::disconnected, asking, &QObject::deleteLater);
             connect(asking, &QLocalSocket::readyRead, this, [this, asking] { answer(*asking); });
-            answer(*asking); // may have been heard before it was accepted
+            if (asking->bytesAvailable() > 0) {
+                answer(*asking);
+            }
         }
     });
 }
@@ -103,15 +105,18 @@ bool SingleInstance::askFirst(std::chrono::milliseconds wait) const {
 }
 
 void SingleInstance::answer(QLocalSocket& asking) {
-    if (asking.canReadLine() && asking.readLine() == request) {
-        if (reopen) {
-            reopen();
-        }
-        asking.write(acknowledgement);
-        asking.disconnectFromServer(); // when that has been written
-    } else if (asking.bytesAvailable() > request.size()) {
-        asking.abort(); // none of ours
+    if (!asking.canReadLine() && asking.bytesAvailable() < request.size()) {
+        return; // more is to come
     }
+    if (asking.readLine() != request) {
+        asking.abort(); // none of ours
+        return;
+    }
+    if (reopen) {
+        reopen();
+    }
+    asking.write(acknowledgement);
+    asking.disconnectFromServer(); // when that has been written
 }
 
 QString privateRuntimeFolder(const QString& sessionFolder, const QString& temporary) {

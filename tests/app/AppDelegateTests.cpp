@@ -19,6 +19,7 @@
 #include <QDir>
 #include <QFile>
 #include <QImage>
+#include <QPalette>
 #include <QTemporaryDir>
 
 #include <gmock/gmock.h>

@@ -10,6 +10,7 @@
 #include <QLocalSocket>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QThread>
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -96,9 +97,9 @@ TEST_F(SingleInstanceTest, HasOneWinnerOfARace) {
     std::atomic<int> firsts = 0;
     std::atomic<int> handedOver = 0;
     std::atomic<int> reopened = 0;
-    std::vector<std::thread> threads;
+    std::vector<std::unique_ptr<QThread>> threads; // of Qt's: the first listens on its own
     for (int i = 0; i < starts; ++i) {
-        threads.emplace_back([&] {
+        threads.emplace_back(QThread::create([&] {
             SingleInstance instance(folder.path(), name);
             instance.reopen = [&reopened] { ++reopened; };
             switch (instance.begin(10s)) {
@@ -118,10 +119,11 @@ TEST_F(SingleInstanceTest, HasOneWinnerOfARace) {
             case Outcome::unavailable:
                 break;
             }
-        });
+        }));
+        threads.back()->start();
     }
-    for (std::thread& thread : threads) {
-        thread.join();
+    for (const auto& thread : threads) {
+        thread->wait();
     }
     EXPECT_EQ(firsts, 1);
     EXPECT_EQ(handedOver, starts - 1);

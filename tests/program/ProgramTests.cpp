@@ -13,7 +13,7 @@
 #include <array>
 #include <csignal>
 
-// The program as its users start it, without a display.
+// The program as its users start it, without a display, or with one that nobody sees.
 namespace pelloran {
 namespace {
 
@@ -114,8 +114,8 @@ TEST_F(ProgramTest, SaysWhatIsWrongWithTheData) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
         write("data/Pelloran/config/winrates/all_classes_LAST_7_DAYS.json", c.bytes);
-        for (const QStringList& arguments :
-             {QStringList{QStringLiteral("match"), QStringLiteral("Fireball")}, QStringList{}}) {
+        for (const QStringList& arguments : {QStringList{QStringLiteral("match"), QStringLiteral("Fireball")},
+                                             QStringList{QStringLiteral("--no-panel")}, QStringList{}}) {
             const ProgramOutput answer = run(arguments);
             EXPECT_EQ(answer.exitCode, 1);
             EXPECT_TRUE(answer.standardError.startsWith("[Pelloran] ")) << answer.standardError.toStdString();
@@ -160,7 +160,7 @@ TEST_F(ProgramTest, PublishesFromTheFirstTickAndEndsWhenTold) {
     for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
         QProcess process;
         process.setProcessEnvironment(environment);
-        process.start(program, {QStringLiteral("--snapshots"), QStringLiteral("--logs-dir"), path("logs"),
+        process.start(program, {QStringLiteral("--no-panel"), QStringLiteral("--logs-dir"), path("logs"),
                                 QStringLiteral("--language"), QStringLiteral("zh")});
         ASSERT_TRUE(QTest::qWaitFor([&] { return process.canReadLine(); }, 20'000));
         const QJsonObject snapshot = QJsonDocument::fromJson(process.readLine()).object();
@@ -181,7 +181,7 @@ TEST_F(ProgramTest, TellsOfTheMissingWindowWithoutADisplay) {
     write("logs/Hearthstone_1/Arena.log", "D 1 SetDraftMode - DRAFTING\n");
     QProcess process;
     process.setProcessEnvironment(environment);
-    process.start(program, {QStringLiteral("--logs-dir"), path("logs")});
+    process.start(program, {QStringLiteral("--no-panel"), QStringLiteral("--logs-dir"), path("logs")});
     ASSERT_TRUE(QTest::qWaitFor([&] { return process.canReadLine(); }, 20'000));
     const QJsonObject snapshot = QJsonDocument::fromJson(process.readLine()).object();
     EXPECT_EQ(snapshot[QStringLiteral("message")].toString(),
@@ -190,6 +190,15 @@ TEST_F(ProgramTest, TellsOfTheMissingWindowWithoutADisplay) {
     process.terminate();
     EXPECT_TRUE(process.waitForFinished(20'000));
     EXPECT_TRUE(process.readAllStandardError().contains("no X display can be reached"));
+}
+
+TEST_F(ProgramTest, NamesTheWayToRunWithoutADisplay) {
+    const ProgramOutput answer = run({QStringLiteral("--snapshots")});
+    EXPECT_EQ(answer.exitCode, 1);
+    EXPECT_EQ(answer.standardOutput, "");
+    EXPECT_TRUE(answer.standardError.contains("--no-panel")) << answer.standardError.toStdString();
+    EXPECT_TRUE(answer.standardError.startsWith("[Pelloran] "));
+    EXPECT_EQ(answer.standardError.count('\n'), 1);
 }
 
 TEST_F(ProgramTest, FailsWhereItsAnswerCannotBeWritten) {
@@ -223,7 +232,7 @@ TEST_F(ProgramTest, OutlivesTheReaderOfItsLines) {
         ::close(ends[0]);
         ::close(ends[1]);
     });
-    process.start(program, {QStringLiteral("--logs-dir"), path("logs")});
+    process.start(program, {QStringLiteral("--no-panel"), QStringLiteral("--logs-dir"), path("logs")});
     ASSERT_TRUE(process.waitForStarted());
     ::close(ends[1]);
     char first = 0;
@@ -235,6 +244,97 @@ TEST_F(ProgramTest, OutlivesTheReaderOfItsLines) {
     ASSERT_TRUE(process.waitForFinished(20'000));
     EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(process.exitCode(), 0);
+}
+
+// With a panel, on Qt's display for tests.
+class PanelProgramTest : public ProgramTest {
+protected:
+    PanelProgramTest() {
+        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), home.path());
+    }
+
+    // Until the log says `line`.
+    bool start(QProcess& process, const char* line, const QStringList& arguments = {}) {
+        process.setProcessEnvironment(environment);
+        process.start(program, QStringList{QStringLiteral("--logs-dir"), path("logs")} + arguments);
+        QByteArray diagnostics;
+        const bool said = QTest::qWaitFor(
+            [&] {
+                diagnostics += process.readAllStandardError();
+                return diagnostics.contains(line);
+            },
+            20'000);
+        EXPECT_TRUE(said) << diagnostics.toStdString();
+        return said;
+    }
+
+    static int endedBy(QProcess& process, int signal) {
+        ::kill(static_cast<pid_t>(process.processId()), signal);
+        EXPECT_TRUE(process.waitForFinished(20'000));
+        return process.exitCode();
+    }
+};
+
+TEST_F(PanelProgramTest, RunsUntilItIsTold) {
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+        QProcess process;
+        ASSERT_TRUE(start(process, "boot cards="));
+        EXPECT_EQ(endedBy(process, signal), 0);
+        EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+        EXPECT_EQ(process.readAllStandardOutput(), "") << "nobody asked for lines";
+    }
+}
+
+TEST_F(PanelProgramTest, PrintsSnapshotsWhenAsked) {
+    QProcess process;
+    ASSERT_TRUE(start(process, "boot cards=", {QStringLiteral("--snapshots")}));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return process.canReadLine(); }, 20'000));
+    EXPECT_EQ(QJsonDocument::fromJson(process.readLine()).object()[QStringLiteral("phase")].toString(),
+              QStringLiteral("idle"));
+    EXPECT_EQ(endedBy(process, SIGTERM), 0);
+}
+
+TEST_F(PanelProgramTest, RunsOnceForAUserAndADisplay) {
+    QProcess first;
+    ASSERT_TRUE(start(first, "boot cards="));
+    const ProgramOutput second = run({});
+    EXPECT_EQ(second.exitCode, 0);
+    EXPECT_TRUE(second.standardError.contains("running already")) << second.standardError.toStdString();
+    EXPECT_EQ(run({QStringLiteral("match"), QStringLiteral("Fireball")}).exitCode, 0) << "commands are exempt";
+
+    ::kill(static_cast<pid_t>(first.processId()), SIGSTOP);
+    const ProgramOutput third = run({});
+    EXPECT_EQ(third.exitCode, 1) << "the first does not answer";
+    EXPECT_TRUE(third.standardError.contains("does not answer")) << third.standardError.toStdString();
+    ::kill(static_cast<pid_t>(first.processId()), SIGCONT);
+    EXPECT_EQ(endedBy(first, SIGTERM), 0);
+}
+
+TEST_F(PanelProgramTest, StartsAgainAfterACrash) {
+    QProcess first;
+    ASSERT_TRUE(start(first, "boot cards="));
+    ::kill(static_cast<pid_t>(first.processId()), SIGKILL);
+    ASSERT_TRUE(first.waitForFinished(20'000));
+    QProcess second;
+    ASSERT_TRUE(start(second, "boot cards="));
+    EXPECT_EQ(endedBy(second, SIGTERM), 0);
+}
+
+TEST_F(PanelProgramTest, EndsWithAFailureWhenTheDataCannotBeLoaded) {
+    write("data/Pelloran/config/winrates/all_classes_LAST_7_DAYS.json", "no figures");
+    QProcess process;
+    ASSERT_TRUE(start(process, "Failed to load win-rate data: "));
+    EXPECT_FALSE(process.waitForFinished(300)) << "the alert waits for its answer";
+    EXPECT_EQ(endedBy(process, SIGTERM), 1);
+}
+
+TEST_F(PanelProgramTest, NamesAFontToInstallWhereNoneCoversChinese) {
+    environment.insert(QStringLiteral("FONTCONFIG_FILE"),
+                       write("fonts.conf", "<?xml version=\"1.0\"?><fontconfig></fontconfig>"));
+    QProcess process;
+    ASSERT_TRUE(start(process, "fonts-noto-cjk"));
+    EXPECT_EQ(endedBy(process, SIGTERM), 0);
 }
 
 TEST_F(ProgramTest, ReadsTheStoredDraftsAsTheyWere) {

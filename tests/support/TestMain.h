@@ -16,7 +16,9 @@ int runAllTests(int argc, char** argv) {
     const Application application(argc, argv);
     printMessage =
         qInstallMessageHandler([](QtMsgType type, const QMessageLogContext& context, const QString& message) {
-            if (type == QtWarningMsg || type == QtCriticalMsg) {
+            // The platform without a screen says so of what only a window manager could do.
+            const bool ofThePlatform = message.startsWith(QLatin1StringView("This plugin does not support "));
+            if ((type == QtWarningMsg || type == QtCriticalMsg) && !ofThePlatform) {
                 ADD_FAILURE() << "unexpected warning: " << message.toStdString();
             }
             printMessage(type, context, message);
