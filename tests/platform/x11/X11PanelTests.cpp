@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <ctime>
 
 namespace pelloran::testing {
 
@@ -210,7 +211,7 @@ TEST_F(X11PanelTest, StaysOnTopUnderARealCompositor) {
 }
 
 TEST_F(X11PanelTest, SurvivesItsServer) {
-    ASSERT_NO_FATAL_FAILURE(client->create({.bounds = panelBounds}));
+    client->create({.bounds = panelBounds});
     client.reset();
     display->stop();
     QTest::qWait(50);
@@ -218,10 +219,10 @@ TEST_F(X11PanelTest, SurvivesItsServer) {
     panel->setBlurRegion({QRect(0, 0, 5, 5)});
     panel->setWindow(window + 1);
     EXPECT_FALSE(panel->isComposited());
-    QElapsedTimer time;
-    time.start();
-    QTest::qWait(50); // with the notifier of a closed socket still on, this would be busy all the time
-    EXPECT_LT(time.elapsed(), patience);
+    // The socket of a lost server stays readable: whoever went on listening would be busy all the time.
+    const std::clock_t before = std::clock();
+    QTest::qWait(500);
+    EXPECT_LT(1000 * (std::clock() - before) / CLOCKS_PER_SEC, 100) << "milliseconds of work";
 }
 
 TEST_F(X11PanelTest, AServerThatHangsFailsRequestsUntilItGoesOn) {
