@@ -223,6 +223,7 @@ void OverlayPanelController::adaptWindowSize(int cardCount, bool animated) {
     const auto target = adaptedFrame(cardCount, from, userResizedFrame, metrics.current.scale, metrics.current.axis,
                                      panel->visibleFrame());
     if (!target) {
+        Motion::end(*panel, frameAnimation); // on the way to where an earlier snapshot wanted it
         return;
     }
     suppressUserResizeTracking = true;

@@ -461,6 +461,17 @@ TEST_F(OverlayPanelControllerTest, TakesSnapshotsFromAnyThread) {
     EXPECT_EQ(tilesShown(), 2);
 }
 
+TEST_F(OverlayPanelControllerTest, TakesTheLastOfManySnapshots) {
+    showSettled();
+    controller->update(tiles(3));
+    controller->update(message());
+    controller->update(tiles(1, u"Last"_s));
+    settle();
+    EXPECT_EQ(tilesShown(), 1);
+    EXPECT_EQ(tile(0).nameLabel->text(), u"Last"_s);
+    EXPECT_EQ(panel().height(), 420) << "high enough for one tile before it could move for the others";
+}
+
 // The frame
 
 TEST_F(OverlayPanelControllerTest, MovesItsFrameInTime) {
