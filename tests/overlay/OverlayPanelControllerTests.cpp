@@ -572,6 +572,20 @@ TEST_F(OverlayPanelControllerTest, LetsTheUserTakeOverAMovingFrame) {
     EXPECT_EQ(panel().frame().size(), QSizeF(380, moving.height)) << "and the size counts as the user's";
 }
 
+TEST_F(OverlayPanelControllerTest, DoesNotResizeUnderTheHandThatMovesIt) {
+    showSettled();
+    PanelDrag drag(panel(), {180, 300});
+    drag.moveBy({50, 0});
+    update(tiles(3));
+    time.pass(100);
+    drag.moveBy({60, 0});
+    time.pass(400);
+    EXPECT_EQ(panel().frame(), (UpwardRect{100, 60, 360, 420}));
+    drag.release();
+    updateSettled(tiles(3));
+    EXPECT_EQ(panel().frame(), (UpwardRect{100, 60, 360, 600}));
+}
+
 // Geometry ticks
 
 TEST_F(OverlayPanelControllerTest, AnimatesTheLayoutWhenItComesToRest) {
