@@ -782,6 +782,21 @@ TEST_F(OverlayPanelControllerTest, TurnsBackWhenTheTilesGo) {
     EXPECT_EQ(metrics().axis, Axis::vertical);
 }
 
+TEST_F(OverlayPanelControllerTest, TurnsBackBeneathAMessageThatTakesAllTheRoom) {
+    showSettled();
+    updateSettled(tiles(3));
+    dragWidthTo(700);
+    settle();
+    updateSettled(tiles(3));
+    panel().setFrame({40, 60, 700, 200});
+    settle();
+    updateSettled(message(u"word "_s.repeated(2000)));
+    EXPECT_EQ(metrics().axis, Axis::vertical);
+    updateSettled(tiles(3));
+    EXPECT_EQ(tilesShown(), 3);
+    EXPECT_EQ(stack().alpha(), 1);
+}
+
 TEST_F(OverlayPanelControllerTest, TakesSnapshotsWhileTheAxisTurns) {
     showSettled();
     updateSettled(tiles(3));
