@@ -222,13 +222,14 @@ void OverlayPanelController::bindCards(const OverlaySnapshot& snapshot, bool ani
 }
 
 void OverlayPanelController::adaptWindowSize(int cardCount, bool animated) {
-    if (panel->inLiveResize()) {
-        return; // the edge is in the user's hand
+    if (panel->isDragged()) {
+        return; // it is in the user's hand
     }
     const UpwardRect from = panel->frame();
     const auto target = adaptedFrame(cardCount, from, userResizedFrame, metrics.current.scale, metrics.current.axis,
                                      panel->visibleFrame());
     if (!target) {
+        Motion::end(*panel, frameAnimation); // on the way to where an earlier snapshot wanted it
         return;
     }
     suppressUserResizeTracking = true;

@@ -20,11 +20,11 @@ public:
 
     ~ManualAnimationTime() override { uninstall(); }
 
-    // In frames of a sixtieth of a second, with a turn of the event loop after each.
-    void pass(int milliseconds) {
+    // In frames of `frameLength`, with a turn of the event loop after each.
+    void pass(int milliseconds, int frameLength = 16) {
         turnEventLoop(); // animations begin in a later turn than their start()
         while (milliseconds > 0) {
-            const int frame = std::min(milliseconds, 16);
+            const int frame = std::min(milliseconds, frameLength);
             milliseconds -= frame;
             now += frame;
             if (isRunning()) {

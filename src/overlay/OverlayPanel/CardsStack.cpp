@@ -35,6 +35,9 @@ void CardsStack::setAlpha(double alpha) {
 }
 
 QPixmap CardsStack::picture() {
+    if (size().isEmpty()) {
+        return {}; // a long message left it no room
+    }
     QPixmap pixmap(size() * devicePixelRatioF());
     pixmap.setDevicePixelRatio(devicePixelRatioF());
     pixmap.fill(Qt::transparent);
