@@ -5,7 +5,6 @@
 #include <QStringList>
 
 #include <chrono>
-#include <utility>
 
 namespace pelloran::freedesktop {
 
@@ -31,7 +30,7 @@ bool isGnome(QStringView currentDesktop) {
     return false;
 }
 
-GnomeAnimations::GnomeAnimations(std::function<void(std::optional<bool>)> answered, const QString& program) {
+GnomeAnimations::GnomeAnimations(const std::function<void(std::optional<bool>)>& answered, const QString& program) {
     QObject::connect(&process, &QProcess::finished, &process,
                      [this, answered](int exitCode, QProcess::ExitStatus status) {
                          deadline.stop();

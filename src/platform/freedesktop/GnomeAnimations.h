@@ -19,7 +19,7 @@ bool isGnome(QStringView currentDesktop);
 class GnomeAnimations {
 public:
     // Absent when the tool is missing, fails, or does not know.
-    explicit GnomeAnimations(std::function<void(std::optional<bool>)> answered,
+    explicit GnomeAnimations(const std::function<void(std::optional<bool>)>& answered,
                              const QString& program = QStringLiteral("gsettings"));
     ~GnomeAnimations();
     GnomeAnimations(const GnomeAnimations&) = delete;

@@ -22,53 +22,48 @@ bool inTime(const std::function<bool()>& condition) {
     return QTest::qWaitFor(condition, patience);
 }
 
-// A window of a test client stands for the panel's own.
-class X11PanelTest : public ManagedX11Test {
+// A window of a test client stands for the panel's own. On displays with or without a window manager.
+template <typename Display>
+class PanelTest : public Display {
 protected:
     void SetUp() override {
-        X11Test::SetUp();
-        if (!IsSkipped() && !HasFatalFailure()) {
+        Display::SetUp();
+        if (!this->IsSkipped() && !this->HasFatalFailure()) {
             begin();
         }
     }
 
     void TearDown() override { panel.reset(); }
 
-    void begin() {
-        auto connection = x11::XcbConnection::open();
-        ASSERT_TRUE(connection);
-        window = client->create({.bounds = panelBounds, .overrideRedirect = true});
-        panel = std::make_unique<x11::X11Panel>(std::move(connection), [this] { return surroundings; });
-        panel->setWindow(window);
-        // The look that comes with the window is over, or it could pass for one of the test's.
-        QTest::qWait(0);
-    }
+    bool isAbove(xcb_window_t other) { return this->client->isAbove(window, other); }
 
-    bool isAbove(xcb_window_t other) { return client->isAbove(window, other); }
-
-    // The panel had the time to do something and did not: what was asked of it later is done.
+    // The panel had the time to do something and did not, though it does look.
     void expectStaysBelow(xcb_window_t other) {
         QTest::qWait(static_cast<int>(3 * x11::RaiseSchedule::betweenLooks.count()));
         EXPECT_FALSE(isAbove(other));
-        const xcb_window_t probe = client->create({.bounds = panelBounds});
-        client->destroy(other);
+        const xcb_window_t probe = this->client->create({.bounds = panelBounds});
+        this->client->destroy(other);
         EXPECT_TRUE(inTime([&] { return isAbove(probe); })) << "it does not look at all";
     }
 
     x11::Surroundings surroundings{.ourWindows = {}, .screens = {screen}};
     xcb_window_t window = XCB_WINDOW_NONE;
     std::unique_ptr<x11::X11Panel> panel;
-};
 
-class ManagedX11PanelTest : public X11PanelTest {
-protected:
-    void SetUp() override {
-        ManagedX11Test::SetUp();
-        if (!IsSkipped() && !HasFatalFailure()) {
-            begin();
-        }
+private:
+    void begin() {
+        auto connection = x11::XcbConnection::open();
+        ASSERT_TRUE(connection);
+        window = this->client->create({.bounds = panelBounds, .overrideRedirect = true});
+        panel = std::make_unique<x11::X11Panel>(std::move(connection), [this] { return surroundings; });
+        panel->setWindow(window);
+        // The look that comes with the window is over, or it could pass for one of the test's.
+        QTest::qWait(0);
     }
 };
+
+using X11PanelTest = PanelTest<X11Test>;
+using ManagedX11PanelTest = PanelTest<ManagedX11Test>;
 
 TEST_F(X11PanelTest, IsRaisedAboveAWindowThatCoversIt) {
     const auto other = client->create({.bounds = {700, 0, 300, 300}});
