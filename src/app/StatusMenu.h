@@ -19,10 +19,11 @@ struct StatusMenuEntry {
     QString title;         // "": a separator
     QString keyEquivalent; // a letter, pressed with the Control key (Command on macOS); "" for none
     Action action = Action::none;
-    QString representedObject = {}; // what a language entry chooses, as AppLanguage::rawValue
+    // What a language entry chooses, as AppLanguage::rawValue.
+    QString representedObject = {}; // NOLINT(readability-redundant-member-init): initialisers leave it out
     bool enabled = true;
     bool checked = false;
-    std::vector<StatusMenuEntry> submenu = {};
+    std::vector<StatusMenuEntry> submenu = {}; // NOLINT(readability-redundant-member-init): likewise
 
     bool operator==(const StatusMenuEntry&) const = default;
 };

@@ -10,8 +10,8 @@
 
 namespace pelloran {
 
-// The item as Qt's tray icon. A left click opens the menu as well as a right one. A tray of the X server's kind is taken
-// whenever it appears; of a host on D-Bus, Qt 6.4 asks once in a program's life, and then follows its restarts.
+// The item as Qt's tray icon. A left click opens the menu as well as a right one. A tray of the X server's kind is
+// taken whenever it appears; of a host on D-Bus, Qt 6.4 asks once in a program's life, and then follows its restarts.
 class TrayStatusItem final : public QObject, public StatusItem {
 public:
     TrayStatusItem();
