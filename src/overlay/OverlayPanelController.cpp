@@ -276,14 +276,15 @@ void OverlayPanelController::geometryTick(GeometryDriver::Phase phase) {
     if (isApplyingLayout || isAxisTransitioning) {
         return;
     }
+    // A snapshot may ask for a settled look in the middle of a drag: the axis must not turn under the user's hand.
+    const bool live = phase == GeometryDriver::Phase::live || panel->inLiveResize();
     const UpwardRect frame = panel->frame();
-    if (phase == GeometryDriver::Phase::live && !suppressUserResizeTracking) {
+    if (live && !suppressUserResizeTracking) {
         userResizedFrame = frame.size();
     }
     const QSizeF content = materialView->width() > 1 ? QSizeF(materialView->size()) : frame.size();
     const auto resolved = ResolvedMetrics::resolve(content, activeCardCount, metrics.current.axis);
-    const GeometryDecision decision =
-        phase == GeometryDriver::Phase::settle ? settleDecision(metrics, resolved) : liveDecision(metrics, resolved);
+    const GeometryDecision decision = live ? liveDecision(metrics, resolved) : settleDecision(metrics, resolved);
     if (decision.store) {
         metrics.current = *decision.store;
     }
