@@ -434,6 +434,25 @@ TEST_F(OverlayPanelControllerTest, NeverMakesAnotherTile) {
     }
 }
 
+TEST_F(OverlayPanelControllerTest, GivesTilesThatWereHiddenTheLengthsInForce) {
+    showSettled();
+    updateSettled(tiles(1));
+    dragWidthTo(415);
+    PanelDrag upward(panel(), {200, 1});
+    upward.moveBy({0, -300});
+    turnEventLoop();
+    upward.release();
+    settle();
+    QSignalSpy layouts(controller.get(), &OverlayPanelController::layoutApplied);
+    updateSettled(tiles(3));
+    ASSERT_EQ(layouts.count(), 0) << "the panel is large enough for all of them";
+    for (const std::size_t index : {0U, 1U, 2U}) {
+        EXPECT_EQ(tile(index).minimumTileWidth(), metrics().cardMinWidth);
+        EXPECT_EQ(tile(index).slotLabel->x(), std::lround(metrics().cardPadding + 2));
+        EXPECT_EQ(tile(index).nameLabel->textFont(), FontCache::shared().font(metrics().nameSize, QFont::Bold));
+    }
+}
+
 TEST_F(OverlayPanelControllerTest, SharesItsRoomEquallyBetweenTheTiles) {
     showSettled();
     for (const int count : {1, 2, 3}) {
@@ -710,6 +729,33 @@ TEST_F(OverlayPanelControllerTest, TurnsIntoARowAfterTheDragAndBack) {
     settle();
     EXPECT_EQ(metrics().axis, Axis::vertical);
     EXPECT_FALSE(tilesStandSideBySide());
+}
+
+TEST_F(OverlayPanelControllerTest, DoesNotTurnInTheHandForASnapshot) {
+    showSettled();
+    updateSettled(tiles(3));
+    PanelDrag drag(panel(), {359, 300});
+    drag.moveBy({340, 0});
+    turnEventLoop();
+    updateSettled(tiles(3, u"Next"_s));
+    EXPECT_EQ(metrics().axis, Axis::vertical) << "though it asks for a settled look";
+    EXPECT_TRUE(views<FadingPicture>().empty());
+    drag.release();
+    settle();
+    EXPECT_EQ(metrics().axis, Axis::horizontal);
+}
+
+TEST_F(OverlayPanelControllerTest, TurnsBackForASingleTileOfTheSameSize) {
+    showSettled();
+    updateSettled(tiles(3));
+    dragWidthTo(700);
+    settle();
+    updateSettled(tiles(3));
+    const UpwardRect frame = panel().frame();
+    ASSERT_EQ(metrics().axis, Axis::horizontal);
+    update(tiles(1));
+    EXPECT_EQ(panel().frame(), frame) << "no change of the size tells of it";
+    EXPECT_EQ(metrics().axis, Axis::vertical);
 }
 
 TEST_F(OverlayPanelControllerTest, LosesTicksWhileTheAxisTurns) {
