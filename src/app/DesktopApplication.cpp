@@ -7,6 +7,7 @@
 #include "app/SingleInstance.h"
 #include "app/TerminationSignals.h"
 #include "app/TrayStatusItem.h"
+#include "overlay/OverlayPanel/Motion.h"
 #include "overlay/OverlayPanelController.h"
 #include "platform/ApplicationFiles.h"
 #include "platform/Log.h"
@@ -80,6 +81,8 @@ int runOnDesktop(const RunLoop& command, SystemSettings& settings) {
     QObject::connect(qApp, &QGuiApplication::commitDataRequest, qApp, leaveRestartToTheUser);
     QObject::connect(qApp, &QGuiApplication::saveStateRequest, qApp, leaveRestartToTheUser);
     applyAppearance(settings.appearance());
+    Motion::configure(&settings);
+    Motion::forceReducedMotion(command.reduceMotion);
     remarkOnMissingFonts();
 
     DraftParts parts(command);
