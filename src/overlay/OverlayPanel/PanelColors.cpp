@@ -15,7 +15,7 @@ PanelColors PanelColors::of(Appearance appearance) {
     const QColor sheet(30, 30, 33);
     const QColor label = withAlpha(Qt::white, 0.94);
     return {
-        .material = withAlpha(sheet, appearance == Appearance::dark ? 0.90 : 0.94),
+        .material = withAlpha(sheet, appearance == Appearance::dark ? 0.92 : 0.95),
         .opaqueMaterial = sheet,
         .border = withAlpha(Qt::white, 0.16),
         .title = QColor::fromRgbF(0.95F, 0.78F, 0.35F),
@@ -24,7 +24,7 @@ PanelColors PanelColors::of(Appearance appearance) {
         .tertiaryLabel = withAlpha(Qt::white, 0.58),
         // The lighter set of the usual system colours, which stays readable in small type on a dark sheet.
         .systemGreen = QColor(52, 219, 97),
-        .systemRed = QColor(255, 149, 141),
+        .systemRed = QColor(255, 138, 130),
         .systemOrange = QColor(255, 179, 64),
         .tile = withAlpha(label, 0.08),
     };

@@ -24,10 +24,11 @@ PanelView panelView(QRect panel, std::span<const StackedWindow> above, std::span
         if (window.ours || window.inputOnly || !window.viewable || !window.bounds.intersects(panel)) {
             continue;
         }
-        if (window.bypassesManager && coversAScreen(window.bounds, screens)) {
+        if (!window.bypassesManager) {
+            view = PanelView::obscured;
+        } else if (coversAScreen(window.bounds, screens)) {
             return PanelView::locked;
         }
-        view = PanelView::obscured;
     }
     return view;
 }

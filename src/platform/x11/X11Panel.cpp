@@ -21,6 +21,10 @@ constexpr int deepestFrame = 8; // windows that a window manager puts around one
 // More than any desktop has. The rest would only make each look slower.
 constexpr std::size_t mostWindows = 2000;
 
+// A frame holds what it frames within so many steps, among so many parts.
+constexpr int deepestManaged = 2;
+constexpr std::size_t mostParts = 32;
+
 QRect boundsOf(const xcb_get_geometry_reply_t& geometry) {
     return {geometry.x, geometry.y, geometry.width + 2 * geometry.border_width,
             geometry.height + 2 * geometry.border_width};
@@ -221,8 +225,32 @@ X11Panel::View X11Panel::view() const {
     const std::vector<xcb_window_t> ours = topLevelsOf(around.ourWindows);
     for (StackedWindow& window : above) {
         window.ours = std::ranges::find(ours, window.id) != ours.end();
+        // The frames of many window managers bypass them as well.
+        window.bypassesManager = window.bypassesManager && window.viewable && !holdsManaged(window.id, deepestManaged);
     }
     return {.viewable = true, .state = panelView(found.front().bounds, above, around.screens)};
+}
+
+// Whether the window, or one inside of it down to that depth, carries the mark that window managers put on what they
+// manage.
+bool X11Panel::holdsManaged(xcb_window_t window, int depth) const {
+    const auto mark = connection->ask<xcb_get_property_reply>(
+        xcb_get_property(*connection, 0, window, connection->windowStateAtom(), XCB_GET_PROPERTY_TYPE_ANY, 0, 0),
+        "GetProperty");
+    if (mark && (*mark)->type != XCB_ATOM_NONE) {
+        return true;
+    }
+    if (depth == 0) {
+        return false;
+    }
+    const auto tree = connection->ask<xcb_query_tree_reply>(xcb_query_tree(*connection, window), "QueryTree");
+    if (!tree) {
+        return false;
+    }
+    const std::span<const xcb_window_t> children(xcb_query_tree_children(tree->get()),
+                                                 static_cast<std::size_t>(xcb_query_tree_children_length(tree->get())));
+    return std::ranges::any_of(children.first(std::min(children.size(), mostParts)),
+                               [&](xcb_window_t child) { return holdsManaged(child, depth - 1); });
 }
 
 // The children of the root that `windows` are, or are framed by.

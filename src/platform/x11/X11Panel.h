@@ -51,6 +51,7 @@ private:
     void note(const xcb_generic_event_t& event);
     void look();
     View view() const;
+    bool holdsManaged(xcb_window_t window, int depth) const;
     std::vector<xcb_window_t> topLevelsOf(const std::vector<Surroundings::Window>& windows) const;
     void putOnTop();
     void storeBlurRegion();

@@ -40,7 +40,10 @@ TEST(PanelView, TellsWhatIsInTheWay) {
         {"ours, as large as the screen",
          {{.bounds = wholeScreen, .bypassesManager = true, .ours = true}},
          PanelView::free},
-        {"another program's menu", {{.bounds = partOfPanel, .bypassesManager = true}}, PanelView::obscured},
+        {"another program's menu", {{.bounds = partOfPanel, .bypassesManager = true}}, PanelView::free},
+        {"a menu above its program's window",
+         {{.bounds = wholeScreen}, {.bounds = partOfPanel, .bypassesManager = true}},
+         PanelView::obscured},
         {"a screen locker", {{.bounds = wholeScreen, .bypassesManager = true}}, PanelView::locked},
         {"a locker over all screens", {{.bounds = {0, 0, 3200, 1080}, .bypassesManager = true}}, PanelView::locked},
         {"a locker with a border", {{.bounds = {-2, -2, 1924, 1084}, .bypassesManager = true}}, PanelView::locked},
@@ -50,7 +53,7 @@ TEST(PanelView, TellsWhatIsInTheWay) {
         {"a locker not yet shown",
          {{.bounds = wholeScreen, .viewable = false, .bypassesManager = true}},
          PanelView::free},
-        {"less than a screen", {{.bounds = {0, 0, 1920, 1000}, .bypassesManager = true}}, PanelView::obscured},
+        {"less than a screen", {{.bounds = {0, 0, 1920, 1000}, .bypassesManager = true}}, PanelView::free},
         {"size of a scaled screen is rounded",
          {{.bounds = {0, 0, 1918, 1078}, .bypassesManager = true}},
          PanelView::locked},
@@ -71,10 +74,11 @@ TEST(PanelView, TellsWhatIsInTheWay) {
 }
 
 TEST(PanelView, WithoutScreensNothingIsALocker) {
-    const StackedWindow window{.bounds = wholeScreen, .bypassesManager = true};
-    EXPECT_EQ(panelView(panel, std::span(&window, 1), {}), PanelView::obscured);
+    const std::array windows{StackedWindow{.bounds = wholeScreen},
+                             StackedWindow{.bounds = wholeScreen, .bypassesManager = true}};
+    EXPECT_EQ(panelView(panel, windows, {}), PanelView::obscured);
     const QRect none;
-    EXPECT_EQ(panelView(panel, std::span(&window, 1), std::span(&none, 1)), PanelView::obscured);
+    EXPECT_EQ(panelView(panel, windows, std::span(&none, 1)), PanelView::obscured);
 }
 
 } // namespace

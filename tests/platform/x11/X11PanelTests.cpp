@@ -95,6 +95,19 @@ TEST_F(X11PanelTest, StaysBelowOurOwnMenus) {
     expectStaysBelow(menu);
 }
 
+TEST_F(X11PanelTest, StaysBelowMenusOfOtherPrograms) {
+    expectStaysBelow(client->create({.bounds = panelBounds, .overrideRedirect = true}));
+}
+
+TEST_F(X11PanelTest, IsRaisedAboveAFrameThatBypassesTheManager) {
+    const auto frame = client->create({.bounds = panelBounds, .overrideRedirect = true, .mapped = false});
+    const auto managed = client->create({.bounds = {0, 0, 100, 100}, .parent = frame});
+    client->setNumbers(managed, "WM_STATE", "WM_STATE", {1, 0});
+    client->map(frame);
+    client->raise(frame);
+    EXPECT_TRUE(inTime([&] { return isAbove(frame); }));
+}
+
 TEST_F(X11PanelTest, StaysBelowAScreenLocker) {
     const auto locker = client->create({.bounds = screen, .overrideRedirect = true});
     panel->raise();
