@@ -878,6 +878,8 @@ TEST_F(OverlayPanelControllerTest, CutsItsCornersWhereNothingIsComposed) {
     EXPECT_FALSE(panel().mask().contains(QPoint(0, 0)));
     EXPECT_FALSE(panel().mask().contains(QPoint(359, 599)));
     EXPECT_EQ(window->blurRadius, metrics().panelCornerRadius);
+    panel().setFrame({40, 60, 363, 600});
+    EXPECT_TRUE(panel().mask().contains(QPoint(361, 300))) << "at once, or its edge would be missing";
 
     window->setComposited(true);
     EXPECT_TRUE(panel().mask().isEmpty());
