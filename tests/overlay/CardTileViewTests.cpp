@@ -27,6 +27,9 @@ OverlayCardViewModel cardOf(const QString& name, int metrics = 5) {
 }
 
 class CardTileViewTest : public ::testing::Test {
+public:
+    ~CardTileViewTest() override { AppLanguage::configure(nullptr, nullptr); }
+
 protected:
     CardTileViewTest() {
         AppLanguage::overridePreference(AppLanguage::en);
@@ -34,8 +37,6 @@ protected:
         tile.show();
         turnEventLoop();
     }
-
-    ~CardTileViewTest() override { AppLanguage::configure(nullptr, nullptr); }
 
     void prepare() {
         tile.applyTypography(metrics);
@@ -285,6 +286,7 @@ TEST_F(CardTileViewTest, AsksForNoLayoutWhenTheSameIsBoundAgain) {
     turnEventLoop();
     testing::EventCounter requests(tile, QEvent::LayoutRequest);
     std::vector<std::unique_ptr<testing::EventCounter>> rowRequests;
+    rowRequests.reserve(tile.metricPool.size());
     for (MetricRowView* row : tile.metricPool) {
         rowRequests.push_back(std::make_unique<testing::EventCounter>(*row, QEvent::LayoutRequest));
     }

@@ -18,14 +18,15 @@ using testing::turnEventLoop;
 using enum MetricHighlight;
 
 class MetricRowViewTest : public ::testing::Test {
+public:
+    ~MetricRowViewTest() override { AppLanguage::configure(nullptr, nullptr); }
+
 protected:
     MetricRowViewTest() {
         AppLanguage::overridePreference(AppLanguage::en);
         row.resize(200, 24);
         row.show();
     }
-
-    ~MetricRowViewTest() override { AppLanguage::configure(nullptr, nullptr); }
 
     PanelColors colors = PanelColors::of(Appearance::dark);
     MetricRowView row{nullptr, colors};

@@ -14,12 +14,13 @@ namespace pelloran {
 namespace {
 
 class MotionTest : public ::testing::Test {
-protected:
+public:
     ~MotionTest() override {
         Motion::forceReducedMotion(false);
         Motion::configure(nullptr);
     }
 
+protected:
     // Writes the progress of one animation into `steps`, and its completion into `completions`.
     void run(double seconds, const char* name = "test") {
         Motion::run(

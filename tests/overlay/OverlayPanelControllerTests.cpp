@@ -63,17 +63,18 @@ OverlaySnapshot message(const QString& text = u"Waiting"_s) {
 }
 
 class OverlayPanelControllerTest : public ::testing::Test {
+public:
+    ~OverlayPanelControllerTest() override {
+        controller.reset();
+        Motion::configure(nullptr);
+        AppLanguage::configure(nullptr, nullptr);
+    }
+
 protected:
     OverlayPanelControllerTest() {
         AppLanguage::overridePreference(AppLanguage::en);
         Motion::configure(&settings);
         build();
-    }
-
-    ~OverlayPanelControllerTest() override {
-        controller.reset();
-        Motion::configure(nullptr);
-        AppLanguage::configure(nullptr, nullptr);
     }
 
     void build() {
