@@ -285,7 +285,7 @@ void OverlayPanelController::geometryTick(GeometryDriver::Phase phase) {
     // A snapshot may ask for a settled look in the middle of a drag: the axis must not turn under the user's hand.
     const bool live = phase == GeometryDriver::Phase::live || panel->inLiveResize();
     const UpwardRect frame = panel->frame();
-    if (live && !suppressUserResizeTracking) {
+    if (phase == GeometryDriver::Phase::live && !suppressUserResizeTracking) {
         userResizedFrame = frame.size();
     }
     const QSizeF content = materialView->width() > 1 ? QSizeF(materialView->size()) : frame.size();

@@ -24,7 +24,7 @@ PanelColors PanelColors::of(Appearance appearance) {
         .tertiaryLabel = withAlpha(Qt::white, 0.58),
         // The lighter set of the usual system colours, which stays readable in small type on a dark sheet.
         .systemGreen = QColor(52, 219, 97),
-        .systemRed = QColor(255, 138, 130),
+        .systemRed = QColor(255, 140, 132),
         .systemOrange = QColor(255, 179, 64),
         .tile = withAlpha(label, 0.08),
     };

@@ -115,13 +115,6 @@ void TextLabel::paintEvent(QPaintEvent*) {
     }
 }
 
-void TextLabel::changeEvent(QEvent* event) {
-    if (event->type() == QEvent::LayoutDirectionChange) {
-        askForLayout();
-    }
-    QWidget::changeEvent(event);
-}
-
 void TextLabel::lay(int width) const {
     if (width == laidWidth) {
         return;
