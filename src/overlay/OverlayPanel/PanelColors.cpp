@@ -12,7 +12,7 @@ QColor withAlpha(QColor color, double alpha) {
 } // namespace
 
 PanelColors PanelColors::of(Appearance appearance) {
-    const QColor sheet(30, 30, 33);
+    const QColor sheet(18, 18, 20);
     const QColor label = withAlpha(Qt::white, 0.94);
     return {
         .material = withAlpha(sheet, appearance == Appearance::dark ? 0.92 : 0.95),
@@ -24,7 +24,7 @@ PanelColors PanelColors::of(Appearance appearance) {
         .tertiaryLabel = withAlpha(Qt::white, 0.58),
         // The lighter set of the usual system colours, which stays readable in small type on a dark sheet.
         .systemGreen = QColor(52, 219, 97),
-        .systemRed = QColor(255, 140, 132),
+        .systemRed = QColor(255, 115, 107),
         .systemOrange = QColor(255, 179, 64),
         .tile = withAlpha(label, 0.08),
     };
