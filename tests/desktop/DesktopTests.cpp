@@ -1,14 +1,11 @@
-#include "platform/x11/TestClient.h"
+#include "desktop/Desktop.h"
+
 #include "support/Printing.h"
-#include "support/ProgramRun.h"
-#include "support/VirtualDisplay.h"
 
 #include <QFile>
-#include <QTest>
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <map>
 #include <set>
 
@@ -16,8 +13,6 @@
 // published, step by step.
 namespace pelloran {
 namespace {
-
-using testing::VirtualDisplay;
 
 QJsonObject shippedFile(const char* name) {
     QFile file(QStringLiteral(PELLORAN_RESOURCES "/winrates/") + QString::fromLatin1(name));
@@ -57,45 +52,6 @@ private:
     std::map<QString, QJsonObject> rows;
 };
 
-// A program whose standard output is one JSON object a line.
-class LineProcess {
-public:
-    void start(const QString& program, const QStringList& arguments, const QProcessEnvironment& environment) {
-        process.setProcessEnvironment(environment);
-        process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        process.start(program, arguments);
-    }
-
-    ~LineProcess() {
-        process.terminate();
-        if (!process.waitForFinished(10'000)) {
-            process.kill();
-            process.waitForFinished();
-        }
-    }
-
-    // Reads on until a line satisfies `wanted`; absent when none does within a minute or the program ends.
-    std::optional<QJsonObject> waitFor(const std::function<bool(const QJsonObject&)>& wanted) {
-        std::optional<QJsonObject> found;
-        const auto look = [&] {
-            while (!found && process.canReadLine()) {
-                last = QJsonDocument::fromJson(process.readLine()).object();
-                if (wanted(last)) {
-                    found = last;
-                }
-            }
-            return found.has_value();
-        };
-        (void)QTest::qWaitFor([&] { return look() || process.state() == QProcess::NotRunning; }, 60'000);
-        return found;
-    }
-
-    void write(const QByteArray& text) { process.write(text); }
-
-    QProcess process;
-    QJsonObject last; // line that was read
-};
-
 QStringList names(const QJsonValue& items) {
     QStringList all;
     for (const auto& item : items.toArray()) {
@@ -104,33 +60,18 @@ QStringList names(const QJsonValue& items) {
     return all;
 }
 
-class DesktopTest : public ::testing::Test {
+class PublishedDraft : public testing::DesktopTest {
 protected:
     void SetUp() override {
-        if (!VirtualDisplay::isInstalled() || !VirtualDisplay::isInstalled(QStringLiteral("openbox"))) {
-            GTEST_SKIP() << "needs Xvfb and openbox";
+        DesktopTest::SetUp();
+        if (!IsSkipped() && !HasFatalFailure()) {
+            startWindowManager();
         }
-        display =
-            VirtualDisplay::start({QStringLiteral("-screen"), QStringLiteral("0"), QStringLiteral("1920x1080x24")});
-        ASSERT_TRUE(display);
-        testing::TestClient client(display->name());
-        ASSERT_TRUE(testing::startWindowManager(*display, client));
-        environment.insert(QStringLiteral("DISPLAY"), QString::fromLatin1(display->name()));
-        ASSERT_TRUE(QDir().mkpath(logsDir));
     }
 
-    void startPelloran(const QStringList& more = {}) {
-        pelloran.start(QStringLiteral(PELLORAN_PROGRAM),
-                       QStringList{QStringLiteral("--no-panel"), QStringLiteral("--snapshots"),
-                                   QStringLiteral("--logs-dir"), logsDir} +
-                           more,
-                       environment);
-    }
-
-    void startStage(const QStringList& more) {
-        stage.start(QStringLiteral(PELLORAN_STAGE),
-                    QStringList{QStringLiteral("--logs-dir"), logsDir, QStringLiteral("--steps-on-stdin")} + more,
-                    environment);
+    void startHeadless(const QString& language) {
+        startPelloran(
+            {QStringLiteral("--no-panel"), QStringLiteral("--snapshots"), QStringLiteral("--language"), language});
     }
 
     // Plays the scenario to its end and compares what is published at every step that shows offers, or none.
@@ -187,23 +128,17 @@ protected:
         }
     }
 
-    QTemporaryDir home;
-    QString logsDir = home.path() + QStringLiteral("/logs");
-    QProcessEnvironment environment = testing::cleanEnvironment(home.path());
     ExpectedFigures figures;
-    std::unique_ptr<VirtualDisplay> display;
-    LineProcess stage;
-    LineProcess pelloran;
 };
 
-TEST_F(DesktopTest, PublishesAnEnglishDraftAsItIsPlayed) {
-    startPelloran({QStringLiteral("--language"), QStringLiteral("en")});
+TEST_F(PublishedDraft, PublishesAnEnglishDraftAsItIsPlayed) {
+    startHeadless(QStringLiteral("en"));
     startStage({QStringLiteral("--scenario"), QStringLiteral("demo")});
     follow();
 }
 
-TEST_F(DesktopTest, PublishesAChineseDraftWithARedraftAsItIsPlayed) {
-    startPelloran({QStringLiteral("--language"), QStringLiteral("zh")});
+TEST_F(PublishedDraft, PublishesAChineseDraftWithARedraftAsItIsPlayed) {
+    startHeadless(QStringLiteral("zh"));
     startStage({QStringLiteral("--scenario"), QStringLiteral("demo-zh"), QStringLiteral("--size"),
                 QStringLiteral("1600x900")});
     follow();

@@ -1,12 +1,12 @@
 #include "platform/x11/TestClient.h"
 
 #include <xcb/composite.h>
+#include <xcb/xfixes.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
-#include <span>
 
 namespace pelloran::testing {
 
@@ -48,6 +48,10 @@ TestClient::TestClient(const QByteArray& display)
     if (xcb_get_extension_data(connection, &xcb_composite_id)->present) {
         const Owned<xcb_composite_query_version_reply_t> version(
             xcb_composite_query_version_reply(connection, xcb_composite_query_version(connection, 0, 2), nullptr));
+    }
+    if (xcb_get_extension_data(connection, &xcb_xfixes_id)->present) {
+        const Owned<xcb_xfixes_query_version_reply_t> version(
+            xcb_xfixes_query_version_reply(connection, xcb_xfixes_query_version(connection, 5, 0), nullptr));
     }
 }
 
@@ -216,6 +220,16 @@ std::vector<std::uint32_t> TestClient::numbers(xcb_window_t window, const char* 
     return {values, values + xcb_get_property_value_length(reply.get()) / 4};
 }
 
+QByteArray TestClient::text(xcb_window_t window, const char* property) {
+    const Owned<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+        connection, xcb_get_property(connection, 0, window, atom(property), XCB_GET_PROPERTY_TYPE_ANY, 0, 1024),
+        nullptr));
+    if (!reply || reply->format != 8) {
+        return {};
+    }
+    return {static_cast<const char*>(xcb_get_property_value(reply.get())), xcb_get_property_value_length(reply.get())};
+}
+
 void TestClient::sendToRoot(xcb_window_t window, const char* message, std::uint32_t first, std::uint32_t second) {
     xcb_client_message_event_t event{};
     event.response_type = XCB_CLIENT_MESSAGE;
@@ -250,20 +264,104 @@ bool TestClient::isAbove(xcb_window_t window, xcb_window_t other) {
         }
         return outer;
     };
-    const Owned<xcb_query_tree_reply_t> tree(
-        xcb_query_tree_reply(connection, xcb_query_tree(connection, root()), nullptr));
-    if (!tree) {
-        return false;
-    }
-    const std::span<const xcb_window_t> children(xcb_query_tree_children(tree.get()),
-                                                 static_cast<std::size_t>(xcb_query_tree_children_length(tree.get())));
-    return std::ranges::find(children, topLevel(window)) > std::ranges::find(children, topLevel(other));
+    const std::vector<xcb_window_t> stack = children(root());
+    return std::ranges::find(stack, topLevel(window)) > std::ranges::find(stack, topLevel(other));
 }
 
 xcb_window_t TestClient::parent(xcb_window_t window) {
     const Owned<xcb_query_tree_reply_t> reply(
         xcb_query_tree_reply(connection, xcb_query_tree(connection, window), nullptr));
     return reply ? reply->parent : xcb_window_t{XCB_WINDOW_NONE};
+}
+
+std::vector<xcb_window_t> TestClient::children(xcb_window_t window) {
+    const Owned<xcb_query_tree_reply_t> tree(
+        xcb_query_tree_reply(connection, xcb_query_tree(connection, window), nullptr));
+    if (!tree) {
+        return {};
+    }
+    const xcb_window_t* first = xcb_query_tree_children(tree.get());
+    return {first, first + xcb_query_tree_children_length(tree.get())};
+}
+
+QRect TestClient::bounds(xcb_window_t window) {
+    const Owned<xcb_get_geometry_reply_t> geometry(
+        xcb_get_geometry_reply(connection, xcb_get_geometry(connection, window), nullptr));
+    const Owned<xcb_translate_coordinates_reply_t> origin(xcb_translate_coordinates_reply(
+        connection, xcb_translate_coordinates(connection, window, root(), 0, 0), nullptr));
+    if (!geometry || !origin) {
+        return {};
+    }
+    return {origin->dst_x, origin->dst_y, geometry->width, geometry->height};
+}
+
+QRegion TestClient::shape(xcb_window_t window) {
+    const xcb_xfixes_region_t region = xcb_generate_id(connection);
+    xcb_xfixes_create_region_from_window(connection, region, window, XCB_SHAPE_SK_BOUNDING);
+    const Owned<xcb_xfixes_fetch_region_reply_t> reply(
+        xcb_xfixes_fetch_region_reply(connection, xcb_xfixes_fetch_region(connection, region), nullptr));
+    xcb_xfixes_destroy_region(connection, region);
+    QRegion shape;
+    if (reply) {
+        const xcb_rectangle_t* parts = xcb_xfixes_fetch_region_rectangles(reply.get());
+        for (int i = 0; i < xcb_xfixes_fetch_region_rectangles_length(reply.get()); ++i) {
+            shape += QRect(parts[i].x, parts[i].y, parts[i].width, parts[i].height);
+        }
+    }
+    return shape;
+}
+
+QImage TestClient::screenshot(QRect area) {
+    const QRect visible = area & bounds(root());
+    const Owned<xcb_get_image_reply_t> reply(xcb_get_image_reply(
+        connection,
+        xcb_get_image(connection, XCB_IMAGE_FORMAT_Z_PIXMAP, root(), static_cast<std::int16_t>(visible.x()),
+                      static_cast<std::int16_t>(visible.y()), static_cast<std::uint16_t>(visible.width()),
+                      static_cast<std::uint16_t>(visible.height()), ~0U),
+        nullptr));
+    if (!reply) {
+        return {};
+    }
+    return QImage(xcb_get_image_data(reply.get()), visible.width(), visible.height(), QImage::Format_RGB32).copy();
+}
+
+void TestClient::watch(xcb_window_t window) {
+    const std::uint32_t events = XCB_EVENT_MASK_FOCUS_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    xcb_change_window_attributes(connection, window, XCB_CW_EVENT_MASK, &events);
+    sync();
+    noteEvents();
+    noted = 0;
+    notedSizes.clear();
+}
+
+int TestClient::focusLosses() {
+    noteEvents();
+    return noted;
+}
+
+std::vector<QSize> TestClient::sizes() {
+    noteEvents();
+    return notedSizes;
+}
+
+void TestClient::noteEvents() {
+    sync();
+    while (const Owned<xcb_generic_event_t> event{xcb_poll_for_event(connection)}) {
+        const int type = event->response_type & 0x7f;
+        if (type == XCB_FOCUS_OUT) {
+            const auto* loss = reinterpret_cast<const xcb_focus_out_event_t*>(event.get());
+            const bool lent = loss->mode == XCB_NOTIFY_MODE_GRAB || loss->mode == XCB_NOTIFY_MODE_WHILE_GRABBED;
+            if (!lent && loss->detail != XCB_NOTIFY_DETAIL_POINTER) {
+                ++noted;
+            }
+        } else if (type == XCB_CONFIGURE_NOTIFY) {
+            const auto* change = reinterpret_cast<const xcb_configure_notify_event_t*>(event.get());
+            const QSize size(change->width, change->height);
+            if (notedSizes.empty() || notedSizes.back() != size) {
+                notedSizes.push_back(size);
+            }
+        }
+    }
 }
 
 bool TestClient::isRedirected(xcb_window_t window) {

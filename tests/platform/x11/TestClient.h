@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QImage>
 #include <QRect>
+#include <QRegion>
 #include <QString>
 
 #include <xcb/xcb.h>
@@ -60,6 +61,7 @@ public:
                     const std::vector<std::uint32_t>& numbers);
     void setAtoms(xcb_window_t window, const char* property, const std::vector<const char*>& names);
     std::vector<std::uint32_t> numbers(xcb_window_t window, const char* property);
+    QByteArray text(xcb_window_t window, const char* property);
     // Asks the window manager.
     void sendToRoot(xcb_window_t window, const char* message, std::uint32_t first, std::uint32_t second = 0);
 
@@ -69,6 +71,20 @@ public:
     // Of two children of the root, or of the frames around them.
     bool isAbove(xcb_window_t window, xcb_window_t other);
     xcb_window_t parent(xcb_window_t window);
+    // From the lowest to the highest.
+    std::vector<xcb_window_t> children(xcb_window_t window);
+    // On the screen.
+    QRect bounds(xcb_window_t window);
+    // What is left of a window whose corners are cut, from its own top left corner.
+    QRegion shape(xcb_window_t window);
+    // What can be seen on the screen.
+    QImage screenshot(QRect area);
+    // From now on, which of them lost the keyboard and which sizes they had; see the two functions below.
+    void watch(xcb_window_t window);
+    // How often a watched window has lost the keyboard to another one; a menu that borrows it does not count.
+    int focusLosses();
+    // Every new size that a watched window has had.
+    std::vector<QSize> sizes();
     // Some program keeps the window's pixels apart.
     bool isRedirected(xcb_window_t window);
 
@@ -80,8 +96,12 @@ public:
     void sync();
 
 private:
+    void noteEvents();
+
     xcb_connection_t* connection = nullptr;
     xcb_screen_t* screen = nullptr;
+    int noted = 0; // losses of the keyboard
+    std::vector<QSize> notedSizes;
 };
 
 // Starts openbox on `client`'s display and waits until it puts new windows into frames: it announces itself before it

@@ -1,0 +1,128 @@
+#include "desktop/Picture.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <functional>
+#include <map>
+
+namespace pelloran::testing {
+
+namespace {
+
+constexpr QRgb sheet = qRgb(30, 30, 33);
+constexpr QRgb tile = qRgb(48, 48, 51);
+constexpr int shortestTile = 100; // pixels; what is shorter is cut up by text
+constexpr int paddingReach = 30;  // pixels from the panel's edge; the padding of its tiles begins and ends within
+constexpr int frame = 3;          // pixels of a menu's edge
+
+bool nearly(QRgb one, QRgb other, int tolerance) {
+    return std::abs(qRed(one) - qRed(other)) <= tolerance && std::abs(qGreen(one) - qGreen(other)) <= tolerance &&
+           std::abs(qBlue(one) - qBlue(other)) <= tolerance;
+}
+
+// Of one line of pixels: runs of the tiles' colour with the sheet's colour on both sides.
+int tilesAlong(int length, const std::function<QRgb(int)>& pixel) {
+    int count = 0;
+    for (int begin = 1; begin < length; ++begin) {
+        if (!nearly(pixel(begin), tile, 4) || !nearly(pixel(begin - 1), sheet, 4)) {
+            continue;
+        }
+        int end = begin;
+        while (end < length && nearly(pixel(end), tile, 4)) {
+            ++end;
+        }
+        if (end < length && nearly(pixel(end), sheet, 4) && end - begin >= shortestTile) {
+            ++count;
+        }
+        begin = end - 1;
+    }
+    return count;
+}
+
+} // namespace
+
+bool shows(const QImage& picture, const QColor& color) {
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            if (nearly(picture.pixel(x, y), color.rgb(), 10)) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+QRgb backgroundOf(const QImage& picture) {
+    std::map<QRgb, int> counts;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            ++counts[picture.pixel(x, y)];
+        }
+    }
+    const auto most = std::ranges::max_element(counts, {}, [](const auto& entry) { return entry.second; });
+    return most == counts.end() ? QRgb() : most->first;
+}
+
+QRect inkOf(const QImage& picture) {
+    const QRgb background = backgroundOf(picture);
+    QRect ink;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            if (!nearly(picture.pixel(x, y), background, 24)) {
+                ink |= QRect(x, y, 1, 1);
+            }
+        }
+    }
+    return ink;
+}
+
+std::vector<QRect> textLines(const QImage& menu) {
+    constexpr int innerGap = 3; // within a line, as between the strokes of a letter
+    constexpr int thinnest = 5; // a separator is thinner
+    const QRgb background = backgroundOf(menu);
+    const auto hasInk = [&](int y) {
+        for (int x = frame; x < menu.width() - frame; ++x) {
+            if (!nearly(menu.pixel(x, y), background, 24)) {
+                return true;
+            }
+        }
+        return false;
+    };
+    std::vector<QRect> lines;
+    int begin = -1;
+    int last = -1;
+    const auto close = [&] {
+        if (begin >= 0 && last - begin + 1 >= thinnest) {
+            lines.emplace_back(frame, begin, menu.width() - 2 * frame, last - begin + 1);
+        }
+        begin = -1;
+    };
+    for (int y = frame; y < menu.height() - frame; ++y) {
+        if (hasInk(y)) {
+            begin = begin < 0 ? y : begin;
+            last = y;
+        } else if (begin >= 0 && y - last > innerGap) {
+            close();
+        }
+    }
+    close();
+    return lines;
+}
+
+int tilesDown(const QImage& panel) {
+    int most = 0;
+    for (int x = panel.width() - paddingReach; x < panel.width(); ++x) {
+        most = std::max(most, tilesAlong(panel.height(), [&](int y) { return panel.pixel(x, y); }));
+    }
+    return most;
+}
+
+int tilesAcross(const QImage& panel) {
+    int most = 0;
+    for (int y = panel.height() - paddingReach; y < panel.height(); ++y) {
+        most = std::max(most, tilesAlong(panel.width(), [&](int x) { return panel.pixel(x, y); }));
+    }
+    return most;
+}
+
+} // namespace pelloran::testing
