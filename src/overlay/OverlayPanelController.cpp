@@ -139,6 +139,7 @@ OverlayPanelController::~OverlayPanelController() {
 void OverlayPanelController::show() {
     if (const auto visible = FloatingPanel::mainVisibleFrame();
         visible && !isComfortablyOnScreen(panel->frame(), *visible)) {
+        Motion::end(*panel, frameAnimation);
         panel->setFrame(broughtBack(panel->frame(), *visible));
     }
     panel->show();
