@@ -82,6 +82,7 @@ void FloatingPanel::mousePressEvent(QMouseEvent* event) {
         event->ignore();
         return;
     }
+    endDrag(); // an earlier one, whose release went to a menu or an alert that opened meanwhile
     Q_EMIT willStartDrag();
     drag = Drag{resizeHandleAt(event->position(), size()), event->globalPosition(), frame()};
     if (inLiveResize()) {
@@ -90,6 +91,9 @@ void FloatingPanel::mousePressEvent(QMouseEvent* event) {
 }
 
 void FloatingPanel::mouseMoveEvent(QMouseEvent* event) {
+    if (!event->buttons().testFlag(Qt::LeftButton)) {
+        endDrag(); // its release went elsewhere
+    }
     if (!drag) {
         setCursor(cursorFor(resizeHandleAt(event->position(), size())));
         return;
