@@ -107,6 +107,8 @@ OverlayPanelController::OverlayPanelController(const SystemSettings& systemSetti
         applyMaterial();
     });
     connect(panel.get(), &FloatingPanel::willStartDrag, this, [this] { Motion::end(*panel, frameAnimation); });
+    // It tells of light and dark where the desktop says nothing else.
+    connect(panel.get(), &FloatingPanel::paletteDidChange, this, &OverlayPanelController::systemSettingsChanged);
     connect(panel.get(), &QWidget::customContextMenuRequested, this,
             [this](QPoint at) { Q_EMIT contextMenuRequested(panel->mapToGlobal(at)); });
     geometry = std::make_unique<GeometryDriver>(*panel);

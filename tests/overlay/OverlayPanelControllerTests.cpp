@@ -19,8 +19,9 @@
 #include "support/PanelDrag.h"
 #include "support/Printing.h"
 
+#include <QApplication>
 #include <QContextMenuEvent>
-#include <QGuiApplication>
+#include <QPalette>
 #include <QScreen>
 #include <QSignalSpy>
 
@@ -916,6 +917,39 @@ TEST_F(OverlayPanelControllerTest, FollowsTheDesktopsLook) {
     settings.setAppearance(Appearance::dark);
     controller->systemSettingsChanged();
     EXPECT_EQ(sheet(), PanelColors::of(Appearance::dark).material.alpha());
+}
+
+TEST_F(OverlayPanelControllerTest, FollowsThePaletteWhereTheDesktopSaysNothing) {
+    const QPalette before = QApplication::palette();
+    const auto sheet = [this] {
+        QImage image(panel().size(), QImage::Format_ARGB32);
+        image.fill(Qt::transparent);
+        panel().render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
+        return qAlpha(image.pixel(180, 300));
+    };
+
+    const struct {
+        const char* why;
+        std::optional<Appearance> said;
+        QColor window;
+        Appearance expected;
+    } rows[] = {
+        {"a dark palette", {}, QColor(30, 30, 30), Appearance::dark},
+        {"a light palette", {}, QColor(240, 240, 240), Appearance::light},
+        {"dark again", {}, QColor(40, 40, 40), Appearance::dark},
+        {"the desktop's word counts for more", Appearance::light, QColor(20, 20, 20), Appearance::light},
+    };
+
+    ASSERT_NE(PanelColors::of(Appearance::dark).material.alpha(), PanelColors::of(Appearance::light).material.alpha());
+    showSettled();
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.why);
+        settings.setAppearance(row.said);
+        QApplication::setPalette(QPalette(row.window, row.window));
+        turnEventLoop();
+        EXPECT_EQ(sheet(), PanelColors::of(row.expected).material.alpha());
+    }
+    QApplication::setPalette(before);
 }
 
 TEST_F(OverlayPanelControllerTest, PaintsWithoutComplaintInEveryState) {

@@ -77,6 +77,13 @@ void FloatingPanel::setCloseButtonColor(const QColor& color) {
     closeButton->setColor(color);
 }
 
+void FloatingPanel::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) {
+        Q_EMIT paletteDidChange();
+    }
+}
+
 void FloatingPanel::mousePressEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton) {
         event->ignore();
