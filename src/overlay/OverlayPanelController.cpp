@@ -102,6 +102,10 @@ OverlayPanelController::OverlayPanelController(const SystemSettings& systemSetti
     rootContent->resize(panel->size());
 
     connect(panel.get(), &FloatingPanel::didResize, this, [this] {
+        // At once: where the drag ends in the same turn of the event loop, the tick that follows is no live one.
+        if (panel->inLiveResize() && !suppressUserResizeTracking) {
+            userResizedFrame = panel->frame().size();
+        }
         materialView->resize(panel->size());
         rootContent->resize(panel->size());
         applyMaterial();

@@ -549,6 +549,28 @@ TEST_F(OverlayPanelControllerTest, RespectsTheSizeTheUserGaveIt) {
     EXPECT_EQ(panel().frame().size(), QSizeF(400, 600)) << "the user's word stands";
 }
 
+TEST_F(OverlayPanelControllerTest, RespectsTheLastStepOfADragToo) {
+    showSettled();
+    updateSettled(tiles(3));
+    {
+        PanelDrag drag(panel(), {359, 300});
+        drag.moveBy({20, 0});
+        turnEventLoop();
+        drag.moveBy({40, 0});
+        drag.release(); // without a turn in between
+    }
+    settle();
+    updateSettled(tiles(3, u"Next"_s));
+    EXPECT_EQ(panel().width(), 400);
+
+    PanelDrag flick(panel(), {399, 300});
+    flick.moveBy({-60, 0});
+    flick.release();
+    updateSettled(message());
+    updateSettled(tiles(3));
+    EXPECT_EQ(panel().width(), 340);
+}
+
 TEST_F(OverlayPanelControllerTest, DoesNotTakeOtherResizingForTheUsers) {
     showSettled();
     panel().setFrame({40, 60, 500, 700});
