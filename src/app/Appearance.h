@@ -3,7 +3,6 @@
 #include "platform/SystemSettings.h"
 
 #include <QPalette>
-#include <QString>
 
 #include <optional>
 

@@ -5,7 +5,6 @@
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QLocalSocket>
 #include <QUrl>
 
@@ -24,6 +23,10 @@ const QByteArray acknowledgement = QByteArrayLiteral("shown\n");
 
 // Between two looks at whether the first listens already, or has ended.
 constexpr std::chrono::milliseconds pause{20};
+
+bool isFolderOfOurOwn(const struct stat& found) {
+    return S_ISDIR(found.st_mode) && found.st_uid == ::getuid() && (found.st_mode & (S_IRWXG | S_IRWXO)) == 0;
+}
 
 } // namespace
 
@@ -120,17 +123,17 @@ void SingleInstance::answer(QLocalSocket& asking) {
 }
 
 QString privateRuntimeFolder(const QString& sessionFolder, const QString& temporary) {
-    if (QDir::isAbsolutePath(sessionFolder) && QFileInfo(sessionFolder).isWritable()) {
+    struct stat found{};
+    // In a folder that users share, one user's program would keep the others' from starting.
+    if (QDir::isAbsolutePath(sessionFolder) && ::stat(QFile::encodeName(sessionFolder).constData(), &found) == 0 &&
+        isFolderOfOurOwn(found)) {
         return QDir::cleanPath(sessionFolder);
     }
     const QString own = QDir::cleanPath(temporary + QStringLiteral("/pelloran-%1").arg(::getuid()));
     const QByteArray path = QFile::encodeName(own);
     ::mkdir(path.constData(), S_IRWXU);
-    // It may have been there: only a folder of our own, which nobody else can write to, will do.
-    struct stat found{};
-    const bool usable = ::lstat(path.constData(), &found) == 0 && S_ISDIR(found.st_mode) &&
-                        found.st_uid == ::getuid() && (found.st_mode & (S_IRWXG | S_IRWXO)) == 0;
-    return usable ? own : QString();
+    // It may have been there, laid by anybody.
+    return ::lstat(path.constData(), &found) == 0 && isFolderOfOurOwn(found) ? own : QString();
 }
 
 QString instanceName(const QString& display) {

@@ -50,8 +50,8 @@ private:
     QLocalServer server;
 };
 
-// The folder for such files: the session's own where the system provides one, else one below `temporary` that nobody
-// else can enter. Empty when that cannot be had.
+// The folder for such files: the session's own where the system provides one, else one below `temporary`; in either
+// case one that nobody else can enter. Empty when that cannot be had.
 QString privateRuntimeFolder(const QString& sessionFolder, const QString& temporary);
 
 // The same for every way to write one X display: the number of the screen and the way there do not matter.

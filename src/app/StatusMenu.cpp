@@ -2,8 +2,9 @@
 
 #include "app/localisation/L10n.h"
 
-#include <QApplication>
+#include <QAction>
 #include <QKeyEvent>
+#include <QKeySequence>
 #include <QMenu>
 
 namespace pelloran {

@@ -102,11 +102,17 @@ OverlayPanelController::OverlayPanelController(const SystemSettings& systemSetti
     rootContent->resize(panel->size());
 
     connect(panel.get(), &FloatingPanel::didResize, this, [this] {
+        // At once: where the drag ends in the same turn of the event loop, the tick that follows is no live one.
+        if (panel->inLiveResize() && !suppressUserResizeTracking) {
+            userResizedFrame = panel->frame().size();
+        }
         materialView->resize(panel->size());
         rootContent->resize(panel->size());
         applyMaterial();
     });
     connect(panel.get(), &FloatingPanel::willStartDrag, this, [this] { Motion::end(*panel, frameAnimation); });
+    // It tells of light and dark where the desktop says nothing else.
+    connect(panel.get(), &FloatingPanel::paletteDidChange, this, &OverlayPanelController::systemSettingsChanged);
     connect(panel.get(), &QWidget::customContextMenuRequested, this,
             [this](QPoint at) { Q_EMIT contextMenuRequested(panel->mapToGlobal(at)); });
     geometry = std::make_unique<GeometryDriver>(*panel);

@@ -164,6 +164,36 @@ TEST_F(AppDelegateTest, SaysWhyTheDataCannotBeLoadedAndEnds) {
     EXPECT_TRUE(panel.snapshots.empty()) << "what is left of the program does not stumble over what was never made";
 }
 
+TEST_F(AppDelegateTest, ServesTheUserWhileTheAlertIsUp) {
+    write("resources/winrates/all_classes_LAST_7_DAYS.json", "no figures");
+    alerts.whenShown = [this] {
+        item.choose(Action::refreshNow);
+        item.choose(Action::selectLanguage, QStringLiteral("zh"));
+        EXPECT_EQ(item.menu, statusMenu(AppLanguage::zh)) << "though nothing follows the language yet";
+        settings.setAppearance(std::nullopt);
+        EXPECT_EQ(panel.settingsChanges, 1);
+        item.choose(Action::toggleOverlay);
+        EXPECT_FALSE(panel.visible);
+        delegate->applicationShouldHandleReopen();
+        EXPECT_TRUE(panel.visible) << "a second start meanwhile";
+        item.choose(Action::quit);
+    };
+    launch();
+    EXPECT_EQ(alerts.shown.size(), 1U);
+    EXPECT_THAT(exitCodes, ElementsAre(0, 1)) << "the failure has the last word";
+    EXPECT_TRUE(panel.snapshots.empty());
+}
+
+TEST_F(AppDelegateTest, MayBeTerminatedWhileTheAlertIsUp) {
+    write("resources/winrates/all_classes_LAST_7_DAYS.json", "no figures");
+    alerts.whenShown = [this] { delegate->applicationWillTerminate(); };
+    launch();
+    EXPECT_THAT(exitCodes, ElementsAre(1));
+    item.choose(Action::toggleOverlay);
+    EXPECT_TRUE(panel.visible);
+    EXPECT_TRUE(panel.snapshots.empty());
+}
+
 TEST_F(AppDelegateTest, TogglesThePanel) {
     launch();
     item.choose(Action::toggleOverlay);

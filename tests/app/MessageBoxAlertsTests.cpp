@@ -95,6 +95,16 @@ TEST(MessageBoxAlerts, CountClosingAsTheLastButton) {
     EXPECT_EQ(answer(threeChoices, [](QMessageBox& box) { box.close(); }), 2);
 }
 
+TEST(MessageBoxAlerts, EndWithTheProgramThatTheyInterrupt) {
+    int pressed = -1;
+    QTimer::singleShot(0, [&pressed] {
+        pressed = answer(threeChoices, [](QMessageBox&) { QCoreApplication::exit(0); });
+        QCoreApplication::exit(1);
+    });
+    EXPECT_EQ(QCoreApplication::exec(), 1) << "whoever asked may still say how it ends";
+    EXPECT_EQ(pressed, 2) << "as if closed";
+}
+
 TEST(MessageBoxAlerts, HaveAStyleEachAndOneButtonOfTheirOwn) {
     struct Case {
         Alerts::Style style;

@@ -187,7 +187,13 @@ TEST(PrivateRuntimeFolder, IsTheSessionsOrOneOfOurOwn) {
     const QTemporaryDir session;
     const QTemporaryDir temporary;
     EXPECT_EQ(privateRuntimeFolder(session.path(), temporary.path()), session.path());
-    for (const QString& none : {QString(), QStringLiteral("relative"), session.filePath(QStringLiteral("missing"))}) {
+    const QTemporaryDir shared;
+    ASSERT_EQ(::chmod(QFile::encodeName(shared.path()).constData(), 0777), 0);
+    QFile file(session.filePath(QStringLiteral("file")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    for (const QString& none : {QString(), QStringLiteral("relative"), session.filePath(QStringLiteral("missing")),
+                                file.fileName(), shared.path()}) {
+        SCOPED_TRACE(none.toStdString());
         const QString own = privateRuntimeFolder(none, temporary.path());
         ASSERT_TRUE(own.startsWith(temporary.path() + u'/'));
         EXPECT_EQ(QFileInfo(own).permissions() & (QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup |

@@ -5,6 +5,8 @@
 #include <QImage>
 #include <QStringList>
 
+#include <gtest/gtest.h>
+
 namespace pelloran::testing {
 
 // Remembers what it shows, and each step in `steps`.
@@ -41,9 +43,9 @@ public:
 
     void openMenu(QPoint position) override { openedAt.push_back(position); }
 
-    // The user chooses the first entry, or entry of a submenu, that does this.
+    // The user chooses the first entry, or entry of a submenu, that does this. There must be one.
     void choose(StatusMenuEntry::Action action, const QString& representedObject = {}) const {
-        choose(menu, action, representedObject);
+        EXPECT_TRUE(choose(menu, action, representedObject)) << "the menu has no such entry that is enabled";
     }
 
     QString title;
@@ -56,7 +58,7 @@ private:
     bool choose(const std::vector<StatusMenuEntry>& entries, StatusMenuEntry::Action action,
                 const QString& representedObject) const {
         for (const StatusMenuEntry& entry : entries) {
-            if (entry.action == action && entry.representedObject == representedObject && !entry.title.isEmpty()) {
+            if (entry.action == action && entry.representedObject == representedObject && entry.enabled) {
                 if (chosen) {
                     chosen(StatusMenuEntry(entry)); // the menu may be replaced meanwhile
                 }

@@ -121,6 +121,32 @@ TEST_F(FloatingPanelTest, EndsItsDragWhenItIsHidden) {
     EXPECT_EQ(liveEnds.count(), 1);
 }
 
+TEST_F(FloatingPanelTest, EndsItsDragWhenTheReleaseWentElsewhere) {
+    {
+        const PanelDrag lost(panel, {358, 200});
+        ASSERT_TRUE(panel.inLiveResize());
+    }
+    const UpwardRect frame = panel.frame();
+    const QPointF at(100, 100);
+    QMouseEvent hover(QEvent::MouseMove, at, panel.mapToGlobal(at), Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&panel, &hover);
+    EXPECT_FALSE(panel.isDragged()) << "a pointer without a button held holds nothing";
+    EXPECT_EQ(panel.frame(), frame);
+    EXPECT_EQ(liveEnds.count(), 1);
+    EXPECT_EQ(panel.cursor().shape(), Qt::ArrowCursor);
+
+    {
+        const PanelDrag lost(panel, {358, 200});
+        ASSERT_TRUE(panel.inLiveResize());
+    }
+    PanelDrag next(panel, {180, 200}); // without a move in between
+    EXPECT_EQ(liveEnds.count(), 2);
+    EXPECT_TRUE(panel.isDragged());
+    EXPECT_FALSE(panel.inLiveResize());
+    next.release();
+    EXPECT_EQ(liveEnds.count(), 2);
+}
+
 TEST_F(FloatingPanelTest, TellsEveryChangeOfItsSizeAndNoneOfItsPlace) {
     QSignalSpy resizes(&panel, &FloatingPanel::didResize);
     panel.setFrame({50, 80, 360, 420});

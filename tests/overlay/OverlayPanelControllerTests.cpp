@@ -19,8 +19,9 @@
 #include "support/PanelDrag.h"
 #include "support/Printing.h"
 
+#include <QApplication>
 #include <QContextMenuEvent>
-#include <QGuiApplication>
+#include <QPalette>
 #include <QScreen>
 #include <QSignalSpy>
 
@@ -548,6 +549,28 @@ TEST_F(OverlayPanelControllerTest, RespectsTheSizeTheUserGaveIt) {
     EXPECT_EQ(panel().frame().size(), QSizeF(400, 600)) << "the user's word stands";
 }
 
+TEST_F(OverlayPanelControllerTest, RespectsTheLastStepOfADragToo) {
+    showSettled();
+    updateSettled(tiles(3));
+    {
+        PanelDrag drag(panel(), {359, 300});
+        drag.moveBy({20, 0});
+        turnEventLoop();
+        drag.moveBy({40, 0});
+        drag.release(); // without a turn in between
+    }
+    settle();
+    updateSettled(tiles(3, u"Next"_s));
+    EXPECT_EQ(panel().width(), 400);
+
+    PanelDrag flick(panel(), {399, 300});
+    flick.moveBy({-60, 0});
+    flick.release();
+    updateSettled(message());
+    updateSettled(tiles(3));
+    EXPECT_EQ(panel().width(), 340);
+}
+
 TEST_F(OverlayPanelControllerTest, DoesNotTakeOtherResizingForTheUsers) {
     showSettled();
     panel().setFrame({40, 60, 500, 700});
@@ -916,6 +939,39 @@ TEST_F(OverlayPanelControllerTest, FollowsTheDesktopsLook) {
     settings.setAppearance(Appearance::dark);
     controller->systemSettingsChanged();
     EXPECT_EQ(sheet(), PanelColors::of(Appearance::dark).material.alpha());
+}
+
+TEST_F(OverlayPanelControllerTest, FollowsThePaletteWhereTheDesktopSaysNothing) {
+    const QPalette before = QApplication::palette();
+    const auto sheet = [this] {
+        QImage image(panel().size(), QImage::Format_ARGB32);
+        image.fill(Qt::transparent);
+        panel().render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
+        return qAlpha(image.pixel(180, 300));
+    };
+
+    const struct {
+        const char* why;
+        std::optional<Appearance> said;
+        QColor window;
+        Appearance expected;
+    } rows[] = {
+        {"a dark palette", {}, QColor(30, 30, 30), Appearance::dark},
+        {"a light palette", {}, QColor(240, 240, 240), Appearance::light},
+        {"dark again", {}, QColor(40, 40, 40), Appearance::dark},
+        {"the desktop's word counts for more", Appearance::light, QColor(20, 20, 20), Appearance::light},
+    };
+
+    ASSERT_NE(PanelColors::of(Appearance::dark).material.alpha(), PanelColors::of(Appearance::light).material.alpha());
+    showSettled();
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.why);
+        settings.setAppearance(row.said);
+        QApplication::setPalette(QPalette(row.window, row.window));
+        turnEventLoop();
+        EXPECT_EQ(sheet(), PanelColors::of(row.expected).material.alpha());
+    }
+    QApplication::setPalette(before);
 }
 
 TEST_F(OverlayPanelControllerTest, PaintsWithoutComplaintInEveryState) {

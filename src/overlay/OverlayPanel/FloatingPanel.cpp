@@ -77,11 +77,19 @@ void FloatingPanel::setCloseButtonColor(const QColor& color) {
     closeButton->setColor(color);
 }
 
+void FloatingPanel::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) {
+        Q_EMIT paletteDidChange();
+    }
+}
+
 void FloatingPanel::mousePressEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton) {
         event->ignore();
         return;
     }
+    endDrag(); // an earlier one, whose release went to a menu or an alert that opened meanwhile
     Q_EMIT willStartDrag();
     drag = Drag{resizeHandleAt(event->position(), size()), event->globalPosition(), frame()};
     if (inLiveResize()) {
@@ -90,6 +98,9 @@ void FloatingPanel::mousePressEvent(QMouseEvent* event) {
 }
 
 void FloatingPanel::mouseMoveEvent(QMouseEvent* event) {
+    if (!event->buttons().testFlag(Qt::LeftButton)) {
+        endDrag(); // its release went elsewhere
+    }
     if (!drag) {
         setCursor(cursorFor(resizeHandleAt(event->position(), size())));
         return;

@@ -42,8 +42,10 @@ Q_SIGNALS:
     void willStartLiveResize();
     void didResize();
     void didEndLiveResize();
+    void paletteDidChange();
 
 protected:
+    void changeEvent(QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
