@@ -1,5 +1,6 @@
 #include "app/Appearance.h"
 
+#include "overlay/OverlayPanel/PanelColors.h"
 #include "platform/Log.h"
 
 #include <QApplication>
@@ -46,12 +47,6 @@ QPalette paletteFor(Appearance appearance) {
         palette.setColor(QPalette::Disabled, role, QColor(128, 130, 134));
     }
     return palette;
-}
-
-Appearance appearanceOf(const QPalette& palette) {
-    return palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness()
-               ? Appearance::dark
-               : Appearance::light;
 }
 
 void applyAppearance(std::optional<Appearance> asked) {

@@ -11,9 +11,6 @@ namespace pelloran {
 // The colours of menus and alerts on a light or a dark desktop.
 QPalette paletteFor(Appearance appearance);
 
-// What the colours of a palette amount to.
-Appearance appearanceOf(const QPalette& palette);
-
 // Brings menus and alerts into the look that the desktop asks for, where Qt has not done so by itself: not every
 // desktop has a theme that Qt knows. Absent: Qt's own choice. Needs a QApplication.
 void applyAppearance(std::optional<Appearance> asked);

@@ -89,7 +89,7 @@ int runOnDesktop(const RunLoop& command, SystemSettings& settings) {
     if (const auto icon = parts.files->resource(QStringLiteral("pelloran"), QStringLiteral("png"), QString())) {
         QApplication::setWindowIcon(QIcon(*icon));
     }
-    MessageBoxAlerts alerts(PanelWindow::create()->windowFlags());
+    MessageBoxAlerts alerts(PanelWindow::create);
     TrayStatusItem statusItem;
     if (!statusItem.isAvailable()) {
         log(QStringLiteral("this desktop has no status area; the menu opens on a right click of the panel"));

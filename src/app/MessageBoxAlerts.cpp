@@ -1,6 +1,7 @@
 #include "app/MessageBoxAlerts.h"
 
 #include "app/localisation/L10n.h"
+#include "platform/PanelWindow.h"
 
 #include <QGuiApplication>
 #include <QMessageBox>
@@ -8,6 +9,8 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QTimer>
+
+#include <utility>
 
 namespace pelloran {
 
@@ -43,12 +46,15 @@ protected:
 
 } // namespace
 
-MessageBoxAlerts::MessageBoxAlerts(Qt::WindowFlags above)
-    : flags(above & (Qt::WindowStaysOnTopHint | Qt::X11BypassWindowManagerHint)) {}
+MessageBoxAlerts::MessageBoxAlerts(std::function<std::unique_ptr<PanelWindow>()> above)
+    : makeWindow(std::move(above)) {}
 
 int MessageBoxAlerts::runModal(const Alert& alert) {
     FramedMessageBox box;
-    box.setWindowFlags(box.windowFlags() | flags);
+    const auto window = makeWindow(); // goes before the box
+    // As high as the panel, but unlike it with the keyboard.
+    box.setWindowFlags(box.windowFlags() |
+                       (window->windowFlags() & (Qt::WindowStaysOnTopHint | Qt::X11BypassWindowManagerHint)));
     box.setIcon(iconFor(alert.style));
     box.setWindowTitle(QGuiApplication::applicationDisplayName());
     // What comes from servers and files must not be taken for markup.
@@ -64,10 +70,12 @@ int MessageBoxAlerts::runModal(const Alert& alert) {
     box.setDefaultButton(qobject_cast<QPushButton*>(buttons.first()));
     box.setEscapeButton(buttons.last());
 
+    box.winId(); // makes it known to the window server
+    window->attach(*box.windowHandle());
     // A window that no window manager knows is neither placed nor given the keyboard by one.
-    QTimer::singleShot(0, &box, [&box] {
+    QTimer::singleShot(0, &box, [&box, &window] {
         box.move(box.screen()->availableGeometry().center() - box.rect().center());
-        box.raise();
+        window->raise();
         box.activateWindow();
     });
     box.exec();

@@ -2,20 +2,23 @@
 
 #include "platform/Alerts.h"
 
-#include <Qt>
+#include <functional>
+#include <memory>
 
 namespace pelloran {
+
+class PanelWindow;
 
 // Alerts as message boxes of the desktop, the one thing of this program that takes the keyboard.
 class MessageBoxAlerts final : public Alerts {
 public:
-    // `above`: the flags that make a window as high as the panel, which must not hide an alert.
-    explicit MessageBoxAlerts(Qt::WindowFlags above);
+    // `above` keeps an alert as high as the panel, which must not hide it, and above a game that comes up later.
+    explicit MessageBoxAlerts(std::function<std::unique_ptr<PanelWindow>()> above);
 
     int runModal(const Alert& alert) override;
 
 private:
-    Qt::WindowFlags flags;
+    std::function<std::unique_ptr<PanelWindow>()> makeWindow;
 };
 
 } // namespace pelloran

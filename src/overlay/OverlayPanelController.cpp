@@ -38,13 +38,7 @@ constexpr auto frameAnimation = "frame";
 constexpr auto alphaAnimation = "alpha";
 
 Appearance appearanceOf(const SystemSettings& settings) {
-    if (const auto said = settings.appearance()) {
-        return *said;
-    }
-    const QPalette palette = QGuiApplication::palette();
-    const bool darkBackground =
-        palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness();
-    return darkBackground ? Appearance::dark : Appearance::light;
+    return settings.appearance().value_or(pelloran::appearanceOf(QGuiApplication::palette()));
 }
 
 ContentConstraints constraintsFor(const ResolvedMetrics& layout) {

@@ -1,5 +1,7 @@
 #include "app/Appearance.h"
 
+#include "overlay/OverlayPanel/PanelColors.h"
+
 #include <QApplication>
 #include <QStyle>
 

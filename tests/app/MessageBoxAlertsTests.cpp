@@ -1,5 +1,6 @@
 #include "app/MessageBoxAlerts.h"
 
+#include "platform/PanelWindow.h"
 #include "support/Printing.h"
 
 #include <QApplication>
@@ -12,12 +13,28 @@
 
 #include <algorithm>
 #include <functional>
+#include <memory>
 
 namespace pelloran {
 namespace {
 
-constexpr Qt::WindowFlags asHighAsThePanel =
-    Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus;
+// As high as the panel, and told when it is to be kept there.
+class HighWindow final : public PanelWindow {
+public:
+    Qt::WindowFlags windowFlags() const override {
+        return Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus;
+    }
+
+    void attach(QWindow& attached) override { kept = &attached; }
+
+    void raise() override {}
+
+    bool isComposited() const override { return true; }
+
+    void blurBehind(double) override {}
+
+    static inline QWindow* kept = nullptr;
+};
 
 const Alerts::Alert threeChoices{
     .style = Alerts::Style::warning,
@@ -38,7 +55,7 @@ int answer(const Alerts::Alert& alert, const std::function<void(QMessageBox&)>& 
             user(*box);
         });
     });
-    MessageBoxAlerts alerts(asHighAsThePanel);
+    MessageBoxAlerts alerts([] { return std::make_unique<HighWindow>(); });
     const int pressed = alerts.runModal(alert);
     EXPECT_TRUE(seen);
     return pressed;
@@ -57,6 +74,7 @@ TEST(MessageBoxAlerts, ShowWhatTheyAreGiven) {
         EXPECT_EQ(box.informativeText(), threeChoices.informativeText);
         EXPECT_EQ(box.textFormat(), Qt::PlainText) << "what a server sends is no markup";
         EXPECT_TRUE(box.windowFlags().testFlag(Qt::WindowStaysOnTopHint)) << "the panel must not hide it";
+        EXPECT_EQ(HighWindow::kept, box.windowHandle()) << "nor a game that comes up later";
         EXPECT_FALSE(box.windowFlags().testFlag(Qt::WindowDoesNotAcceptFocus)) << "it takes the keyboard";
         const auto buttons = buttonsLeftToRight(box);
         ASSERT_EQ(buttons.size(), 3);

@@ -11,6 +11,12 @@ QColor withAlpha(QColor color, double alpha) {
 
 } // namespace
 
+Appearance appearanceOf(const QPalette& palette) {
+    return palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness()
+               ? Appearance::dark
+               : Appearance::light;
+}
+
 PanelColors PanelColors::of(Appearance appearance) {
     const QColor sheet(18, 18, 20);
     const QColor label = withAlpha(Qt::white, 0.94);

@@ -3,8 +3,12 @@
 #include "platform/SystemSettings.h"
 
 #include <QColor>
+#include <QPalette>
 
 namespace pelloran {
+
+// What the colours of a palette amount to.
+Appearance appearanceOf(const QPalette& palette);
 
 // The panel's colours by their meaning. The panel is a dark sheet on every desktop, so its texts are light; over a
 // light desktop the sheet is denser, for what shines through is brighter.
