@@ -96,6 +96,13 @@ TEST_F(Panel, FloatsAboveAFullScreenGameThatKeepsTheKeyboard) {
     expectAboveGame();
     EXPECT_TRUE(gameHasKeyboard()) << "after a drag";
 
+    hand.click(panelBackground(), 3);
+    ASSERT_TRUE(until([this] { return popups().size() == 1; })) << "no menu";
+    EXPECT_TRUE(client->isAbove(popups().front(), panel()));
+    hand.key("Escape");
+    EXPECT_TRUE(until([this] { return popups().empty(); })) << "the menu stays";
+    EXPECT_TRUE(gameHasKeyboard()) << "after its menu";
+
     hand.click(closeButton());
     EXPECT_TRUE(until([this] { return panel() == XCB_WINDOW_NONE; }));
     EXPECT_TRUE(gameHasKeyboard()) << "after it was hidden";
