@@ -40,8 +40,7 @@ void PanelTest::startPanel(const QStringList& arguments) {
         expectedLog.append(noTray);
     }
     hand.moveTo(aside);
-    startPelloran(QStringList{QStringLiteral("--snapshots"), QStringLiteral("--language"), QStringLiteral("en")} +
-                  arguments);
+    startPelloran(QStringList{QStringLiteral("--snapshots")} + arguments);
     ASSERT_TRUE(until([this] { return panel() != XCB_WINDOW_NONE; })) << "no panel";
     ASSERT_TRUE(pelloran.printsAnother());
     // It opens for tiles and shrinks to its message.

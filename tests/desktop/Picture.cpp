@@ -63,8 +63,7 @@ QRgb backgroundOf(const QImage& picture) {
     return most == counts.end() ? QRgb() : most->first;
 }
 
-QRect inkOf(const QImage& picture) {
-    const QRgb background = backgroundOf(picture);
+QRect inkOf(const QImage& picture, QRgb background) {
     QRect ink;
     for (int y = 0; y < picture.height(); ++y) {
         for (int x = 0; x < picture.width(); ++x) {

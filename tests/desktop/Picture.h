@@ -16,8 +16,8 @@ bool shows(const QImage& picture, const QColor& color);
 // The picture's most common colour.
 QRgb backgroundOf(const QImage& picture);
 
-// What differs from the background; null when nothing does.
-QRect inkOf(const QImage& picture);
+// Encloses what differs from the background; null when nothing does.
+QRect inkOf(const QImage& picture, QRgb background);
 
 // The lines of text of a menu, from the top; separators and the frame are left out.
 std::vector<QRect> textLines(const QImage& menu);

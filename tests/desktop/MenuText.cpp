@@ -1,0 +1,86 @@
+#include "desktop/MenuText.h"
+
+#include "desktop/Picture.h"
+#include "platform/tesseract/LineReader.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
+
+namespace pelloran::testing {
+
+namespace {
+
+constexpr int marks = 22;   // pixels at the left of a menu, where check marks stand
+constexpr int wideGap = 18; // pixels between the words of an entry and its key
+
+// The words alone: from the first ink after the marks to the first wide gap.
+QRect wordsOf(const QImage& picture, const QRect& line) {
+    QRect words;
+    const int begin = line.width() > 4 * marks ? line.left() + marks : line.left();
+    for (int x = begin; x <= line.right(); ++x) {
+        const QRect ink = inkOf(picture.copy(x, line.top(), 1, line.height()), backgroundOf(picture));
+        if (!ink.isNull()) {
+            if (!words.isNull() && x - words.right() > wideGap) {
+                break;
+            }
+            words |= QRect(x, line.top() + ink.top(), 1, ink.height());
+        }
+    }
+    return words;
+}
+
+} // namespace
+
+QString wordsIn(const QImage& picture, const QRect& line, Letters letters) {
+    const QRect words = wordsOf(picture, line);
+    if (words.isNull()) {
+        return {};
+    }
+    const auto reader = LineReader::create();
+    if (!reader) {
+        ADD_FAILURE() << reader.error().toStdString();
+        return {};
+    }
+    const Script script = letters == Letters::english ? Script::latin : Script::chinese;
+    const PictureShape shape = pictureShape(script);
+    const double letterHeight = shape.height / (1 + 2 * shape.margin);
+    const int margin = (shape.height - static_cast<int>(letterHeight)) / 2;
+    const QImage scaled = picture.copy(words)
+                              .convertToFormat(QImage::Format_Grayscale8)
+                              .scaledToHeight(static_cast<int>(letterHeight), Qt::SmoothTransformation);
+    // Black on white, whatever the desktop's colours.
+    const int background = qGray(backgroundOf(picture));
+    int strongest = 1;
+    for (int y = 0; y < scaled.height(); ++y) {
+        for (int x = 0; x < scaled.width(); ++x) {
+            strongest = std::max(strongest, std::abs(qGray(scaled.pixel(x, y)) - background));
+        }
+    }
+    Plane plane(scaled.width() + 2 * margin, shape.height, 255);
+    for (int y = 0; y < scaled.height(); ++y) {
+        for (int x = 0; x < scaled.width(); ++x) {
+            const int ink = std::abs(qGray(scaled.pixel(x, y)) - background) * 255 / strongest;
+            plane.row(y + margin)[x + margin] = static_cast<std::uint8_t>(255 - ink);
+        }
+    }
+    return (*reader)->read({{plane, script}}).front().text;
+}
+
+double likeness(const QString& read, const QString& expected) {
+    // Longest common subsequence: `best` at the first so many characters of `expected`.
+    std::vector<int> best(static_cast<std::size_t>(expected.size()) + 1);
+    for (const QChar character : read) {
+        int diagonal = 0;
+        for (std::size_t i = 1; i < best.size(); ++i) {
+            const int above = best[i];
+            best[i] =
+                expected[static_cast<qsizetype>(i) - 1] == character ? diagonal + 1 : std::max(above, best[i - 1]);
+            diagonal = above;
+        }
+    }
+    return static_cast<double>(best.back()) / static_cast<double>(expected.size());
+}
+
+} // namespace pelloran::testing
