@@ -1,16 +1,32 @@
 #include "desktop/Picture.h"
 
+#include "overlay/OverlayPanel/PanelColors.h"
+
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <functional>
 #include <map>
 
 namespace pelloran::testing {
 
+QRgb sheetColor() {
+    return PanelColors::of(Appearance::dark).opaqueMaterial.rgb();
+}
+
 namespace {
 
-constexpr QRgb sheet = qRgb(30, 30, 33);
-constexpr QRgb tile = qRgb(48, 48, 51);
+QRgb over(const QColor& above, const QColor& below) {
+    const float alpha = above.alphaF();
+    const auto mix = [alpha](int one, int other) {
+        return static_cast<int>(std::lround(static_cast<float>(one) * alpha + static_cast<float>(other) * (1 - alpha)));
+    };
+    return qRgb(mix(above.red(), below.red()), mix(above.green(), below.green()), mix(above.blue(), below.blue()));
+}
+
+const PanelColors colors = PanelColors::of(Appearance::dark);
+const QRgb sheet = sheetColor();
+const QRgb tile = over(colors.tile, colors.opaqueMaterial);
 constexpr int shortestTile = 100; // pixels; what is shorter is cut up by text
 constexpr int paddingReach = 30;  // pixels from the panel's edge; the padding of its tiles begins and ends within
 constexpr int frame = 3;          // pixels of a menu's edge

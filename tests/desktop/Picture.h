@@ -22,6 +22,9 @@ QRect inkOf(const QImage& picture, QRgb background);
 // The lines of text of a menu, from the top; separators and the frame are left out.
 std::vector<QRect> textLines(const QImage& menu);
 
+// Of the opaque panel's background.
+QRgb sheetColor();
+
 // How many tiles of the opaque panel stand one below the other, and how many side by side.
 int tilesDown(const QImage& panel);
 int tilesAcross(const QImage& panel);

@@ -86,6 +86,9 @@ void PortalSettings::connected(const QDBusConnection& connection) {
         tell(std::nullopt);
         return;
     }
+    // Qt looks up a slot's parameters by their names, and knows these only once they have been used.
+    qRegisterMetaType<QDBusVariant>();
+    qRegisterMetaType<QDBusMessage>();
     // From any sender: with a name, Qt would ask the bus at once who has it, and wait for the answer.
     bus.connect(QString(), path, interface, QStringLiteral("SettingChanged"), this,
                 SLOT(settingChanged(QString, QString, QDBusVariant, QDBusMessage)));

@@ -103,8 +103,9 @@ TEST_F(PanelWindowOnScreen, StaysBelowALockerOverTheWholeScreen) {
     tell("raise");
     QTest::qWait(1500);
     EXPECT_FALSE(client->isAbove(panel, locker));
-    const auto window = client->create({.bounds = {0, 0, 1280, 1000}, .overrideRedirect = true});
     client->destroy(locker);
+    const auto window = client->create({.bounds = {0, 0, 1280, 1000}, .overrideRedirect = true});
+    tell("raise");
     EXPECT_TRUE(eventually([&] { return client->isAbove(panel, window); }));
 }
 
