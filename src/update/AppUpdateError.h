@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QString>
+
+#include <variant>
+
+namespace pelloran {
+
+// What is wrong with the update server, as far as this program has words of its own for it.
+class AppUpdateError {
+public:
+    struct HttpStatus {
+        int code;
+
+        bool operator==(const HttpStatus&) const = default;
+    };
+
+    struct BadURL {
+        bool operator==(const BadURL&) const = default;
+    };
+
+    struct InvalidLatest {
+        bool operator==(const InvalidLatest&) const = default;
+    };
+
+    using Value = std::variant<HttpStatus, BadURL, InvalidLatest>;
+
+    AppUpdateError(Value what)
+        : value(what) {}
+
+    // In the language in force.
+    QString localizedDescription() const;
+
+    bool operator==(const AppUpdateError&) const = default;
+
+private:
+    Value value;
+};
+
+} // namespace pelloran
