@@ -104,8 +104,7 @@ std::expected<AppReleaseInfo, AppReleaseInfo::DecodeError> AppReleaseInfo::decod
     QJsonParseError parsed;
     const QJsonDocument document = QJsonDocument::fromJson(json, &parsed);
     if (parsed.error != QJsonParseError::NoError) {
-        return std::unexpected(
-            DecodeError{parsed.errorString() + u" at byte "_s + QString::number(parsed.offset)});
+        return std::unexpected(DecodeError{parsed.errorString() + u" at byte "_s + QString::number(parsed.offset)});
     }
     if (!document.isObject()) {
         return std::unexpected(DecodeError{u"the file is not an object"_s});

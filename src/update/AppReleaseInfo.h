@@ -12,8 +12,8 @@ namespace pelloran {
 
 // What the update server says of the newest release: the contents of latest.json, kept exactly as they are.
 //
-// Decoding is strict on what it knows and deaf to what it does not: unknown keys are ignored, a missing or null optional
-// field is absent, a field of another type fails the whole file. A whole number may be written 3, 3.0 or 3e0.
+// Decoding is strict on what it knows and deaf to what it does not: unknown keys are ignored, a missing or null
+// optional field is absent, a field of another type fails the whole file. A whole number may be written 3, 3.0 or 3e0.
 struct AppReleaseInfo {
     struct DecodeError {
         QString description; // for the user's eyes
@@ -40,8 +40,8 @@ struct AppReleaseInfo {
     bool isForced() const { return force.value_or(false); }
 
     // Where `path` leads: itself if it begins with "http://" or "https://", else the path below `baseURL`, or below
-    // `downloadBase` where the release names no base. Absent for no path, an empty one, and what makes no valid URL; the
-    // URL may be relative when the base is.
+    // `downloadBase` where the release names no base. Absent for no path, an empty one, and what makes no valid URL;
+    // the URL may be relative when the base is.
     std::optional<QUrl> absoluteURL(const std::optional<QString>& path, const QString& downloadBase) const;
 
     std::optional<QUrl> dmgURL(const QString& downloadBase) const { return absoluteURL(dmg, downloadBase); }

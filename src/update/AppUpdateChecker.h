@@ -7,6 +7,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringView>
 
 #include <chrono>
 #include <expected>
@@ -38,6 +39,9 @@ public:
         std::optional<QString> build;
     };
 
+    // What the work queue is called.
+    static constexpr QStringView workQueueLabel = u"com.local.pelloran.appupdate";
+
     // How long the server may be silent; two seconds later a check ends whatever happens.
     static constexpr std::chrono::seconds timeout{10};
 
@@ -62,8 +66,8 @@ public:
     // What `release` means to this program. Forgets a skipped version that an up-to-date program has left behind.
     AppUpdateCheckResult evaluate(const AppReleaseInfo& release) const;
 
-    // Checks on the work queue and delivers on the thread that made it, unless `receiver` has been deleted by then. Goes
-    // on without the checker.
+    // Checks on the work queue and delivers on the thread that made it, unless `receiver` has been deleted by then.
+    // Goes on without the checker.
     void checkAsync(QObject* receiver, std::function<void(const AppUpdateCheckResult& result)> onComplete) const;
 
 private:

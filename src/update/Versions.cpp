@@ -1,7 +1,8 @@
 #include "update/Versions.h"
 
+#include <QByteArray>
 #include <QChar>
-#include <QStringIterator>
+#include <QList>
 
 #include <algorithm>
 #include <charconv>
@@ -10,21 +11,20 @@ namespace pelloran {
 
 namespace {
 
-// The numerals of any script at the beginning of `piece`.
-QStringView leadingNumerals(QStringView piece) {
-    qsizetype length = 0;
-    for (QStringIterator characters(piece); characters.hasNext() && QChar::isNumber(characters.next());) {
-        length = characters.index();
+qint64 leadingNumber(QStringView piece) {
+    QByteArray digits;
+    for (const char32_t character : piece.toUcs4()) {
+        if (!QChar::isNumber(character)) {
+            break;
+        }
+        if (character < U'0' || character > U'9') {
+            return 0;
+        }
+        digits += static_cast<char>(character);
     }
-    return piece.first(length);
-}
-
-qint64 numberOf(QStringView numerals) {
-    const QByteArray digits = numerals.toUtf8(); // whatever is not 0 to 9 is no digit in UTF-8 either
-    const char* const end = digits.constEnd();
-    qint64 number = 0;
-    const auto [stopped, error] = std::from_chars(digits.constBegin(), end, number);
-    return error == std::errc() && stopped == end ? number : 0;
+    qint64 number = 0; // and stays so where there are no digits or too many
+    std::from_chars(digits.constBegin(), digits.constEnd(), number);
+    return number;
 }
 
 } // namespace
@@ -32,7 +32,7 @@ qint64 numberOf(QStringView numerals) {
 std::vector<qint64> parseVersionParts(QStringView version) {
     std::vector<qint64> parts;
     for (const QStringView piece : version.split(u'.', Qt::SkipEmptyParts)) {
-        parts.push_back(numberOf(leadingNumerals(piece)));
+        parts.push_back(leadingNumber(piece));
     }
     return parts;
 }
