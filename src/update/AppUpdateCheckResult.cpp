@@ -3,7 +3,7 @@
 namespace pelloran {
 
 bool AppUpdateCheckResult::hasUpdate() const {
-    return std::holds_alternative<Available>(value) || std::holds_alternative<SkippedVersion>(value);
+    return std::holds_alternative<Available>(outcome) || std::holds_alternative<SkippedVersion>(outcome);
 }
 
 } // namespace pelloran

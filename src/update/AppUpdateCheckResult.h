@@ -48,7 +48,7 @@ struct AppUpdateCheckResult {
         bool operator==(const Failed&) const = default;
     };
 
-    std::variant<UpToDate, Available, SkippedVersion, Offline, Failed> value;
+    std::variant<UpToDate, Available, SkippedVersion, Offline, Failed> outcome;
 
     // True for `Available` and `SkippedVersion`.
     bool hasUpdate() const;

@@ -106,7 +106,7 @@ void AppUpdateChecker::checkAsync(QObject* receiver,
 std::expected<AppReleaseInfo, AppUpdateChecker::FetchError> AppUpdateChecker::fetchLatest() const {
     const auto url = strictURL(latestURLString);
     if (!url) {
-        return std::unexpected(AppUpdateError(AppUpdateError::BadURL{}));
+        return std::unexpected(AppUpdateError{AppUpdateError::BadURL{}});
     }
     const auto body = httpGET(*url);
     if (!body) {
@@ -117,7 +117,7 @@ std::expected<AppReleaseInfo, AppUpdateChecker::FetchError> AppUpdateChecker::fe
         return std::unexpected(release.error());
     }
     if (release->version.trimmed().isEmpty()) {
-        return std::unexpected(AppUpdateError(AppUpdateError::InvalidLatest{}));
+        return std::unexpected(AppUpdateError{AppUpdateError::InvalidLatest{}});
     }
     return std::move(*release);
 }
@@ -134,7 +134,7 @@ std::expected<QByteArray, AppUpdateChecker::FetchError> AppUpdateChecker::httpGE
         return std::unexpected(response.error());
     }
     if (response->status < 200 || response->status > 299) {
-        return std::unexpected(AppUpdateError(AppUpdateError::HttpStatus{response->status}));
+        return std::unexpected(AppUpdateError{AppUpdateError::HttpStatus{response->status}});
     }
     return response->body;
 }

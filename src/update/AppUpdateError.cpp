@@ -21,7 +21,7 @@ QString describe(AppUpdateError::InvalidLatest) {
 } // namespace
 
 QString AppUpdateError::localizedDescription() const {
-    return std::visit([](auto what) { return describe(what); }, value);
+    return std::visit([](auto what) { return describe(what); }, reason);
 }
 
 } // namespace pelloran

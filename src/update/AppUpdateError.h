@@ -7,8 +7,7 @@
 namespace pelloran {
 
 // What is wrong with the update server, as far as this program has words of its own for it.
-class AppUpdateError {
-public:
+struct AppUpdateError {
     struct HttpStatus {
         int code;
 
@@ -23,18 +22,12 @@ public:
         bool operator==(const InvalidLatest&) const = default;
     };
 
-    using Value = std::variant<HttpStatus, BadURL, InvalidLatest>;
-
-    AppUpdateError(Value what)
-        : value(what) {}
+    std::variant<HttpStatus, BadURL, InvalidLatest> reason;
 
     // In the language in force.
     QString localizedDescription() const;
 
     bool operator==(const AppUpdateError&) const = default;
-
-private:
-    Value value;
 };
 
 } // namespace pelloran

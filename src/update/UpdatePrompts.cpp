@@ -34,7 +34,7 @@ UpdatePrompts::UpdatePrompts(const AppUpdateChecker& updates, Alerts& asking, Br
 
 void UpdatePrompts::presentLaunchPromptIfNeeded() {
     checker.checkAsync(this, [this](const AppUpdateCheckResult& result) {
-        if (const auto* available = std::get_if<AppUpdateCheckResult::Available>(&result.value)) {
+        if (const auto* available = std::get_if<AppUpdateCheckResult::Available>(&result.outcome)) {
             answer(*available);
         }
     });
@@ -42,7 +42,7 @@ void UpdatePrompts::presentLaunchPromptIfNeeded() {
 
 void UpdatePrompts::presentManualCheck() {
     checker.checkAsync(this, [this](const AppUpdateCheckResult& result) {
-        std::visit([this](const auto& outcome) { answer(outcome); }, result.value);
+        std::visit([this](const auto& known) { answer(known); }, result.outcome);
     });
 }
 

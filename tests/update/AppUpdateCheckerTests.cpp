@@ -26,16 +26,16 @@ static void PrintTo(const AppUpdateCheckResult& result, std::ostream* out) {
         *out << name << '(' << first.toStdString() << ", " << second.toStdString() << ')';
     };
     using Result = AppUpdateCheckResult;
-    if (const auto* upToDate = std::get_if<Result::UpToDate>(&result.value)) {
+    if (const auto* upToDate = std::get_if<Result::UpToDate>(&result.outcome)) {
         print("upToDate", upToDate->local, upToDate->remote);
-    } else if (const auto* available = std::get_if<Result::Available>(&result.value)) {
+    } else if (const auto* available = std::get_if<Result::Available>(&result.outcome)) {
         print("available", available->local, available->release.version);
-    } else if (const auto* skipped = std::get_if<Result::SkippedVersion>(&result.value)) {
+    } else if (const auto* skipped = std::get_if<Result::SkippedVersion>(&result.outcome)) {
         print("skippedVersion", skipped->local, skipped->release.version);
-    } else if (const auto* offline = std::get_if<Result::Offline>(&result.value)) {
+    } else if (const auto* offline = std::get_if<Result::Offline>(&result.outcome)) {
         print("offline", offline->reason, {});
     } else {
-        print("failed", std::get<Result::Failed>(result.value).message, {});
+        print("failed", std::get<Result::Failed>(result.outcome).message, {});
     }
 }
 
@@ -319,7 +319,7 @@ TEST_F(AppUpdateCheckerTest, AsksOnceForOneFileWithBoundedWaits) {
 
 TEST_F(AppUpdateCheckerTest, AFileTooLongToBeOneIsNotTaken) {
     serve("{\"version\": \"2\", \"notes\": \"" + QByteArray(1024 * 1024, 'x') + "\"}");
-    EXPECT_TRUE(std::holds_alternative<Result::Offline>(checkerOf(u"1"_s).checkNow().value));
+    EXPECT_TRUE(std::holds_alternative<Result::Offline>(checkerOf(u"1"_s).checkNow().outcome));
 }
 
 TEST_F(AppUpdateCheckerTest, AnAddressThatIsNoneIsNotAsked) {
