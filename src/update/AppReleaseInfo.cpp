@@ -36,7 +36,8 @@ std::optional<QStringList> texts(const QJsonValue& value) {
         return std::nullopt;
     }
     QStringList all;
-    for (const QJsonValue& element : value.toArray()) {
+    const QJsonArray elements = value.toArray();
+    for (const auto& element : elements) {
         if (!element.isString()) {
             return std::nullopt;
         }

@@ -96,7 +96,7 @@ TEST(Versions, AreComparedPartByPart) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.why);
         EXPECT_TRUE(compareVersions(c.a, c.b) == c.order);
-        EXPECT_TRUE(compareVersions(c.b, c.a) == 0 <=> c.order);
+        EXPECT_TRUE(compareVersions(c.b, c.a) == (0 <=> c.order));
     }
 }
 
@@ -204,7 +204,7 @@ TEST(Versions, AreInOneOrder) {
         const auto& [a, b, c] = versions;
         SCOPED_TRACE((a + u" and "_s + b + u" and "_s + c).toStdString());
         ASSERT_TRUE(compareVersions(a, c) <= 0);
-        ASSERT_TRUE(compareVersions(a, b) == 0 <=> compareVersions(b, a));
+        ASSERT_TRUE(compareVersions(a, b) == (0 <=> compareVersions(b, a)));
         ASSERT_TRUE(compareVersions(a, a) == 0);
         ASSERT_TRUE(compareVersions(a, a + u".0"_s) == 0);
         ASSERT_TRUE(compareVersions(a, a + u".1"_s) < 0);
