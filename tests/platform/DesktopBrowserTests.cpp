@@ -1,8 +1,7 @@
 #include "platform/Browser.h"
+#include "platform/UrlHandler.h"
 #include "support/Printing.h"
 
-#include <QDesktopServices>
-#include <QObject>
 #include <QUrl>
 
 #include <gtest/gtest.h>
@@ -15,35 +14,8 @@ namespace pelloran {
 
 namespace {
 
-// Stands in for the desktop, which is not to open anything during a test.
-class Desktop final : public QObject {
-    Q_OBJECT
-
-public:
-    Desktop() {
-        for (const QString& scheme : schemes) {
-            QDesktopServices::setUrlHandler(scheme, this, "take");
-        }
-    }
-
-    ~Desktop() override {
-        for (const QString& scheme : schemes) {
-            QDesktopServices::unsetUrlHandler(scheme);
-        }
-    }
-
-    std::vector<QUrl> opened;
-
-public Q_SLOTS:
-
-    void take(const QUrl& link) { opened.push_back(link); }
-
-private:
-    const QStringList schemes{u"http"_s, u"https"_s, u"file"_s};
-};
-
 TEST(DesktopBrowser, HandsLinksToTheDesktopAsTheyAre) {
-    Desktop desktop;
+    testing::UrlHandler desktop;
     const QUrl links[] = {QUrl(u"https://h.example/%E7%82%89.dmg?a=b%20c"_s), QUrl(u"http://h.example/炉石.zip"_s)};
     const auto browser = Browser::create();
     for (const QUrl& link : links) {
@@ -53,7 +25,7 @@ TEST(DesktopBrowser, HandsLinksToTheDesktopAsTheyAre) {
 }
 
 TEST(DesktopBrowser, OpensNoFiles) {
-    Desktop desktop;
+    testing::UrlHandler desktop;
     EXPECT_FALSE(Browser::create()->open(QUrl::fromLocalFile(u"/etc/passwd"_s)));
     EXPECT_TRUE(desktop.opened.empty());
 }
@@ -61,5 +33,3 @@ TEST(DesktopBrowser, OpensNoFiles) {
 } // namespace
 
 } // namespace pelloran
-
-#include "DesktopBrowserTests.moc"
