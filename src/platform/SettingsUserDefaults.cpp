@@ -36,11 +36,22 @@ public:
     }
 
     void setString(const QString& key, const QString& value) override {
+        change(key, [&](Store& store) { store.setValue(key, value); });
+    }
+
+    void remove(const QString& key) override {
+        Q_ASSERT(!key.isEmpty()); // to QSettings the empty key means all of them
+        change(key, [&](Store& store) { store.remove(key); });
+    }
+
+private:
+    template <typename Change>
+    void change(const QString& key, const Change& apply) {
         const std::scoped_lock lock(mutex);
         // An object's status stays with the first error it met, so each write has an object of its own. A garbled store
         // is an error of its format only: it is written anew.
         Store store;
-        store.setValue(key, value);
+        apply(store);
         store.sync();
         if (store.status() == QSettings::AccessError) {
             log(QStringLiteral("cannot store the choice \"%1\" in %2; it holds until the program ends")
@@ -48,7 +59,6 @@ public:
         }
     }
 
-private:
     mutable std::mutex mutex;
     Store settings;
 };

@@ -20,6 +20,10 @@ public:
 
     // Stores `value` under `key`. A store that cannot be written is logged and the value holds until the program ends.
     virtual void setString(const QString& key, const QString& value) = 0;
+
+    // Forgets what is stored under `key`, if anything, text or not. A store that cannot be written is logged and the
+    // key stays absent until the program ends.
+    virtual void remove(const QString& key) = 0;
 };
 
 } // namespace pelloran

@@ -22,6 +22,12 @@ public:
         ++writes;
     }
 
+    void remove(const QString& key) override {
+        const std::scoped_lock lock(mutex);
+        stored.remove(key);
+        ++writes;
+    }
+
     int writes = 0;
 
 private:

@@ -9,8 +9,10 @@
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <atomic>
+#include <csignal>
 #include <thread>
 #include <vector>
 
@@ -31,6 +33,29 @@ const QString& configurationFolder() {
     }();
     return path;
 }
+
+// While it lives, no file can be written, not even by the superuser.
+class FullDisk {
+public:
+    FullDisk()
+        : handler(std::signal(SIGXFSZ, SIG_IGN)) {
+        getrlimit(RLIMIT_FSIZE, &before);
+        const rlimit none{0, before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &none);
+    }
+
+    ~FullDisk() {
+        setrlimit(RLIMIT_FSIZE, &before);
+        std::signal(SIGXFSZ, handler);
+    }
+
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+
+private:
+    rlimit before{};
+    void (*handler)(int);
+};
 
 class SettingsUserDefaultsTest : public ::testing::Test {
 protected:
@@ -84,6 +109,35 @@ TEST_F(SettingsUserDefaultsTest, KeysDoNotMix) {
     EXPECT_EQ(defaults->string(key), QStringLiteral("en"));
     EXPECT_EQ(defaults->string(QStringLiteral("pelloran.skippedAppVersion")), QStringLiteral("1.2.3"));
     EXPECT_EQ(defaults->string(QStringLiteral("language")), std::nullopt);
+}
+
+TEST_F(SettingsUserDefaultsTest, ForgetsWhatIsRemovedAndNothingElse) {
+    const QString other = QStringLiteral("pelloran.skippedAppVersion");
+    const auto defaults = UserDefaults::create();
+    defaults->remove(key);
+    EXPECT_FALSE(QFileInfo::exists(path)) << "there was nothing to write";
+
+    defaults->setString(key, QStringLiteral("zh"));
+    defaults->setString(other, QStringLiteral("1.3"));
+    defaults->remove(other);
+    EXPECT_EQ(defaults->string(other), std::nullopt);
+    EXPECT_EQ(UserDefaults::create()->string(other), std::nullopt) << "another run must not find it";
+    EXPECT_EQ(UserDefaults::create()->string(key), QStringLiteral("zh"));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_FALSE(file.readAll().contains("skippedAppVersion")) << "not left behind as an empty text";
+
+    defaults->setString(other, QStringLiteral("1.4"));
+    EXPECT_EQ(defaults->string(other), QStringLiteral("1.4"));
+    EXPECT_TRUE(logged.isEmpty());
+}
+
+TEST_F(SettingsUserDefaultsTest, RemovesWhatIsNotTextToo) {
+    writeFile("[General]\npelloran.language=zh, en\n");
+    UserDefaults::create()->remove(key);
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_FALSE(file.readAll().contains("language"));
 }
 
 TEST_F(SettingsUserDefaultsTest, WhatIsNotTextCountsAsAbsent) {
@@ -143,6 +197,18 @@ TEST_F(SettingsUserDefaultsTest, AStoreThatCannotBeWrittenIsLoggedAndTheValueHol
     ASSERT_TRUE(inTheWay.remove());
     defaults->setString(key, QStringLiteral("en"));
     EXPECT_EQ(logged.size(), 1) << "an error of the past is not told again";
+}
+
+TEST_F(SettingsUserDefaultsTest, ARemovalThatCannotBeWrittenIsLoggedAndHolds) {
+    const auto defaults = UserDefaults::create();
+    defaults->setString(key, QStringLiteral("zh"));
+    {
+        const FullDisk full;
+        defaults->remove(key);
+    }
+    EXPECT_EQ(defaults->string(key), std::nullopt);
+    ASSERT_EQ(logged.size(), 1);
+    EXPECT_TRUE(logged.front().contains(key)) << logged.front().toStdString();
 }
 
 TEST_F(SettingsUserDefaultsTest, IsSafeFromAnyThread) {

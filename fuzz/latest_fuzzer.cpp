@@ -1,0 +1,34 @@
+// Any bytes as the description of a release. What decodes has to be comparable and lead somewhere or nowhere.
+
+#include "update/AppReleaseInfo.h"
+#include "update/Versions.h"
+
+#include <cstdlib>
+
+namespace {
+
+void require(bool holds) {
+    if (!holds) {
+        std::abort();
+    }
+}
+
+} // namespace
+
+// NOLINTNEXTLINE(readability-identifier-naming): the name is libFuzzer's.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace pelloran;
+    const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
+    const auto release = AppReleaseInfo::decode(bytes);
+    if (!release) {
+        require(!release.error().description.isEmpty());
+        return 0;
+    }
+    const QString reference = QStringLiteral("1.2.3");
+    const auto order = compareVersions(release->version, reference);
+    require((0 <=> order) == compareVersions(reference, release->version));
+    require(compareVersions(release->version, release->version + QStringLiteral(".0")) == 0);
+    const auto url = release->preferredDownloadURL(QStringLiteral("https://updates.invalid/download"));
+    require(!url || (url->isValid() && !url->isEmpty()));
+    return 0;
+}

@@ -1,0 +1,142 @@
+#include "update/AppUpdateChecker.h"
+
+#include "app/localisation/L10n.h"
+#include "platform/SerialQueue.h"
+#include "platform/UserDefaults.h"
+#include "update/StrictURL.h"
+#include "update/Versions.h"
+
+#include <QUrl>
+
+#include <memory>
+#include <utility>
+
+namespace pelloran {
+
+namespace {
+
+// A release's description takes some hundred bytes, with long notes some thousand.
+constexpr qint64 maximumBytes = qint64{1024} * 1024;
+
+QString skippedVersionKey() {
+    return QStringLiteral("pelloran.skippedAppVersion");
+}
+
+bool hasText(const std::optional<QString>& text) {
+    return text && !text->isEmpty();
+}
+
+QString describe(const AppUpdateError& error) {
+    return error.localizedDescription();
+}
+
+QString describe(const HttpClient::TransportError& error) {
+    return error.description;
+}
+
+QString describe(const AppReleaseInfo::DecodeError& error) {
+    return error.description;
+}
+
+} // namespace
+
+AppUpdateChecker::AppUpdateChecker(Surroundings parts, LocalApplication application, const QString& base)
+    : surroundings(parts)
+    , local(std::move(application))
+    , downloadBase(base)
+    , latestURLString(base + QStringLiteral("/latest.json")) {}
+
+QString AppUpdateChecker::localVersion() const {
+    return hasText(local.version) ? *local.version : hasText(local.build) ? *local.build : QStringLiteral("0");
+}
+
+QString AppUpdateChecker::localBuild() const {
+    return local.build.value_or(QStringLiteral("?"));
+}
+
+std::optional<QString> AppUpdateChecker::skippedVersion() const {
+    const auto stored = surroundings.defaults.string(skippedVersionKey());
+    return hasText(stored) ? stored : std::nullopt;
+}
+
+void AppUpdateChecker::setSkippedVersion(const std::optional<QString>& version) const {
+    if (hasText(version)) {
+        surroundings.defaults.setString(skippedVersionKey(), *version);
+    } else {
+        surroundings.defaults.remove(skippedVersionKey());
+    }
+}
+
+AppUpdateCheckResult AppUpdateChecker::checkNow() const {
+    const auto release = fetchLatest();
+    if (!release) {
+        const QString reason = std::visit([](const auto& error) { return describe(error); }, release.error());
+        return {AppUpdateCheckResult::Offline{reason}};
+    }
+    return evaluate(*release);
+}
+
+AppUpdateCheckResult AppUpdateChecker::evaluate(const AppReleaseInfo& release) const {
+    const QString running = localVersion();
+    const QString remote = release.version.trimmed();
+    if (remote.isEmpty()) {
+        return {AppUpdateCheckResult::Failed{L10n::tr(u"update.err.invalidLatest")}};
+    }
+    const std::optional<QString> skipped = skippedVersion();
+    const bool skipsRemote = skipped && compareVersions(*skipped, remote) == 0;
+    if (compareVersions(running, remote) >= 0) {
+        if (skipped && !skipsRemote) {
+            setSkippedVersion(std::nullopt);
+        }
+        return {AppUpdateCheckResult::UpToDate{running, remote}};
+    }
+    if (skipsRemote && !release.isForced()) {
+        return {AppUpdateCheckResult::SkippedVersion{running, release}};
+    }
+    return {AppUpdateCheckResult::Available{running, release}};
+}
+
+void AppUpdateChecker::checkAsync(QObject* receiver,
+                                  std::function<void(const AppUpdateCheckResult& result)> onComplete) const {
+    const auto result = std::make_shared<AppUpdateCheckResult>();
+    surroundings.workQueue.submit([checker = *this, result] { *result = checker.checkNow(); }, receiver,
+                                  [result, onComplete = std::move(onComplete)] { onComplete(*result); });
+}
+
+std::expected<AppReleaseInfo, AppUpdateChecker::FetchError> AppUpdateChecker::fetchLatest() const {
+    const auto url = strictURL(latestURLString);
+    if (!url) {
+        return std::unexpected(AppUpdateError{AppUpdateError::BadURL{}});
+    }
+    const auto body = httpGET(*url);
+    if (!body) {
+        return std::unexpected(body.error());
+    }
+    auto release = AppReleaseInfo::decode(*body);
+    if (!release) {
+        return std::unexpected(release.error());
+    }
+    if (release->version.trimmed().isEmpty()) {
+        return std::unexpected(AppUpdateError{AppUpdateError::InvalidLatest{}});
+    }
+    return std::move(*release);
+}
+
+std::expected<QByteArray, AppUpdateChecker::FetchError> AppUpdateChecker::httpGET(const QUrl& url) const {
+    const auto response = surroundings.http.get({
+        .url = url,
+        .accept = QByteArrayLiteral("application/json"),
+        .transferTimeout = timeout,
+        .deadline = timeout + std::chrono::seconds(2),
+        .maximumBytes = maximumBytes,
+    });
+    if (!response) {
+        return std::unexpected(response.error());
+    }
+    if (response->status < 200 || response->status > 299) {
+        return std::unexpected(AppUpdateError{AppUpdateError::HttpStatus{response->status}});
+    }
+    return response->body;
+}
+
+} // namespace pelloran
