@@ -36,7 +36,7 @@ public:
 
     // Waits for the whole body, whatever its status. Keeps nothing from one request to the next: no cookies, no cache,
     // no passwords. The body is what the server sent, never unpacked; redirects are followed, but not from https to
-    // http.
+    // http. On a QThread whose interruption is requested it gives up within a moment.
     virtual std::expected<Response, TransportError> get(const Request& request) = 0;
 };
 
