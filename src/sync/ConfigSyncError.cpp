@@ -11,7 +11,9 @@ namespace {
 constexpr int digestCharacters = 12;
 
 struct Description {
-    QString operator()(const ConfigSyncError::HttpStatus& error) const { return L10n::tr(u"sync.err.http", {error.code}); }
+    QString operator()(const ConfigSyncError::HttpStatus& error) const {
+        return L10n::tr(u"sync.err.http", {error.code});
+    }
 
     QString operator()(const ConfigSyncError::HashMismatch& error) const {
         return L10n::tr(u"sync.err.hash",

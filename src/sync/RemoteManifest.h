@@ -14,8 +14,8 @@ namespace pelloran {
 // What the configuration server offers.
 struct RemoteManifest {
     std::optional<qint64> version;
-    QString hash;                   // names the content; compared as it stands, never interpreted
-    std::optional<QString> bundle;  // file name, relative to the manifest's folder
+    QString hash;                  // names the content; compared as it stands, never interpreted
+    std::optional<QString> bundle; // file name, relative to the manifest's folder
     std::optional<QString> bundleSha256;
     // Not interpreted:
     std::optional<QString> updatedAt;

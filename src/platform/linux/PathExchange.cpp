@@ -1,9 +1,9 @@
 #include "platform/PathExchange.h"
 
+#include <fcntl.h>
+
 #include <cerrno>
 #include <cstdio>
-
-#include <fcntl.h>
 
 namespace pelloran {
 

@@ -1,8 +1,8 @@
 #include "platform/PathExchange.h"
 
-#include <cerrno>
-
 #include <stdio.h>
+
+#include <cerrno>
 
 namespace pelloran {
 

@@ -28,8 +28,8 @@ constexpr auto interruptionPoll = 50ms;
 
 QNetworkRequest networkRequest(const HttpClient::Request& request) {
     QNetworkRequest made(request.url);
-    // Qt unpacks what is labelled as gzip, unless it is told which encoding to ask for: a server may label a .tar.gz so,
-    // and its digest is that of the packed bytes.
+    // Qt unpacks what is labelled as gzip, unless it is told which encoding to ask for: a server may label a .tar.gz
+    // so, and its digest is that of the packed bytes.
     made.setRawHeader("Accept-Encoding", "identity");
     made.setRawHeader("User-Agent", "Pelloran");
     if (!request.accept.isEmpty()) {
