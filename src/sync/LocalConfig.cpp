@@ -84,9 +84,22 @@ Done removeTree(const QString& path) {
     return checked(error, u"remove"_s, path);
 }
 
+// Of a full disk the first write may tell only that it wrote less; the next one tells why.
+bool writeAll(QFileDevice& file, const char* bytes, qint64 count) {
+    while (count > 0) {
+        const qint64 written = file.write(bytes, count);
+        if (written <= 0) {
+            return false;
+        }
+        bytes += written;
+        count -= written;
+    }
+    return true;
+}
+
 Done writeAtomically(const QString& path, const QByteArray& bytes) {
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
+    if (!file.open(QIODevice::WriteOnly) || !writeAll(file, bytes.constData(), bytes.size()) || !file.commit()) {
         return fileError(u"write"_s, path, file.errorString());
     }
     return {};
@@ -111,7 +124,7 @@ Done copyFile(const QString& from, const QString& to) {
         if (count == 0) {
             return {};
         }
-        if (target.write(block.constData(), count) != count) {
+        if (!writeAll(target, block.constData(), count)) {
             return fileError(u"write"_s, to, target.errorString());
         }
     }
@@ -239,7 +252,6 @@ auto LocalConfig::install(const RemoteManifest& manifest, const QByteArray& rawM
         return std::unexpected(made.error());
     }
     QLockFile lock(lockPath());
-    const auto before = localHash();
     const auto locked = lockWithin(tools.lockPatience, lock);
     if (!locked) {
         return std::unexpected(locked.error());
@@ -247,8 +259,8 @@ auto LocalConfig::install(const RemoteManifest& manifest, const QByteArray& rawM
     if (!*locked) {
         return Installation::busy;
     }
-    // The one we waited for may have installed the very same.
-    if (before != localHash() && localHash() == manifest.hash && hasUsableLocalConfig()) {
+    // Another process may have installed the very same since we asked the server.
+    if (localHash() == manifest.hash && hasUsableLocalConfig()) {
         return Installation::done;
     }
     if (const auto installed = installLocked(manifest, rawManifest, bundle); !installed) {

@@ -18,10 +18,8 @@ namespace pelloran::TarArchive {
 
 namespace {
 
-using namespace std::chrono_literals;
 namespace fs = std::filesystem;
 
-constexpr auto patience = 60s;
 constexpr int pollMilliseconds = 50;
 
 // Of a listing: long names for every entry allowed. Of tar's complaints: nobody reads more.
@@ -41,7 +39,8 @@ std::unexpected<ConfigSyncError> tooManyBytes() {
 }
 
 // Runs tar to its end and gives what it printed.
-std::expected<QByteArray, ConfigSyncError> run(const QStringList& arguments, bool inPlainEnglish) {
+std::expected<QByteArray, ConfigSyncError> run(const QStringList& arguments, bool inPlainEnglish,
+                                               std::chrono::milliseconds patience) {
     QProcess tar;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.remove(u"TAR_OPTIONS"_s); // would change what the arguments mean
@@ -74,7 +73,7 @@ std::expected<QByteArray, ConfigSyncError> run(const QStringList& arguments, boo
             return end(u"the archive's list of contents is too long"_s);
         }
         if (deadline.hasExpired()) {
-            return end(u"tar did not end within %1 seconds"_s.arg(patience.count()));
+            return end(u"tar did not end within %1 ms"_s.arg(patience.count()));
         }
         if (QThread::currentThread()->isInterruptionRequested()) {
             return end(u"interrupted"_s);
@@ -113,13 +112,13 @@ std::expected<qint64, ConfigSyncError> sizeIn(const QByteArray& details) {
 
 } // namespace
 
-std::expected<void, ConfigSyncError> check(const QString& archive) {
+std::expected<void, ConfigSyncError> check(const QString& archive, std::chrono::milliseconds patience) {
     // Names alone, and then everything: where a line's name begins shows only when the name is known.
-    const auto names = run({u"-tzf"_s, archive}, true);
+    const auto names = run({u"-tzf"_s, archive}, true, patience);
     if (!names) {
         return std::unexpected(names.error());
     }
-    const auto details = run({u"-tvzf"_s, archive}, true);
+    const auto details = run({u"-tvzf"_s, archive}, true, patience);
     if (!details) {
         return std::unexpected(details.error());
     }
@@ -156,8 +155,9 @@ std::expected<void, ConfigSyncError> check(const QString& archive) {
     return {};
 }
 
-std::expected<void, ConfigSyncError> extract(const QString& archive, const QString& folder) {
-    if (const auto output = run({u"-xzf"_s, archive, u"-C"_s, folder}, false); !output) {
+std::expected<void, ConfigSyncError> extract(const QString& archive, const QString& folder,
+                                             std::chrono::milliseconds patience) {
+    if (const auto output = run({u"-xzf"_s, archive, u"-C"_s, folder}, false, patience); !output) {
         return std::unexpected(output.error());
     }
     return {};

@@ -6,6 +6,7 @@
 #include "platform/Log.h"
 #include "support/Printing.h"
 #include "support/TarWriter.h"
+#include "sync/TarArchive.h"
 #include "sync/TextLanguage.h"
 
 #include <QCoreApplication>
@@ -20,11 +21,16 @@
 
 #include <functional>
 #include <memory>
+#include <ostream>
 #include <vector>
 
 using namespace Qt::StringLiterals;
 
 namespace pelloran {
+
+static void PrintTo(const ConfigSyncResult& result, std::ostream* out) {
+    *out << result.userMessage().toStdString();
+}
 
 namespace {
 
@@ -181,6 +187,16 @@ struct Failure {
 const QString manifestOf = u"https://server/pelloran/latest/manifest.json"_s;
 const QString bundleOf = u"https://server/pelloran/latest/config.tar.gz"_s;
 
+QString whatTarSaysOf(const QByteArray& bytes) {
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(u"config.tar.gz"_s));
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+    file.close();
+    const auto unpacked = TarArchive::extract(file.fileName(), folder.path());
+    return unpacked ? u"nothing"_s : std::get<ConfigSyncError::ExtractFailed>(unpacked.error().reason).message;
+}
+
 const std::vector<Failure>& failures() {
     static const auto answer = [](const QString& url, int status, const QByteArray& body) {
         return [=](testing::FakeHttpClient& http) { http.answer(url, status, body); };
@@ -220,9 +236,7 @@ const std::vector<Failure>& failures() {
              "bytes"),
          u"Config package hash mismatch (expected 277089D91C0B… got 277089d91c0b…)"_s},
         {"no archive", bundle(R"({"hash": "new", "bundle_sha256": ""})", "bytes"),
-         u"Failed to extract config: \ngzip: stdin: not in gzip format\ntar: Child returned status 1\ntar: Error is "
-         u"not "
-         u"recoverable: exiting now\n"_s},
+         u"Failed to extract config: "_s + whatTarSaysOf("bytes")},
     };
     return all;
 }

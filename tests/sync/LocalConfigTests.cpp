@@ -4,6 +4,7 @@
 #include "platform/Log.h"
 #include "support/Printing.h"
 #include "support/TarWriter.h"
+#include "sync/TextLanguage.h"
 
 #include <QDir>
 #include <QFile>
@@ -97,6 +98,7 @@ protected:
         EXPECT_EQ(read(directory() + u"/manifest.json"_s), R"({"hash": "old"})");
     }
 
+    const testing::TextLanguage english;
     QTemporaryDir folder;
     testing::FakeApplicationFiles files{folder.path()};
     InstallTools tools;
@@ -355,13 +357,25 @@ TEST_F(LocalConfigTest, AFullDiskKeepsTheOldContent) {
     rlimit before{};
     ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
     const auto signalBefore = std::signal(SIGXFSZ, SIG_IGN);
-    for (const rlim_t size : {rlim_t{1000}, rlim_t{1024 * 1024}}) {
-        const rlimit small{size, before.rlim_max};
+
+    struct Case {
+        const char* why;
+        rlim_t size;
+        QString message; // a part of it
+    };
+
+    const Case cases[] = {
+        {"no room for the archive", 1000, u"File too large"_s},
+        {"no room for what it holds", 1024 * 1024, u"Failed to extract config: "_s},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const rlimit small{c.size, before.rlim_max};
         ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
         const auto installed = config().install(manifest(u"new"_s), "raw", bytes);
         ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
         ASSERT_FALSE(installed);
-        EXPECT_TRUE(installed.error().localizedDescription().contains(u"File too large"_s))
+        EXPECT_TRUE(installed.error().localizedDescription().contains(c.message))
             << installed.error().localizedDescription().toStdString();
         expectOldContent();
         EXPECT_THAT(everythingIn(tools.temporaryFolder), IsEmpty());
@@ -397,6 +411,12 @@ TEST_F(LocalConfigTest, WaitsForAnotherInstallationOnlySoLong) {
     other.unlock();
     EXPECT_EQ(config().install(manifest(u"new"_s), "raw", bundle("new")), LocalConfig::Installation::done);
     EXPECT_EQ(config().localHash(), u"new"_s);
+}
+
+TEST_F(LocalConfigTest, InstallsNotAgainWhatAnotherProcessInstalledMeanwhile) {
+    installFirst();
+    EXPECT_EQ(config().install(manifest(u"old"_s), "raw", "not even looked at"), LocalConfig::Installation::done);
+    expectOldContent();
 }
 
 TEST_F(LocalConfigTest, PutsABackupBackThatAnInterruptedSwapLeft) {

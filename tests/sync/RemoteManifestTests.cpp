@@ -77,7 +77,7 @@ TEST(RemoteManifest, RefusesWhatItCannotDecode) {
     const Case cases[] = {
         {"nothing", "", u"illegal value at byte 0"_s},
         {"a web page", "<html></html>", u"illegal value"_s},
-        {"cut off", R"({"hash": "abc")", u"unterminated object"_s},
+        {"cut off", R"({"hash": "abc")", u"unterminated string"_s},
         {"an array", R"(["hash"])", u"the manifest is not an object"_s},
         {"no hash", R"({"version": 1})", u"hash is not a text"_s},
         {"hash null", R"({"hash": null})", u"hash is not a text"_s},

@@ -1,5 +1,6 @@
 #include "sync/TarArchive.h"
 
+#include "platform/SerialQueue.h"
 #include "support/Printing.h"
 #include "support/TarWriter.h"
 
@@ -8,10 +9,16 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
+#include <future>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -101,7 +108,7 @@ TEST_F(TarArchiveTest, RefusesWhatMustNotBeUnpacked) {
         {"upward on the way",
          {.name = "a/../../x", .content = "x"},
          u"\"a/../../x\" in the archive leads out of its folder"_s},
-        {"upward at the end", {.name = "a/..", .kind = '5'}, u"\"a/../\" in the archive leads out of its folder"_s},
+        {"upward at the end", {.name = "a/..", .kind = '5'}, u"\"a/..\" in the archive leads out of its folder"_s},
         {"a symbolic link",
          {.name = "l", .kind = '2', .linkTarget = "/etc/passwd"},
          u"\"l\" in the archive is neither a file nor a folder"_s},
@@ -185,6 +192,38 @@ TEST_F(TarArchiveTest, PassesOnWhatTarSays) {
             EXPECT_TRUE(message.endsWith(u'\n')) << "trimmed";
         }
     }
+}
+
+// An archive that nobody writes: whoever reads it waits.
+class HangingTarTest : public TarArchiveTest {
+protected:
+    HangingTarTest() { EXPECT_EQ(::mkfifo(QFile::encodeName(archive).constData(), 0600), 0); }
+
+    // Lets go of what is still reading.
+    ~HangingTarTest() override { ::close(::open(QFile::encodeName(archive).constData(), O_RDWR | O_NONBLOCK)); }
+
+    QString archive = folder.filePath(u"a.tar.gz"_s);
+};
+
+TEST_F(HangingTarTest, IsEndedAfterAWhile) {
+    constexpr std::chrono::milliseconds patience(200);
+    EXPECT_EQ(messageOf(TarArchive::check(archive, patience)), u"tar did not end within 200 ms"_s);
+    EXPECT_EQ(messageOf(TarArchive::extract(archive, unpacked, patience)), u"tar did not end within 200 ms"_s);
+}
+
+TEST_F(HangingTarTest, IsEndedWithItsThread) {
+    std::promise<void> begun;
+    QString message;
+    auto queue = SerialQueue::create(u"test"_s);
+    queue->submit(
+        [&] {
+            begun.set_value();
+            message = messageOf(TarArchive::check(archive));
+        },
+        nullptr, [] {});
+    begun.get_future().wait();
+    queue.reset();
+    EXPECT_EQ(message, u"interrupted"_s);
 }
 
 TEST_F(TarArchiveTest, DoesNotTakeOptionsFromTheEnvironment) {

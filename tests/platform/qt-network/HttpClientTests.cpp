@@ -65,7 +65,7 @@ TEST_F(HttpClientTest, BringsStatusAndBody) {
         {"a wish for a password is not fulfilled", "401 Unauthorized", 401, "who?"},
         {"the server is broken", "500 Internal Server Error", 500, "oops"},
         {"or away", "503 Service Unavailable", 503, "later"},
-        {"a redirect to nowhere", "302 Found", 302, "hm"},
+        {"a redirect to nowhere", "302 Found", 302, ""},
         {"not changed", "304 Not Modified", 304, ""},
     };
     for (const Case& c : cases) {
