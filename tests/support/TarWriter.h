@@ -56,6 +56,9 @@ public:
     // The whole archive, as a bundle comes.
     QByteArray gzipped() const { return gzip(bytes + QByteArray(1024, '\0')); }
 
+    // The same entries again and again, packed once: gzip's files may follow each other.
+    QByteArray gzippedTimes(int times) const { return gzip(bytes).repeated(times) + gzip(QByteArray(1024, '\0')); }
+
     static QByteArray gzip(const QByteArray& plain) {
         QProcess process;
         process.start(QStringLiteral("gzip"), {QStringLiteral("-nc1")});

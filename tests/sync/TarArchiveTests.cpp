@@ -140,13 +140,10 @@ TEST_F(TarArchiveTest, RefusesWhatMustNotBeUnpacked) {
 }
 
 TEST_F(TarArchiveTest, RefusesABombBeforeItGoesOff) {
-    // Six files of a hundred megabytes, a few hundred kilobytes in all.
+    // Sixty files of ten megabytes, some hundred kilobytes in all.
     TarWriter writer;
-    const QByteArray zeros(100 * 1024 * 1024, '\0');
-    for (char digit = '0'; digit < '6'; ++digit) {
-        writer.add({.name = QByteArray(1, digit), .content = zeros});
-    }
-    const QByteArray bomb = writer.gzipped();
+    writer.add({.name = "zeros", .content = QByteArray(10 * 1024 * 1024, '\0')});
+    const QByteArray bomb = writer.gzippedTimes(60);
     EXPECT_LT(bomb.size(), 10 * 1024 * 1024);
     EXPECT_EQ(messageOf(TarArchive::check(write(bomb))), u"the archive unpacks to more than 512 MiB"_s);
     EXPECT_TRUE(nothingUnpacked());
