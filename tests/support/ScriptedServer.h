@@ -1,8 +1,10 @@
 #pragma once
 
 #include <QByteArray>
-#include <QCoreApplication>
+#include <QEventLoop>
 #include <QHostAddress>
+#include <QSslConfiguration>
+#include <QSslServer>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QThread>
@@ -13,6 +15,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <semaphore>
 #include <utility>
 #include <vector>
@@ -26,8 +29,10 @@ public:
     // Gets the connection once the request's head has arrived. Runs on the server's thread.
     using Script = std::function<void(QTcpSocket&)>;
 
-    ScriptedServer()
-        : thread(QThread::create([this] { serve(); })) {
+    // Speaks TLS where it is told how.
+    explicit ScriptedServer(std::optional<QSslConfiguration> configuration = {})
+        : tls(std::move(configuration))
+        , thread(QThread::create([this] { serve(); })) {
         thread->start();
         listening.acquire();
     }
@@ -40,7 +45,11 @@ public:
     ScriptedServer(const ScriptedServer&) = delete;
     ScriptedServer& operator=(const ScriptedServer&) = delete;
 
-    QString base() const { return QStringLiteral("http://127.0.0.1:%1").arg(port); }
+    QString base() const {
+        return QStringLiteral("%1://127.0.0.1:%2")
+            .arg(tls ? QStringLiteral("https") : QStringLiteral("http"))
+            .arg(port);
+    }
 
     QUrl url(const QString& path) const { return QUrl(base() + path); }
 
@@ -89,10 +98,15 @@ public:
 
 private:
     void serve() {
-        QTcpServer server;
+        const std::unique_ptr<QTcpServer> made =
+            tls ? std::unique_ptr<QTcpServer>(new QSslServer) : std::make_unique<QTcpServer>();
+        QTcpServer& server = *made;
+        if (tls) {
+            static_cast<QSslServer&>(server).setSslConfiguration(*tls);
+        }
         server.listen(QHostAddress::LocalHost);
         port = server.serverPort();
-        QObject::connect(&server, &QTcpServer::newConnection, &server, [&] {
+        QObject::connect(&server, &QTcpServer::pendingConnectionAvailable, &server, [&] {
             QTcpSocket* const socket = server.nextPendingConnection();
             QObject::connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
             auto head = std::make_shared<QByteArray>();
@@ -117,6 +131,7 @@ private:
         return found == scripts.end() ? answer("404 Not Found", {}, "not here") : found->second;
     }
 
+    const std::optional<QSslConfiguration> tls;
     mutable std::mutex mutex;
     std::map<QByteArray, Script> scripts;
     std::vector<QByteArray> heads;

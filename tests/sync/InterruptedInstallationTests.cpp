@@ -3,6 +3,7 @@
 #include "support/TarWriter.h"
 #include "sync/LocalConfig.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
@@ -11,6 +12,8 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <memory>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -90,6 +93,22 @@ TEST_P(InterruptedInstallationTest, LeavesOldOrNewContentComplete) {
     // All steps but those of the other way to swap.
     const int steps = static_cast<int>(InstallStep::removedBackup) + 1;
     EXPECT_EQ(deaths, GetParam() == u"moves"_s ? steps - 1 : steps - 2);
+}
+
+TEST_P(InterruptedInstallationTest, SeveralAtOnceLeaveTheContentOfOneOfThem) {
+    std::vector<std::unique_ptr<QProcess>> processes;
+    for (int i = 0; i < 6; ++i) {
+        processes.push_back(std::make_unique<QProcess>());
+        processes.back()->start(QStringLiteral(INSTALL_AND_DIE), installing(u"content%1"_s.arg(i), -1));
+    }
+    for (const auto& process : processes) {
+        ASSERT_TRUE(process->waitForFinished(60'000));
+        EXPECT_EQ(process->exitCode(), 0) << process->readAllStandardError().toStdString();
+    }
+    EXPECT_TRUE(completeContent().startsWith(u"content"_s));
+    EXPECT_TRUE(QDir(folder.filePath(u"temporary"_s)).isEmpty());
+    EXPECT_EQ(QDir(folder.filePath(u"support/Pelloran"_s)).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+              QStringList{u"config"_s});
 }
 
 INSTANTIATE_TEST_SUITE_P(Swap, InterruptedInstallationTest, ::testing::Values(u"exchange"_s, u"moves"_s),

@@ -5,13 +5,20 @@
 #include "support/ScriptedServer.h"
 
 #include <QElapsedTimer>
-#include <QNetworkProxy>
+#include <QFile>
 #include <QNetworkProxyFactory>
+#include <QProcess>
+#include <QSslCertificate>
+#include <QSslConfiguration>
+#include <QSslKey>
+#include <QSslSocket>
+#include <QTemporaryDir>
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <future>
-#include <vector>
+#include <memory>
 
 using namespace Qt::StringLiterals;
 
@@ -272,6 +279,68 @@ TEST_F(HttpClientTest, GivesUpWhenItsThreadIsToEnd) {
     queue.reset();
     EXPECT_EQ(said, u"The request was cancelled."_s);
     EXPECT_LT(std::chrono::milliseconds(time.elapsed()), 9s) << "sooner than it would have given up anyway";
+}
+
+// A server with a certificate of its own, which this process trusts while the test runs.
+class SecureHttpClientTest : public HttpClientTest {
+protected:
+    void SetUp() override {
+        if (!QSslSocket::supportsSsl()) {
+            GTEST_SKIP() << "Qt has no TLS here";
+        }
+        QProcess openssl;
+        openssl.start(u"openssl"_s,
+                      {u"req"_s, u"-x509"_s, u"-newkey"_s, u"rsa:2048"_s, u"-nodes"_s, u"-days"_s, u"2"_s, u"-subj"_s,
+                       u"/CN=127.0.0.1"_s, u"-addext"_s, u"subjectAltName=IP:127.0.0.1"_s, u"-keyout"_s,
+                       folder.filePath(u"key"_s), u"-out"_s, folder.filePath(u"certificate"_s)});
+        if (!openssl.waitForStarted() || !openssl.waitForFinished() || openssl.exitCode() != 0) {
+            GTEST_SKIP() << "needs the openssl program";
+        }
+        const QSslCertificate certificate = QSslCertificate::fromPath(folder.filePath(u"certificate"_s)).value(0);
+        QFile key(folder.filePath(u"key"_s));
+        ASSERT_TRUE(key.open(QIODevice::ReadOnly));
+        QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
+        configuration.setLocalCertificate(certificate);
+        configuration.setPrivateKey(QSslKey(&key, QSsl::Rsa));
+        secure = std::make_unique<ScriptedServer>(configuration);
+        trusting.addCaCertificate(certificate);
+        secure->on("/x", ScriptedServer::answer("200 OK", {}, "secret"));
+        server.on("/x", ScriptedServer::answer("200 OK", {}, "open"));
+    }
+
+    ~SecureHttpClientTest() override { QSslConfiguration::setDefaultConfiguration(before); }
+
+    QString get(const QString& path) {
+        auto asked = request(path);
+        asked.url = secure->url(path);
+        const auto answer = http->get(asked);
+        return answer ? QString::fromUtf8(answer->body) : answer.error().description;
+    }
+
+    QTemporaryDir folder;
+    const QSslConfiguration before = QSslConfiguration::defaultConfiguration();
+    QSslConfiguration trusting = before;
+    std::unique_ptr<ScriptedServer> secure;
+};
+
+TEST_F(SecureHttpClientTest, TrustsOnlyWhomTheSystemTrusts) {
+    EXPECT_THAT(get(u"/x"_s).toStdString(), HasSubstr("self-signed"));
+    EXPECT_TRUE(secure->requests().empty());
+    QSslConfiguration::setDefaultConfiguration(trusting);
+    EXPECT_EQ(get(u"/x"_s), u"secret"_s);
+}
+
+TEST_F(SecureHttpClientTest, IsLedFromOpenToSecureButNotBack) {
+    QSslConfiguration::setDefaultConfiguration(trusting);
+    server.on("/up", ScriptedServer::answer("302 Found", "Location: " + secure->url(u"/x"_s).toEncoded() + "\r\n", ""));
+    const auto up = http->get(request(u"/up"_s));
+    ASSERT_TRUE(up) << up.error().description.toStdString();
+    EXPECT_EQ(up->body, "secret");
+    const std::size_t openRequests = server.requests().size();
+    secure->on("/down",
+               ScriptedServer::answer("302 Found", "Location: " + server.url(u"/x"_s).toEncoded() + "\r\n", ""));
+    EXPECT_EQ(get(u"/down"_s), u"Insecure redirect"_s);
+    EXPECT_EQ(server.requests().size(), openRequests);
 }
 
 } // namespace
