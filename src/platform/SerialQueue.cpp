@@ -27,6 +27,7 @@ public:
             ending = true;
             pieces.clear();
         }
+        thread->requestInterruption();
         wake.notify_one();
         thread->wait();
     }

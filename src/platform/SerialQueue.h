@@ -16,7 +16,8 @@ public:
     // A queue with a thread of its own, which bears `name` in debuggers.
     static std::unique_ptr<SerialQueue> create(const QString& name);
 
-    // Waits for the piece under way; pieces that have not begun never run, and nothing is delivered any more.
+    // Waits for the piece under way, which long waits can shorten by asking QThread::isInterruptionRequested(); pieces
+    // that have not begun never run, and nothing is delivered any more.
     virtual ~SerialQueue() = default;
 
     // Runs `work` on the queue's thread, then `done` back on the thread of the queue's maker, from its event loop. When

@@ -1,0 +1,152 @@
+#include "sync/ConfigSync.h"
+
+#include <QCryptographicHash>
+#include <QUrl>
+
+#include <cmath>
+#include <variant>
+
+using namespace Qt::StringLiterals;
+
+namespace pelloran {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+// What a server may make us read into memory. Real manifests have a few hundred bytes, bundles one or two million.
+constexpr qint64 maximumManifest = 1024 * 1024;
+constexpr qint64 maximumBundle = 64LL * 1024 * 1024;
+
+// A server that keeps sending a little is given this much longer than a silent one.
+constexpr auto graceTime = 2s;
+
+std::unexpected<ConfigSyncError> failure(decltype(ConfigSyncError::reason) reason) {
+    return std::unexpected(ConfigSyncError{std::move(reason)});
+}
+
+} // namespace
+
+ConfigSync::ConfigSync(const QString& server, LocalConfig config, std::unique_ptr<HttpClient> client,
+                       std::unique_ptr<SerialQueue> queue)
+    : baseURLString(server + u"/pelloran/latest"_s)
+    , local(std::move(config))
+    , http(std::move(client))
+    , workQueue(std::move(queue)) {
+    pollTimer->setInterval(pollInterval);
+    local.restoreInterruptedSwap();
+}
+
+void ConfigSync::syncAsync(QObject* receiver, const Completion& onComplete) {
+    const auto result = std::make_shared<ConfigSyncResult>();
+    workQueue->submit(
+        [this, result, server = Server{baseURLString, timeout}] {
+            if (isSyncing) {
+                result->outcome = ConfigSyncResult::SkippedBusy{};
+                return;
+            }
+            isSyncing = true;
+            *result = syncIfNeeded(server);
+            isSyncing = false;
+        },
+        receiver, [result, onComplete] { onComplete(*result); });
+}
+
+void ConfigSync::startPeriodicSync(QObject* receiver, const Completion& onComplete, bool immediate) {
+    stopPeriodicSync();
+    if (immediate) {
+        syncAsync(receiver, onComplete);
+    }
+    connect(pollTimer, &QTimer::timeout, receiver, [this, receiver, onComplete] { syncAsync(receiver, onComplete); });
+    pollTimer->start();
+}
+
+void ConfigSync::stopPeriodicSync() {
+    pollTimer->stop();
+    pollTimer->disconnect();
+}
+
+ConfigSyncResult ConfigSync::syncAtLaunch() {
+    return syncIfNeeded({baseURLString, timeout});
+}
+
+ConfigSyncResult ConfigSync::syncIfNeeded(const Server& server) {
+    const std::optional<QString> hash = localHash();
+    const auto fetched = fetchManifest(server);
+    if (!fetched) {
+        return fallBack(hash, fetched.error());
+    }
+    const QString& offered = fetched->manifest.hash;
+    if (hash == offered && local.hasUsableLocalConfig()) {
+        return {ConfigSyncResult::UpToDate{offered}};
+    }
+    const auto installed = downloadAndInstall(server, *fetched);
+    if (!installed) {
+        return fallBack(hash, installed.error());
+    }
+    switch (*installed) {
+    case LocalConfig::Installation::done:
+        return {ConfigSyncResult::Updated{offered}};
+    case LocalConfig::Installation::busy:
+        return {ConfigSyncResult::SkippedBusy{}};
+    }
+    Q_UNREACHABLE();
+}
+
+ConfigSyncResult ConfigSync::fallBack(const std::optional<QString>& hash, const ConfigSyncError& error) const {
+    if (local.hasUsableLocalConfig()) {
+        return {ConfigSyncResult::SkippedOffline{hash, error.localizedDescription()}};
+    }
+    return {ConfigSyncResult::Failed{error.localizedDescription()}};
+}
+
+std::expected<ConfigSync::Fetched, ConfigSyncError> ConfigSync::fetchManifest(const Server& server) {
+    auto raw = httpGET(server, server.baseURL + u"/manifest.json"_s, maximumManifest);
+    if (!raw) {
+        return std::unexpected(raw.error());
+    }
+    auto manifest = RemoteManifest::fromJson(*raw);
+    if (!manifest) {
+        return std::unexpected(manifest.error());
+    }
+    return Fetched{std::move(*manifest), std::move(*raw)};
+}
+
+std::expected<LocalConfig::Installation, ConfigSyncError> ConfigSync::downloadAndInstall(const Server& server,
+                                                                                         const Fetched& fetched) {
+    const RemoteManifest& manifest = fetched.manifest;
+    const auto bundle = httpGET(server, server.baseURL + u'/' + manifest.bundleName(), maximumBundle);
+    if (!bundle) {
+        return std::unexpected(bundle.error());
+    }
+    const QString expected = manifest.bundleSha256.value_or(QString());
+    if (!expected.isEmpty()) {
+        if (QString got = sha256Hex(*bundle); got != expected) {
+            return failure(ConfigSyncError::HashMismatch{expected, std::move(got)});
+        }
+    }
+    return local.install(manifest, fetched.raw, *bundle);
+}
+
+std::expected<QByteArray, ConfigSyncError> ConfigSync::httpGET(const Server& server, const QString& url,
+                                                               qint64 maximumBytes) {
+    const QUrl parsed(url, QUrl::StrictMode);
+    if (!parsed.isValid() || parsed.isEmpty()) {
+        return failure(ConfigSyncError::BadURL{});
+    }
+    const std::chrono::milliseconds silence(std::llround(server.timeout * 1000));
+    auto response = http->get({parsed, {}, silence, silence + graceTime, maximumBytes});
+    if (!response) {
+        return failure(ConfigSyncError::Platform{response.error().description});
+    }
+    if (response->status < 200 || response->status > 299) {
+        return failure(ConfigSyncError::HttpStatus{response->status});
+    }
+    return std::move(response->body);
+}
+
+QString ConfigSync::sha256Hex(const QByteArray& bytes) {
+    return QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex());
+}
+
+} // namespace pelloran

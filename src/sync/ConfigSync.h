@@ -1,0 +1,86 @@
+#pragma once
+
+#include "platform/HttpClient.h"
+#include "platform/SerialQueue.h"
+#include "sync/ConfigSyncResult.h"
+#include "sync/LocalConfig.h"
+#include "sync/RemoteManifest.h"
+
+#include <QByteArray>
+#include <QObject>
+#include <QString>
+#include <QTimer>
+
+#include <chrono>
+#include <expected>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <utility>
+
+namespace pelloran {
+
+// Keeps the data files in step with a configuration server: one small request while nothing has changed, a download,
+// verification and installation when its manifest names other content. Lives on the main thread; the work runs on a
+// serial queue, one sync after the other. No failure leaves it, and none touches the files in use.
+class ConfigSync : public QObject {
+public:
+    using Completion = std::function<void(const ConfigSyncResult&)>;
+
+    static constexpr std::chrono::seconds pollInterval{600};
+
+    // `server` is the base URL, to which "/pelloran/latest" is added. An installation that an earlier run did not
+    // survive is mended here, so load the data files afterwards. Destruction waits for a sync under way, which gives up
+    // early then.
+    ConfigSync(const QString& server, LocalConfig config, std::unique_ptr<HttpClient> client,
+               std::unique_ptr<SerialQueue> queue);
+
+    // The label of the queue it is meant to get.
+    static QString queueName() { return QStringLiteral("com.local.pelloran.configsync"); }
+
+    // One sync, and its result from the event loop unless `receiver` is gone by then.
+    void syncAsync(QObject* receiver, const Completion& onComplete);
+
+    // Anew each time: one sync every `pollInterval`, and one now if `immediate`.
+    void startPeriodicSync(QObject* receiver, const Completion& onComplete, bool immediate = true);
+    void stopPeriodicSync();
+
+    // One sync on this thread, which waits. Not while the queue may be at one.
+    ConfigSyncResult syncAtLaunch();
+
+    // Of the installed files. See LocalConfig.
+    std::optional<QString> localHash() const { return local.localHash(); }
+
+    // In lower case.
+    static QString sha256Hex(const QByteArray& bytes);
+
+    // What the next sync begins with. A server that says nothing for `timeout` seconds is given up.
+    QString baseURLString;
+    double timeout = 12;
+
+private:
+    struct Server {
+        QString baseURL;
+        double timeout;
+    };
+
+    struct Fetched {
+        RemoteManifest manifest;
+        QByteArray raw;
+    };
+
+    ConfigSyncResult syncIfNeeded(const Server& server);
+    ConfigSyncResult fallBack(const std::optional<QString>& hash, const ConfigSyncError& error) const;
+    std::expected<Fetched, ConfigSyncError> fetchManifest(const Server& server);
+    std::expected<LocalConfig::Installation, ConfigSyncError> downloadAndInstall(const Server& server,
+                                                                                 const Fetched& fetched);
+    std::expected<QByteArray, ConfigSyncError> httpGET(const Server& server, const QString& url, qint64 maximumBytes);
+
+    LocalConfig local;
+    std::unique_ptr<HttpClient> http;
+    bool isSyncing = false;                     // only the queue's thread knows it
+    QTimer* const pollTimer = new QTimer(this); // owned by this
+    std::unique_ptr<SerialQueue> workQueue;     // last, so that it ends before what its work uses
+};
+
+} // namespace pelloran

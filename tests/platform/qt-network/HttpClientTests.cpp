@@ -1,0 +1,348 @@
+#include "platform/HttpClient.h"
+
+#include "platform/SerialQueue.h"
+#include "support/Printing.h"
+#include "support/ScriptedServer.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QNetworkProxyFactory>
+#include <QProcess>
+#include <QSslCertificate>
+#include <QSslConfiguration>
+#include <QSslKey>
+#include <QSslSocket>
+#include <QTemporaryDir>
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <future>
+#include <memory>
+
+using namespace Qt::StringLiterals;
+
+namespace pelloran {
+
+namespace {
+
+using namespace std::chrono_literals;
+using ::testing::HasSubstr;
+using ::testing::Not;
+using testing::ScriptedServer;
+
+class HttpClientTest : public ::testing::Test {
+protected:
+    HttpClientTest() {
+        // Loopback is reached without the proxy that this machine may have.
+        QNetworkProxyFactory::setUseSystemConfiguration(false);
+    }
+
+    HttpClient::Request request(const QString& path) const { return {server.url(path), {}, 10s, 12s, 1000}; }
+
+    // The text of a failure; the status of what is none.
+    static QString failure(const std::expected<HttpClient::Response, HttpClient::TransportError>& answer) {
+        return answer ? QString::number(answer->status) : answer.error().description;
+    }
+
+    QByteArray headOf(const QString& path) {
+        EXPECT_TRUE(http->get(request(path)));
+        return server.requests().back().toLower();
+    }
+
+    ScriptedServer server;
+    std::unique_ptr<HttpClient> http = HttpClient::create();
+};
+
+TEST_F(HttpClientTest, BringsStatusAndBody) {
+    struct Case {
+        const char* why;
+        QByteArray status;
+        int expected;
+        QByteArray body;
+    };
+
+    const Case cases[] = {
+        {"as it should be", "200 OK", 200, "body"},
+        {"no body at all", "200 OK", 200, ""},
+        {"nothing to say", "204 No Content", 204, ""},
+        {"an error is an answer", "404 Not Found", 404, "where?"},
+        {"one without a name in the library", "418 I'm a teapot", 418, "short"},
+        {"a bad request", "400 Bad Request", 400, "no"},
+        {"a wish for a password is not fulfilled", "401 Unauthorized", 401, "who?"},
+        {"the server is broken", "500 Internal Server Error", 500, "oops"},
+        {"or away", "503 Service Unavailable", 503, "later"},
+        {"a redirect to nowhere", "302 Found", 302, ""},
+        {"not changed", "304 Not Modified", 304, ""},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        server.on("/x", ScriptedServer::answer(c.status, {}, c.body));
+        const auto answer = http->get(request(u"/x"_s));
+        ASSERT_TRUE(answer) << answer.error().description.toStdString();
+        EXPECT_EQ(answer->status, c.expected);
+        EXPECT_EQ(answer->body, c.body);
+    }
+}
+
+TEST_F(HttpClientTest, AsksForPlainBytesAndNothingKept) {
+    server.on("/x", ScriptedServer::answer("200 OK",
+                                           "Set-Cookie: a=b\r\nCache-Control: max-age=1000\r\nETag: \"e\"\r\n", "1"));
+    headOf(u"/x"_s);
+    const QByteArray head = headOf(u"/x"_s);
+    EXPECT_EQ(server.requests().size(), 2u) << "asked anew";
+    EXPECT_THAT(head.toStdString(), HasSubstr("get /x http/1.1"));
+    EXPECT_THAT(head.toStdString(), HasSubstr("accept-encoding: identity\r\n"));
+    EXPECT_THAT(head.toStdString(), Not(HasSubstr("cookie")));
+    EXPECT_THAT(head.toStdString(), Not(HasSubstr("if-none-match")));
+    EXPECT_THAT(head.toStdString(), Not(HasSubstr("\naccept:")));
+    auto withAccept = request(u"/x"_s);
+    withAccept.accept = "application/json";
+    ASSERT_TRUE(http->get(withAccept));
+    EXPECT_THAT(server.requests().back().toLower().toStdString(), HasSubstr("\naccept: application/json\r\n"));
+}
+
+TEST_F(HttpClientTest, ACookieDoesNotTravelAlongARedirect) {
+    server.on("/x", ScriptedServer::answer("302 Found", "Set-Cookie: a=b\r\nLocation: /y\r\n", ""));
+    server.on("/y", ScriptedServer::answer("200 OK", {}, ""));
+    EXPECT_THAT(headOf(u"/x"_s).toStdString(), Not(HasSubstr("cookie")));
+}
+
+TEST_F(HttpClientTest, LeavesAlreadyPackedBytesPacked) {
+    const QByteArray packed = QByteArray::fromHex("1f8b08000000000000034b04000000ffff43beb7e801000000");
+    server.on("/x", ScriptedServer::answer("200 OK", "Content-Encoding: gzip\r\nContent-Type: application/x-gzip\r\n",
+                                           packed));
+    const auto answer = http->get(request(u"/x"_s));
+    ASSERT_TRUE(answer);
+    EXPECT_EQ(answer->body, packed);
+}
+
+TEST_F(HttpClientTest, TakesTheBodyHoweverItIsSent) {
+    struct Case {
+        const char* why;
+        QByteArray bytes;
+        QByteArray body;
+    };
+
+    const Case cases[] = {
+        {"in pieces", "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n3\r\nabc\r\n2\r\nde\r\n0\r\n\r\n", "abcde"},
+        {"until the connection ends", "HTTP/1.0 200 OK\r\n\r\nabcde", "abcde"},
+        {"longer than announced", "HTTP/1.1 200 OK\r\nContent-Length: 3\r\nConnection: close\r\n\r\nabcde", "abc"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        server.on("/x", ScriptedServer::raw(c.bytes));
+        const auto answer = http->get(request(u"/x"_s));
+        ASSERT_TRUE(answer) << answer.error().description.toStdString();
+        EXPECT_EQ(answer->body, c.body);
+    }
+}
+
+TEST_F(HttpClientTest, SaysWhatTheConnectionDid) {
+    struct Case {
+        const char* why;
+        ScriptedServer::Script script;
+        QString expected; // a part of it
+    };
+
+    const Case cases[] = {
+        {"closed without a word", ScriptedServer::raw(""), u"closed"_s},
+        {"closed within the head", ScriptedServer::raw("HTTP/1.1 200 O"), u"closed"_s},
+        {"a body that is cut", ScriptedServer::raw("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nabc"), u"closed"_s},
+        {"the body of an error, cut: the status tells more",
+         ScriptedServer::raw("HTTP/1.1 500 Oops\r\nContent-Length: 100\r\n\r\nabc"), u"500"_s},
+        {"round and round", ScriptedServer::answer("302 Found", "Location: /x\r\n", ""), u"redirects"_s},
+        {"to a file of this machine", ScriptedServer::answer("302 Found", "Location: file:///etc/passwd\r\n", ""),
+         u"302"_s},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        server.on("/x", c.script);
+        const QString said = failure(http->get(request(u"/x"_s)));
+        EXPECT_TRUE(said.contains(c.expected)) << said.toStdString();
+    }
+}
+
+TEST_F(HttpClientTest, SaysThatNobodyAnswers) {
+    QTcpServer gone;
+    ASSERT_TRUE(gone.listen(QHostAddress::LocalHost));
+    auto asked = request(u"/"_s);
+    asked.url.setPort(gone.serverPort());
+    gone.close();
+    EXPECT_EQ(failure(http->get(asked)), u"Connection refused"_s);
+}
+
+TEST_F(HttpClientTest, FollowsARedirect) {
+    server.on("/x", ScriptedServer::answer("301 Moved", "Location: /y\r\n", "a body that nobody wants"));
+    server.on("/y", ScriptedServer::answer("200 OK", {}, "here"));
+    const auto answer = http->get(request(u"/x"_s));
+    ASSERT_TRUE(answer);
+    EXPECT_EQ(answer->status, 200);
+    EXPECT_EQ(answer->body, "here");
+}
+
+TEST_F(HttpClientTest, SpeaksNothingButHttp) {
+    for (const QString& url : {u"file:///etc/passwd"_s, u"ftp://127.0.0.1/x"_s, u"data:,abc"_s, u"qrc:/x"_s,
+                               u"/pelloran"_s, u"http:"_s, u"http:///x"_s}) {
+        auto asked = request(u"/"_s);
+        asked.url = QUrl(url);
+        EXPECT_EQ(failure(http->get(asked)), u"unsupported URL"_s) << url.toStdString();
+    }
+}
+
+TEST_F(HttpClientTest, ReadsNotAByteMoreThanAllowed) {
+    struct Case {
+        const char* why;
+        ScriptedServer::Script script;
+        QString expected;
+    };
+
+    const QString tooLong = u"the answer is longer than 1000 bytes"_s;
+    const Case cases[] = {
+        {"just as long", ScriptedServer::answer("200 OK", {}, QByteArray(1000, 'x')), u"200"_s},
+        {"a byte more", ScriptedServer::answer("200 OK", {}, QByteArray(1001, 'x')), tooLong},
+        {"two gigabytes, announced",
+         ScriptedServer::trickle("HTTP/1.1 200 OK\r\nContent-Length: 2147483648\r\n\r\n", QByteArray(100'000, 'x'), 0),
+         tooLong},
+        {"without end", ScriptedServer::trickle("HTTP/1.0 200 OK\r\n\r\n", QByteArray(100'000, 'x'), 0), tooLong},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        server.on("/x", c.script);
+        EXPECT_EQ(failure(http->get(request(u"/x"_s))), c.expected);
+    }
+}
+
+TEST_F(HttpClientTest, TakesABodyBeyondWhatItReadsAhead) {
+    QByteArray body(5'000'000, '\0');
+    for (qsizetype i = 0; i < body.size(); ++i) {
+        body[i] = static_cast<char>(i % 251);
+    }
+    server.on("/x", ScriptedServer::answer("200 OK", {}, body));
+    auto asked = request(u"/x"_s);
+    asked.maximumBytes = 64 * 1024 * 1024;
+    const auto answer = http->get(asked);
+    ASSERT_TRUE(answer) << answer.error().description.toStdString();
+    EXPECT_EQ(answer->body, body);
+}
+
+TEST_F(HttpClientTest, WaitsNoLongerThanItMay) {
+    struct Case {
+        const char* why;
+        ScriptedServer::Script script;
+        std::chrono::milliseconds silence;
+        std::chrono::milliseconds deadline;
+    };
+
+    const auto nothing = [](QTcpSocket&) {};
+    const Case cases[] = {
+        {"silent before the head", nothing, 200ms, 60s},
+        {"silent after it", [](QTcpSocket& socket) { socket.write("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\n"); },
+         200ms, 60s},
+        {"silent within the body",
+         [](QTcpSocket& socket) { socket.write("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nabc"); }, 200ms, 60s},
+        {"silence outlasts the deadline", nothing, 60s, 200ms},
+        {"a head that trickles", ScriptedServer::trickle("HTTP/1.1 200 OK\r\n", "X: y\r\n", 10), 60s, 300ms},
+        {"a body that trickles", ScriptedServer::trickle("HTTP/1.0 200 OK\r\n\r\n", "x", 10), 10s, 300ms},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        server.on("/x", c.script);
+        auto asked = request(u"/x"_s);
+        asked.transferTimeout = c.silence;
+        asked.deadline = c.deadline;
+        QElapsedTimer time;
+        time.start();
+        EXPECT_EQ(failure(http->get(asked)), u"The request timed out."_s);
+        EXPECT_GE(std::chrono::milliseconds(time.elapsed()), std::min(c.silence, c.deadline) - 20ms);
+        EXPECT_LT(std::chrono::milliseconds(time.elapsed()), 10s);
+    }
+}
+
+TEST_F(HttpClientTest, ALittleNowAndThenIsNoSilence) {
+    server.on("/x", ScriptedServer::trickle("HTTP/1.0 200 OK\r\n\r\n", "x", 50));
+    auto asked = request(u"/x"_s);
+    asked.maximumBytes = 20;
+    asked.transferTimeout = 900ms; // less than twenty times fifty
+    EXPECT_EQ(failure(http->get(asked)), u"the answer is longer than 20 bytes"_s);
+}
+
+TEST_F(HttpClientTest, GivesUpWhenItsThreadIsToEnd) {
+    std::promise<void> asked;
+    server.on("/x", [&](QTcpSocket&) { asked.set_value(); });
+    auto queue = SerialQueue::create(u"test"_s);
+    QString said;
+    QElapsedTimer time;
+    time.start();
+    queue->submit([&] { said = failure(http->get(request(u"/x"_s))); }, nullptr, [] {});
+    asked.get_future().wait();
+    queue.reset();
+    EXPECT_EQ(said, u"The request was cancelled."_s);
+    EXPECT_LT(std::chrono::milliseconds(time.elapsed()), 9s) << "sooner than it would have given up anyway";
+}
+
+// A server with a certificate of its own, which this process trusts while the test runs.
+class SecureHttpClientTest : public HttpClientTest {
+protected:
+    void SetUp() override {
+        if (!QSslSocket::supportsSsl()) {
+            GTEST_SKIP() << "Qt has no TLS here";
+        }
+        QProcess openssl;
+        openssl.start(u"openssl"_s,
+                      {u"req"_s, u"-x509"_s, u"-newkey"_s, u"rsa:2048"_s, u"-nodes"_s, u"-days"_s, u"2"_s, u"-subj"_s,
+                       u"/CN=127.0.0.1"_s, u"-addext"_s, u"subjectAltName=IP:127.0.0.1"_s, u"-keyout"_s,
+                       folder.filePath(u"key"_s), u"-out"_s, folder.filePath(u"certificate"_s)});
+        if (!openssl.waitForStarted() || !openssl.waitForFinished() || openssl.exitCode() != 0) {
+            GTEST_SKIP() << "needs the openssl program";
+        }
+        const QSslCertificate certificate = QSslCertificate::fromPath(folder.filePath(u"certificate"_s)).value(0);
+        QFile key(folder.filePath(u"key"_s));
+        ASSERT_TRUE(key.open(QIODevice::ReadOnly));
+        QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
+        configuration.setLocalCertificate(certificate);
+        configuration.setPrivateKey(QSslKey(&key, QSsl::Rsa));
+        secure = std::make_unique<ScriptedServer>(configuration);
+        trusting.addCaCertificate(certificate);
+        secure->on("/x", ScriptedServer::answer("200 OK", {}, "secret"));
+        server.on("/x", ScriptedServer::answer("200 OK", {}, "open"));
+    }
+
+    ~SecureHttpClientTest() override { QSslConfiguration::setDefaultConfiguration(before); }
+
+    QString get(const QString& path) {
+        auto asked = request(path);
+        asked.url = secure->url(path);
+        const auto answer = http->get(asked);
+        return answer ? QString::fromUtf8(answer->body) : answer.error().description;
+    }
+
+    QTemporaryDir folder;
+    const QSslConfiguration before = QSslConfiguration::defaultConfiguration();
+    QSslConfiguration trusting = before;
+    std::unique_ptr<ScriptedServer> secure;
+};
+
+TEST_F(SecureHttpClientTest, TrustsOnlyWhomTheSystemTrusts) {
+    EXPECT_THAT(get(u"/x"_s).toStdString(), HasSubstr("self-signed"));
+    EXPECT_TRUE(secure->requests().empty());
+    QSslConfiguration::setDefaultConfiguration(trusting);
+    EXPECT_EQ(get(u"/x"_s), u"secret"_s);
+}
+
+TEST_F(SecureHttpClientTest, IsLedFromOpenToSecureButNotBack) {
+    QSslConfiguration::setDefaultConfiguration(trusting);
+    server.on("/up", ScriptedServer::answer("302 Found", "Location: " + secure->url(u"/x"_s).toEncoded() + "\r\n", ""));
+    const auto up = http->get(request(u"/up"_s));
+    ASSERT_TRUE(up) << up.error().description.toStdString();
+    EXPECT_EQ(up->body, "secret");
+    const std::size_t openRequests = server.requests().size();
+    secure->on("/down",
+               ScriptedServer::answer("302 Found", "Location: " + server.url(u"/x"_s).toEncoded() + "\r\n", ""));
+    EXPECT_EQ(get(u"/down"_s), u"Insecure redirect"_s);
+    EXPECT_EQ(server.requests().size(), openRequests);
+}
+
+} // namespace
+
+} // namespace pelloran
