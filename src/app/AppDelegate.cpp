@@ -10,8 +10,12 @@
 #include "platform/ApplicationFiles.h"
 #include "platform/Log.h"
 #include "platform/SystemSettings.h"
+#include "sync/ConfigSync.h"
+#include "sync/ShortHash.h"
+#include "update/UpdatePrompts.h"
 
 #include <utility>
+#include <variant>
 
 namespace pelloran {
 
@@ -22,6 +26,29 @@ const QString draftTitle = QStringLiteral("PL●");
 
 constexpr int done = 0;
 constexpr int failed = 1;
+
+// What the status line calls the configuration in use.
+QString installedConfiguration(const ConfigSync& configSync) {
+    const auto hash = configSync.localHash();
+    return hash ? shortHash(*hash) + u'…' : L10n::tr(u"idle.hashBundled");
+}
+
+// Key of the status line's beginning; null where the result has nothing to say there.
+const char16_t* headKey(const ConfigSyncResult& result) {
+    struct Key {
+        const char16_t* operator()(const ConfigSyncResult::UpToDate&) const { return u"sync.upToDate"; }
+
+        const char16_t* operator()(const ConfigSyncResult::Updated&) const { return u"sync.updated"; }
+
+        const char16_t* operator()(const ConfigSyncResult::SkippedOffline&) const { return u"sync.offline"; }
+
+        const char16_t* operator()(const ConfigSyncResult::Failed&) const { return u"sync.failed"; }
+
+        const char16_t* operator()(const ConfigSyncResult::SkippedBusy&) const { return nullptr; }
+    };
+
+    return std::visit(Key(), result.outcome);
+}
 
 } // namespace
 
@@ -62,6 +89,9 @@ void AppDelegate::applicationDidFinishLaunching() {
     log(bootLine(store));
     languageObserver =
         connect(&AppLanguageNotifier::shared(), &AppLanguageNotifier::posted, this, &AppDelegate::languageDidChange);
+    surroundings.configSync.startPeriodicSync(
+        this, [this](const ConfigSyncResult& result) { handleConfigSyncResult(result); }, true);
+    surroundings.updatePrompts.presentLaunchPromptIfNeeded();
 }
 
 void AppDelegate::applicationShouldHandleReopen() {
@@ -77,6 +107,7 @@ void AppDelegate::applicationWillTerminate() {
     disconnect(languageObserver);
     surroundings.settings.changed = {};
     statusItem.chosen = {};
+    surroundings.configSync.stopPeriodicSync();
     if (service) {
         service->stop();
     }
@@ -109,6 +140,14 @@ void AppDelegate::refreshNow() {
     }
 }
 
+void AppDelegate::checkConfigNow() {
+    surroundings.configSync.syncAsync(this, [this](const ConfigSyncResult& result) { handleConfigSyncResult(result); });
+}
+
+void AppDelegate::checkAppUpdateNow() {
+    surroundings.updatePrompts.presentManualCheck();
+}
+
 void AppDelegate::selectLanguage(const QString& representedObject) {
     const auto language = AppLanguage::fromRawValue(representedObject);
     if (!language) {
@@ -137,15 +176,51 @@ void AppDelegate::rebuildStatusMenu() {
 }
 
 void AppDelegate::applyIdleBootMessage() {
-    idleStatusLine = L10n::tr(u"idle.boot", {L10n::tr(u"idle.hashBundled")});
+    idleStatusLine = L10n::tr(u"idle.boot", {installedConfiguration(surroundings.configSync)});
     service->idleMessage = idleStatusLine;
     overlay->update(OverlaySnapshot::idle(idleStatusLine));
+}
+
+void AppDelegate::applySyncIdleMessage(const ConfigSyncResult& result) {
+    const char16_t* head = headKey(result);
+    if (!head) {
+        return;
+    }
+    idleStatusLine = L10n::tr(u"idle.line", {L10n::tr(head, {installedConfiguration(surroundings.configSync)})});
+    if (service) {
+        service->idleMessage = idleStatusLine;
+    }
+    // A sync that ends in a draft does not blank its figures.
+    if (!service || !service->isInDraft) {
+        overlay->update(OverlaySnapshot::idle(idleStatusLine));
+    }
+}
+
+void AppDelegate::handleConfigSyncResult(const ConfigSyncResult& result) {
+    if (terminated || std::holds_alternative<ConfigSyncResult::SkippedBusy>(result.outcome)) {
+        return;
+    }
+    lastSyncResult = result;
+    log(QStringLiteral("config sync: ") + result.userMessage());
+    if (result.didUpdateFiles()) {
+        if (const auto loaded = store.loadFromBundle(); !loaded) {
+            log(QStringLiteral("reload after sync failed: ") + loaded.error().localizedDescription);
+        } else {
+            log(QStringLiteral("reloaded store cards=%1; source=%2")
+                    .arg(store.metaDescription(), store.cardsSourceDescription()));
+        }
+    }
+    applySyncIdleMessage(result);
 }
 
 void AppDelegate::languageDidChange() {
     rebuildStatusMenu();
     statusItem.setToolTip(L10n::tr(u"app.tooltip"));
-    applyIdleBootMessage();
+    if (lastSyncResult) {
+        applySyncIdleMessage(*lastSyncResult);
+    } else {
+        applyIdleBootMessage();
+    }
     service->relocalizeAndRefresh();
 }
 
@@ -169,9 +244,13 @@ void AppDelegate::perform(const StatusMenuEntry& entry) {
     case Action::quit:
         quit();
         return;
-    case Action::none:
     case Action::checkConfigNow:
+        checkConfigNow();
+        return;
     case Action::checkAppUpdateNow:
+        checkAppUpdateNow();
+        return;
+    case Action::none:
         return;
     }
 }

@@ -3,6 +3,7 @@
 #include "app/Overlay.h"
 #include "app/StatusMenu.h"
 #include "draft/DraftService.h"
+#include "sync/ConfigSyncResult.h"
 
 #include <QMetaObject>
 #include <QObject>
@@ -16,15 +17,18 @@ namespace pelloran {
 
 class Alerts;
 class ApplicationFiles;
+class ConfigSync;
 class ScreenReader;
 class SerialQueue;
 class StatusItem;
 class SystemSettings;
+class UpdatePrompts;
 class WinrateStore;
 
-// The wiring of the desktop program: loads the data, starts the draft service, owns the panel, fills the status item
-// and its menu, hands on every snapshot, and makes all visible text anew when the language changes. Lives for the whole
-// run, held by a std::shared_ptr; main thread only.
+// The wiring of the desktop program: loads the data, starts the draft service and the configuration sync, owns the
+// panel, fills the status item and its menu, hands on every snapshot, loads the data again when a sync brought some,
+// and makes all visible text anew when the language changes. Lives for the whole run, held by a std::shared_ptr; main
+// thread only.
 class AppDelegate final : public QObject,
                           public DraftServiceDelegate,
                           public std::enable_shared_from_this<AppDelegate> {
@@ -36,6 +40,8 @@ public:
         SerialQueue& queue;
         StatusItem& statusItem;
         Alerts& alerts;
+        ConfigSync& configSync;
+        UpdatePrompts& updatePrompts;
         SystemSettings& settings;
         const ApplicationFiles& files;
         AppConfig config;
@@ -61,6 +67,8 @@ public:
     // What the menu's entries do.
     void toggleOverlay();
     void refreshNow();
+    void checkConfigNow();
+    void checkAppUpdateNow();
     void selectLanguage(const QString& representedObject);
     void quit();
 
@@ -68,6 +76,8 @@ private:
     void setupStatusItem();
     void rebuildStatusMenu();
     void applyIdleBootMessage();
+    void applySyncIdleMessage(const ConfigSyncResult& result);
+    void handleConfigSyncResult(const ConfigSyncResult& result);
     void languageDidChange();
     void systemSettingsDidChange();
     void perform(const StatusMenuEntry& entry);
@@ -78,6 +88,7 @@ private:
     WinrateStore& store;
     std::optional<DraftService> service; // once the data has been loaded
     QString idleStatusLine;
+    std::optional<ConfigSyncResult> lastSyncResult; // the last that was not about being busy
     QMetaObject::Connection languageObserver;
     bool terminated = false;
 };

@@ -31,6 +31,8 @@ const QString languageOption = QStringLiteral("language");
 const QString snapshotsOption = QStringLiteral("snapshots");
 const QString noPanelOption = QStringLiteral("no-panel");
 const QString reduceMotionOption = QStringLiteral("reduce-motion");
+const QString configServerOption = QStringLiteral("config-server");
+const QString updateServerOption = QStringLiteral("update-server");
 const QString phaseOption = QStringLiteral("phase");
 const QString ticksOption = QStringLiteral("ticks");
 const QString classesOption = QStringLiteral("classes");
@@ -56,6 +58,8 @@ std::expected<Command, QString> buildRunLoop(const QCommandLineParser& parsed) {
         .snapshots =
             parsed.isSet(snapshotsOption) || parsed.isSet(noPanelOption), // without a panel they are all there is
         .reduceMotion = parsed.isSet(reduceMotionOption),
+        .configServer = optionalValue(parsed, configServerOption),
+        .updateServer = optionalValue(parsed, updateServerOption),
     };
     if (parsed.isSet(languageOption)) {
         run.language = AppLanguage::fromRawValue(parsed.value(languageOption));
@@ -99,7 +103,20 @@ std::expected<Command, QString> buildMatch(const QCommandLineParser& parsed) {
     return MatchTexts{.classes = parsed.isSet(classesOption), .texts = parsed.positionalArguments()};
 }
 
+std::expected<Command, QString> buildSync(const QCommandLineParser& parsed) {
+    return noArguments(parsed, SyncOnce{optionalValue(parsed, configServerOption)});
+}
+
+std::expected<Command, QString> buildCheckUpdate(const QCommandLineParser& parsed) {
+    return noArguments(parsed, CheckUpdateOnce{optionalValue(parsed, updateServerOption)});
+}
+
 const std::vector<Syntax>& syntaxes() {
+    static const Option configServer{configServerOption, QStringLiteral("URL"),
+                                     QStringLiteral("where data files come from, in place of the built-in address")};
+    static const Option updateServer{
+        updateServerOption, QStringLiteral("URL"),
+        QStringLiteral("where new versions are told of, in place of the built-in address")};
     static const Option logsDir{logsDirOption, QStringLiteral("DIR"),
                                 QStringLiteral("the game's log folder, in place of the usual places")};
     static const std::vector<Syntax> all{
@@ -114,6 +131,8 @@ const std::vector<Syntax>& syntaxes() {
                 {snapshotsOption, {}, QStringLiteral("print every published snapshot as a JSON line")},
                 {noPanelOption, {}, QStringLiteral("show nothing, need no display; prints the snapshots")},
                 {reduceMotionOption, {}, QStringLiteral("nothing in the panel moves, whatever the desktop says")},
+                configServer,
+                updateServer,
             },
             buildRunLoop,
         },
@@ -147,6 +166,20 @@ const std::vector<Syntax>& syntaxes() {
             QStringLiteral("Prints the card that each text names best."),
             {{classesOption, {}, QStringLiteral("look among hero classes instead of cards")}},
             buildMatch,
+        },
+        {
+            QStringLiteral("sync"),
+            {},
+            QStringLiteral("Brings the data files up to date once and prints how it went."),
+            {configServer},
+            buildSync,
+        },
+        {
+            QStringLiteral("check-update"),
+            {},
+            QStringLiteral("Asks once for a newer version and prints the answer."),
+            {updateServer},
+            buildCheckUpdate,
         },
     };
     return all;

@@ -20,6 +20,8 @@ struct RunLoop {
     bool panel = true;                   // false: no display is needed and nothing is shown
     bool snapshots = false;              // every published snapshot as a JSON line on standard output
     bool reduceMotion = false;           // whatever the desktop says
+    std::optional<QString> configServer; // absent: as built
+    std::optional<QString> updateServer; // absent: as built
 };
 
 struct PrintDraftState {
@@ -39,12 +41,21 @@ struct MatchTexts {
     QStringList texts;
 };
 
+struct SyncOnce {
+    std::optional<QString> configServer;
+};
+
+struct CheckUpdateOnce {
+    std::optional<QString> updateServer;
+};
+
 // --help and --version: text for standard output.
 struct PrintText {
     QString text;
 };
 
-using Command = std::variant<RunLoop, PrintDraftState, PrintLogsDir, RecognizeImages, MatchTexts, PrintText>;
+using Command = std::variant<RunLoop, PrintDraftState, PrintLogsDir, RecognizeImages, MatchTexts, SyncOnce,
+                             CheckUpdateOnce, PrintText>;
 
 // What is wrong, and how the command is used; for standard error.
 struct UsageError {

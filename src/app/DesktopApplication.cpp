@@ -4,16 +4,20 @@
 #include "app/Appearance.h"
 #include "app/DraftParts.h"
 #include "app/MessageBoxAlerts.h"
+#include "app/Servers.h"
 #include "app/SingleInstance.h"
 #include "app/TerminationSignals.h"
 #include "app/TrayStatusItem.h"
 #include "overlay/OverlayPanel/Motion.h"
 #include "overlay/OverlayPanelController.h"
 #include "platform/ApplicationFiles.h"
+#include "platform/Browser.h"
 #include "platform/Log.h"
 #include "platform/PanelWindow.h"
 #include "platform/SerialQueue.h"
 #include "platform/SystemSettings.h"
+#include "sync/ConfigSync.h"
+#include "update/UpdatePrompts.h"
 
 #include <QApplication>
 #include <QDir>
@@ -61,7 +65,7 @@ void leaveRestartToTheUser(QSessionManager& manager) {
 
 } // namespace
 
-int runOnDesktop(const RunLoop& command, SystemSettings& settings) {
+int runOnDesktop(const RunLoop& command, SystemSettings& settings, UserDefaults& defaults) {
     SingleInstance instance(privateRuntimeFolder(qEnvironmentVariable("XDG_RUNTIME_DIR"), QDir::tempPath()),
                             instanceName(qEnvironmentVariable("DISPLAY")));
     switch (instance.begin()) {
@@ -94,12 +98,19 @@ int runOnDesktop(const RunLoop& command, SystemSettings& settings) {
     if (!statusItem.isAvailable()) {
         log(QStringLiteral("this desktop has no status area; the menu opens on a right click of the panel"));
     }
+    // Mends what an earlier run left half done, so before the data is loaded.
+    const auto configSync = makeConfigSync(command.configServer, *parts.files);
+    const UpdateService updates(command.updateServer, defaults);
+    const auto browser = Browser::create();
+    UpdatePrompts updatePrompts(updates.checker(), alerts, *browser);
     const auto delegate = std::make_shared<AppDelegate>(AppDelegate::Surroundings{
         .store = parts.store,
         .screenReader = parts.screenReader,
         .queue = *parts.recognition,
         .statusItem = statusItem,
         .alerts = alerts,
+        .configSync = *configSync,
+        .updatePrompts = updatePrompts,
         .settings = settings,
         .files = *parts.files,
         .config = parts.config,

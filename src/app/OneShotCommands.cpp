@@ -3,12 +3,16 @@
 #include "app/DataErrorText.h"
 #include "app/Json.h"
 #include "app/LogsDir.h"
+#include "app/Servers.h"
 #include "data/WinrateStore.h"
 #include "draft/LogWatcher.h"
 #include "platform/ApplicationFiles.h"
 #include "platform/Log.h"
 #include "platform/TextReader.h"
+#include "platform/UserDefaults.h"
 #include "recognition/CardRecognizer.h"
+#include "sync/ConfigSync.h"
+#include "update/AppUpdateChecker.h"
 
 #include <QElapsedTimer>
 #include <QFileInfo>
@@ -16,6 +20,7 @@
 
 #include <cstdio>
 #include <ctime>
+#include <variant>
 
 namespace pelloran {
 
@@ -86,7 +91,94 @@ QJsonObject recognizeOne(const QImage& image, DraftPhase phase, const CardRecogn
     };
 }
 
+// How each outcome is printed: the case's name and what it carries.
+struct SyncAnswer {
+    QJsonObject operator()(const ConfigSyncResult::UpToDate& result) const {
+        return {{QStringLiteral("result"), QStringLiteral("upToDate")}, {QStringLiteral("hash"), result.hash}};
+    }
+
+    QJsonObject operator()(const ConfigSyncResult::Updated& result) const {
+        return {{QStringLiteral("result"), QStringLiteral("updated")}, {QStringLiteral("hash"), result.hash}};
+    }
+
+    QJsonObject operator()(const ConfigSyncResult::SkippedOffline& result) const {
+        return {{QStringLiteral("result"), QStringLiteral("skippedOffline")},
+                {QStringLiteral("localHash"), json::optional(result.localHash)},
+                {QStringLiteral("reason"), result.reason}};
+    }
+
+    QJsonObject operator()(const ConfigSyncResult::Failed& result) const {
+        return {{QStringLiteral("result"), QStringLiteral("failed")}, {QStringLiteral("message"), result.message}};
+    }
+
+    QJsonObject operator()(const ConfigSyncResult::SkippedBusy&) const {
+        return {{QStringLiteral("result"), QStringLiteral("skippedBusy")}};
+    }
+};
+
+struct UpdateAnswer {
+    const QString& downloadBase;
+
+    QJsonObject operator()(const AppUpdateCheckResult::UpToDate& result) const {
+        return {{QStringLiteral("result"), QStringLiteral("upToDate")},
+                {QStringLiteral("local"), result.local},
+                {QStringLiteral("remote"), result.remote}};
+    }
+
+    QJsonObject operator()(const AppUpdateCheckResult::Available& result) const {
+        return offer(QStringLiteral("available"), result.local, result.release);
+    }
+
+    QJsonObject operator()(const AppUpdateCheckResult::SkippedVersion& result) const {
+        return offer(QStringLiteral("skippedVersion"), result.local, result.release);
+    }
+
+    QJsonObject operator()(const AppUpdateCheckResult::Offline& result) const {
+        return {{QStringLiteral("result"), QStringLiteral("offline")}, {QStringLiteral("reason"), result.reason}};
+    }
+
+    QJsonObject operator()(const AppUpdateCheckResult::Failed& result) const {
+        return {{QStringLiteral("result"), QStringLiteral("failed")}, {QStringLiteral("message"), result.message}};
+    }
+
+private:
+    QJsonObject offer(const QString& name, const QString& local, const AppReleaseInfo& release) const {
+        const auto download = release.preferredDownloadURL(downloadBase);
+        return {{QStringLiteral("result"), name},
+                {QStringLiteral("local"), local},
+                {QStringLiteral("release"),
+                 QJsonObject{
+                     {QStringLiteral("version"), release.version},
+                     {QStringLiteral("force"), release.isForced()},
+                     {QStringLiteral("download"),
+                      download ? QJsonValue(download->toString(QUrl::FullyEncoded)) : QJsonValue(QJsonValue::Null)},
+                 }}};
+    }
+};
+
 } // namespace
+
+int run(const SyncOnce& command) {
+    const auto files = ApplicationFiles::create();
+    const ConfigSyncResult result = makeConfigSync(command.configServer, *files)->syncAtLaunch();
+    QJsonObject answer = std::visit(SyncAnswer(), result.outcome);
+    answer.insert(QStringLiteral("userMessage"), result.userMessage());
+    print(json::line(answer));
+    const bool current = std::holds_alternative<ConfigSyncResult::UpToDate>(result.outcome) ||
+                         std::holds_alternative<ConfigSyncResult::Updated>(result.outcome);
+    return current ? done : failed;
+}
+
+int run(const CheckUpdateOnce& command) {
+    const auto defaults = UserDefaults::create();
+    const UpdateService service(command.updateServer, *defaults);
+    const AppUpdateCheckResult result = service.checker().checkNow();
+    QJsonObject answer = std::visit(UpdateAnswer{service.checker().downloadBaseURLString()}, result.outcome);
+    answer.insert(QStringLiteral("hasUpdate"), result.hasUpdate());
+    print(json::line(answer));
+    const bool current = std::holds_alternative<AppUpdateCheckResult::UpToDate>(result.outcome);
+    return current || result.hasUpdate() ? done : failed;
+}
 
 int run(const PrintText& command) {
     print(command.text.toUtf8());

@@ -10,6 +10,8 @@ int run(const PrintDraftState& command);
 int run(const PrintLogsDir& command);
 int run(const RecognizeImages& command);
 int run(const MatchTexts& command);
+int run(const SyncOnce& command);
+int run(const CheckUpdateOnce& command);
 int run(const PrintText& command);
 
 } // namespace pelloran

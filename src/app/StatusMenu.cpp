@@ -83,16 +83,11 @@ std::vector<StatusMenuEntry> statusMenu(AppLanguage preference) {
         entry.checked = language == preference;
         languages.submenu.push_back(entry);
     }
-    StatusMenuEntry checkConfig{L10n::tr(u"menu.checkConfig"), QStringLiteral("u"), Action::checkConfigNow};
-    StatusMenuEntry checkUpdate{L10n::tr(u"menu.checkAppUpdate"), {}, Action::checkAppUpdateNow};
-    // Nothing of the program asks a server yet.
-    checkConfig.enabled = false;
-    checkUpdate.enabled = false;
     return {
         {L10n::tr(u"menu.toggleOverlay"), QStringLiteral("o"), Action::toggleOverlay},
         {L10n::tr(u"menu.refresh"), QStringLiteral("r"), Action::refreshNow},
-        checkConfig,
-        checkUpdate,
+        {L10n::tr(u"menu.checkConfig"), QStringLiteral("u"), Action::checkConfigNow},
+        {L10n::tr(u"menu.checkAppUpdate"), {}, Action::checkAppUpdateNow},
         separator,
         languages,
         separator,

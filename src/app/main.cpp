@@ -59,7 +59,7 @@ int main(int argc, char** argv) {
     if (!withPanel) {
         exitCode = std::visit([](const auto& chosen) { return run(chosen); }, *command);
     } else if (session) {
-        exitCode = runOnDesktop(*loop, *settings);
+        exitCode = runOnDesktop(*loop, *settings, *defaults);
     } else {
         exitCode = failWithoutDisplay(session.error());
     }

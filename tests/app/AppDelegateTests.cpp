@@ -4,6 +4,8 @@
 #include "data/WinrateStore.h"
 #include "fakes/FakeAlerts.h"
 #include "fakes/FakeApplicationFiles.h"
+#include "fakes/FakeBrowser.h"
+#include "fakes/FakeHttpClient.h"
 #include "fakes/FakeOverlay.h"
 #include "fakes/FakeStatusItem.h"
 #include "fakes/FakeSystemSettings.h"
@@ -14,12 +16,16 @@
 #include "platform/Log.h"
 #include "recognition/ScreenReader.h"
 #include "support/Printing.h"
+#include "sync/ConfigSync.h"
+#include "update/AppUpdateChecker.h"
+#include "update/UpdatePrompts.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QImage>
 #include <QPalette>
+#include <QProcess>
 #include <QTemporaryDir>
 
 #include <gmock/gmock.h>
@@ -32,6 +38,7 @@ using Action = StatusMenuEntry::Action;
 using ::testing::ElementsAre;
 
 const QString bootEnglish = QStringLiteral("Local config · bundled · syncing… · Waiting for Arena draft…");
+const QString latest = QStringLiteral("https://data.test/pelloran/latest/");
 const QString bootChinese = QStringLiteral("本地配置 · 内置 · 后台同步中… · 等待进入竞技场选卡界面…");
 
 class Receiver final : public DraftServiceDelegate {
@@ -54,6 +61,7 @@ protected:
 
     void TearDown() override {
         delegate.reset();
+        configSync.reset();
         setLogSink({});
         AppLanguage::configure(nullptr, nullptr);
     }
@@ -73,6 +81,8 @@ protected:
             .queue = queue,
             .statusItem = item,
             .alerts = alerts,
+            .configSync = *configSync,
+            .updatePrompts = updatePrompts,
             .settings = settings,
             .files = files,
             .config = config,
@@ -94,6 +104,29 @@ protected:
 
     void endDraft() const { QDir(config.logsDir).removeRecursively(); }
 
+    // The files of a sync as if one had been installed.
+    void installConfiguration(const QByteArray& hash) const {
+        write("support/Pelloran/config/.content_hash", hash);
+        write("support/Pelloran/config/winrates/class_winrates.json", R"({"classes": []})");
+    }
+
+    void serveManifest(const QByteArray& hash) const {
+        configServer->answer(latest + QStringLiteral("manifest.json"), 200, R"({"hash": ")" + hash + R"("})");
+    }
+
+    // A bundle of one card file.
+    void serveBundle(const QByteArray& cardFile) const {
+        write("bundle/winrates/all_classes_LAST_7_DAYS.json", cardFile);
+        QProcess tar;
+        tar.start(QStringLiteral("tar"),
+                  {QStringLiteral("-czf"), folder.filePath(QStringLiteral("b.tar.gz")), QStringLiteral("-C"),
+                   folder.filePath(QStringLiteral("bundle")), QStringLiteral("winrates")});
+        ASSERT_TRUE(tar.waitForFinished());
+        QFile file(folder.filePath(QStringLiteral("b.tar.gz")));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        configServer->answer(latest + QStringLiteral("config.tar.gz"), 200, file.readAll());
+    }
+
     QString lastMessage() const { return panel.snapshots.back().message.value_or(QString()); }
 
     QTemporaryDir folder;
@@ -108,6 +141,18 @@ protected:
     testing::FakeStatusItem item{steps};
     testing::FakeAlerts alerts;
     testing::OverlayRecord panel;
+    testing::FakeHttpClient* configServer = new testing::FakeHttpClient; // owned by the sync, as is its queue
+    testing::ManualQueue* syncQueue = new testing::ManualQueue;
+    std::unique_ptr<ConfigSync> configSync = std::make_unique<ConfigSync>(
+        QStringLiteral("https://data.test"), LocalConfig(files), std::unique_ptr<HttpClient>(configServer),
+        std::unique_ptr<SerialQueue>(syncQueue));
+    testing::FakeHttpClient updateServer;
+    testing::ManualQueue updateQueue;
+    AppUpdateChecker checker{{updateServer, defaults, updateQueue},
+                             {QStringLiteral("1.0"), std::nullopt},
+                             QStringLiteral("https://news.test/download")};
+    testing::FakeBrowser browser;
+    UpdatePrompts updatePrompts{checker, alerts, browser};
     AppConfig config;
     std::vector<int> exitCodes;
     std::shared_ptr<DraftServiceDelegate> alsoReceives;
@@ -334,6 +379,133 @@ TEST_F(AppDelegateTest, FollowsTheLookOfTheDesktop) {
     EXPECT_EQ(panel.settingsChanges, 2);
     settings.setAppearance(std::nullopt);
     EXPECT_EQ(QApplication::palette().color(QPalette::Window), before.color(QPalette::Window));
+}
+
+TEST_F(AppDelegateTest, AsksItsServersOnceItRuns) {
+    launch();
+    EXPECT_EQ(syncQueue->waiting(), 1U) << "a sync at once";
+    EXPECT_EQ(updateQueue.waiting(), 1U) << "and a look for a newer version";
+    updateServer.answer(QStringLiteral("https://news.test/download/latest.json"), 200, R"({"version": "1.1"})");
+    alerts.pressed = 2; // ignore
+    updateQueue.finishNext();
+    ASSERT_EQ(alerts.shown.size(), 1U);
+    EXPECT_EQ(alerts.shown[0].messageText, QStringLiteral("Update Available"));
+}
+
+TEST_F(AppDelegateTest, AsksNobodyWithoutData) {
+    write("resources/winrates/all_classes_LAST_7_DAYS.json", "no figures");
+    launch();
+    EXPECT_EQ(syncQueue->waiting(), 0U);
+    EXPECT_EQ(updateQueue.waiting(), 0U);
+}
+
+TEST_F(AppDelegateTest, TellsHowASyncWentInTheIdleLine) {
+    struct Case {
+        const char* why;
+        const char* installed; // null: none
+        const char* served;    // null: the server cannot be reached
+        const char* boot;
+        const char* line;
+        const char* logged;
+    };
+
+    const Case cases[] = {
+        {"the same", "1a2b3c4d5e6f", "1a2b3c4d5e6f", "Local config · 1a2b3c4d… · syncing… · Waiting for Arena draft…",
+         "Config up to date · 1a2b3c4d… · Waiting for Arena draft…",
+         "log config sync: Config is up to date (1a2b3c4d…)"},
+        {"no server, files of an earlier sync", "1a2b3c4d5e6f", nullptr,
+         "Local config · 1a2b3c4d… · syncing… · Waiting for Arena draft…",
+         "Offline local config · 1a2b3c4d… · Waiting for Arena draft…",
+         "log config sync: Offline, using local config: Connection refused"},
+        {"no server, no files", nullptr, nullptr, "Local config · bundled · syncing… · Waiting for Arena draft…",
+         "Bundled/local config · bundled · Waiting for Arena draft…",
+         "log config sync: Config sync failed; using local/bundled data: Connection refused"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        QDir(folder.filePath(QStringLiteral("support"))).removeRecursively();
+        if (c.installed) {
+            installConfiguration(c.installed);
+        }
+        if (c.served) {
+            serveManifest(c.served);
+        } else {
+            configServer->fail(latest + QStringLiteral("manifest.json"), QStringLiteral("Connection refused"));
+        }
+        launch();
+        EXPECT_EQ(lastMessage(), QString::fromUtf8(c.boot));
+        syncQueue->finishNext();
+        EXPECT_EQ(lastMessage(), QString::fromUtf8(c.line));
+        EXPECT_EQ(steps.filter(QStringLiteral("config sync")).last(), QString::fromUtf8(c.logged));
+        delegate->refreshNow();
+        EXPECT_EQ(lastMessage(), QString::fromUtf8(c.line)) << "from now on";
+        delegate.reset();
+    }
+}
+
+TEST_F(AppDelegateTest, LoadsWhatASyncBrought) {
+    launch();
+    ASSERT_TRUE(store.stats(QStringLiteral("OWN")));
+    serveManifest("feedbeef");
+    serveBundle(R"({"cards": [{"card_id": "NEW", "name_en": "New Card"}]})");
+    syncQueue->finishNext();
+    EXPECT_TRUE(store.stats(QStringLiteral("NEW")));
+    EXPECT_FALSE(store.stats(QStringLiteral("OWN")));
+    EXPECT_TRUE(steps.contains(QStringLiteral("log reloaded store cards=") + store.metaDescription() +
+                               QStringLiteral("; source=") + store.cardsSourceDescription()));
+    EXPECT_EQ(lastMessage(), QStringLiteral("Config updated · feedbeef… · Waiting for Arena draft…"));
+}
+
+TEST_F(AppDelegateTest, KeepsItsDataWhenWhatASyncBroughtCannotBeLoaded) {
+    launch();
+    serveManifest("feedbeef");
+    serveBundle("no figures");
+    syncQueue->finishNext();
+    EXPECT_TRUE(store.stats(QStringLiteral("OWN")));
+    EXPECT_EQ(steps.filter(QStringLiteral("log reload after sync failed: ")).size(), 1);
+    EXPECT_EQ(lastMessage(), QStringLiteral("Config updated · feedbeef… · Waiting for Arena draft…"));
+}
+
+TEST_F(AppDelegateTest, DoesNotBlankADraftWhenASyncEnds) {
+    beginDraft();
+    launch();
+    queue.finishNext();
+    const auto before = panel.snapshots.size();
+    syncQueue->finishNext();
+    EXPECT_EQ(panel.snapshots.size(), before);
+    endDraft();
+    delegate->refreshNow();
+    EXPECT_EQ(lastMessage(), QStringLiteral("Bundled/local config · bundled · Waiting for Arena draft…"));
+}
+
+TEST_F(AppDelegateTest, TellsTheLastSyncInTheNewLanguage) {
+    launch();
+    syncQueue->finishNext();
+    AppLanguage::setPreference(AppLanguage::zh);
+    EXPECT_EQ(lastMessage(), QStringLiteral("内置/本地配置 · 内置 · 等待进入竞技场选卡界面…"));
+}
+
+TEST_F(AppDelegateTest, AsksItsServersWhenTold) {
+    launch();
+    syncQueue->finishNext();
+    updateQueue.finishNext();
+    ASSERT_TRUE(alerts.shown.empty()) << "nobody asked";
+    item.choose(Action::checkConfigNow);
+    EXPECT_EQ(syncQueue->waiting(), 1U);
+    item.choose(Action::checkAppUpdateNow);
+    ASSERT_EQ(updateQueue.waiting(), 1U);
+    updateQueue.finishNext();
+    ASSERT_EQ(alerts.shown.size(), 1U);
+    EXPECT_EQ(alerts.shown[0].messageText, QStringLiteral("Can’t check for updates"));
+}
+
+TEST_F(AppDelegateTest, HearsOfNoSyncAfterItsEnd) {
+    launch();
+    const auto before = panel.snapshots.size();
+    delegate->applicationWillTerminate();
+    syncQueue->finishNext();
+    EXPECT_EQ(panel.snapshots.size(), before);
+    EXPECT_TRUE(steps.filter(QStringLiteral("config sync")).isEmpty());
 }
 
 TEST_F(AppDelegateTest, IsHeldWeaklyByItsService) {

@@ -57,6 +57,18 @@ TEST(CommandLine, ChoosesWhatARunShows) {
     }
 }
 
+TEST(CommandLine, TakesOtherServersThanTheBuiltInOnes) {
+    EXPECT_EQ(parsed<RunLoop>("").configServer, std::nullopt);
+    EXPECT_EQ(parsed<RunLoop>("").updateServer, std::nullopt);
+    const auto run = parsed<RunLoop>("--config-server http://a --update-server=http://b");
+    EXPECT_EQ(run.configServer, QStringLiteral("http://a"));
+    EXPECT_EQ(run.updateServer, QStringLiteral("http://b"));
+    EXPECT_EQ(parsed<SyncOnce>("sync --config-server http://a").configServer, QStringLiteral("http://a"));
+    EXPECT_EQ(parsed<CheckUpdateOnce>("check-update").updateServer, std::nullopt);
+    EXPECT_FALSE(parse("sync --update-server http://b")) << "not its server";
+    EXPECT_FALSE(parse("check-update now"));
+}
+
 TEST(CommandLine, TakesTheCommandsThatShowOnePart) {
     EXPECT_EQ(parsed<PrintDraftState>("draft-state --logs-dir Logs").logsDir, QStringLiteral("Logs"));
     EXPECT_EQ(parsed<PrintDraftState>("draft-state").logsDir, std::nullopt);

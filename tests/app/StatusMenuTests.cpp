@@ -38,8 +38,8 @@ TEST_F(StatusMenuTest, HasEightEntriesInBothLanguages) {
     const Row rows[] = {
         {"the panel", "显示/隐藏悬浮窗", "Show/Hide Overlay", "o", Action::toggleOverlay, true},
         {"one tick", "立即刷新", "Refresh Now", "r", Action::refreshNow, true},
-        {"no server yet", "检查配置更新", "Check Config Update", "u", Action::checkConfigNow, false},
-        {"no server yet", "检查应用更新", "Check App Update", "", Action::checkAppUpdateNow, false},
+        {"one sync", "检查配置更新", "Check Config Update", "u", Action::checkConfigNow, true},
+        {"one check", "检查应用更新", "Check App Update", "", Action::checkAppUpdateNow, true},
         {"separator", "", "", "", Action::none, true},
         {"opens its submenu", "语言 / Language", "Language", "", Action::none, true},
         {"separator", "", "", "", Action::none, true},
@@ -118,7 +118,7 @@ TEST_F(StatusMenuWidget, ShowsTheEntries) {
     ASSERT_EQ(actions.size(), 8);
     EXPECT_EQ(actions[0]->text(), QStringLiteral("Show/Hide Overlay"));
     EXPECT_EQ(actions[0]->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_O));
-    EXPECT_FALSE(actions[2]->isEnabled());
+    EXPECT_TRUE(actions[2]->isEnabled());
     EXPECT_TRUE(actions[4]->isSeparator());
     ASSERT_NE(actions[5]->menu(), nullptr);
     const auto languages = actions[5]->menu()->actions();
@@ -146,7 +146,7 @@ TEST_F(StatusMenuWidget, ServesItsKeysWhileOpen) {
         {"the panel", Qt::Key_O, Qt::ControlModifier, Action::toggleOverlay},
         {"a tick", Qt::Key_R, Qt::ControlModifier, Action::refreshNow},
         {"the end", Qt::Key_Q, Qt::ControlModifier, Action::quit},
-        {"an entry that is disabled", Qt::Key_U, Qt::ControlModifier, Action::none},
+        {"a sync", Qt::Key_U, Qt::ControlModifier, Action::checkConfigNow},
         {"another modifier as well", Qt::Key_R, Qt::ControlModifier | Qt::ShiftModifier, Action::none},
         {"no modifier", Qt::Key_F5, Qt::NoModifier, Action::none},
     };

@@ -71,6 +71,30 @@ TEST_F(ProgramTest, PrintsTheDraftState) {
     EXPECT_EQ(none[0][QStringLiteral("scene")].toString(), QStringLiteral("NO_SESSION"));
 }
 
+// A port of this machine that nobody listens on.
+const QString nobody = QStringLiteral("http://127.0.0.1:1");
+
+TEST_F(ProgramTest, TellsThatASyncFailed) {
+    const ProgramOutput answer = run({QStringLiteral("sync"), QStringLiteral("--config-server"), nobody});
+    EXPECT_EQ(answer.exitCode, 1);
+    const auto lines = answer.lines();
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_EQ(lines[0][QStringLiteral("result")].toString(), QStringLiteral("failed"));
+    EXPECT_FALSE(lines[0][QStringLiteral("message")].toString().isEmpty());
+    EXPECT_EQ(lines[0][QStringLiteral("userMessage")].toString(),
+              QStringLiteral("Config sync failed; using local/bundled data: ") +
+                  lines[0][QStringLiteral("message")].toString());
+}
+
+TEST_F(ProgramTest, TellsThatNobodyKnowsOfAnUpdate) {
+    const ProgramOutput answer = run({QStringLiteral("check-update"), QStringLiteral("--update-server"), nobody});
+    EXPECT_EQ(answer.exitCode, 1);
+    const auto lines = answer.lines();
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_EQ(lines[0][QStringLiteral("result")].toString(), QStringLiteral("offline"));
+    EXPECT_FALSE(lines[0][QStringLiteral("hasUpdate")].toBool(true));
+}
+
 TEST_F(ProgramTest, FindsTheGamesLogFolderInAWinePrefix) {
     EXPECT_EQ(run({QStringLiteral("logs-dir")}).exitCode, 1);
     write(".wine/drive_c/Program Files (x86)/Hearthstone/Logs/Hearthstone_1/Arena.log",

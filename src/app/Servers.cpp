@@ -1,0 +1,28 @@
+#include "app/Servers.h"
+
+#include "platform/HttpClient.h"
+#include "platform/SerialQueue.h"
+#include "platform/UserDefaults.h"
+#include "sync/ConfigSync.h"
+#include "update/AppUpdateChecker.h"
+
+#include <QCoreApplication>
+
+namespace pelloran {
+
+std::unique_ptr<ConfigSync> makeConfigSync(const std::optional<QString>& asked, const ApplicationFiles& files) {
+    return std::make_unique<ConfigSync>(asked.value_or(QStringLiteral(PELLORAN_CONFIG_SERVER)), LocalConfig(files),
+                                        HttpClient::create(), SerialQueue::create(ConfigSync::queueName()));
+}
+
+UpdateService::UpdateService(const std::optional<QString>& asked, UserDefaults& defaults)
+    : http(HttpClient::create())
+    , queue(SerialQueue::create(AppUpdateChecker::workQueueLabel.toString()))
+    , updates(std::make_unique<AppUpdateChecker>(
+          AppUpdateChecker::Surroundings{*http, defaults, *queue},
+          AppUpdateChecker::LocalApplication{QCoreApplication::applicationVersion(), std::nullopt},
+          asked.value_or(QStringLiteral(PELLORAN_UPDATE_SERVER)) + QStringLiteral("/download"))) {}
+
+UpdateService::~UpdateService() = default;
+
+} // namespace pelloran
