@@ -162,7 +162,7 @@ TEST_F(TarArchiveTest, CountsEntries) {
 TEST_F(TarArchiveTest, PassesOnWhatTarSays) {
     TarWriter whole;
     QByteArray noise;
-    for (int i = 0; i < 100'000; ++i) {
+    for (unsigned i = 0; i < 100'000; ++i) {
         noise += static_cast<char>(i * i % 251);
     }
     whole.add({.name = "a", .content = noise});
