@@ -35,6 +35,8 @@ constexpr qsizetype mostLettersOnAScreen = 10'000;
 // million letters would stop the program for a minute and a half.
 constexpr int mostLettersOfAParagraph = 5'000;
 
+constexpr double marginWithinAFrame = 4;
+
 // How much of the screen an alert may take, so that it is seen to be one.
 constexpr double shareOfTheScreen = 0.8;
 
@@ -92,6 +94,7 @@ public:
         } else {
             setFixedSize(most);
             setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+            document()->setDocumentMargin(marginWithinAFrame);
         }
     }
 
