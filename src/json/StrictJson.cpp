@@ -68,7 +68,7 @@ Verdict decodeInto(bool& truth, const QJsonValue& value) {
 }
 
 Verdict decodeInto(QStringList& texts, const QJsonValue& value) {
-    const Verdict otherwise = wanted(u"an array of texts"_s);
+    Verdict otherwise = wanted(u"an array of texts"_s);
     if (!value.isArray()) {
         return otherwise;
     }
@@ -84,7 +84,7 @@ Verdict decodeInto(QStringList& texts, const QJsonValue& value) {
 }
 
 Verdict decodeInto(QMap<QString, QString>& texts, const QJsonValue& value) {
-    const Verdict otherwise = wanted(u"an object of texts"_s);
+    Verdict otherwise = wanted(u"an object of texts"_s);
     if (!value.isObject()) {
         return otherwise;
     }

@@ -109,6 +109,7 @@ TEST(MessageBoxAlerts, StayOnTheScreenHoweverLongTheirText) {
         bool scrolls;
     };
 
+    constexpr qsizetype mebibyte = 1'048'576; // as long as a release's description may be
     const QString offer = QStringLiteral("You have 1.0; latest is 1.1.\nDownload the update now?");
     const Case cases[] = {
         {"nothing", {}, false},
@@ -121,9 +122,9 @@ TEST(MessageBoxAlerts, StayOnTheScreenHoweverLongTheirText) {
         {"a page", QStringLiteral("- another line\n").repeated(100), true},
         {"many pages", QStringLiteral("- another line\n").repeated(70'000), true},
         {"one long paragraph", QStringLiteral("another word ").repeated(80'000), true},
-        {"one long word", QString(1024 * 1024, u'x'), true},
+        {"one long word", QString(mebibyte, u'x'), true},
         {"a long paragraph of wide letters", QString(340'000, u'说'), true},
-        {"nothing but line breaks", QString(1024 * 1024, u'\n'), true},
+        {"nothing but line breaks", QString(mebibyte, u'\n'), true},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);

@@ -37,7 +37,7 @@ protected:
         AppLanguage::overridePreference(AppLanguage::en);
     }
 
-    ~UpdateServerTest() override { AppLanguage::configure(nullptr, nullptr); }
+    void TearDown() override { AppLanguage::configure(nullptr, nullptr); }
 
     // One check as the application does it.
     Result checkOnce() {

@@ -276,7 +276,8 @@ void X11Panel::putOnTop() {
     xcb_flush(*connection);
     if (cameToTop) {
         // What is put above it next is asked for over another connection, and the server keeps no order between two.
-        connection->ask<xcb_get_input_focus_reply>(xcb_get_input_focus(*connection), "GetInputFocus");
+        static_cast<void>(
+            connection->ask<xcb_get_input_focus_reply>(xcb_get_input_focus(*connection), "GetInputFocus"));
         cameToTop();
     }
 }
