@@ -157,15 +157,25 @@ struct UpdateAnswer {
 private:
     QJsonObject offer(const QString& name, const QString& local, const AppReleaseInfo& release) const {
         const auto download = release.preferredDownloadURL(downloadBase);
-        return {{QStringLiteral("result"), name},
-                {QStringLiteral("local"), local},
-                {QStringLiteral("release"),
-                 QJsonObject{
-                     {QStringLiteral("version"), release.version},
-                     {QStringLiteral("force"), release.isForced()},
-                     {QStringLiteral("download"),
-                      download ? QJsonValue(download->toString(QUrl::FullyEncoded)) : QJsonValue(QJsonValue::Null)},
-                 }}};
+        const QJsonObject all{
+            {QStringLiteral("name"), json::optional(release.name)},
+            {QStringLiteral("version"), release.version},
+            {QStringLiteral("build"), json::optional(release.build)},
+            {QStringLiteral("minMacos"), json::optional(release.minMacos)},
+            {QStringLiteral("arch"),
+             release.arch ? QJsonArray::fromStringList(*release.arch) : QJsonValue(QJsonValue::Null)},
+            {QStringLiteral("dmg"), json::optional(release.dmg)},
+            {QStringLiteral("zip"), json::optional(release.zip)},
+            {QStringLiteral("baseURL"), json::optional(release.baseURL)},
+            {QStringLiteral("notes"), json::optional(release.notes)},
+            {QStringLiteral("notesZh"), json::optional(release.notesZh)},
+            {QStringLiteral("notesEn"), json::optional(release.notesEn)},
+            {QStringLiteral("publishedAt"), json::optional(release.publishedAt)},
+            {QStringLiteral("force"), json::optional(release.force)},
+            {QStringLiteral("download"),
+             download ? QJsonValue(download->toString(QUrl::FullyEncoded)) : QJsonValue(QJsonValue::Null)},
+        };
+        return {{QStringLiteral("result"), name}, {QStringLiteral("local"), local}, {QStringLiteral("release"), all}};
     }
 };
 
@@ -188,6 +198,7 @@ int run(const CheckUpdateOnce& command) {
     const AppUpdateCheckResult result = service.checker().checkNow();
     QJsonObject answer = std::visit(UpdateAnswer{service.checker().downloadBaseURLString()}, result.outcome);
     answer.insert(QStringLiteral("hasUpdate"), result.hasUpdate());
+    answer.insert(QStringLiteral("userMessage"), result.userMessage());
     print(json::line(answer));
     const bool current = std::holds_alternative<AppUpdateCheckResult::UpToDate>(result.outcome);
     return current || result.hasUpdate() ? done : failed;

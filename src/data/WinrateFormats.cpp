@@ -1,9 +1,10 @@
 #include "data/WinrateFormats.h"
 
+#include "json/StrictJson.h"
+
 #include <QHash>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QJsonParseError>
 
 #include <algorithm>
 #include <array>
@@ -14,20 +15,11 @@ using namespace Qt::StringLiterals;
 
 namespace pelloran {
 
-namespace {
-
-template <typename Record, typename Value>
-struct Field {
-    QLatin1StringView key;
-    Value Record::* member;
-};
+using strict_json::Field;
 
 // What a record's fields are called in files. Decoding, encoding and hashing all go by these tables.
-template <typename Record>
-constexpr std::tuple<> fields;
-
 template <>
-constexpr std::tuple fields<CardStats>{
+constexpr std::tuple strict_json::fields<CardStats>{
     Field{"card_id"_L1, &CardStats::cardId},
     Field{"name_zh"_L1, &CardStats::nameZh},
     Field{"name_en"_L1, &CardStats::nameEn},
@@ -45,7 +37,7 @@ constexpr std::tuple fields<CardStats>{
 };
 
 template <>
-constexpr std::tuple fields<WinrateFile>{
+constexpr std::tuple strict_json::fields<WinrateFile>{
     Field{"player_class"_L1, &WinrateFile::playerClass},
     Field{"time_range"_L1, &WinrateFile::timeRange},
     Field{"fetched_at"_L1, &WinrateFile::fetchedAt},
@@ -54,7 +46,7 @@ constexpr std::tuple fields<WinrateFile>{
 };
 
 template <>
-constexpr std::tuple fields<ClassWinrateRow>{
+constexpr std::tuple strict_json::fields<ClassWinrateRow>{
     Field{"deck_class_id"_L1, &ClassWinrateRow::deckClassId},
     Field{"player_class"_L1, &ClassWinrateRow::playerClass},
     Field{"name_zh"_L1, &ClassWinrateRow::nameZh},
@@ -67,112 +59,24 @@ constexpr std::tuple fields<ClassWinrateRow>{
 };
 
 template <>
-constexpr std::tuple fields<ClassWinrateFile>{
+constexpr std::tuple strict_json::fields<ClassWinrateFile>{
     Field{"fetched_at"_L1, &ClassWinrateFile::fetchedAt},
     Field{"selected_params"_L1, &ClassWinrateFile::selectedParams},
     Field{"classes"_L1, &ClassWinrateFile::classes},
 };
 
-template <typename Record>
-concept HasFields = std::tuple_size_v<decltype(fields<Record>)> != 0;
+namespace {
 
-// The first place at which a file is not what it should be, such as {"cards[3].cost", "a whole number"}.
-struct Mismatch {
-    QString place;
-    QString wanted;
-};
-
-// Absent when all is well.
-using Verdict = std::optional<Mismatch>;
-
-Verdict wanted(const QString& what) {
-    return Mismatch{{}, what};
-}
-
-Verdict decodeInto(QString& text, const QJsonValue& value) {
-    if (!value.isString()) {
-        return wanted(u"a text"_s);
-    }
-    text = value.toString();
-    return {};
-}
-
-Verdict decodeInto(double& number, const QJsonValue& value) {
-    if (!value.isDouble()) {
-        return wanted(u"a number"_s);
-    }
-    number = value.toDouble();
-    return {};
-}
-
-Verdict decodeInto(qint64& number, const QJsonValue& value) {
-    // toInteger answers with its default for whatever is no whole number of 64 bits.
-    number = value.toInteger(0);
-    if (!value.isDouble() || number != value.toInteger(1)) {
-        return wanted(u"a whole number"_s);
-    }
-    return {};
-}
-
-template <typename Value>
-Verdict decodeInto(std::optional<Value>& field, const QJsonValue& value);
-template <typename Element>
-Verdict decodeInto(std::vector<Element>& elements, const QJsonValue& value);
-
-template <HasFields Record>
-Verdict decodeInto(Record& record, const QJsonValue& value) {
-    if (!value.isObject()) {
-        return wanted(u"an object"_s);
-    }
-    const QJsonObject object = value.toObject();
-    Verdict verdict;
-    const auto decodeField = [&](const auto& field) {
-        verdict = decodeInto(record.*field.member, object.value(field.key));
-        if (verdict) {
-            const bool nested = !verdict->place.isEmpty() && !verdict->place.startsWith(u'[');
-            verdict->place = field.key + (nested ? u"."_s : QString()) + verdict->place;
-        }
-        return !verdict;
-    };
-    std::apply([&](const auto&... field) { static_cast<void>((decodeField(field) && ...)); }, fields<Record>);
-    return verdict;
-}
-
-template <typename Value>
-Verdict decodeInto(std::optional<Value>& field, const QJsonValue& value) {
-    if (value.isNull() || value.isUndefined()) {
-        field.reset();
-        return {};
-    }
-    return decodeInto(field.emplace(), value);
-}
-
-template <typename Element>
-Verdict decodeInto(std::vector<Element>& elements, const QJsonValue& value) {
-    if (!value.isArray()) {
-        return wanted(u"an array"_s);
-    }
-    const QJsonArray array = value.toArray();
-    elements.clear();
-    elements.reserve(static_cast<std::size_t>(array.size()));
-    for (qsizetype index = 0; index < array.size(); ++index) {
-        if (Verdict verdict = decodeInto(elements.emplace_back(), array.at(index))) {
-            const QString dot = verdict->place.isEmpty() ? QString() : u"."_s;
-            verdict->place = u'[' + QString::number(index) + u']' + dot + verdict->place;
-            return verdict;
-        }
-    }
-    return {};
-}
+using strict_json::fields;
+using strict_json::HasFields;
 
 template <typename Value>
 std::expected<Value, DataError> decodeAs(const QJsonValue& json) {
-    Value value;
-    if (const Verdict verdict = decodeInto(value, json)) {
-        const QString place = verdict->place.isEmpty() ? u"the file"_s : verdict->place;
-        return std::unexpected(DataError{u"WinrateFormats"_s, 0, place + u" is not "_s + verdict->wanted});
+    auto value = strict_json::decode<Value>(json);
+    if (!value) {
+        return std::unexpected(DataError{u"WinrateFormats"_s, 0, strict_json::describe(value.error(), u"the file"_s)});
     }
-    return value;
+    return std::move(*value);
 }
 
 template <typename Value>
@@ -345,21 +249,19 @@ QByteArray encodeCards(const std::vector<CardStats>& cards) {
 }
 
 std::expected<QJsonValue, DataError> parseJson(const QByteArray& json) {
-    QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(json, &error);
-    if (error.error == QJsonParseError::NoError) {
-        return document.isArray() ? QJsonValue(document.array()) : QJsonValue(document.object());
+    auto parsed = strict_json::parse(json);
+    if (parsed) {
+        return std::move(*parsed);
     }
     // The parser takes a bare number or text for a syntax error, but not inside an array.
-    if (error.error == QJsonParseError::IllegalValue) {
+    if (parsed.error().code == QJsonParseError::IllegalValue) {
         const QByteArray bare = json.startsWith("\xEF\xBB\xBF") ? json.sliced(3) : json;
         const QJsonArray wrapped = QJsonDocument::fromJson('[' + bare + ']').array();
         if (wrapped.size() == 1) {
             return wrapped.first();
         }
     }
-    return std::unexpected(DataError{u"QJsonDocument"_s, error.error,
-                                     error.errorString() + u" at byte "_s + QString::number(error.offset)});
+    return std::unexpected(DataError{u"QJsonDocument"_s, parsed.error().code, parsed.error().description});
 }
 
 size_t qHash(const CardStats& card, size_t seed) {

@@ -10,7 +10,8 @@ class QWindow;
 namespace pelloran {
 
 // Makes one window float: above every other window, a full-screen game included, on every desktop, and never with the
-// keyboard. What that takes differs from system to system. Main thread, with a QGuiApplication.
+// keyboard. Of several, those made later stay above those made earlier. What all that takes differs from system to
+// system. Main thread, with a QGuiApplication.
 class PanelWindow {
 public:
     static std::unique_ptr<PanelWindow> create();

@@ -53,6 +53,9 @@ struct AppUpdateCheckResult {
     // True for `Available` and `SkippedVersion`.
     bool hasUpdate() const;
 
+    // For the user's eyes, in the language in force.
+    QString userMessage() const;
+
     bool operator==(const AppUpdateCheckResult&) const = default;
 };
 

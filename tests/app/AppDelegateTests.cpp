@@ -27,9 +27,12 @@
 #include <QPalette>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <QTimer>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <utility>
 
 namespace pelloran {
 namespace {
@@ -127,6 +130,27 @@ protected:
         configServer->answer(latest + QStringLiteral("config.tar.gz"), 200, file.readAll());
     }
 
+    // Has a second sync come while the first waits for its server, and looks at what the second has done.
+    void syncMeetsAnother(const std::function<void()>& look) {
+        item.choose(Action::checkConfigNow);
+        item.choose(Action::checkConfigNow);
+        bool met = false;
+        configServer->onRequest = [this, &look, &met](const HttpClient::Request&) {
+            if (std::exchange(met, true)) {
+                return;
+            }
+            const QStringList stepsBefore = steps;
+            const auto snapshotsBefore = panel.snapshots.size();
+            syncQueue->finishNext();
+            EXPECT_EQ(steps, stepsBefore);
+            EXPECT_EQ(panel.snapshots.size(), snapshotsBefore);
+            look();
+        };
+        syncQueue->finishNext();
+        configServer->onRequest = {};
+        EXPECT_TRUE(met);
+    }
+
     QString lastMessage() const { return panel.snapshots.back().message.value_or(QString()); }
 
     QTemporaryDir folder;
@@ -178,6 +202,13 @@ TEST_F(AppDelegateTest, StartsInItsOrder) {
     EXPECT_TRUE(panel.visible);
     EXPECT_TRUE(alerts.shown.empty());
     EXPECT_TRUE(exitCodes.empty());
+}
+
+TEST_F(AppDelegateTest, SaysInWhichLanguageItStarts) {
+    settings.languages = {QStringLiteral("zh-Hant-TW")};
+    launch();
+    EXPECT_TRUE(steps.last().endsWith(QStringLiteral("; lang=zh")));
+    EXPECT_EQ(lastMessage(), bootChinese);
 }
 
 TEST_F(AppDelegateTest, ShowsTheBootLineEvenInADraftUntilTheNextTick) {
@@ -437,6 +468,7 @@ TEST_F(AppDelegateTest, TellsHowASyncWentInTheIdleLine) {
         syncQueue->finishNext();
         EXPECT_EQ(lastMessage(), QString::fromUtf8(c.line));
         EXPECT_EQ(steps.filter(QStringLiteral("config sync")).last(), QString::fromUtf8(c.logged));
+        EXPECT_TRUE(steps.filter(QStringLiteral("reload")).isEmpty()) << "nothing new to load";
         delegate->refreshNow();
         EXPECT_EQ(lastMessage(), QString::fromUtf8(c.line)) << "from now on";
         delegate.reset();
@@ -485,6 +517,77 @@ TEST_F(AppDelegateTest, TellsTheLastSyncInTheNewLanguage) {
     EXPECT_EQ(lastMessage(), QStringLiteral("内置/本地配置 · 内置 · 等待进入竞技场选卡界面…"));
 }
 
+TEST_F(AppDelegateTest, HearsNothingOfASyncThatWasTooMuch) {
+    launch();
+    syncQueue->finishNext();
+    const QString line = QStringLiteral("Bundled/local config · bundled · Waiting for Arena draft…");
+    ASSERT_EQ(lastMessage(), line);
+    // What it would say if it took the second for the last.
+    installConfiguration("1a2b3c4d5e6f");
+    syncMeetsAnother([this, &line] {
+        EXPECT_EQ(lastMessage(), line);
+        delegate->refreshNow();
+        EXPECT_EQ(lastMessage(), line) << "the service's idle line";
+        AppLanguage::setPreference(AppLanguage::zh);
+        EXPECT_EQ(lastMessage(), QStringLiteral("内置/本地配置 · 1a2b3c4d… · 等待进入竞技场选卡界面…"))
+            << "of the result before";
+        AppLanguage::setPreference(AppLanguage::en);
+    });
+    EXPECT_EQ(steps.filter(QStringLiteral("config sync")).size(), 2) << "two of three syncs were heard of";
+}
+
+TEST_F(AppDelegateTest, StillBootsAfterASyncThatWasTooMuch) {
+    launch();
+    syncMeetsAnother([this] {
+        EXPECT_EQ(lastMessage(), bootEnglish);
+        AppLanguage::setPreference(AppLanguage::zh);
+        EXPECT_EQ(lastMessage(), bootChinese) << "there is no result yet";
+    });
+}
+
+TEST_F(AppDelegateTest, NamesTheConfigurationInstalledNotTheOneOffered) {
+    launch();
+    serveManifest(" feedbeefcafe");
+    serveBundle(R"({"cards": [{"card_id": "NEW"}]})");
+    syncQueue->finishNext();
+    EXPECT_EQ(steps.filter(QStringLiteral("log config sync")),
+              QStringList{QStringLiteral("log config sync: Config updated ( feedbee…)")});
+    EXPECT_EQ(lastMessage(), QStringLiteral("Config updated · feedbeef… · Waiting for Arena draft…"));
+}
+
+TEST_F(AppDelegateTest, GoesOnAtItsWorkWhileAnAlertIsUp) {
+    launch();
+    updateServer.answer(QStringLiteral("https://news.test/download/latest.json"), 200, R"({"version": "1.1"})");
+    serveManifest("feedbeef");
+    serveBundle(R"({"cards": [{"card_id": "NEW"}]})");
+    alerts.pressed = 2; // ignore
+    bool first = true;
+    alerts.whenShown = [this, &first] {
+        if (!std::exchange(first, false)) {
+            return;
+        }
+        syncQueue->finishNext();
+        EXPECT_TRUE(store.stats(QStringLiteral("NEW"))) << "a sync brings its data";
+        beginDraft();
+        delegate->refreshNow();
+        queue.finishNext();
+        EXPECT_TRUE(panel.snapshots.back().inDraft) << "a draft is followed";
+        item.choose(Action::selectLanguage, QStringLiteral("zh"));
+        EXPECT_EQ(item.menu, statusMenu(AppLanguage::zh)) << "a language is taken";
+        item.choose(Action::checkAppUpdateNow);
+        updateQueue.finishNext();
+        EXPECT_EQ(alerts.shown.size(), 2U) << "another alert comes on top";
+        delegate->applicationShouldHandleReopen();
+        item.choose(Action::quit);
+        delegate->applicationWillTerminate();
+    };
+    updateQueue.finishNext();
+    ASSERT_EQ(alerts.shown.size(), 2U);
+    EXPECT_EQ(alerts.shown[0].messageText, QStringLiteral("Update Available"));
+    EXPECT_EQ(alerts.shown[1].messageText, QStringLiteral("发现新版本"));
+    EXPECT_THAT(exitCodes, ElementsAre(0));
+}
+
 TEST_F(AppDelegateTest, AsksItsServersWhenTold) {
     launch();
     syncQueue->finishNext();
@@ -502,7 +605,10 @@ TEST_F(AppDelegateTest, AsksItsServersWhenTold) {
 TEST_F(AppDelegateTest, HearsOfNoSyncAfterItsEnd) {
     launch();
     const auto before = panel.snapshots.size();
+    const auto* poll = configSync->findChild<QTimer*>();
+    ASSERT_TRUE(poll && poll->isActive());
     delegate->applicationWillTerminate();
+    EXPECT_FALSE(poll->isActive());
     syncQueue->finishNext();
     EXPECT_EQ(panel.snapshots.size(), before);
     EXPECT_TRUE(steps.filter(QStringLiteral("config sync")).isEmpty());

@@ -5,6 +5,7 @@
 #include "fakes/FakeUserDefaults.h"
 #include "fakes/ManualQueue.h"
 #include "support/Printing.h"
+#include "update/ResultPrinting.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -19,25 +20,6 @@
 using namespace Qt::StringLiterals;
 
 namespace pelloran {
-
-// Found by GoogleTest beside the type.
-static void PrintTo(const AppUpdateCheckResult& result, std::ostream* out) {
-    const auto print = [out](const char* name, const QString& first, const QString& second) {
-        *out << name << '(' << first.toStdString() << ", " << second.toStdString() << ')';
-    };
-    using Result = AppUpdateCheckResult;
-    if (const auto* upToDate = std::get_if<Result::UpToDate>(&result.outcome)) {
-        print("upToDate", upToDate->local, upToDate->remote);
-    } else if (const auto* available = std::get_if<Result::Available>(&result.outcome)) {
-        print("available", available->local, available->release.version);
-    } else if (const auto* skipped = std::get_if<Result::SkippedVersion>(&result.outcome)) {
-        print("skippedVersion", skipped->local, skipped->release.version);
-    } else if (const auto* offline = std::get_if<Result::Offline>(&result.outcome)) {
-        print("offline", offline->reason, {});
-    } else {
-        print("failed", std::get<Result::Failed>(result.outcome).message, {});
-    }
-}
 
 namespace {
 
@@ -353,6 +335,36 @@ TEST_F(AppUpdateCheckerTest, AnUpdateIsWhatCouldBeInstalled) {
     EXPECT_TRUE((Result{Result::SkippedVersion{u"1"_s, release(u"2"_s)}}).hasUpdate());
     EXPECT_FALSE(Result{Result::Offline{u"x"_s}}.hasUpdate());
     EXPECT_FALSE(Result{Result::Failed{u"x"_s}}.hasUpdate());
+}
+
+TEST_F(AppUpdateCheckerTest, ResultsSpeakToTheUser) {
+    struct Case {
+        Result result;
+        QString english;
+        QString chinese;
+    };
+
+    const Case cases[] = {
+        {{Result::UpToDate{u"1.2"_s, u"1.1"_s}},
+         u"You’re already on the latest version.\nLocal 1.2 · Remote 1.1"_s,
+         u"当前已是最新版本。\n本地 1.2 · 远端 1.1"_s},
+        {{Result::Available{u"1.2"_s, release(u"1.3"_s)}},
+         u"You have 1.2; latest is 1.3.\nDownload the update now?"_s,
+         u"当前版本 1.2，最新版本 1.3。\n是否立即下载更新？"_s},
+        {{Result::SkippedVersion{u"1.2"_s, release(u"1.3"_s)}},
+         u"You skipped version 1.3.\nLocal 1.2. Use the menu to check again."_s,
+         u"你已选择跳过版本 1.3。\n本地 1.2 · 可在菜单中再次检查更新。"_s},
+        {{Result::Offline{u"no %@ route"_s}},
+         u"Could not reach the update server: no %@ route"_s,
+         u"暂时无法连接更新服务器：no %@ route"_s},
+        {{Result::Failed{u"as it is"_s}}, u"as it is"_s, u"as it is"_s},
+    };
+    for (const Case& c : cases) {
+        AppLanguage::overridePreference(AppLanguage::en);
+        EXPECT_EQ(c.result.userMessage(), c.english);
+        AppLanguage::overridePreference(AppLanguage::zh);
+        EXPECT_EQ(c.result.userMessage(), c.chinese);
+    }
 }
 
 TEST_F(AppUpdateCheckerTest, ResultsAreEqualCaseByCaseAndPayloadByPayload) {

@@ -9,7 +9,9 @@
 #include <QScreen>
 #include <QWindow>
 
+#include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace pelloran {
 
@@ -44,6 +46,7 @@ x11::Surroundings describeSurroundings() {
 class X11PanelWindow final : public QObject, public PanelWindow {
 public:
     X11PanelWindow() {
+        inOrder.push_back(this);
         if (!qtIsOnX11()) {
             return;
         }
@@ -54,8 +57,11 @@ public:
                     compositingChanged();
                 }
             };
+            panel->cameToTop = [this] { raiseTheNext(); };
         }
     }
+
+    ~X11PanelWindow() override { std::erase(inOrder, this); }
 
     Qt::WindowFlags windowFlags() const override {
         return Qt::Tool | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint | Qt::WindowStaysOnTopHint |
@@ -69,7 +75,7 @@ public:
     }
 
     void raise() override {
-        if (panel && window && window->isVisible()) {
+        if (canBeSeen()) {
             panel->raise();
         }
     }
@@ -97,6 +103,17 @@ protected:
     }
 
 private:
+    bool canBeSeen() const { return panel && window && window->isVisible(); }
+
+    // Which raises the one after it, and so on.
+    void raiseTheNext() const {
+        const auto self = std::ranges::find(inOrder, this);
+        const auto next = std::find_if(self + 1, inOrder.end(), [](const auto* later) { return later->canBeSeen(); });
+        if (next != inOrder.end()) {
+            (*next)->raise();
+        }
+    }
+
     void tellNumber() {
         if (panel && window->handle()) {
             panel->setWindow(static_cast<xcb_window_t>(window->winId()));
@@ -105,6 +122,8 @@ private:
 
     std::unique_ptr<x11::X11Panel> panel; // null: Qt is not on an X server
     QWindow* window = nullptr;
+
+    static inline std::vector<X11PanelWindow*> inOrder; // as they were made
 };
 
 } // namespace

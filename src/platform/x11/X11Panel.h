@@ -43,6 +43,9 @@ public:
 
     std::function<void()> compositingChanged;
 
+    // Called when it has been put above every other window, those of this program included.
+    std::function<void()> cameToTop;
+
 private:
     struct View;
 

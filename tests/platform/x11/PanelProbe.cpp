@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <memory>
 
 using namespace pelloran;
 
@@ -46,6 +47,8 @@ int main(int argc, char** argv) {
     say(QString::number(widget.winId()));
     sayComposited();
 
+    std::unique_ptr<QWidget> alert;
+    std::unique_ptr<PanelWindow> aboveAll; // goes before the alert
     QMenu menu;
     menu.addAction(QStringLiteral("an entry"));
     QSocketNotifier commands(STDIN_FILENO, QSocketNotifier::Read);
@@ -63,6 +66,18 @@ int main(int argc, char** argv) {
         } else if (command == "resize") {
             widget.resize(200, 100);
             panel->blurBehind(10);
+        } else if (command == "alert") {
+            aboveAll = PanelWindow::create();
+            alert = std::make_unique<QWidget>(nullptr, aboveAll->windowFlags());
+            alert->setGeometry(200, 200, 360, 420);
+            alert->winId();
+            aboveAll->attach(*alert->windowHandle());
+            alert->show();
+            aboveAll->raise();
+            say(QString::number(alert->winId()));
+        } else if (command == "answer") {
+            aboveAll.reset();
+            alert.reset();
         } else if (command == "menu") {
             menu.popup(widget.geometry().center());
             say(QString::number(menu.winId()));

@@ -97,6 +97,36 @@ TEST_F(PanelWindowOnScreen, StaysBelowItsOwnMenu) {
     EXPECT_TRUE(client->isAbove(menu, panel));
 }
 
+TEST_F(PanelWindowOnScreen, StaysBelowOneThatWasMadeLater) {
+    startProbe();
+    tell("alert");
+    const xcb_window_t alert = line().toUInt();
+    ASSERT_TRUE(eventually([&] { return client->isViewable(alert) && client->isAbove(alert, panel); }));
+    const auto raisedInOrder = [&](xcb_window_t other) {
+        return client->isAbove(panel, other) && client->isAbove(alert, panel);
+    };
+
+    const auto menu = client->create({.bounds = {0, 0, 1280, 1000}, .overrideRedirect = true});
+    tell("raise");
+    EXPECT_TRUE(eventually([&] { return raisedInOrder(menu); })) << "when the panel is asked for";
+    tell("hide");
+    ASSERT_TRUE(eventually([&] { return !client->isViewable(panel); }));
+    client->raise(menu);
+    tell("show");
+    EXPECT_TRUE(eventually([&] { return client->isViewable(panel) && raisedInOrder(menu); })) << "when it comes back";
+    const auto game = createManaged({.bounds = {0, 0, 640, 480}});
+    client->sendToRoot(game, "_NET_WM_STATE", 1, client->atom("_NET_WM_STATE_FULLSCREEN"));
+    ASSERT_TRUE(eventually([&] { return !client->numbers(game, "_NET_WM_STATE").empty(); }));
+    client->lower(alert);
+    client->lower(panel);
+    EXPECT_TRUE(eventually([&] { return raisedInOrder(game); })) << "when the game comes up over both";
+
+    tell("answer");
+    ASSERT_TRUE(eventually([&] { return !client->isViewable(alert); }));
+    client->lower(panel);
+    EXPECT_TRUE(eventually([&] { return client->isAbove(panel, game); })) << "and without it as before";
+}
+
 TEST_F(PanelWindowOnScreen, StaysBelowALockerOverTheWholeScreen) {
     startProbe("1.5");
     const auto locker = client->create({.bounds = {0, 0, 1280, 1024}, .overrideRedirect = true});

@@ -1,0 +1,243 @@
+#include "json/StrictJson.h"
+
+#include "support/Printing.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
+namespace pelloran {
+
+namespace {
+
+struct Row {
+    QString id;
+    std::optional<qint64> count;
+
+    bool operator==(const Row&) const = default;
+};
+
+struct File {
+    QString name;
+    std::optional<double> share;
+    std::optional<bool> sure;
+    std::optional<QStringList> words;
+    std::optional<QMap<QString, QString>> pairs;
+    std::optional<std::vector<QString>> texts;
+    std::optional<Row> first;
+    std::vector<Row> rows;
+
+    bool operator==(const File&) const = default;
+};
+
+} // namespace
+
+using strict_json::Field;
+
+template <>
+constexpr std::tuple strict_json::fields<Row>{
+    Field{"id"_L1, &Row::id},
+    Field{"count"_L1, &Row::count},
+};
+
+template <>
+constexpr std::tuple strict_json::fields<File>{
+    Field{"name"_L1, &File::name},   Field{"share"_L1, &File::share}, Field{"sure"_L1, &File::sure},
+    Field{"words"_L1, &File::words}, Field{"pairs"_L1, &File::pairs}, Field{"texts"_L1, &File::texts},
+    Field{"first"_L1, &File::first}, Field{"rows"_L1, &File::rows},
+};
+
+namespace {
+
+template <typename Value>
+std::expected<Value, strict_json::Mismatch> decoded(const QByteArray& json) {
+    const auto parsed = strict_json::parse(json);
+    EXPECT_TRUE(parsed) << json.toStdString();
+    return strict_json::decode<Value>(parsed.value_or(QJsonValue()));
+}
+
+TEST(StrictJson, DecodesEveryKindOfField) {
+    const auto file = decoded<File>(R"({
+        "name": "火球", "share": -1.5e1, "sure": false, "words": ["a", ""], "pairs": {"k": "v", "": ""},
+        "texts": ["b"], "first": {"id": "1", "count": 9007199254740993}, "rows": [{"id": ""}, {"id": "2"}]
+    })");
+    ASSERT_TRUE(file);
+    EXPECT_EQ(*file, (File{
+                         .name = u"火球"_s,
+                         .share = -15.0,
+                         .sure = false,
+                         .words = QStringList{u"a"_s, u""_s},
+                         .pairs = QMap<QString, QString>{{u"k"_s, u"v"_s}, {u""_s, u""_s}},
+                         .texts = std::vector{u"b"_s},
+                         .first = Row{u"1"_s, 9007199254740993},
+                         .rows = {{u""_s, {}}, {u"2"_s, {}}},
+                     }));
+}
+
+TEST(StrictJson, LeavesAbsentWhatIsMissingOrNull) {
+    const File expected{
+        .name = u"n"_s, .share = {}, .sure = {}, .words = {}, .pairs = {}, .texts = {}, .first = {}, .rows = {}};
+    EXPECT_EQ(decoded<File>(R"({"name": "n", "rows": [], "more": [{"name": 1}], "Name": 2})"), expected);
+    EXPECT_EQ(decoded<File>(R"({"name": "n", "share": null, "sure": null, "words": null, "pairs": null, "texts": null,
+                                "first": null, "rows": []})"),
+              expected);
+}
+
+TEST(StrictJson, NamesTheFirstPlaceThatIsWrong) {
+    struct Case {
+        const char* why;
+        QByteArray json;
+        strict_json::Mismatch expected;
+        QString description;
+    };
+
+    const Case cases[] = {
+        {"another whole", "[]", {u""_s, u"an object"_s}, u"the list is not an object"_s},
+        {"a required field missing", R"({"rows": []})", {u"name"_s, u"a text"_s, true}, u"name is not a text"_s},
+        {"null is as good as missing",
+         R"({"name": null, "rows": []})",
+         {u"name"_s, u"a text"_s, true},
+         u"name is not a text"_s},
+        {"a list missing", R"({"name": "n"})", {u"rows"_s, u"an array"_s, true}, u"rows is not an array"_s},
+        {"another type", R"({"name": 1, "rows": []})", {u"name"_s, u"a text"_s}, u"name is not a text"_s},
+        {"the order of the fields, not of the file",
+         R"({"rows": 1, "sure": 1, "share": "1", "name": "n"})",
+         {u"share"_s, u"a number"_s},
+         u"share is not a number"_s},
+        {"a number for truth",
+         R"({"name": "n", "sure": 1, "rows": []})",
+         {u"sure"_s, u"true or false"_s},
+         u"sure is not true or false"_s},
+        {"one word for several",
+         R"({"name": "n", "words": "a", "rows": []})",
+         {u"words"_s, u"an array of texts"_s},
+         u"words is not an array of texts"_s},
+        {"null among words",
+         R"({"name": "n", "words": ["a", null], "rows": []})",
+         {u"words"_s, u"an array of texts"_s},
+         u"words is not an array of texts"_s},
+        {"an array for pairs",
+         R"({"name": "n", "pairs": ["a"], "rows": []})",
+         {u"pairs"_s, u"an object of texts"_s},
+         u"pairs is not an object of texts"_s},
+        {"a number among pairs",
+         R"({"name": "n", "pairs": {"a": "b", "c": 1}, "rows": []})",
+         {u"pairs"_s, u"an object of texts"_s},
+         u"pairs is not an object of texts"_s},
+        {"within a list",
+         R"({"name": "n", "texts": ["a", 1], "rows": []})",
+         {u"texts[1]"_s, u"a text"_s},
+         u"texts[1] is not a text"_s},
+        {"within a record",
+         R"({"name": "n", "first": {"id": 1}, "rows": []})",
+         {u"first.id"_s, u"a text"_s},
+         u"first.id is not a text"_s},
+        {"missing within a record",
+         R"({"name": "n", "first": {}, "rows": []})",
+         {u"first.id"_s, u"a text"_s, true},
+         u"first.id is not a text"_s},
+        {"within a record of a list",
+         R"({"name": "n", "rows": [{"id": "0"}, {"id": "1", "count": "1"}]})",
+         {u"rows[1].count"_s, u"a whole number"_s},
+         u"rows[1].count is not a whole number"_s},
+        {"no record at all in a list",
+         R"({"name": "n", "rows": [null]})",
+         {u"rows[0]"_s, u"an object"_s},
+         u"rows[0] is not an object"_s},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const auto file = decoded<File>(c.json);
+        ASSERT_FALSE(file);
+        EXPECT_EQ(file.error().place, c.expected.place);
+        EXPECT_EQ(file.error().wanted, c.expected.wanted);
+        EXPECT_EQ(file.error().missing, c.expected.missing);
+        EXPECT_EQ(strict_json::describe(file.error(), u"the list"_s), c.description);
+    }
+}
+
+TEST(StrictJson, DecodesListsThatAreTheWhole) {
+    EXPECT_EQ(decoded<std::vector<Row>>(R"([{"id": "a"}])"), (std::vector<Row>{{u"a"_s, {}}}));
+    const auto rows = decoded<std::vector<Row>>(R"([{"id": "a"}, {"id": 1}])");
+    ASSERT_FALSE(rows);
+    EXPECT_EQ(rows.error().place, u"[1].id"_s);
+}
+
+TEST(StrictJson, TakesWholeNumbersInAnySpelling) {
+    struct Case {
+        const char* why;
+        QByteArray number;
+        std::optional<qint64> expected;
+    };
+
+    const Case cases[] = {
+        {"plain", "3", 3},
+        {"with a fraction of nothing", "3.0", 3},
+        {"with an exponent", "1e2", 100},
+        {"below zero", "-7", -7},
+        {"a zero below zero", "-0", 0},
+        {"more than a double tells apart", "9007199254740993", 9007199254740993},
+        {"the greatest", "9223372036854775807", std::numeric_limits<qint64>::max()},
+        {"the least", "-9223372036854775808", std::numeric_limits<qint64>::min()},
+        {"beyond the greatest", "9223372036854775808", std::nullopt},
+        {"far beyond", "1e30", std::nullopt},
+        {"a fraction", "3.5", std::nullopt},
+        {"text", R"("3")", std::nullopt},
+        {"truth", "true", std::nullopt},
+        {"a list", "[3]", std::nullopt},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const auto rows = decoded<std::vector<qint64>>("[" + c.number + "]");
+        EXPECT_EQ(rows.has_value(), c.expected.has_value());
+        if (rows && c.expected) {
+            EXPECT_EQ(rows->front(), *c.expected);
+        }
+    }
+}
+
+TEST(StrictJson, TakesNoOtherTypeForANumberOrAText) {
+    for (const QByteArray other : {"\"1\"", "true", "null", "[1]", "{}"}) {
+        EXPECT_FALSE(decoded<std::vector<double>>("[" + other + "]")) << other.toStdString();
+    }
+    for (const QByteArray other : {"1", "false", "null", "[\"a\"]", "{}"}) {
+        EXPECT_FALSE(decoded<std::vector<QString>>("[" + other + "]")) << other.toStdString();
+    }
+}
+
+TEST(StrictJson, LetsTheLastOfTwoEqualKeysCount) {
+    EXPECT_EQ(decoded<Row>(R"({"id": 1, "id": "a"})"), (Row{u"a"_s, {}}));
+    EXPECT_FALSE(decoded<Row>(R"({"id": "a", "id": 1})"));
+}
+
+TEST(StrictJson, SaysWhereAFileIsNoJson) {
+    struct Case {
+        const char* why;
+        QByteArray json;
+        QJsonParseError::ParseError code;
+        QString description;
+    };
+
+    const Case cases[] = {
+        {"nothing", "", QJsonParseError::IllegalValue, u"illegal value at byte 0"_s},
+        {"a web page", "<html>", QJsonParseError::IllegalValue, u"illegal value at byte 1"_s},
+        {"a bare number", "7", QJsonParseError::IllegalValue, u"illegal value at byte 1"_s},
+        {"not UTF-8", "[\"\xff\"]", QJsonParseError::IllegalUTF8String, u"invalid UTF8 string at byte 2"_s},
+        {"more after the end", "{} {}", QJsonParseError::GarbageAtEnd,
+         u"garbage at the end of the document at byte 3"_s},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const auto parsed = strict_json::parse(c.json);
+        ASSERT_FALSE(parsed);
+        EXPECT_EQ(parsed.error().code, c.code);
+        EXPECT_EQ(parsed.error().description, c.description);
+    }
+    EXPECT_EQ(strict_json::parse("\xEF\xBB\xBF[1]"), QJsonValue(QJsonArray{1})) << "a byte-order mark is no text";
+}
+
+} // namespace
+
+} // namespace pelloran
