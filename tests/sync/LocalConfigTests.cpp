@@ -399,16 +399,55 @@ TEST_F(LocalConfigTest, SaysThatNothingCanBeMadeThere) {
     EXPECT_TRUE(installed.error().localizedDescription().startsWith(u"cannot make the folder "_s));
 }
 
-TEST_F(LocalConfigTest, AReadOnlyFolderKeepsItsContent) {
-    if (::geteuid() == 0) {
-        GTEST_SKIP() << "permissions do not bind the administrator";
+// Permissions do not bind the administrator: until it goes out of scope, the process is an ordinary user, who owns
+// `folder` and all in it.
+class AsOrdinaryUser {
+public:
+    explicit AsOrdinaryUser(const QString& folder) {
+        if (isAdministrator) {
+            EXPECT_EQ(QProcess::execute(u"chown"_s, {u"-R"_s, QString::number(nobody), folder}), 0);
+            EXPECT_EQ(::seteuid(nobody), 0);
+        }
     }
+
+    ~AsOrdinaryUser() {
+        if (isAdministrator) {
+            EXPECT_EQ(::seteuid(0), 0);
+        }
+    }
+
+    AsOrdinaryUser(const AsOrdinaryUser&) = delete;
+    AsOrdinaryUser& operator=(const AsOrdinaryUser&) = delete;
+
+private:
+    static constexpr uid_t nobody = 65534;
+    const bool isAdministrator = ::geteuid() == 0;
+};
+
+TEST_F(LocalConfigTest, KeepsItsContentWhereNothingMayBeWritten) {
     installFirst();
+    const AsOrdinaryUser user(folder.path());
     const QString parent = QFileInfo(directory()).path();
     QFile::setPermissions(parent, QFileDevice::ReadOwner | QFileDevice::ExeOwner);
-    EXPECT_FALSE(config().install(manifest(u"new"_s), "raw", bundle("new")));
+    const auto installed = config().install(manifest(u"new"_s), "raw", bundle("new"));
     QFile::setPermissions(parent, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+    ASSERT_FALSE(installed);
+    EXPECT_EQ(installed.error().localizedDescription(),
+              u"cannot lock "_s + directory() + u".lock: no permission or no space"_s);
     expectOldContent();
+    EXPECT_THAT(everythingIn(tools.temporaryFolder), IsEmpty());
+}
+
+TEST_F(LocalConfigTest, ReplacesAFolderThatIsReadOnlyItself) {
+    installFirst();
+    const AsOrdinaryUser user(folder.path());
+    for (const QString& name : {u"/winrates"_s, u""_s}) {
+        QFile::setPermissions(directory() + name, QFileDevice::ReadOwner | QFileDevice::ExeOwner);
+    }
+    EXPECT_EQ(config().install(manifest(u"new"_s), "raw", bundle("new")), LocalConfig::Installation::done);
+    EXPECT_EQ(config().localHash(), u"new"_s);
+    EXPECT_FALSE(QFileInfo::exists(directory() + u".bak"_s));
+    EXPECT_THAT(logged, IsEmpty());
 }
 
 // A disk of its own for what is to be filled.
