@@ -46,6 +46,14 @@ protected:
         return answer ? QString::number(answer->status) : answer.error().description;
     }
 
+    static QByteArray longBody() {
+        QByteArray body(5'000'000, '\0');
+        for (qsizetype i = 0; i < body.size(); ++i) {
+            body[i] = static_cast<char>(i % 251);
+        }
+        return body;
+    }
+
     QByteArray headOf(const QString& path) {
         EXPECT_TRUE(http->get(request(path)));
         return server.requests().back().toLower();
@@ -235,10 +243,7 @@ TEST_F(HttpClientTest, ARedirectsOwnBodyIsNobodys) {
 }
 
 TEST_F(HttpClientTest, TakesABodyBeyondWhatItReadsAhead) {
-    QByteArray body(5'000'000, '\0');
-    for (qsizetype i = 0; i < body.size(); ++i) {
-        body[i] = static_cast<char>(i % 251);
-    }
+    const QByteArray body = longBody();
     server.on("/x", ScriptedServer::answer("200 OK", {}, body));
     auto asked = request(u"/x"_s);
     asked.maximumBytes = 64 * 1024 * 1024;
@@ -404,6 +409,18 @@ TEST_F(SecureHttpClientTest, TrustsOnlyWhomTheSystemTrusts) {
     EXPECT_TRUE(secure->requests().empty());
     QSslConfiguration::setDefaultConfiguration(trusting);
     EXPECT_EQ(get(u"/x"_s), u"secret"_s);
+}
+
+TEST_F(SecureHttpClientTest, TakesABodyBeyondWhatItReadsAhead) {
+    QSslConfiguration::setDefaultConfiguration(trusting);
+    const QByteArray body = longBody();
+    secure->on("/long", ScriptedServer::answer("200 OK", {}, body));
+    auto asked = request(u"/long"_s);
+    asked.url = secure->url(u"/long"_s);
+    asked.maximumBytes = body.size();
+    const auto answer = http->get(asked);
+    ASSERT_TRUE(answer) << answer.error().description.toStdString();
+    EXPECT_EQ(answer->body, body);
 }
 
 TEST_F(SecureHttpClientTest, IsLedFromOpenToSecureButNotBack) {
