@@ -3,6 +3,8 @@
 
 #include "sync/TarListing.h"
 
+#include <QList>
+
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>

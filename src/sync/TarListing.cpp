@@ -1,6 +1,5 @@
 #include "sync/TarListing.h"
 
-#include <QByteArrayView>
 #include <QList>
 
 #include <optional>

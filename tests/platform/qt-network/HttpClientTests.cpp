@@ -285,6 +285,18 @@ TEST_F(HttpClientTest, WaitsNoLongerThanItMay) {
     }
 }
 
+TEST_F(HttpClientTest, AsksTheProxyThatTheSystemNames) {
+    qputenv("http_proxy", server.url(u"/"_s).toEncoded());
+    QNetworkProxyFactory::setUseSystemConfiguration(true);
+    auto asked = request(u"/"_s);
+    asked.url = QUrl(u"http://pelloran.invalid/x"_s);
+    failure(http->get(asked));
+    QNetworkProxyFactory::setUseSystemConfiguration(false);
+    qunsetenv("http_proxy");
+    ASSERT_FALSE(server.requests().empty());
+    EXPECT_THAT(server.requests().front().toStdString(), HasSubstr("pelloran.invalid"));
+}
+
 // The system names a script for its proxies, which a server that says nothing is to hand out.
 class StalledProxyTest : public HttpClientTest {
 protected:
