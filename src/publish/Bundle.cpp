@@ -44,6 +44,7 @@ std::expected<QByteArray, QString> gzippedTar(const std::vector<SourceFile>& fil
                 archive_write_add_filter_gzip(tar.get()) == ARCHIVE_OK &&
                 archive_write_set_filter_option(tar.get(), "gzip", "timestamp", nullptr) == ARCHIVE_OK &&
                 archive_write_set_filter_option(tar.get(), "gzip", "compression-level", "9") == ARCHIVE_OK &&
+                archive_write_set_bytes_in_last_block(tar.get(), 1) == ARCHIVE_OK && // gzip calls padding garbage
                 archive_write_open(tar.get(), &bytes, nullptr, append, nullptr) == ARCHIVE_OK;
     const std::unique_ptr<archive_entry, FreeEntry> entry(archive_entry_new());
     for (const SourceFile& file : files) {

@@ -1,9 +1,11 @@
 #include "publish/Bundle.h"
 
+#include "support/Printing.h"
 #include "sync/LocalConfig.h"
 
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -54,6 +56,18 @@ TEST(GzippedTar, IsWhatClientsUnpack) {
         ASSERT_TRUE(in.open(QFile::ReadOnly));
         EXPECT_EQ(in.readAll(), each.bytes);
     }
+}
+
+TEST(GzippedTar, EndsWhereGzipEnds) {
+    const auto bundle = gzippedTar({file(QStringLiteral("a"), "one")});
+    ASSERT_TRUE(bundle);
+    QProcess gzip;
+    gzip.start(QStringLiteral("gzip"), {QStringLiteral("-t")});
+    gzip.write(*bundle);
+    gzip.closeWriteChannel();
+    ASSERT_TRUE(gzip.waitForFinished());
+    EXPECT_EQ(gzip.readAllStandardError(), "");
+    EXPECT_EQ(gzip.exitCode(), 0);
 }
 
 TEST(GzippedTar, HoldsNoTimeAndNobody) {
