@@ -2,6 +2,7 @@
 
 #include "support/Printing.h"
 
+#include <QFile>
 #include <QJsonArray>
 
 #include <algorithm>
@@ -127,6 +128,11 @@ ProgramOutput PanelTest::startAgain(const QStringList& arguments) {
     process.start(QStringLiteral(PELLORAN_PROGRAM), arguments);
     EXPECT_TRUE(until([&] { return process.state() == QProcess::NotRunning; }));
     return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+}
+
+bool PanelTest::isStored(const QByteArray& line) {
+    QFile file(home.path() + QStringLiteral("/config/Pelloran/Pelloran.ini"));
+    return file.open(QIODevice::ReadOnly) && file.readAll().split('\n').contains(line);
 }
 
 void PanelTest::expectEnd(int exitCode) {

@@ -42,6 +42,9 @@ protected:
     // The program ends by itself with that code.
     void expectEnd(int exitCode);
 
+    // A line of the file with the user's choices.
+    bool isStored(const QByteArray& line);
+
     // Lines of the log that a test expects beyond those of every start.
     QList<QByteArray> expectedLog;
     Hand hand{environment};
