@@ -6,9 +6,7 @@
 // The folder of game logs, painted screens and card names that lies beside some checkouts and is never part of them.
 namespace pelloran::testing {
 
-inline QString sharedData(const QString& relative) {
-    return QStringLiteral(PELLORAN_TEST_DATA "/") + relative;
-}
+QString sharedData(const QString& relative);
 
 } // namespace pelloran::testing
 
