@@ -49,8 +49,8 @@ void PanelTest::startPanel(const QStringList& arguments) {
     expectPanelSize([](QSize size) { return size == QSize(360, 160); });
 }
 
-void PanelTest::startGame() {
-    startStage({QStringLiteral("--full-screen"), QStringLiteral("--scenario"), QStringLiteral("demo")});
+void PanelTest::startGame(const QStringList& playing) {
+    startStage(QStringList{QStringLiteral("--full-screen")} + playing);
     ASSERT_TRUE(stage.waitFor([](const QJsonObject&) { return true; }));
     ASSERT_TRUE(until([this] { return gameHasKeyboard(); })) << "the game is not active";
     ASSERT_TRUE(until([this] { return client->bounds(gameWindow()) == QRect(0, 0, 1920, 1080); }));

@@ -15,7 +15,7 @@ protected:
     // Starts the program and waits until its panel stands there and draws.
     void startPanel(const QStringList& arguments = {});
     // Starts the game in full screen, and waits until it has the keyboard.
-    void startGame();
+    void startGame(const QStringList& playing = {QStringLiteral("--scenario"), QStringLiteral("demo")});
     // The game goes on to the next offer, and the program has read all three of it.
     void playToPick(const QString& kind);
 
