@@ -1,17 +1,14 @@
 #include "data/NameMatchingReference.h"
 #include "data/WinrateStore.h"
 #include "fakes/FakeApplicationFiles.h"
+#include "SharedCards.h"
 
 #include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
-#include <random>
 
 using namespace Qt::StringLiterals;
 
@@ -19,8 +16,7 @@ namespace pelloran {
 
 namespace {
 
-// The names of the shared test data in a card file with figures made up for the purpose, as they would come from a
-// server; a store that holds it; and the lines of a screen.
+// A card file as it would come from a server, and a store that holds it.
 struct Setting {
     QTemporaryDir folder;
     testing::FakeApplicationFiles files{folder.path()};
@@ -29,27 +25,9 @@ struct Setting {
     bool available = false;
 
     Setting() {
-        QFile source(QStringLiteral(PELLORAN_TEST_DATA "/cards.json"));
-        if (!source.open(QFile::ReadOnly)) {
-            return;
-        }
-        auto rows = decodeCards(source.readAll());
-        if (!rows) {
-            return;
-        }
-        std::mt19937 random(1);
-        const auto figure = [&random] { return std::round(static_cast<double>(random() % 100'000)) / 1000; };
-        for (CardStats& row : *rows) {
-            row.deckWinRate = figure();
-            row.drawnWinRate = figure();
-            row.playedWinRate = figure();
-            row.popularity = figure();
-            row.avgCopiesInDeck = figure();
-            row.numGames = static_cast<qint64>(random() % 1'000'000);
-        }
-        const WinrateFile file{u"ALL"_s, u"LAST_7_DAYS"_s, {}, {}, *rows};
+        const auto cards = benchmarks::cardFileOfSharedNames();
         QFile target(cardFile);
-        available = target.open(QFile::WriteOnly) && target.write(file.encode()) > 0;
+        available = cards && target.open(QFile::WriteOnly) && target.write(*cards) > 0;
         target.close();
         available = available && store.loadCards(cardFile).has_value();
     }

@@ -35,6 +35,7 @@ const QString configServerOption = QStringLiteral("config-server");
 const QString updateServerOption = QStringLiteral("update-server");
 const QString phaseOption = QStringLiteral("phase");
 const QString ticksOption = QStringLiteral("ticks");
+const QString cardsOption = QStringLiteral("cards");
 const QString classesOption = QStringLiteral("classes");
 
 std::optional<QString> optionalValue(const QCommandLineParser& parsed, const QString& option) {
@@ -111,6 +112,14 @@ std::expected<Command, QString> buildCheckUpdate(const QCommandLineParser& parse
     return noArguments(parsed, CheckUpdateOnce{optionalValue(parsed, updateServerOption)});
 }
 
+std::expected<Command, QString> buildPublish(const QCommandLineParser& parsed) {
+    const QStringList folders = parsed.positionalArguments();
+    if (folders.size() != 2) {
+        return std::unexpected(QStringLiteral("publish needs the folder of data files and the web server's"));
+    }
+    return PublishData{folders[0], folders[1], optionalValue(parsed, cardsOption)};
+}
+
 const std::vector<Syntax>& syntaxes() {
     static const Option configServer{configServerOption, QStringLiteral("URL"),
                                      QStringLiteral("where data files come from, in place of the built-in address")};
@@ -180,6 +189,14 @@ const std::vector<Syntax>& syntaxes() {
             QStringLiteral("Asks once for a newer version and prints the answer."),
             {updateServer},
             buildCheckUpdate,
+        },
+        {
+            QStringLiteral("publish"),
+            QStringLiteral("SOURCE TARGET"),
+            QStringLiteral("Checks a folder of data files and makes TARGET serve it to clients."),
+            {{cardsOption, QStringLiteral("FILE.csv"),
+              QStringLiteral("a table of cards that is made into the card file first")}},
+            buildPublish,
         },
     };
     return all;

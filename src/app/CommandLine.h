@@ -49,13 +49,19 @@ struct CheckUpdateOnce {
     std::optional<QString> updateServer;
 };
 
+struct PublishData {
+    QString source;                   // folder of data files
+    QString target;                   // root folder of a web server
+    std::optional<QString> cardTable; // made into the card file first
+};
+
 // --help and --version: text for standard output.
 struct PrintText {
     QString text;
 };
 
 using Command = std::variant<RunLoop, PrintDraftState, PrintLogsDir, RecognizeImages, MatchTexts, SyncOnce,
-                             CheckUpdateOnce, PrintText>;
+                             CheckUpdateOnce, PublishData, PrintText>;
 
 // What is wrong, and how the command is used; for standard error.
 struct UsageError {

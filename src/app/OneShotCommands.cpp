@@ -10,6 +10,7 @@
 #include "platform/Log.h"
 #include "platform/TextReader.h"
 #include "platform/UserDefaults.h"
+#include "publish/Publisher.h"
 #include "recognition/CardRecognizer.h"
 #include "sync/ConfigSync.h"
 #include "update/AppUpdateChecker.h"
@@ -18,6 +19,7 @@
 #include <QFileInfo>
 #include <QImageReader>
 
+#include <algorithm>
 #include <cstdio>
 #include <ctime>
 #include <variant>
@@ -50,6 +52,17 @@ bool load(WinrateStore& store) {
         log(describe(loaded.error()));
     }
     return loaded.has_value();
+}
+
+// A table with one mistake may have it in every line.
+void logEach(const QStringList& sentences) {
+    constexpr qsizetype most = 20;
+    for (const QString& sentence : sentences.first(std::min(most, sentences.size()))) {
+        log(sentence);
+    }
+    if (sentences.size() > most) {
+        log(QStringLiteral("and %1 more").arg(sentences.size() - most));
+    }
 }
 
 QJsonValue toJson(const std::optional<CardMatch>& match) {
@@ -178,6 +191,27 @@ int run(const CheckUpdateOnce& command) {
     print(json::line(answer));
     const bool current = std::holds_alternative<AppUpdateCheckResult::UpToDate>(result.outcome);
     return current || result.hasUpdate() ? done : failed;
+}
+
+int run(const PublishData& command) {
+    const auto published = publish(command.source, command.target, command.cardTable);
+    if (!published) {
+        logEach(published.error());
+        return failed;
+    }
+    logEach(published->remarks);
+    print(json::line({
+        {QStringLiteral("folder"), published->folder},
+        {QStringLiteral("hash"), published->hash},
+        {QStringLiteral("bundle"), published->bundle},
+        {QStringLiteral("bundleSha256"), published->bundleSha256},
+        {QStringLiteral("bundleBytes"), published->bundleBytes},
+        {QStringLiteral("manifestBytes"), published->manifestBytes},
+        {QStringLiteral("fileCount"), published->fileCount},
+        {QStringLiteral("updatedAt"), published->updatedAt},
+        {QStringLiteral("changed"), published->changed},
+    }));
+    return done;
 }
 
 int run(const PrintText& command) {

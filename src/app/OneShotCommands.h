@@ -12,6 +12,7 @@ int run(const RecognizeImages& command);
 int run(const MatchTexts& command);
 int run(const SyncOnce& command);
 int run(const CheckUpdateOnce& command);
+int run(const PublishData& command);
 int run(const PrintText& command);
 
 } // namespace pelloran

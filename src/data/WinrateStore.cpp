@@ -1,10 +1,10 @@
 #include "data/WinrateStore.h"
 
 #include "data/CardFile.h"
+#include "data/DataFiles.h"
 #include "platform/Log.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 
 #include <utility>
@@ -15,9 +15,6 @@ namespace pelloran {
 
 namespace {
 
-// Far above any real file (about 4 MB), far below what would hurt.
-constexpr qint64 largestFile = 64LL * 1024 * 1024;
-
 // One of the two data files and where it may lie.
 struct Search {
     QStringList relativePaths; // below a folder of data
@@ -27,15 +24,7 @@ struct Search {
 
 Search cardFileSearch() {
     return {
-        {
-            u"winrates/all_classes_LAST_7_DAYS.json"_s,
-            u"all_classes_LAST_7_DAYS.json"_s,
-            u"mage_arena_LAST_7_DAYS.json"_s,
-            u"winrates/MAGE_LAST_7_DAYS.json"_s,
-            u"Resources/mage_arena_LAST_7_DAYS.json"_s,
-            u"Resources/winrates/MAGE_LAST_7_DAYS.json"_s,
-            u"Resources/winrates/all_classes_LAST_7_DAYS.json"_s,
-        },
+        cardFilePaths(),
         u"all_classes_LAST_7_DAYS"_s,
         u"mage_arena_LAST_7_DAYS"_s,
     };
@@ -43,11 +32,7 @@ Search cardFileSearch() {
 
 Search classFileSearch() {
     return {
-        {
-            u"winrates/class_winrates.json"_s,
-            u"class_winrates.json"_s,
-            u"Resources/winrates/class_winrates.json"_s,
-        },
+        classFilePaths(),
         u"class_winrates"_s,
         {},
     };
@@ -92,24 +77,6 @@ std::optional<QString> resolveFirstExisting(const Search& search, const Applicat
     return std::nullopt;
 }
 
-std::expected<QByteArray, DataError> readFile(const QString& path) {
-    QFile file(path);
-    const auto failed = [&](const QString& why) {
-        return std::unexpected(DataError{u"QFile"_s, file.error(), path + u": "_s + why});
-    };
-    if (!file.open(QFile::ReadOnly)) {
-        return failed(file.errorString());
-    }
-    QByteArray bytes = file.read(largestFile + 1);
-    if (file.error() != QFile::NoError) {
-        return failed(file.errorString());
-    }
-    if (bytes.size() > largestFile) {
-        return failed(u"larger than 64 MiB"_s);
-    }
-    return bytes;
-}
-
 std::shared_ptr<const KnownNames> knownNames(QSet<QString> normalized) {
     return std::make_shared<const KnownNames>(KnownNames{&NameMatching::normalize, std::move(normalized)});
 }
@@ -143,7 +110,7 @@ WinrateStore::Loaded WinrateStore::loadFromBundle() {
 }
 
 WinrateStore::Loaded WinrateStore::loadCards(const QString& path) {
-    const auto bytes = readFile(path);
+    const auto bytes = readDataFile(path);
     if (!bytes) {
         return std::unexpected(bytes.error());
     }
@@ -156,7 +123,7 @@ WinrateStore::Loaded WinrateStore::loadCards(const QString& path) {
 }
 
 WinrateStore::Loaded WinrateStore::loadClasses(const QString& path) {
-    const auto bytes = readFile(path);
+    const auto bytes = readDataFile(path);
     if (!bytes) {
         return std::unexpected(bytes.error());
     }

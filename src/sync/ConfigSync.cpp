@@ -14,10 +14,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// What a server may make us read into memory. Real manifests have a few hundred bytes, bundles one or two million.
-constexpr qint64 maximumManifest = 1024 * 1024;
-constexpr qint64 maximumBundle = 64LL * 1024 * 1024;
-
 // A server that keeps sending a little is given this much longer than a silent one.
 constexpr auto graceTime = 2s;
 
@@ -101,7 +97,7 @@ ConfigSyncResult ConfigSync::fallBack(const std::optional<QString>& hash, const 
 }
 
 std::expected<ConfigSync::Fetched, ConfigSyncError> ConfigSync::fetchManifest(const Server& server) {
-    auto raw = httpGET(server, server.baseURL + u"/manifest.json"_s, maximumManifest);
+    auto raw = httpGET(server, server.baseURL + u"/manifest.json"_s, maximumManifestBytes);
     if (!raw) {
         return std::unexpected(raw.error());
     }
@@ -115,7 +111,7 @@ std::expected<ConfigSync::Fetched, ConfigSyncError> ConfigSync::fetchManifest(co
 std::expected<LocalConfig::Installation, ConfigSyncError> ConfigSync::downloadAndInstall(const Server& server,
                                                                                          const Fetched& fetched) {
     const RemoteManifest& manifest = fetched.manifest;
-    const auto bundle = httpGET(server, server.baseURL + u'/' + manifest.bundleName(), maximumBundle);
+    const auto bundle = httpGET(server, server.baseURL + u'/' + manifest.bundleName(), maximumBundleBytes);
     if (!bundle) {
         return std::unexpected(bundle.error());
     }

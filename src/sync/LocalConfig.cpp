@@ -13,7 +13,6 @@
 #include <QUuid>
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -236,14 +235,18 @@ std::optional<QString> LocalConfig::localHash() const {
 }
 
 bool LocalConfig::hasUsableLocalConfig() const {
-    static constexpr std::array required{
-        "winrates/class_winrates.json"_L1,
-        "winrates/all_classes_LAST_7_DAYS.json"_L1,
-        "winrates/MAGE_LAST_7_DAYS.json"_L1,
-        "mage_arena_LAST_7_DAYS.json"_L1,
-    };
+    const QStringList required = requiredFiles();
     return std::ranges::any_of(required,
-                               [this](QLatin1StringView name) { return QFileInfo::exists(directory + u'/' + name); });
+                               [this](const QString& name) { return QFileInfo::exists(directory + u'/' + name); });
+}
+
+QStringList LocalConfig::requiredFiles() {
+    return {
+        u"winrates/class_winrates.json"_s,
+        u"winrates/all_classes_LAST_7_DAYS.json"_s,
+        u"winrates/MAGE_LAST_7_DAYS.json"_s,
+        u"mage_arena_LAST_7_DAYS.json"_s,
+    };
 }
 
 auto LocalConfig::install(const RemoteManifest& manifest, const QByteArray& rawManifest, const QByteArray& bundle) const

@@ -8,6 +8,7 @@
 #include <QByteArray>
 #include <QDir>
 #include <QString>
+#include <QStringList>
 
 #include <chrono>
 #include <expected>
@@ -65,8 +66,11 @@ public:
     // Without white space around it; absent when there is no such file, or nothing readable in it.
     std::optional<QString> localHash() const;
 
-    // Whether any of the data files is there.
+    // Whether any of the required files is there.
     bool hasUsableLocalConfig() const;
+
+    // Paths below the folder of data files. One of them is enough to go on with.
+    static QStringList requiredFiles();
 
     enum class Installation {
         done,

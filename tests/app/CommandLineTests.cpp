@@ -86,6 +86,14 @@ TEST(CommandLine, TakesTheCommandsThatShowOnePart) {
         << "after -- everything is text";
 }
 
+TEST(CommandLine, TakesTheFoldersOfAPublication) {
+    const auto plain = parsed<PublishData>("publish data www");
+    EXPECT_EQ(plain.source, QStringLiteral("data"));
+    EXPECT_EQ(plain.target, QStringLiteral("www"));
+    EXPECT_EQ(plain.cardTable, std::nullopt);
+    EXPECT_EQ(parsed<PublishData>("publish data --cards cards.csv www").cardTable, QStringLiteral("cards.csv"));
+}
+
 TEST(CommandLine, ExplainsItself) {
     EXPECT_TRUE(parsed<PrintText>("--version").text.startsWith(QStringLiteral("pelloran ")));
     for (const char* words : {"--help", "-h", "recognize --help", "--snapshots --help"}) {
@@ -114,6 +122,8 @@ TEST(CommandLine, RefusesWhatDoesNotFit) {
         {"a phase without offers", "recognize --phase idle a.png", "--phase"},
         {"no image", "recognize --phase heroPick", "image"},
         {"no text", "match --classes", "text"},
+        {"nowhere to publish", "publish data", "publish needs"},
+        {"two places to publish", "publish data www more", "publish needs"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);

@@ -95,6 +95,39 @@ TEST_F(ProgramTest, TellsThatNobodyKnowsOfAnUpdate) {
     EXPECT_FALSE(lines[0][QStringLiteral("hasUpdate")].toBool(true));
 }
 
+TEST_F(ProgramTest, PublishesAFolderOfData) {
+    write("source/winrates/all_classes_LAST_7_DAYS.json", R"({"cards": [{"card_id": "A", "name_en": "a"}]})");
+    const ProgramOutput answer = run({QStringLiteral("publish"), path("source"), path("www")});
+    EXPECT_EQ(answer.exitCode, 0);
+    EXPECT_EQ(answer.standardError,
+              "[Pelloran] there is no class file: clients go on with the figures that came with them\n");
+    const auto lines = answer.lines();
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_EQ(lines[0][QStringLiteral("folder")].toString(), path("www/pelloran/latest"));
+    EXPECT_EQ(lines[0][QStringLiteral("hash")].toString().size(), 64);
+    EXPECT_EQ(lines[0][QStringLiteral("fileCount")].toInt(), 1);
+    EXPECT_TRUE(lines[0][QStringLiteral("changed")].toBool());
+    EXPECT_TRUE(QFile::exists(path("www/pelloran/latest/manifest.json")));
+    EXPECT_TRUE(QFile::exists(path("www/pelloran/latest/") + lines[0][QStringLiteral("bundle")].toString()));
+}
+
+TEST_F(ProgramTest, PublishesNothingThatItsOwnReaderRefuses) {
+    QByteArray cards;
+    for (int i = 0; i < 30; ++i) {
+        cards += "A,x\n";
+    }
+    const QString table = write("cards.csv", "card_id,cost\n" + cards);
+    write("source/winrates/all_classes_LAST_7_DAYS.json", "{");
+    const ProgramOutput answer =
+        run({QStringLiteral("publish"), path("source"), path("www"), QStringLiteral("--cards"), table});
+    EXPECT_EQ(answer.exitCode, 1);
+    EXPECT_EQ(answer.standardOutput, "");
+    EXPECT_EQ(answer.standardError.count('\n'), 21) << "of a mistake in every line the first twenty are enough";
+    EXPECT_TRUE(answer.standardError.contains("cards.csv: line 2, column cost: \"x\" is not a whole number\n"));
+    EXPECT_TRUE(answer.standardError.endsWith("[Pelloran] and 10 more\n"));
+    EXPECT_FALSE(QFile::exists(path("www")));
+}
+
 TEST_F(ProgramTest, FindsTheGamesLogFolderInAWinePrefix) {
     EXPECT_EQ(run({QStringLiteral("logs-dir")}).exitCode, 1);
     write(".wine/drive_c/Program Files (x86)/Hearthstone/Logs/Hearthstone_1/Arena.log",

@@ -1,0 +1,54 @@
+#include "data/DataFiles.h"
+
+#include <QFile>
+
+using namespace Qt::StringLiterals;
+
+namespace pelloran {
+
+namespace {
+
+// Far above any real file (about 4 MB), far below what would hurt.
+constexpr qint64 largestFile = 64LL * 1024 * 1024;
+
+} // namespace
+
+QStringList cardFilePaths() {
+    return {
+        u"winrates/all_classes_LAST_7_DAYS.json"_s,
+        u"all_classes_LAST_7_DAYS.json"_s,
+        u"mage_arena_LAST_7_DAYS.json"_s,
+        u"winrates/MAGE_LAST_7_DAYS.json"_s,
+        u"Resources/mage_arena_LAST_7_DAYS.json"_s,
+        u"Resources/winrates/MAGE_LAST_7_DAYS.json"_s,
+        u"Resources/winrates/all_classes_LAST_7_DAYS.json"_s,
+    };
+}
+
+QStringList classFilePaths() {
+    return {
+        u"winrates/class_winrates.json"_s,
+        u"class_winrates.json"_s,
+        u"Resources/winrates/class_winrates.json"_s,
+    };
+}
+
+std::expected<QByteArray, DataError> readDataFile(const QString& path) {
+    QFile file(path);
+    const auto failed = [&](const QString& why) {
+        return std::unexpected(DataError{u"QFile"_s, file.error(), path + u": "_s + why});
+    };
+    if (!file.open(QFile::ReadOnly)) {
+        return failed(file.errorString());
+    }
+    QByteArray bytes = file.read(largestFile + 1);
+    if (file.error() != QFile::NoError) {
+        return failed(file.errorString());
+    }
+    if (bytes.size() > largestFile) {
+        return failed(u"larger than 64 MiB"_s);
+    }
+    return bytes;
+}
+
+} // namespace pelloran

@@ -1,0 +1,209 @@
+#include "publish/SourceFolder.h"
+
+#include "data/CardFile.h"
+#include "data/DataFiles.h"
+#include "publish/CardTable.h"
+#include "sync/LocalConfig.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QSet>
+
+#include <algorithm>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace pelloran {
+
+namespace {
+
+// The manifest that a client keeps with what it has installed.
+constexpr QLatin1StringView clientsOwn = "manifest.json"_L1;
+
+QString isoTime(const QDateTime& time) {
+    return time.toString(Qt::ISODate);
+}
+
+QDateTime modifiedAt(const QFileInfo& file) {
+    return file.lastModified().toUTC();
+}
+
+// Tools that print names, and file systems that know no case, make other names of these.
+bool isPlainName(const QString& name) {
+    return std::ranges::all_of(name,
+                               [](QChar c) { return c.isPrint() && c != u'\\' && c != QChar::ReplacementCharacter; });
+}
+
+// Gathers what is to be published, and all that is wrong with it.
+class Reader {
+public:
+    explicit Reader(const QString& root)
+        : folder(root) {}
+
+    void readFolder(const QString& below) {
+        const QDir directory(folder + u'/' + below);
+        const auto entries = directory.entryInfoList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot);
+        for (const QFileInfo& entry : entries) {
+            const QString path = below + entry.fileName();
+            if (path == clientsOwn) {
+                continue;
+            }
+            if (!isPlainName(entry.fileName())) {
+                problem(path, u"has a character in its name that is not portable"_s);
+            } else if (entry.isSymLink()) {
+                problem(path, u"is a link; put the file itself there"_s);
+            } else if (entry.isDir()) {
+                readFolder(path + u'/');
+            } else if (!entry.isFile()) {
+                problem(path, u"is neither a file nor a folder"_s);
+            } else if (auto bytes = readDataFile(entry.filePath())) {
+                add({path, *std::move(bytes), modifiedAt(entry)});
+            } else {
+                problems.append(bytes.error().localizedDescription);
+            }
+        }
+    }
+
+    // In place of the one that the folder has.
+    void readCardTable(const QString& table) {
+        const auto bytes = readDataFile(table);
+        if (!bytes) {
+            problems.append(bytes.error().localizedDescription);
+            return;
+        }
+        const QDateTime modified = modifiedAt(QFileInfo(table));
+        auto file = cardFileFromTable(*bytes, isoTime(modified));
+        if (!file) {
+            for (const QString& each : file.error()) {
+                problem(table, each);
+            }
+            return;
+        }
+        const QString path = cardFilePaths().first();
+        std::erase_if(files, [&](const SourceFile& each) { return each.path == path; });
+        files.push_back({path, *std::move(file), modified});
+    }
+
+    void check() {
+        QSet<QString> withoutCase;
+        for (const SourceFile& file : files) {
+            if (const QString name = file.path.toCaseFolded(); withoutCase.contains(name)) {
+                problem(file.path, u"differs from another only in case"_s);
+            } else {
+                withoutCase.insert(name);
+            }
+            if (cardFilePaths().contains(file.path)) {
+                checkCards(file);
+            } else if (classFilePaths().contains(file.path)) {
+                checkClasses(file);
+            } else {
+                remark(file.path, u"is published too, though no client reads it"_s);
+            }
+        }
+        const auto isThere = [this](const QString& path) {
+            return std::ranges::find(files, path, &SourceFile::path) != files.end();
+        };
+        if (std::ranges::none_of(LocalConfig::requiredFiles(), isThere)) {
+            problems.append(u"%1: no client takes it for data, which has one of %2"_s.arg(
+                folder, LocalConfig::requiredFiles().join(u", "_s)));
+        } else if (std::ranges::none_of(cardFilePaths(), isThere)) {
+            problems.append(u"%1: no card file, such as %2"_s.arg(folder, cardFilePaths().first()));
+        } else if (std::ranges::none_of(classFilePaths(), isThere)) {
+            remarks.append(u"there is no class file: clients go on with the figures that came with them"_s);
+        }
+    }
+
+    std::vector<SourceFile> files;
+    QStringList remarks;
+    QStringList problems;
+
+private:
+    void add(SourceFile file) { files.push_back(std::move(file)); }
+
+    void problem(const QString& path, const QString& what) { problems.append(path + u": "_s + what); }
+
+    void remark(const QString& path, const QString& what) { remarks.append(path + u": "_s + what); }
+
+    // Percentages given as shares look like very bad cards, and nothing else would tell.
+    void checkRange(const QString& path, const QString& whose, QLatin1StringView what, std::optional<double> percent) {
+        if (percent && (*percent < 0 || *percent > 100)) {
+            remark(path, u"%1 of %2 is %3, not from 0 to 100"_s.arg(what, whose).arg(*percent));
+        }
+    }
+
+    void checkCards(const SourceFile& file) {
+        const auto decoded = CardFile::decode(file.bytes, file.path);
+        if (!decoded) {
+            problem(file.path, decoded.error().localizedDescription);
+            return;
+        }
+        if (decoded->isSample) {
+            remark(file.path, u"says of itself that its figures are invented"_s);
+        }
+        QSet<QString> ids;
+        double highest = 0;
+        for (const CardStats& card : decoded->rows) {
+            if (ids.contains(card.cardId)) {
+                remark(file.path, u"%1 has more than one row; the first counts"_s.arg(card.cardId));
+            }
+            ids.insert(card.cardId);
+            if (card.nameZh.value_or(QString()).isEmpty() && card.nameEn.value_or(QString()).isEmpty()) {
+                remark(file.path, u"%1 has no name and will not be found"_s.arg(card.cardId));
+            }
+            checkRange(file.path, card.cardId, "deck_win_rate"_L1, card.deckWinRate);
+            checkRange(file.path, card.cardId, "drawn_win_rate"_L1, card.drawnWinRate);
+            checkRange(file.path, card.cardId, "played_win_rate"_L1, card.playedWinRate);
+            highest = std::max(highest, card.deckWinRate.value_or(0));
+        }
+        checkScale(file.path, highest);
+    }
+
+    void checkClasses(const SourceFile& file) {
+        const auto decoded = ClassWinrateFile::decode(file.bytes);
+        if (!decoded) {
+            problem(file.path, decoded.error().localizedDescription);
+            return;
+        }
+        double highest = 0;
+        for (const ClassWinrateRow& row : decoded->classes) {
+            checkRange(file.path, row.playerClass, "win_rate"_L1, row.winRate);
+            checkRange(file.path, row.playerClass, "pick_rate"_L1, row.pickRate);
+            checkRange(file.path, row.playerClass, "pct_7_plus"_L1, row.pct7Plus);
+            highest = std::max(highest, row.winRate.value_or(0));
+        }
+        checkScale(file.path, highest);
+    }
+
+    void checkScale(const QString& path, double highestWinRate) {
+        if (highestWinRate > 0 && highestWinRate <= 1) {
+            remark(path, u"no win rate is above 1: percentages run from 0 to 100"_s);
+        }
+    }
+
+    QString folder;
+};
+
+} // namespace
+
+std::expected<SourceFolder, QStringList> SourceFolder::read(const QString& folder,
+                                                            const std::optional<QString>& cardTable) {
+    if (!QFileInfo(folder).isDir()) {
+        return std::unexpected(QStringList{folder + u": there is no such folder"_s});
+    }
+    Reader reader(folder);
+    reader.readFolder({});
+    if (cardTable) {
+        reader.readCardTable(*cardTable);
+    }
+    if (reader.problems.isEmpty()) {
+        reader.check();
+    }
+    if (!reader.problems.isEmpty()) {
+        return std::unexpected(reader.problems);
+    }
+    std::ranges::sort(reader.files, {}, [](const SourceFile& file) { return file.path.toUtf8(); });
+    return SourceFolder{std::move(reader.files), reader.remarks};
+}
+
+} // namespace pelloran

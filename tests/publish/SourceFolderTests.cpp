@@ -1,0 +1,194 @@
+#include "publish/SourceFolder.h"
+
+#include "data/WinrateFormats.h"
+#include "publish/DataFolder.h"
+#include "support/Printing.h"
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+namespace pelloran {
+namespace {
+
+using ::testing::HasSubstr;
+using namespace testing;
+
+QStringList pathsOf(const SourceFolder& source) {
+    QStringList paths;
+    for (const SourceFile& file : source.files) {
+        paths.append(file.path);
+    }
+    return paths;
+}
+
+TEST(SourceFolder, TakesTheFilesInTheOrderOfTheirPaths) {
+    const DataFolder folder;
+    folder.write(cardFile, cards, 1'600'000'000);
+    folder.write(classFile, classes);
+    folder.write(QStringLiteral("Z.txt"), "z");
+    folder.write(QStringLiteral("a/b/c.txt"), "c");
+    const auto source = SourceFolder::read(folder.path(), std::nullopt);
+    ASSERT_TRUE(source) << source.error().join(u'\n').toStdString();
+    EXPECT_EQ(pathsOf(*source),
+              (QStringList{QStringLiteral("Z.txt"), QStringLiteral("a/b/c.txt"), cardFile, classFile}));
+    EXPECT_EQ(source->files[2], (SourceFile{cardFile, cards, QDateTime::fromSecsSinceEpoch(1'600'000'000, Qt::UTC)}));
+}
+
+TEST(SourceFolder, LeavesOutWhatIsNotMeantForPlayers) {
+    const DataFolder folder;
+    folder.write(cardFile, cards);
+    folder.write(QStringLiteral(".content_hash"), "of an installed copy");
+    folder.write(QStringLiteral("manifest.json"), "of an installed copy");
+    folder.write(QStringLiteral(".git/config"), "secret");
+    folder.write(QStringLiteral("winrates/.DS_Store"), "x");
+    const auto source = SourceFolder::read(folder.path(), std::nullopt);
+    ASSERT_TRUE(source);
+    EXPECT_EQ(pathsOf(*source), QStringList{cardFile});
+}
+
+TEST(SourceFolder, RefusesWhatClientsWouldRefuse) {
+    struct Case {
+        const char* why;
+        QString path;
+        QByteArray bytes;
+        const char* problem;
+    };
+
+    const Case cases[] = {
+        {"no JSON", cardFile, "{", "winrates/all_classes_LAST_7_DAYS.json: "},
+        {"no row", cardFile, R"({"cards": []})", "winrates/all_classes_LAST_7_DAYS.json: "},
+        {"a row without an id", cardFile, R"({"cards": [{"cost": 1}]})", "winrates/all_classes_LAST_7_DAYS.json: "},
+        {"a text for a number", classFile, R"({"classes": [{"player_class": "MAGE", "name_zh": "", "rank": "1"}]})",
+         "winrates/class_winrates.json: "},
+        {"another card file than the first", QStringLiteral("mage_arena_LAST_7_DAYS.json"), "[]",
+         "mage_arena_LAST_7_DAYS.json: "},
+        {"names that one folder cannot hold everywhere", QStringLiteral("winrates/Class_winrates.json"), "",
+         "differs from another only in case"},
+        {"a name that tools print otherwise", QStringLiteral("two\nlines"), "",
+         "has a character in its name that is not portable"},
+        {"one that is no UTF-8", QFile::decodeName("\xff"), "", "has a character in its name that is not portable"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const DataFolder folder;
+        folder.write(cardFile, cards);
+        folder.write(classFile, classes);
+        folder.write(c.path, c.bytes);
+        if (!QFileInfo::exists(folder.path(c.path))) {
+            continue; // where the file system has no such names
+        }
+        const auto source = SourceFolder::read(folder.path(), std::nullopt);
+        ASSERT_FALSE(source);
+        EXPECT_THAT(source.error().join(u'\n').toStdString(), HasSubstr(c.problem));
+    }
+}
+
+TEST(SourceFolder, RefusesWhatIsNotAFile) {
+    const DataFolder folder;
+    folder.write(cardFile, cards);
+    ASSERT_TRUE(QFile::link(folder.path(cardFile), folder.path(QStringLiteral("link.json"))));
+    ASSERT_TRUE(QFile::link(folder.path(QStringLiteral("nowhere")), folder.path(QStringLiteral("broken"))));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(folder.path(QStringLiteral("pipe"))).constData(), 0600), 0);
+    const auto source = SourceFolder::read(folder.path(), std::nullopt);
+    ASSERT_FALSE(source);
+    EXPECT_EQ(source.error(), (QStringList{QStringLiteral("broken: is a link; put the file itself there"),
+                                           QStringLiteral("link.json: is a link; put the file itself there"),
+                                           QStringLiteral("pipe: is neither a file nor a folder")}));
+}
+
+TEST(SourceFolder, RefusesAFolderThatIsNoData) {
+    struct Case {
+        const char* why;
+        QList<std::pair<QString, QByteArray>> files;
+        const char* problem;
+    };
+
+    const Case cases[] = {
+        {"nothing in it", {}, "no client takes it for data"},
+        {"cards where clients read them, but do not look whether there is data",
+         {{QStringLiteral("all_classes_LAST_7_DAYS.json"), cards}},
+         "no client takes it for data"},
+        {"classes alone", {{classFile, classes}}, "no card file"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const DataFolder folder;
+        for (const auto& [path, bytes] : c.files) {
+            folder.write(path, bytes);
+        }
+        const auto source = SourceFolder::read(folder.path(), std::nullopt);
+        ASSERT_FALSE(source);
+        EXPECT_THAT(source.error().join(u'\n').toStdString(), HasSubstr(c.problem));
+    }
+    const DataFolder folder;
+    EXPECT_FALSE(SourceFolder::read(folder.path(QStringLiteral("nowhere")), std::nullopt));
+}
+
+TEST(SourceFolder, RemarksOnWhatIsPerhapsNotMeant) {
+    struct Case {
+        const char* why;
+        QString path;
+        QByteArray bytes;
+        const char* remark;
+    };
+
+    const Case cases[] = {
+        {"shares for percentages", cardFile, R"({"cards": [{"card_id": "A", "name_en": "a", "deck_win_rate": 0.56}]})",
+         "no win rate is above 1"},
+        {"the same of classes", classFile, R"({"classes": [{"player_class": "MAGE", "name_zh": "", "win_rate": 0.5}]})",
+         "no win rate is above 1"},
+        {"more than all", cardFile, R"({"cards": [{"card_id": "A", "name_en": "a", "drawn_win_rate": 100.5}]})",
+         "drawn_win_rate of A is 100.5, not from 0 to 100"},
+        {"less than nothing", classFile, R"({"classes": [{"player_class": "MAGE", "name_zh": "", "pick_rate": -1}]})",
+         "pick_rate of MAGE is -1, not from 0 to 100"},
+        {"an id twice", cardFile, R"({"cards": [{"card_id": "A", "name_en": "a"}, {"card_id": "A", "name_en": "b"}]})",
+         "A has more than one row; the first counts"},
+        {"no name", cardFile, R"({"cards": [{"card_id": "A", "name_en": ""}]})", "A has no name and will not be found"},
+        {"invented figures", cardFile, R"({"time_range": "SAMPLE", "cards": [{"card_id": "A", "name_en": "a"}]})",
+         "says of itself that its figures are invented"},
+        {"a file nobody reads", QStringLiteral("notes.txt"), "x", "notes.txt: is published too"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const DataFolder folder;
+        folder.write(cardFile, cards);
+        folder.write(classFile, classes);
+        EXPECT_EQ(SourceFolder::read(folder.path(), std::nullopt)->remarks, QStringList());
+        folder.write(c.path, c.bytes);
+        const auto source = SourceFolder::read(folder.path(), std::nullopt);
+        ASSERT_TRUE(source) << source.error().join(u'\n').toStdString();
+        EXPECT_THAT(source->remarks.join(u'\n').toStdString(), HasSubstr(c.remark));
+    }
+    const DataFolder folder;
+    folder.write(cardFile, cards);
+    EXPECT_THAT(SourceFolder::read(folder.path(), std::nullopt)->remarks.join(u'\n').toStdString(),
+                HasSubstr("there is no class file"));
+}
+
+TEST(SourceFolder, PutsATableOfCardsInThePlaceOfTheCardFile) {
+    const DataFolder folder;
+    const DataFolder elsewhere;
+    folder.write(cardFile, cards);
+    folder.write(classFile, classes);
+    elsewhere.write(QStringLiteral("cards.csv"), "card_id,name_en,deck_win_rate\nT,Table Card,60%\n", 1'650'000'000);
+    const QString table = elsewhere.path(QStringLiteral("cards.csv"));
+    const auto source = SourceFolder::read(folder.path(), table);
+    ASSERT_TRUE(source) << source.error().join(u'\n').toStdString();
+    ASSERT_EQ(pathsOf(*source), (QStringList{cardFile, classFile}));
+    EXPECT_EQ(source->files[0].modified, QDateTime::fromSecsSinceEpoch(1'650'000'000, Qt::UTC));
+    const auto decoded = WinrateFile::decode(source->files[0].bytes);
+    ASSERT_TRUE(decoded);
+    EXPECT_EQ(decoded->cards.at(0).cardId, QStringLiteral("T"));
+    EXPECT_EQ(decoded->fetchedAt, QStringLiteral("2022-04-15T05:20:00Z"));
+    EXPECT_EQ(folder.read(cardFile), cards) << "the operator's own files stay as they are";
+
+    elsewhere.write(QStringLiteral("cards.csv"), "card_id,cost\nT,x\n");
+    const auto refused = SourceFolder::read(folder.path(), table);
+    ASSERT_FALSE(refused);
+    EXPECT_EQ(refused.error(),
+              QStringList{table + QStringLiteral(": line 2, column cost: \"x\" is not a whole number")});
+    EXPECT_FALSE(SourceFolder::read(folder.path(), elsewhere.path(QStringLiteral("nowhere.csv"))));
+}
+
+} // namespace
+} // namespace pelloran
