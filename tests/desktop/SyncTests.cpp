@@ -3,8 +3,6 @@
 #include "support/Printing.h"
 #include "support/StaticServer.h"
 
-#include <QCryptographicHash>
-
 #include <algorithm>
 #include <cmath>
 
@@ -104,17 +102,9 @@ protected:
 
     // Puts the folder on the server.
     void publish(const QString& source) {
-        const QString bundle = home.path() + QStringLiteral("/bundle");
-        QProcess tar;
-        tar.start(QStringLiteral("tar"),
-                  {QStringLiteral("-czf"), bundle, QStringLiteral("-C"), source, QStringLiteral("winrates")});
-        ASSERT_TRUE(tar.waitForFinished() && tar.exitCode() == 0);
-        const QByteArray bytes = bytesOf(bundle);
-        const QString digest = QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex());
-        server.write(QStringLiteral("pelloran/latest/config.tar.gz"), bytes);
-        writeManifest({{QStringLiteral("hash"), digest},
-                       {QStringLiteral("bundle"), QStringLiteral("config.tar.gz")},
-                       {QStringLiteral("bundle_sha256"), digest}});
+        const auto output = testing::runProgram(QStringLiteral(PELLORAN_PROGRAM),
+                                                {QStringLiteral("publish"), source, server.root()}, environment);
+        ASSERT_EQ(output.exitCode, 0) << output.standardError.toStdString();
     }
 
     QString manifestPath() const { return server.root() + QStringLiteral("/pelloran/latest/manifest.json"); }

@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QHostAddress>
+#include <QRegularExpression>
 #include <QSaveFile>
 #include <QStandardPaths>
 #include <QTcpServer>
@@ -36,6 +37,20 @@ QString programPath() {
 quint16 freePort() {
     QTcpServer probe;
     return probe.listen(QHostAddress::LocalHost) ? probe.serverPort() : quint16{0};
+}
+
+// The site of the operator's guide, without what is the machine's.
+QString documentedSite() {
+    QFile guide(QStringLiteral(PELLORAN_PUBLISHING_GUIDE));
+    EXPECT_TRUE(guide.open(QIODevice::ReadOnly));
+    const QString text = QString::fromUtf8(guide.readAll());
+    const QString opening = QStringLiteral("```nginx\n");
+    const qsizetype begin = text.indexOf(opening);
+    const qsizetype end = text.indexOf(QStringLiteral("```"), begin + opening.size());
+    EXPECT_TRUE(begin >= 0 && end > begin) << "the guide has no configuration";
+    static const QRegularExpression ofTheMachine(QStringLiteral("^ *(listen|server_name|root|access_log) .*;$"),
+                                                 QRegularExpression::MultilineOption);
+    return text.mid(begin + opening.size(), end - begin - opening.size()).remove(ofTheMachine);
 }
 
 } // namespace
@@ -148,8 +163,6 @@ pid "%1/nginx.pid";
 error_log "%1/error.log";
 events { worker_connections 64; }
 http {
-  types { application/json json; application/gzip gz; }
-  default_type application/octet-stream;
   log_format counted "$request_method\t$request_uri\t$status\t$request_length\t$bytes_sent\t$body_bytes_sent";
   access_log "%1/access.log" counted;
   client_body_temp_path "%1/temporary";
@@ -157,13 +170,13 @@ http {
   fastcgi_temp_path "%1/temporary";
   uwsgi_temp_path "%1/temporary";
   scgi_temp_path "%1/temporary";
-  server {
-    listen 127.0.0.1:%2;
-    root "%3";
-  }
+  root "%2";
+  %3
 }
 )")
-        .arg(folder.path(), QString::number(port), root())
+        .arg(folder.path(), root(),
+             documentedSite().replace(QStringLiteral("server {"),
+                                      QStringLiteral("server { listen 127.0.0.1:%1;").arg(port)))
         .toUtf8();
 }
 

@@ -9,8 +9,9 @@
 
 namespace pelloran::testing {
 
-// nginx, as an operator would run it, with a folder of its own to serve on a free port of loopback. It runs as an
-// ordinary process of whoever runs the test, reads and writes nothing outside of its folder, and ends with the object.
+// nginx, set up as docs/publishing.md tells an operator, with a folder of its own to serve on a free port of loopback.
+// It runs as an ordinary process of whoever runs the test, reads and writes nothing outside of its folder, and ends
+// with the object.
 class StaticServer {
 public:
     struct Request {
