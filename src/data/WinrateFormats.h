@@ -24,7 +24,8 @@ struct DataError {
     QString domain; // "Pelloran" for our own findings, else the part of the system that failed
     int code = 0;   // within the domain; 0 where it has none
     QString localizedDescription;
-    QString path = {}; // of the file that could not be used, where that is known and the description does not tell
+    // Of the file that could not be used, where that is known and the description does not tell.
+    QString path = {}; // NOLINT(readability-redundant-member-init): makes it one that may be left out
 
     bool operator==(const DataError&) const = default;
 };

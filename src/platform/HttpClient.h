@@ -17,8 +17,8 @@ public:
         QUrl url;
         QByteArray accept;                         // the Accept header; empty sends none
         std::chrono::milliseconds transferTimeout; // how long the server may send nothing
-        std::chrono::milliseconds deadline;        // for everything, redirects and trickled bytes included
-        qint64 maximumBytes;                       // a longer body is a TransportError
+        std::chrono::milliseconds deadline;        // for everything: finding the proxy, redirects, trickled bytes
+        qint64 maximumBytes;                       // a longer body is a TransportError, and cut after an error's status
     };
 
     struct Response {

@@ -30,6 +30,7 @@ ConfigSync::ConfigSync(const QString& server, LocalConfig config, std::unique_pt
     , http(std::move(client))
     , workQueue(std::move(queue)) {
     pollTimer->setInterval(pollInterval);
+    pollTimer->setTimerType(Qt::VeryCoarseTimer); // to the second; a coarse one may be half a minute off
     local.restoreInterruptedSwap();
 }
 

@@ -129,6 +129,22 @@ Done copyFile(const QString& from, const QString& to) {
     }
 }
 
+// Calls `each` with every name in a folder, until one fails.
+template <typename Each>
+Done forEachNameIn(const QString& folder, const Each& each) {
+    std::error_code error;
+    fs::directory_iterator entry(native(folder), error);
+    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+        if (QThread::currentThread()->isInterruptionRequested()) {
+            return std::unexpected(ConfigSyncError{ConfigSyncError::Platform{u"interrupted"_s}});
+        }
+        if (auto done = each(QFile::decodeName(entry->path().filename().c_str())); !done) {
+            return done;
+        }
+    }
+    return checked(error, u"read"_s, folder);
+}
+
 // Files and folders; the source holds nothing else.
 Done copyTree(const QString& from, const QString& to) {
     if (!QFileInfo(from).isDir()) {
@@ -139,13 +155,7 @@ Done copyTree(const QString& from, const QString& to) {
     if (auto made = checked(error, u"make the folder"_s, to); !made) {
         return made;
     }
-    for (const fs::directory_entry& entry : fs::directory_iterator(native(from), error)) {
-        const QString name = u'/' + QFile::decodeName(entry.path().filename().c_str());
-        if (auto copied = copyTree(from + name, to + name); !copied) {
-            return copied;
-        }
-    }
-    return checked(error, u"read"_s, from);
+    return forEachNameIn(from, [&](const QString& name) { return copyTree(from + u'/' + name, to + u'/' + name); });
 }
 
 // What installations that were killed have left behind. `mine` is the folder of this one: its owner and its age tell
@@ -184,8 +194,10 @@ private:
 
 // False when another process held it all the time.
 std::expected<bool, ConfigSyncError> lockWithin(std::chrono::milliseconds patience, QLockFile& lock) {
-    // Its age does not make a lock stale; the death of the process that held it does.
-    lock.setStaleLockTime(0);
+    // The death of the process that held it makes a lock stale. Where the file does not tell who that was, because the
+    // power went before it was written or the machine has another name by now, its age does; a living one's lock is
+    // held by the system too, and stays.
+    lock.setStaleLockTime(abandonedAfter);
     const QDeadlineTimer deadline(patience);
     while (!lock.tryLock(0)) {
         if (lock.error() != QLockFile::LockFailedError) {
@@ -262,6 +274,7 @@ auto LocalConfig::install(const RemoteManifest& manifest, const QByteArray& rawM
     if (!*locked) {
         return Installation::busy;
     }
+    restoreLocked(); // before the folder is made, which would hide what another process left between its two moves
     // Another process may have installed the very same since we asked the server.
     if (localHash() == manifest.hash && hasUsableLocalConfig()) {
         return Installation::done;
@@ -325,19 +338,15 @@ LocalConfig::Done LocalConfig::stage(const QString& extraction, const QString& s
         return made;
     }
     tools.after(InstallStep::madeStaging);
-    std::error_code error;
-    for (const fs::directory_entry& entry : fs::directory_iterator(native(extraction), error)) {
-        const QString name = u'/' + QFile::decodeName(entry.path().filename().c_str());
+    const auto copied = forEachNameIn(extraction, [&](const QString& name) -> Done {
         // Two names there may be one here, where case does not matter.
-        if (auto removed = removeTree(staging + name); !removed) {
+        if (auto removed = removeTree(staging + u'/' + name); !removed) {
             return removed;
         }
-        if (auto copied = copyTree(extraction + name, staging + name); !copied) {
-            return copied;
-        }
-    }
-    if (auto read = checked(error, u"read"_s, extraction); !read) {
-        return read;
+        return copyTree(extraction + u'/' + name, staging + u'/' + name);
+    });
+    if (!copied) {
+        return copied;
     }
     tools.after(InstallStep::copiedItems);
     if (auto written = writeAtomically(staging + u"/.content_hash"_s, manifest.hash.toUtf8()); !written) {
@@ -348,7 +357,22 @@ LocalConfig::Done LocalConfig::stage(const QString& extraction, const QString& s
         return written;
     }
     tools.after(InstallStep::wroteManifest);
+    // A swap that survives a loss of power must not bring files whose content did not.
+    if (auto synced = syncTree(staging); !synced) {
+        return synced;
+    }
+    tools.after(InstallStep::syncedStaging);
     return {};
+}
+
+LocalConfig::Done LocalConfig::syncTree(const QString& path) const {
+    if (QFileInfo(path).isDir()) {
+        if (auto synced = forEachNameIn(path, [&](const QString& name) { return syncTree(path + u'/' + name); });
+            !synced) {
+            return synced;
+        }
+    }
+    return checked(tools.sync(native(path)), u"write"_s, path);
 }
 
 LocalConfig::Done LocalConfig::swap(const QString& staging) const {
@@ -379,7 +403,11 @@ LocalConfig::Done LocalConfig::swap(const QString& staging) const {
         }
         tools.after(InstallStep::movedStagingToConfig);
     }
-    // The new content is in use, whatever becomes of the old one.
+    // The new content is in use, whatever becomes of the old one; which has to be there until that is certain.
+    const QString parent = QFileInfo(directory).path();
+    if (const auto synced = checked(tools.sync(native(parent)), u"write"_s, parent); !synced) {
+        log(synced.error().localizedDescription());
+    }
     if (const auto removed = removeTree(backup()); !removed) {
         log(removed.error().localizedDescription());
     }
@@ -393,7 +421,13 @@ void LocalConfig::restoreInterruptedSwap() const {
     }
     // A process that is between its two moves right now needs no help.
     QLockFile lock(lockPath());
-    if (const auto locked = lockWithin(0ms, lock); !locked || !*locked || exists(directory) || !exists(backup())) {
+    if (const auto locked = lockWithin(0ms, lock); locked && *locked) {
+        restoreLocked();
+    }
+}
+
+void LocalConfig::restoreLocked() const {
+    if (exists(directory) || !exists(backup())) {
         return;
     }
     if (const auto error = tools.move(native(backup()), native(directory))) {

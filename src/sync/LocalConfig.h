@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/ApplicationFiles.h"
+#include "platform/DiskSync.h"
 #include "platform/PathExchange.h"
 #include "sync/ConfigSyncError.h"
 #include "sync/RemoteManifest.h"
@@ -29,6 +30,7 @@ enum class InstallStep {
     copiedItems,
     wroteHash,
     wroteManifest,
+    syncedStaging,
     removedOldBackup,
     exchanged,            // the new content is in place
     movedConfigToBackup,  // where the two cannot be exchanged; as after `exchanged`, but then nothing is in place
@@ -45,15 +47,16 @@ struct InstallTools {
 
     PathOperation exchange = exchangePaths;
     PathOperation move = rename;
+    std::function<std::error_code(const std::filesystem::path& fileOrFolder)> sync = syncToDisk;
     std::function<void(InstallStep)> after = [](InstallStep) {};
     std::chrono::milliseconds lockPatience = std::chrono::seconds(10); // for another process that installs
     QString temporaryFolder = QDir::tempPath();
 };
 
 // The data files that a sync leaves on disk. Whatever happens to an installation, the configuration folder holds its
-// old content or the complete new one; where two folders cannot be exchanged in one step there is a moment with
-// neither, and restoreInterruptedSwap() mends a run that died in it. Installations belong on one thread at a time;
-// everything else may be asked from any.
+// old content or the complete new one, a loss of power included; where two folders cannot be exchanged in one step
+// there is a moment with neither, and restoreInterruptedSwap() or the next installation mends what died in it.
+// Installations belong on one thread at a time; everything else may be asked from any.
 class LocalConfig {
 public:
     explicit LocalConfig(const ApplicationFiles& files, InstallTools tools = {});
@@ -94,7 +97,9 @@ private:
     Done installLocked(const RemoteManifest& manifest, const QByteArray& rawManifest, const QByteArray& bundle) const;
     Done stage(const QString& extraction, const QString& staging, const RemoteManifest& manifest,
                const QByteArray& rawManifest) const;
+    Done syncTree(const QString& path) const;
     Done swap(const QString& staging) const;
+    void restoreLocked() const;
     QString lockPath() const;
     QString backup() const;
 

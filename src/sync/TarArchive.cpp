@@ -1,15 +1,14 @@
 #include "sync/TarArchive.h"
 
+#include "sync/TarListing.h"
+
 #include <QDeadlineTimer>
 #include <QFile>
-#include <QList>
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QStringDecoder>
 #include <QThread>
 
-#include <algorithm>
-#include <chrono>
 #include <filesystem>
 
 using namespace Qt::StringLiterals;
@@ -28,14 +27,6 @@ constexpr qsizetype maximumComplaint = 64 * 1024;
 
 std::unexpected<ConfigSyncError> failed(const QString& message) {
     return std::unexpected(ConfigSyncError{ConfigSyncError::ExtractFailed{message}});
-}
-
-std::unexpected<ConfigSyncError> tooManyEntries() {
-    return failed(u"the archive holds more than %1 entries"_s.arg(maximumEntries));
-}
-
-std::unexpected<ConfigSyncError> tooManyBytes() {
-    return failed(u"the archive unpacks to more than %1 MiB"_s.arg(maximumUnpackedBytes / (1024 * 1024)));
 }
 
 // Runs tar to its end and gives what it printed.
@@ -89,70 +80,20 @@ std::expected<QByteArray, ConfigSyncError> run(const QStringList& arguments, boo
     return failed(decoder.hasError() ? u"exit %1"_s.arg(tar.exitCode()) : message);
 }
 
-// Lines, each ended by a line break: tar writes those of names as "\n".
-QList<QByteArray> linesOf(const QByteArray& output) {
-    QList<QByteArray> lines = output.split('\n');
-    lines.removeLast();
-    return lines;
-}
-
-// The number before the date, such as the 12 in "-rw-r--r-- me/us 12 2026-01-31 10:00 " as GNU's tar writes it and in
-// "-rw-r--r--  0 me us 12 Jan 31 10:00 " as BSD's does. Read from its end: the owner's name is the archive's to choose.
-std::expected<qint64, ConfigSyncError> sizeIn(const QByteArray& details) {
-    const QList<QByteArray> words = details.simplified().split(' ');
-    const bool isGnu = words.size() >= 2 && words.at(words.size() - 2).contains('-');
-    const qsizetype fromEnd = isGnu ? 3 : 4;
-    bool isNumber = false;
-    const qint64 size = words.size() > fromEnd ? words.at(words.size() - fromEnd).toLongLong(&isNumber) : 0;
-    if (!isNumber || size < 0) {
-        return failed(u"the archive's list of contents cannot be read"_s);
-    }
-    return size;
-}
-
 } // namespace
 
 std::expected<void, ConfigSyncError> check(const QString& archive, std::chrono::milliseconds patience) {
-    // Names alone, and then everything: where a line's name begins shows only when the name is known.
+    // Names alone, and then everything: where a line's name begins shows only when the name is known. The owners'
+    // names are the archive's to choose, and could hold what looks like a size.
     const auto names = run({u"-tzf"_s, archive}, true, patience);
     if (!names) {
         return std::unexpected(names.error());
     }
-    const auto details = run({u"-tvzf"_s, archive}, true, patience);
+    const auto details = run({u"--numeric-owner"_s, u"-tvzf"_s, archive}, true, patience);
     if (!details) {
         return std::unexpected(details.error());
     }
-    const QList<QByteArray> nameLines = linesOf(*names);
-    const QList<QByteArray> detailLines = linesOf(*details);
-    if (nameLines.size() > maximumEntries) {
-        return tooManyEntries();
-    }
-    if (detailLines.size() != nameLines.size()) {
-        return failed(u"the archive's list of contents cannot be read"_s);
-    }
-    qint64 total = 0;
-    for (qsizetype i = 0; i < nameLines.size(); ++i) {
-        const QByteArray& name = nameLines.at(i);
-        const QByteArray& detail = detailLines.at(i);
-        const QString shown = QString::fromUtf8(name);
-        if (name.isEmpty() || name.startsWith('/') || name.split('/').contains("..")) {
-            return failed(u"\"%1\" in the archive leads out of its folder"_s.arg(shown));
-        }
-        // Links have an arrow and their target behind the name.
-        const bool isPlain = detail.startsWith('-') || detail.startsWith('d');
-        if (!isPlain || !detail.endsWith(' ' + name)) {
-            return failed(u"\"%1\" in the archive is neither a file nor a folder"_s.arg(shown));
-        }
-        const auto size = sizeIn(detail.chopped(name.size()));
-        if (!size) {
-            return std::unexpected(size.error());
-        }
-        if (*size > maximumUnpackedBytes - total) {
-            return tooManyBytes();
-        }
-        total += *size;
-    }
-    return {};
+    return TarListing::check(*names, *details);
 }
 
 std::expected<void, ConfigSyncError> extract(const QString& archive, const QString& folder,
@@ -181,7 +122,7 @@ std::expected<void, ConfigSyncError> checkUnpacked(const QString& folder) {
         }
         if (type != fs::file_type::regular && type != fs::file_type::directory) {
             const QString name = QFile::decodeName(entry->path().lexically_relative(root).c_str());
-            return failed(u"\"%1\" in the archive is neither a file nor a folder"_s.arg(name));
+            return std::unexpected(TarListing::neitherFileNorFolder(name));
         }
         // Before the iterator enters it.
         fs::permissions(entry->path(), type == fs::file_type::directory ? fs::perms::owner_all : fs::perms::owner_read,
@@ -192,11 +133,11 @@ std::expected<void, ConfigSyncError> checkUnpacked(const QString& folder) {
         if (error) {
             break;
         }
-        if (++entries > maximumEntries) {
-            return tooManyEntries();
+        if (++entries > TarListing::maximumEntries) {
+            return std::unexpected(TarListing::tooManyEntries());
         }
-        if (total > static_cast<std::uintmax_t>(maximumUnpackedBytes)) {
-            return tooManyBytes();
+        if (total > static_cast<std::uintmax_t>(TarListing::maximumUnpackedBytes)) {
+            return std::unexpected(TarListing::tooManyBytes());
         }
     }
     if (error) {

@@ -12,14 +12,9 @@
 // start.
 namespace pelloran::TarArchive {
 
-// What a bundle may hold: a hundred times what the data files need.
-constexpr int maximumEntries = 10'000;
-constexpr qint64 maximumUnpackedBytes = 512LL * 1024 * 1024;
-
 constexpr std::chrono::milliseconds defaultPatience = std::chrono::minutes(1);
 
-// Reads the archive through without unpacking a byte. Fails for what must not be unpacked: names that lead elsewhere,
-// links, devices and pipes, too many entries or bytes.
+// Reads the archive through without unpacking a byte. Fails for what must not be unpacked. See TarListing.
 std::expected<void, ConfigSyncError> check(const QString& archive,
                                            std::chrono::milliseconds patience = defaultPatience);
 

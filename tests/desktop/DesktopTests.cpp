@@ -1,56 +1,16 @@
 #include "desktop/Desktop.h"
 
+#include "desktop/ExpectedFigures.h"
 #include "support/Printing.h"
-
-#include <QFile>
 
 #include <gtest/gtest.h>
 
-#include <map>
 #include <set>
 
 // The real program beside the simulated game, on a display of their own: what stands on the stage must be what is
 // published, step by step.
 namespace pelloran {
 namespace {
-
-QJsonObject shippedFile(const char* name) {
-    QFile file(QStringLiteral(PELLORAN_RESOURCES "/winrates/") + QString::fromLatin1(name));
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-    return QJsonDocument::fromJson(file.readAll()).object();
-}
-
-// The figures that tiles must show, read without any of the program's own code.
-class ExpectedFigures {
-public:
-    ExpectedFigures() {
-        for (const auto& card : shippedFile("all_classes_LAST_7_DAYS.json")[QStringLiteral("cards")].toArray()) {
-            rows[card[QStringLiteral("card_id")].toString()] = card.toObject();
-        }
-        for (const auto& row : shippedFile("class_winrates.json")[QStringLiteral("classes")].toArray()) {
-            rows[row[QStringLiteral("player_class")].toString()] = row.toObject();
-        }
-    }
-
-    QJsonValue figure(const QString& id, const QString& kind) const {
-        static const std::map<QString, QString> columns{
-            {QStringLiteral("deckWinRate"), QStringLiteral("deck_win_rate")},
-            {QStringLiteral("drawnWinRate"), QStringLiteral("drawn_win_rate")},
-            {QStringLiteral("playedWinRate"), QStringLiteral("played_win_rate")},
-            {QStringLiteral("popularity"), QStringLiteral("popularity")},
-            {QStringLiteral("avgCopies"), QStringLiteral("avg_copies_in_deck")},
-            {QStringLiteral("classWinRate"), QStringLiteral("win_rate")},
-            {QStringLiteral("pickRate"), QStringLiteral("pick_rate")},
-            {QStringLiteral("pct7Plus"), QStringLiteral("pct_7_plus")},
-            {QStringLiteral("classRank"), QStringLiteral("rank")},
-        };
-        const auto row = rows.find(id);
-        return row == rows.end() ? QJsonValue() : row->second[columns.at(kind)];
-    }
-
-private:
-    std::map<QString, QJsonObject> rows;
-};
 
 QStringList names(const QJsonValue& items) {
     QStringList all;
@@ -128,7 +88,7 @@ protected:
         }
     }
 
-    ExpectedFigures figures;
+    testing::ExpectedFigures figures{QStringLiteral(PELLORAN_RESOURCES)};
 };
 
 TEST_F(PublishedDraft, PublishesAnEnglishDraftAsItIsPlayed) {

@@ -31,14 +31,46 @@ QRect wordsOf(const QImage& picture, const QRect& line) {
     return words;
 }
 
-} // namespace
+// Of the middle brightness: on a shaded button no single colour is the most common one, except that of its letters.
+int medianGray(const QImage& picture) {
+    std::vector<int> grays;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            grays.push_back(qGray(picture.pixel(x, y)));
+        }
+    }
+    const auto middle = grays.begin() + std::ssize(grays) / 2;
+    std::ranges::nth_element(grays, middle);
+    return grays.empty() ? 0 : *middle;
+}
 
-QString wordsIn(const QImage& picture, const QRect& line, Letters letters) {
-    const QRect words = wordsOf(picture, line);
+// The letters alone, and not the shading of a button around them.
+QRect strongInkOf(const QImage& picture, int background) {
+    const auto strength = [&](int x, int y) { return std::abs(qGray(picture.pixel(x, y)) - background); };
+    int strongest = 0;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            strongest = std::max(strongest, strength(x, y));
+        }
+    }
+    QRect ink;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            if (strength(x, y) > strongest / 3) {
+                ink |= QRect(x, y, 1, 1);
+            }
+        }
+    }
+    return ink;
+}
+
+// `background` is the gray that the letters differ from.
+QString read(const QImage& picture, const QRect& words, int background, Letters letters) {
     if (words.isNull()) {
         return {};
     }
-    const auto reader = LineReader::create();
+    // Loading its networks takes longer than what it reads here.
+    static const auto reader = LineReader::create();
     if (!reader) {
         ADD_FAILURE() << reader.error().toStdString();
         return {};
@@ -51,7 +83,6 @@ QString wordsIn(const QImage& picture, const QRect& line, Letters letters) {
                               .convertToFormat(QImage::Format_Grayscale8)
                               .scaledToHeight(static_cast<int>(letterHeight), Qt::SmoothTransformation);
     // Black on white, whatever the desktop's colours.
-    const int background = qGray(backgroundOf(picture));
     int strongest = 1;
     for (int y = 0; y < scaled.height(); ++y) {
         for (int x = 0; x < scaled.width(); ++x) {
@@ -66,6 +97,18 @@ QString wordsIn(const QImage& picture, const QRect& line, Letters letters) {
         }
     }
     return (*reader)->read({{plane, script}}).front().text;
+}
+
+} // namespace
+
+QString wordsIn(const QImage& picture, const QRect& line, Letters letters) {
+    return read(picture, wordsOf(picture, line), qGray(backgroundOf(picture)), letters);
+}
+
+QString lettersIn(const QImage& picture, const QRect& area, Letters letters) {
+    const QImage part = picture.copy(area);
+    const int background = medianGray(part);
+    return read(part, strongInkOf(part, background), background, letters);
 }
 
 double likeness(const QString& read, const QString& expected) {

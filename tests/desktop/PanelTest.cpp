@@ -2,6 +2,7 @@
 
 #include "support/Printing.h"
 
+#include <QFile>
 #include <QJsonArray>
 
 #include <algorithm>
@@ -48,8 +49,8 @@ void PanelTest::startPanel(const QStringList& arguments) {
     expectPanelSize([](QSize size) { return size == QSize(360, 160); });
 }
 
-void PanelTest::startGame() {
-    startStage({QStringLiteral("--full-screen"), QStringLiteral("--scenario"), QStringLiteral("demo")});
+void PanelTest::startGame(const QStringList& playing) {
+    startStage(QStringList{QStringLiteral("--full-screen")} + playing);
     ASSERT_TRUE(stage.waitFor([](const QJsonObject&) { return true; }));
     ASSERT_TRUE(until([this] { return gameHasKeyboard(); })) << "the game is not active";
     ASSERT_TRUE(until([this] { return client->bounds(gameWindow()) == QRect(0, 0, 1920, 1080); }));
@@ -127,6 +128,11 @@ ProgramOutput PanelTest::startAgain(const QStringList& arguments) {
     process.start(QStringLiteral(PELLORAN_PROGRAM), arguments);
     EXPECT_TRUE(until([&] { return process.state() == QProcess::NotRunning; }));
     return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+}
+
+bool PanelTest::isStored(const QByteArray& line) {
+    QFile file(home.path() + QStringLiteral("/config/Pelloran/Pelloran.ini"));
+    return file.open(QIODevice::ReadOnly) && file.readAll().split('\n').contains(line);
 }
 
 void PanelTest::expectEnd(int exitCode) {

@@ -15,7 +15,7 @@ protected:
     // Starts the program and waits until its panel stands there and draws.
     void startPanel(const QStringList& arguments = {});
     // Starts the game in full screen, and waits until it has the keyboard.
-    void startGame();
+    void startGame(const QStringList& playing = {QStringLiteral("--scenario"), QStringLiteral("demo")});
     // The game goes on to the next offer, and the program has read all three of it.
     void playToPick(const QString& kind);
 
@@ -41,6 +41,9 @@ protected:
 
     // The program ends by itself with that code.
     void expectEnd(int exitCode);
+
+    // A line of the file with the user's choices.
+    bool isStored(const QByteArray& line);
 
     // Lines of the log that a test expects beyond those of every start.
     QList<QByteArray> expectedLog;

@@ -55,6 +55,25 @@ int tilesAlong(int length, const std::function<QRgb(int)>& pixel) {
     return count;
 }
 
+// What differs from the background within `area`, parted where that many columns or more are empty.
+std::vector<QRect> inkAlong(const QImage& picture, const QRect& area, int gap) {
+    const QRgb background = backgroundOf(picture);
+    std::vector<QRect> parts;
+    for (int x = area.left(); x <= area.right(); ++x) {
+        const QRect ink = inkOf(picture.copy(x, area.top(), 1, area.height()), background);
+        if (ink.isNull()) {
+            continue;
+        }
+        const QRect column(x, area.top() + ink.top(), 1, ink.height());
+        if (parts.empty() || x - parts.back().right() > gap) {
+            parts.push_back(column);
+        } else {
+            parts.back() |= column;
+        }
+    }
+    return parts;
+}
+
 } // namespace
 
 bool shows(const QImage& picture, const QColor& color) {
@@ -91,8 +110,7 @@ QRect inkOf(const QImage& picture, QRgb background) {
     return ink;
 }
 
-std::vector<QRect> textLines(const QImage& menu) {
-    constexpr int innerGap = 3; // within a line, as between the strokes of a letter
+std::vector<QRect> textLines(const QImage& menu, int innerGap) {
     constexpr int thinnest = 5; // a separator is thinner
     const QRgb background = backgroundOf(menu);
     const auto hasInk = [&](int y) {
@@ -121,6 +139,32 @@ std::vector<QRect> textLines(const QImage& menu) {
         }
     }
     close();
+    return lines;
+}
+
+std::vector<QRect> alertButtons(const QImage& alert) {
+    const auto lines = textLines(alert);
+    return lines.empty() ? std::vector<QRect>() : inkAlong(alert, lines.back(), 1);
+}
+
+std::vector<QRect> alertLines(const QImage& alert) {
+    constexpr int wideGap = 8; // pixels; what parts the symbol from the text
+    const auto rows = textLines(alert);
+    if (rows.size() < 2) {
+        return {};
+    }
+    const QRect above(frame, frame, alert.width() - 2 * frame, rows.back().top() - 2 * frame);
+    const auto parts = inkAlong(alert, above, wideGap);
+    if (parts.size() < 2) {
+        return {};
+    }
+    // With the margin that lines of text have at the sides.
+    QRect text(parts[1].left() - frame, above.top(), 0, above.height());
+    text.setRight(above.right());
+    std::vector<QRect> lines = textLines(alert.copy(text), 0); // they stand close together
+    for (QRect& line : lines) {
+        line.translate(text.topLeft());
+    }
     return lines;
 }
 

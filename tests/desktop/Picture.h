@@ -19,8 +19,15 @@ QRgb backgroundOf(const QImage& picture);
 // Encloses what differs from the background; null when nothing does.
 QRect inkOf(const QImage& picture, QRgb background);
 
-// The lines of text of a menu, from the top; separators and the frame are left out.
-std::vector<QRect> textLines(const QImage& menu);
+// The lines of text of a menu, from the top; separators and the frame are left out. Up to `innerGap` empty rows of
+// pixels are within a line, as between the strokes of a letter.
+std::vector<QRect> textLines(const QImage& menu, int innerGap = 3);
+
+// The frames of an alert's buttons, from the left; they are the lowest things in it.
+std::vector<QRect> alertButtons(const QImage& alert);
+
+// The lines of text of an alert, from the top, without its symbol and its buttons.
+std::vector<QRect> alertLines(const QImage& alert);
 
 // Of the opaque panel's background.
 QRgb sheetColor();

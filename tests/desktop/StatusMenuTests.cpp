@@ -1,9 +1,7 @@
-#include "desktop/MenuText.h"
-#include "desktop/PanelTest.h"
+#include "desktop/StatusMenuTest.h"
 #include "support/Printing.h"
 
 #include <QElapsedTimer>
-#include <QFile>
 
 #include <algorithm>
 
@@ -12,100 +10,11 @@ namespace pelloran {
 namespace {
 
 using testing::Letters;
-using testing::PanelTest;
+using testing::StatusMenuTest;
 using testing::until;
-using testing::wordsIn;
 
-// The lines of the menu and of its language submenu.
-enum Entry { toggleOverlay, refresh, checkConfig, checkAppUpdate, language, quit, entryCount };
-
-enum LanguageEntry { system, chinese, english, languageCount };
-
-class StatusMenu : public PanelTest {
+class StatusMenu : public StatusMenuTest {
 protected:
-    void SetUp() override {
-        PanelTest::SetUp();
-        if (!IsSkipped() && !HasFatalFailure()) {
-            startWindowManager();
-        }
-    }
-
-    void startPanelWithTray() {
-        startTray();
-        if (!IsSkipped() && !HasFatalFailure()) {
-            startPanel();
-            ASSERT_TRUE(until([this] { return trayIcon() != XCB_WINDOW_NONE; })) << "no icon in the tray";
-        }
-    }
-
-    // Somewhere inside of a window of the tray's.
-    xcb_window_t trayIcon() {
-        for (const xcb_window_t outer : client->children(client->root())) {
-            if (!client->text(outer, "WM_CLASS").startsWith("pelloran")) {
-                if (const auto icon = iconInside(outer, 4); icon != XCB_WINDOW_NONE) {
-                    return icon;
-                }
-            }
-        }
-        return XCB_WINDOW_NONE;
-    }
-
-    xcb_window_t iconInside(xcb_window_t window, int depth) {
-        for (const xcb_window_t inner : client->children(window)) {
-            if (client->text(inner, "WM_CLASS").startsWith("pelloran") && client->isViewable(inner)) {
-                return inner;
-            }
-            if (depth > 0) {
-                if (const auto icon = iconInside(inner, depth - 1); icon != XCB_WINDOW_NONE) {
-                    return icon;
-                }
-            }
-        }
-        return XCB_WINDOW_NONE;
-    }
-
-    QImage picture(xcb_window_t window) { return client->screenshot(client->bounds(window)); }
-
-    // The topmost window of the program, once it has that many lines of text.
-    xcb_window_t topmost(std::size_t popupCount, int lineCount) {
-        const auto complete = [&] {
-            const auto open = popups();
-            return open.size() == popupCount && std::ssize(testing::textLines(picture(open.front()))) == lineCount;
-        };
-        EXPECT_TRUE(until(complete)) << popups().size() << " windows";
-        return complete() ? popups().front() : xcb_window_t{XCB_WINDOW_NONE};
-    }
-
-    xcb_window_t openMenu(QPoint at, int button) {
-        hand.click(at, button);
-        return topmost(1, entryCount);
-    }
-
-    // Not twice in the same place: a quick test would make it a double click.
-    xcb_window_t openTrayMenu() {
-        aside = -aside;
-        return openMenu(client->bounds(trayIcon()).center() + aside, 1);
-    }
-
-    xcb_window_t openLanguages(xcb_window_t menu) {
-        click(menu, language);
-        return topmost(2, languageCount);
-    }
-
-    void click(xcb_window_t menu, int entry) {
-        const auto lines = testing::textLines(picture(menu));
-        ASSERT_LT(entry, std::ssize(lines));
-        hand.click(client->bounds(menu).topLeft() + QPoint(40, lines[static_cast<std::size_t>(entry)].center().y()));
-    }
-
-    void expectWords(xcb_window_t window, int entry, Letters letters, const QString& expected) {
-        const QImage shown = picture(window);
-        const auto lines = testing::textLines(shown);
-        ASSERT_LT(entry, std::ssize(lines));
-        const QString read = wordsIn(shown, lines[static_cast<std::size_t>(entry)], letters);
-        EXPECT_GE(testing::likeness(read, expected), 0.6) << "read: " << read.toStdString();
-    }
-
     // The one line whose mark has most of it filled.
     int markedLine(xcb_window_t menu) {
         const QImage shown = picture(menu);
@@ -121,14 +30,6 @@ protected:
             inks.push_back(ink);
         }
         return static_cast<int>(std::ranges::max_element(inks) - inks.begin());
-    }
-
-    void closeMenu() {
-        while (!popups().empty()) {
-            const auto open = popups().size();
-            hand.key("Escape");
-            ASSERT_TRUE(until([&] { return popups().size() < open; })) << "the menu stays";
-        }
     }
 
     // Snapshots come at their own pace, too: what `refreshNow` does must bring one sooner than that.
@@ -148,15 +49,6 @@ protected:
         }
         ADD_FAILURE() << "no snapshot at once";
     }
-
-    void expectSnapshotWith(const QString& part) {
-        EXPECT_TRUE(pelloran.waitFor([&part](const QJsonObject& snapshot) {
-            return snapshot[QStringLiteral("message")].toString().contains(part);
-        }));
-    }
-
-private:
-    QPoint aside{6, 0};
 };
 
 TEST_F(StatusMenu, HasAnIconThatOpensItWithEitherButton) {
@@ -229,13 +121,6 @@ TEST_F(StatusMenu, SwitchesTheLanguageAndBack) {
     if (IsSkipped() || HasFatalFailure()) {
         return;
     }
-    QFile stored(home.path() + QStringLiteral("/config/Pelloran/Pelloran.ini"));
-    const auto isStored = [&stored](const char* line) {
-        const bool open = stored.open(QIODevice::ReadOnly);
-        const bool found = open && stored.readAll().split('\n').contains(line);
-        stored.close();
-        return found;
-    };
     auto languages = openLanguages(openTrayMenu());
     EXPECT_EQ(markedLine(languages), system);
     click(languages, chinese);

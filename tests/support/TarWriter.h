@@ -21,6 +21,7 @@ public:
         int mode = 0644;
         QByteArray owner = "somebody";
         qint64 claimedSize = -1; // what the header says where it is not the content's size
+        qint64 time = 1'700'000'000;
     };
 
     void add(const Entry& entry) {
@@ -35,7 +36,13 @@ public:
         put(108, octal(0, 7));
         put(116, octal(0, 7));
         put(124, octal(size, 11));
-        put(136, octal(1'700'000'000, 11));
+        constexpr qint64 beyondOctal = qint64{1} << 33;
+        if (entry.time < beyondOctal) {
+            put(136, octal(entry.time, 11));
+        } else {
+            put(136, QByteArray("\x80\0\0\0", 4) +
+                         QByteArray::fromHex(QByteArray::number(entry.time, 16).rightJustified(16, '0')));
+        }
         put(156, QByteArray(1, entry.kind));
         put(157, entry.linkTarget);
         put(257, QByteArray("ustar\0"

@@ -1,15 +1,15 @@
 #include "support/VirtualDisplay.h"
 
+#include "support/EndWithParent.h"
+
 #include <QDeadlineTimer>
 #include <QFile>
 #include <QProcessEnvironment>
 #include <QStandardPaths>
 
-#include <sys/prctl.h>
 #include <unistd.h>
 
 #include <chrono>
-#include <csignal>
 #include <thread>
 
 namespace pelloran::testing {
@@ -17,11 +17,6 @@ namespace pelloran::testing {
 namespace {
 
 const QString serverProgram = QStringLiteral("Xvfb");
-
-// A test that crashes takes its display with it.
-void endWithParent(QProcess& process) {
-    process.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGKILL); });
-}
 
 void end(QProcess& process) {
     if (process.state() != QProcess::NotRunning) {

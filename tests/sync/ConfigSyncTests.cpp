@@ -371,6 +371,7 @@ TEST_F(PeriodicSyncTest, BeginsWhenTold) {
     EXPECT_TRUE(timer().isActive());
     EXPECT_FALSE(timer().isSingleShot());
     EXPECT_EQ(timer().intervalAsDuration(), std::chrono::minutes(10));
+    EXPECT_EQ(timer().timerType(), Qt::VeryCoarseTimer);
     EXPECT_EQ(queue->waiting(), 1u) << "one now";
     queue->finishNext();
     EXPECT_EQ(delivered, 1);

@@ -25,7 +25,7 @@ namespace {
 class InterruptedInstallationTest : public ::testing::TestWithParam<QString> {
 protected:
     // Files that tell whether a content is complete: each holds its hash.
-    static constexpr int fileCount = 20;
+    static constexpr int fileCount = 6;
 
     QString bundleOf(const QString& hash) const {
         testing::TarWriter writer;

@@ -2,6 +2,7 @@
 
 #include "fakes/FakeApplicationFiles.h"
 #include "platform/Log.h"
+#include "platform/SerialQueue.h"
 #include "support/Printing.h"
 #include "support/TarWriter.h"
 #include "sync/TextLanguage.h"
@@ -10,7 +11,9 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QLockFile>
+#include <QProcess>
 #include <QTemporaryDir>
+#include <QThread>
 
 #include <gmock/gmock.h>
 #include <sys/resource.h>
@@ -18,6 +21,8 @@
 
 #include <csignal>
 #include <filesystem>
+#include <future>
+#include <optional>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -320,6 +325,64 @@ TEST_F(LocalConfigTest, NewContentCountsThoughTheOldOneCannotBeSetAside) {
     EXPECT_THAT(logged, ElementsAre(u"cannot set the old configuration aside: Permission denied"_s));
 }
 
+TEST_F(LocalConfigTest, EverythingIsOnTheDiskBeforeItIsSwappedIn) {
+    installFirst();
+    const QString parent = QFileInfo(directory()).path();
+    QStringList synced;
+    QStringList staged;
+    bool oldIsThere = false;
+    tools.sync = [&](const std::filesystem::path& path) {
+        const QString name = QString::fromStdString(path.string());
+        if (name == parent) {
+            oldIsThere = QFileInfo::exists(directory() + u".bak"_s);
+        }
+        synced.append(name);
+        return std::error_code();
+    };
+    tools.exchange = [&](const std::filesystem::path& from, const std::filesystem::path&) {
+        EXPECT_FALSE(synced.contains(parent));
+        for (const QString& name : everythingIn(QString::fromStdString(from.string()))) {
+            staged.append(QString::fromStdString(from.string()) + u'/' + name);
+        }
+        staged.append(QString::fromStdString(from.string()));
+        return std::make_error_code(std::errc::not_supported);
+    };
+    ASSERT_TRUE(config().install(manifest(u"new"_s), "raw", bundle("new")));
+    EXPECT_EQ(staged.size(), 6) << "two files in two folders, the hash and the manifest";
+    staged.append(parent);
+    staged.sort();
+    synced.sort();
+    EXPECT_EQ(synced, staged);
+    EXPECT_TRUE(oldIsThere) << "until the new one is certain";
+}
+
+TEST_F(LocalConfigTest, WhatDoesNotReachTheDiskIsNotSwappedIn) {
+    installFirst();
+    for (const char* name : {"extra", "winrates", ".content_hash", "class_winrates.json"}) {
+        SCOPED_TRACE(name);
+        tools.sync = [name](const std::filesystem::path& path) {
+            return path.filename() == name ? std::make_error_code(std::errc::no_space_on_device) : std::error_code();
+        };
+        const auto installed = config().install(manifest(u"new"_s), "raw", bundle("new"));
+        ASSERT_FALSE(installed);
+        const QString message = installed.error().localizedDescription();
+        EXPECT_TRUE(message.startsWith(u"cannot write "_s)) << message.toStdString();
+        EXPECT_TRUE(message.endsWith(u": No space left on device"_s)) << message.toStdString();
+        expectOldContent();
+        EXPECT_THAT(everythingIn(tools.temporaryFolder), IsEmpty());
+    }
+}
+
+TEST_F(LocalConfigTest, NewContentCountsThoughItsFolderCannotBeSynced) {
+    installFirst();
+    tools.sync = [](const std::filesystem::path& path) {
+        return path.filename() == "Pelloran" ? std::make_error_code(std::errc::io_error) : std::error_code();
+    };
+    EXPECT_TRUE(config().install(manifest(u"new"_s), "raw", bundle("new")));
+    EXPECT_EQ(config().localHash(), u"new"_s);
+    EXPECT_THAT(logged, ElementsAre(u"cannot write "_s + QFileInfo(directory()).path() + u": Input/output error"_s));
+}
+
 TEST_F(LocalConfigTest, SaysWhatIsInTheWay) {
     write(directory(), "a file");
     const auto installed = config().install(manifest(u"new"_s), "raw", bundle("new"));
@@ -336,16 +399,114 @@ TEST_F(LocalConfigTest, SaysThatNothingCanBeMadeThere) {
     EXPECT_TRUE(installed.error().localizedDescription().startsWith(u"cannot make the folder "_s));
 }
 
-TEST_F(LocalConfigTest, AReadOnlyFolderKeepsItsContent) {
-    if (::geteuid() == 0) {
-        GTEST_SKIP() << "permissions do not bind the administrator";
+// Permissions do not bind the administrator: until it goes out of scope, the process is an ordinary user, who owns
+// `folder` and all in it.
+class AsOrdinaryUser {
+public:
+    explicit AsOrdinaryUser(const QString& folder) {
+        if (isAdministrator) {
+            EXPECT_EQ(QProcess::execute(u"chown"_s, {u"-R"_s, QString::number(nobody), folder}), 0);
+            EXPECT_EQ(::seteuid(nobody), 0);
+        }
     }
+
+    ~AsOrdinaryUser() {
+        if (isAdministrator) {
+            EXPECT_EQ(::seteuid(0), 0);
+        }
+    }
+
+    AsOrdinaryUser(const AsOrdinaryUser&) = delete;
+    AsOrdinaryUser& operator=(const AsOrdinaryUser&) = delete;
+
+private:
+    static constexpr uid_t nobody = 65534;
+    const bool isAdministrator = ::geteuid() == 0;
+};
+
+TEST_F(LocalConfigTest, KeepsItsContentWhereNothingMayBeWritten) {
     installFirst();
+    const AsOrdinaryUser user(folder.path());
     const QString parent = QFileInfo(directory()).path();
     QFile::setPermissions(parent, QFileDevice::ReadOwner | QFileDevice::ExeOwner);
-    EXPECT_FALSE(config().install(manifest(u"new"_s), "raw", bundle("new")));
+    const auto installed = config().install(manifest(u"new"_s), "raw", bundle("new"));
     QFile::setPermissions(parent, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+    ASSERT_FALSE(installed);
+    EXPECT_EQ(installed.error().localizedDescription(),
+              u"cannot lock "_s + directory() + u".lock: no permission or no space"_s);
     expectOldContent();
+    EXPECT_THAT(everythingIn(tools.temporaryFolder), IsEmpty());
+}
+
+TEST_F(LocalConfigTest, ReplacesAFolderThatIsReadOnlyItself) {
+    installFirst();
+    const AsOrdinaryUser user(folder.path());
+    for (const QString& name : {u"/winrates"_s, u""_s}) {
+        QFile::setPermissions(directory() + name, QFileDevice::ReadOwner | QFileDevice::ExeOwner);
+    }
+    EXPECT_EQ(config().install(manifest(u"new"_s), "raw", bundle("new")), LocalConfig::Installation::done);
+    EXPECT_EQ(config().localHash(), u"new"_s);
+    EXPECT_FALSE(QFileInfo::exists(directory() + u".bak"_s));
+    EXPECT_THAT(logged, IsEmpty());
+}
+
+// A disk of its own for what is to be filled.
+class FullDiskTest : public LocalConfigTest {
+protected:
+    // Of one megabyte.
+    void mountAt(const QString& path) {
+        ASSERT_TRUE(QDir().mkpath(path));
+        if (QProcess::execute(u"mount"_s, {u"-t"_s, u"tmpfs"_s, u"-o"_s, u"size=1m"_s, u"none"_s, path}) != 0) {
+            GTEST_SKIP() << "only the administrator can mount a small disk";
+        }
+        mounted = path;
+    }
+
+    ~FullDiskTest() override {
+        if (!mounted.isEmpty()) {
+            EXPECT_EQ(QProcess::execute(u"umount"_s, {mounted}), 0);
+        }
+    }
+
+    // Little to download, two megabytes on the disk.
+    static QByteArray largeBundle() {
+        TarWriter writer;
+        writer.add({.name = "winrates/class_winrates.json", .content = "new"});
+        writer.add({.name = "zeros", .content = QByteArray(2 * 1024 * 1024, '\0')});
+        return writer.gzipped();
+    }
+
+    QString mounted;
+};
+
+TEST_F(FullDiskTest, KeepsTheOldContentWhereTheNewOneHasNoRoom) {
+    mountAt(files.applicationSupportFolder());
+    if (IsSkipped()) {
+        return;
+    }
+    installFirst();
+    const auto installed = config().install(manifest(u"new"_s), "raw", largeBundle());
+    ASSERT_FALSE(installed);
+    const QString message = installed.error().localizedDescription();
+    EXPECT_TRUE(message.startsWith(u"cannot write "_s)) << message.toStdString();
+    EXPECT_TRUE(message.endsWith(u"No space left on device"_s)) << message.toStdString();
+    expectOldContent();
+    EXPECT_THAT(everythingIn(tools.temporaryFolder), IsEmpty());
+}
+
+TEST_F(FullDiskTest, KeepsTheOldContentWhereTheDownloadHasNoRoom) {
+    mountAt(tools.temporaryFolder);
+    if (IsSkipped()) {
+        return;
+    }
+    installFirst();
+    const auto installed = config().install(manifest(u"new"_s), "raw", largeBundle());
+    ASSERT_FALSE(installed);
+    const QString message = installed.error().localizedDescription();
+    EXPECT_TRUE(message.startsWith(u"Failed to extract config: "_s)) << message.toStdString();
+    expectOldContent();
+    EXPECT_THAT(everythingIn(tools.temporaryFolder), IsEmpty());
+    EXPECT_EQ(QDir(directory() + u"/.."_s).entryList({u"config.staging-*"_s}, QDir::Dirs).size(), 0);
 }
 
 // As on a full disk, no file may grow beyond a size: of this program and of the tar it starts.
@@ -411,6 +572,70 @@ TEST_F(LocalConfigTest, WaitsForAnotherInstallationOnlySoLong) {
     other.unlock();
     EXPECT_EQ(config().install(manifest(u"new"_s), "raw", bundle("new")), LocalConfig::Installation::done);
     EXPECT_EQ(config().localHash(), u"new"_s);
+}
+
+TEST_F(LocalConfigTest, ALockOfNobodyHoldsForAnHour) {
+    installFirst();
+    const auto lockOfAge = [this](int minutes) {
+        const std::filesystem::path path = (directory() + u".lock"_s).toStdString();
+        std::filesystem::last_write_time(path,
+                                         std::filesystem::file_time_type::clock::now() - std::chrono::minutes(minutes));
+    };
+    // As after a loss of power: made, but not written.
+    write(directory() + u".lock"_s, "");
+    lockOfAge(50);
+    EXPECT_EQ(config().install(manifest(u"new"_s), "raw", bundle("new")), LocalConfig::Installation::busy);
+    lockOfAge(61);
+    EXPECT_EQ(config().install(manifest(u"new"_s), "raw", bundle("new")), LocalConfig::Installation::done);
+    EXPECT_EQ(config().localHash(), u"new"_s);
+    EXPECT_FALSE(QFileInfo::exists(directory() + u".lock"_s));
+
+    // One that somebody holds stays, however old it is.
+    QLockFile other(directory() + u".lock"_s);
+    ASSERT_TRUE(other.lock());
+    lockOfAge(500);
+    EXPECT_EQ(config().install(manifest(u"newer"_s), "raw", bundle("newer")), LocalConfig::Installation::busy);
+}
+
+TEST_F(LocalConfigTest, APutAsideContentComesBackThoughTheNextInstallationFails) {
+    installFirst();
+    ASSERT_TRUE(QDir().rename(directory(), directory() + u".bak"_s));
+    EXPECT_FALSE(config().install(manifest(u"new"_s), "raw", "garbage"));
+    expectOldContent();
+    EXPECT_FALSE(QFileInfo::exists(directory() + u".bak"_s));
+    EXPECT_THAT(logged,
+                ElementsAre(u"an update of the configuration was cut off: the previous files are back in place"_s));
+}
+
+TEST_F(LocalConfigTest, AnEndingThreadCopiesNoMore) {
+    installFirst();
+    for (const InstallStep step : {InstallStep::unpacked, InstallStep::madeStaging, InstallStep::wroteManifest}) {
+        SCOPED_TRACE(static_cast<int>(step));
+        std::promise<void> there;
+        tools.after = [&](InstallStep done) {
+            if (done == step) {
+                there.set_value();
+                while (!QThread::currentThread()->isInterruptionRequested()) {
+                    QThread::msleep(1);
+                }
+            }
+        };
+        std::optional<ConfigSyncError> error;
+        auto queue = SerialQueue::create(u"test"_s);
+        queue->submit(
+            [&] {
+                const auto installed = config().install(manifest(u"new"_s), "raw", bundle("new"));
+                if (!installed) {
+                    error = installed.error();
+                }
+            },
+            nullptr, [] {});
+        there.get_future().wait();
+        queue.reset();
+        EXPECT_EQ(error, (ConfigSyncError{ConfigSyncError::Platform{u"interrupted"_s}}));
+        expectOldContent();
+        EXPECT_THAT(everythingIn(tools.temporaryFolder), IsEmpty());
+    }
 }
 
 TEST_F(LocalConfigTest, InstallsNotAgainWhatAnotherProcessInstalledMeanwhile) {

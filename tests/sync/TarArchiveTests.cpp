@@ -3,6 +3,7 @@
 #include "platform/SerialQueue.h"
 #include "support/Printing.h"
 #include "support/TarWriter.h"
+#include "sync/TarListing.h"
 
 #include <QDir>
 #include <QFile>
@@ -18,6 +19,7 @@
 #include <filesystem>
 #include <functional>
 #include <future>
+#include <limits>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -94,7 +96,7 @@ TEST_F(TarArchiveTest, AcceptsWhatAnHonestTarMakes) {
 }
 
 TEST_F(TarArchiveTest, RefusesWhatMustNotBeUnpacked) {
-    const qint64 tooMuch = TarArchive::maximumUnpackedBytes + 1;
+    const qint64 tooMuch = TarListing::maximumUnpackedBytes + 1;
 
     struct Case {
         const char* why;
@@ -149,9 +151,20 @@ TEST_F(TarArchiveTest, RefusesABombBeforeItGoesOff) {
     EXPECT_TRUE(nothingUnpacked());
 }
 
+TEST_F(TarArchiveTest, AnOwnersNameDoesNotHideASize) {
+    // Sixty files of ten megabytes, of a date that tar writes as a number and an owner that looks like one byte.
+    TarWriter writer;
+    writer.add({.name = "zeros",
+                .content = QByteArray(10 * 1024 * 1024, '\0'),
+                .owner = "a 1 b",
+                .time = std::numeric_limits<qint64>::max() / 2});
+    EXPECT_EQ(messageOf(TarArchive::check(write(writer.gzippedTimes(60)))),
+              u"the archive unpacks to more than 512 MiB"_s);
+}
+
 TEST_F(TarArchiveTest, CountsEntries) {
     TarWriter most;
-    for (int i = 0; i < TarArchive::maximumEntries; ++i) {
+    for (int i = 0; i < TarListing::maximumEntries; ++i) {
         most.add({.name = "f" + QByteArray::number(i)});
     }
     EXPECT_EQ(messageOf(TarArchive::check(write(most))), u""_s);
@@ -252,7 +265,7 @@ TEST_F(TarArchiveTest, LooksAgainAtWhatWasUnpacked) {
              std::filesystem::create_directory(at);
              QFile file(at / "big");
              ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-             ASSERT_TRUE(file.resize(TarArchive::maximumUnpackedBytes + 1)); // of holes: takes no space
+             ASSERT_TRUE(file.resize(TarListing::maximumUnpackedBytes + 1)); // of holes: takes no space
          },
          u"the archive unpacks to more than 512 MiB"_s},
     };

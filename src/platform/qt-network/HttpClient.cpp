@@ -1,5 +1,8 @@
 #include "platform/HttpClient.h"
 
+#include "SystemProxies.h"
+
+#include <QDeadlineTimer>
 #include <QEventLoop>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
@@ -8,6 +11,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <chrono>
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -47,6 +51,7 @@ QNetworkRequest networkRequest(const HttpClient::Request& request) {
 class QtHttpClient final : public HttpClient {
 public:
     std::expected<Response, TransportError> get(const Request& request) override {
+        const QDeadlineTimer deadline(request.deadline, Qt::PreciseTimer);
         const QString scheme = request.url.scheme(); // QUrl has it in lower case
         if ((scheme != "http"_L1 && scheme != "https"_L1) || request.url.host().isEmpty()) {
             return std::unexpected(TransportError{u"unsupported URL"_s});
@@ -54,11 +59,17 @@ public:
 
         // One for each request: it belongs to the thread it was made on, and nothing is kept.
         QNetworkAccessManager manager;
+        SystemProxies* proxies = nullptr; // owned by the manager
+        if (QNetworkProxyFactory::usesSystemConfiguration()) {
+            proxies = new SystemProxies(deadline);
+            manager.setProxyFactory(proxies);
+        }
         const std::unique_ptr<QNetworkReply> reply(manager.get(networkRequest(request)));
         reply->setReadBufferSize(readAhead);
 
         QEventLoop loop;
         QByteArray body;
+        bool isTooLong = false;
         std::optional<QString> givenUp;
         const auto giveUp = [&](const QString& why) {
             if (!givenUp) {
@@ -66,11 +77,16 @@ public:
             }
             loop.quit();
         };
+        const auto stop = [&] {
+            isTooLong = true;
+            loop.quit();
+        };
         const auto read = [&] {
-            // A byte beyond the limit is enough to know.
-            body += reply->read(std::max<qint64>(0, request.maximumBytes + 1 - body.size()));
+            // A byte beyond the limit is enough to know. Asked for more than there is, Qt makes room for all of it.
+            const qint64 wanted = request.maximumBytes + 1 - body.size();
+            body += reply->read(std::clamp<qint64>(wanted, 0, reply->bytesAvailable()));
             if (body.size() > request.maximumBytes) {
-                giveUp(u"the answer is longer than %1 bytes"_s.arg(request.maximumBytes));
+                stop();
             }
         };
 
@@ -82,13 +98,20 @@ public:
         QTimer end;
         end.setSingleShot(true);
         end.setTimerType(Qt::PreciseTimer);
-        end.start(request.deadline);
+        end.start(std::chrono::ceil<std::chrono::milliseconds>(deadline.remainingTimeAsDuration()));
         // A thread that is asked to end must not hold up the program's own end.
         QTimer interruption;
         interruption.start(interruptionPoll);
 
         const auto heard = [&] { silence.start(); };
-        QObject::connect(reply.get(), &QNetworkReply::metaDataChanged, &loop, heard);
+        QObject::connect(reply.get(), &QNetworkReply::metaDataChanged, &loop, [&] {
+            heard();
+            // What announces itself as too long need not be waited for. A redirect's body is nobody's.
+            if (hasSucceeded(statusOf(*reply)) &&
+                reply->header(QNetworkRequest::ContentLengthHeader).toLongLong() > request.maximumBytes) {
+                stop();
+            }
+        });
         QObject::connect(reply.get(), &QNetworkReply::redirected, &loop, heard);
         QObject::connect(reply.get(), &QNetworkReply::readyRead, &loop, [&] {
             heard();
@@ -98,41 +121,62 @@ public:
         const auto timedOut = [&] { giveUp(u"The request timed out."_s); };
         QObject::connect(&silence, &QTimer::timeout, &loop, timedOut);
         QObject::connect(&end, &QTimer::timeout, &loop, timedOut);
+        const auto isInterrupted = [] { return QThread::currentThread()->isInterruptionRequested(); };
+        const auto cancelled = [&] { giveUp(u"The request was cancelled."_s); };
         QObject::connect(&interruption, &QTimer::timeout, &loop, [&] {
-            if (QThread::currentThread()->isInterruptionRequested()) {
-                giveUp(u"The request was cancelled."_s);
+            if (isInterrupted()) {
+                cancelled();
             }
         });
 
         if (!reply->isFinished()) {
             loop.exec();
         }
-        if (!givenUp) {
+        if (!givenUp && !isTooLong) {
             read();
         }
+        if (proxies && !proxies->wereFound()) {
+            isInterrupted() ? cancelled() : timedOut();
+        }
         reply->disconnect(&loop);
-        if (givenUp) {
+        const int status = statusOf(*reply);
+        if (givenUp || isTooLong) {
             reply->abort();
+        }
+        if (givenUp) {
             return std::unexpected(TransportError{*givenUp});
+        }
+        if (isTooLong && hasSucceeded(status)) {
+            return std::unexpected(TransportError{u"the answer is longer than %1 bytes"_s.arg(request.maximumBytes)});
+        }
+        if (isTooLong) {
+            return Response{status, body.first(request.maximumBytes)};
         }
         return answer(*reply, std::move(body));
     }
 
 private:
+    // 0 before the first answer.
+    static int statusOf(const QNetworkReply& reply) {
+        return reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    }
+
+    static bool hasSucceeded(int status) { return status >= 200 && status <= 299; }
+
     static std::expected<Response, TransportError> answer(const QNetworkReply& reply, QByteArray body) {
         const QNetworkReply::NetworkError error = reply.error();
-        const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-        const bool succeeded = status >= 200 && status <= 299;
-        // Once in a thousand times Qt finds nothing wrong with a connection that ended in the middle of a body.
+        const int status = statusOf(reply);
+        // Once in some hundred times Qt finds nothing wrong with a connection that ended in the middle of a body.
         const QVariant promised = reply.header(QNetworkRequest::ContentLengthHeader);
-        if (error == QNetworkReply::NoError && succeeded && promised.isValid() && body.size() < promised.toLongLong()) {
+        if (error == QNetworkReply::NoError && hasSucceeded(status) && promised.isValid() &&
+            body.size() < promised.toLongLong()) {
             return std::unexpected(TransportError{u"Connection closed"_s});
         }
         // A redirect that was not followed carries the status of the redirect, which is nobody's answer.
         const bool redirectRefused =
             error == QNetworkReply::TooManyRedirectsError || error == QNetworkReply::InsecureRedirectError;
         // Qt makes an error of every status that is none of success, in words of its own: the status tells more.
-        if (error == QNetworkReply::NoError ? status != 0 : status != 0 && !succeeded && !redirectRefused) {
+        if (error == QNetworkReply::NoError ? status != 0 : status != 0 && !hasSucceeded(status) && !redirectRefused) {
             return Response{status, std::move(body)};
         }
         return std::unexpected(

@@ -19,6 +19,7 @@
 #include <algorithm>
 #include <future>
 #include <memory>
+#include <semaphore>
 
 using namespace Qt::StringLiterals;
 
@@ -43,6 +44,14 @@ protected:
     // The text of a failure; the status of what is none.
     static QString failure(const std::expected<HttpClient::Response, HttpClient::TransportError>& answer) {
         return answer ? QString::number(answer->status) : answer.error().description;
+    }
+
+    static QByteArray longBody() {
+        QByteArray body(5'000'000, '\0');
+        for (qsizetype i = 0; i < body.size(); ++i) {
+            body[i] = static_cast<char>(i % 251);
+        }
+        return body;
     }
 
     QByteArray headOf(const QString& path) {
@@ -198,26 +207,43 @@ TEST_F(HttpClientTest, ReadsNotAByteMoreThanAllowed) {
     };
 
     const QString tooLong = u"the answer is longer than 1000 bytes"_s;
+    const QByteArray flood(100'000, 'x');
     const Case cases[] = {
         {"just as long", ScriptedServer::answer("200 OK", {}, QByteArray(1000, 'x')), u"200"_s},
         {"a byte more", ScriptedServer::answer("200 OK", {}, QByteArray(1001, 'x')), tooLong},
         {"two gigabytes, announced",
-         ScriptedServer::trickle("HTTP/1.1 200 OK\r\nContent-Length: 2147483648\r\n\r\n", QByteArray(100'000, 'x'), 0),
+         ScriptedServer::trickle("HTTP/1.1 200 OK\r\nContent-Length: 2147483648\r\n\r\n", flood, 0), tooLong},
+        {"announced alone is enough",
+         [](QTcpSocket& socket) { socket.write("HTTP/1.1 200 OK\r\nContent-Length: 2147483648\r\n\r\n"); }, tooLong},
+        {"without end", ScriptedServer::trickle("HTTP/1.0 200 OK\r\n\r\n", flood, 0), tooLong},
+        {"in pieces without end",
+         ScriptedServer::trickle("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n", "186A0\r\n" + flood + "\r\n",
+                                 0),
          tooLong},
-        {"without end", ScriptedServer::trickle("HTTP/1.0 200 OK\r\n\r\n", QByteArray(100'000, 'x'), 0), tooLong},
+        {"of an error the status is enough", ScriptedServer::trickle("HTTP/1.0 404 Not Found\r\n\r\n", flood, 0),
+         u"404"_s},
+        {"of an error the status is enough, announced",
+         ScriptedServer::trickle("HTTP/1.1 500 Oops\r\nContent-Length: 2147483648\r\n\r\n", flood, 0), u"500"_s},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
         server.on("/x", c.script);
-        EXPECT_EQ(failure(http->get(request(u"/x"_s))), c.expected);
+        const auto answer = http->get(request(u"/x"_s));
+        EXPECT_EQ(failure(answer), c.expected);
+        EXPECT_LE(answer ? answer->body.size() : 0, 1000);
     }
 }
 
+TEST_F(HttpClientTest, ARedirectsOwnBodyIsNobodys) {
+    server.on("/x", ScriptedServer::answer("302 Found", "Location: /y\r\n", QByteArray(5000, 'x')));
+    server.on("/y", ScriptedServer::answer("200 OK", {}, "here"));
+    const auto answer = http->get(request(u"/x"_s));
+    ASSERT_TRUE(answer) << answer.error().description.toStdString();
+    EXPECT_EQ(answer->body, "here");
+}
+
 TEST_F(HttpClientTest, TakesABodyBeyondWhatItReadsAhead) {
-    QByteArray body(5'000'000, '\0');
-    for (qsizetype i = 0; i < body.size(); ++i) {
-        body[i] = static_cast<char>(i % 251);
-    }
+    const QByteArray body = longBody();
     server.on("/x", ScriptedServer::answer("200 OK", {}, body));
     auto asked = request(u"/x"_s);
     asked.maximumBytes = 64 * 1024 * 1024;
@@ -257,6 +283,73 @@ TEST_F(HttpClientTest, WaitsNoLongerThanItMay) {
         EXPECT_GE(std::chrono::milliseconds(time.elapsed()), std::min(c.silence, c.deadline) - 20ms);
         EXPECT_LT(std::chrono::milliseconds(time.elapsed()), 10s);
     }
+}
+
+TEST_F(HttpClientTest, AsksTheProxyThatTheSystemNames) {
+    qputenv("http_proxy", server.url(u"/"_s).toEncoded());
+    QNetworkProxyFactory::setUseSystemConfiguration(true);
+    auto asked = request(u"/"_s);
+    asked.url = QUrl(u"http://pelloran.invalid/x"_s);
+    failure(http->get(asked));
+    QNetworkProxyFactory::setUseSystemConfiguration(false);
+    qunsetenv("http_proxy");
+    ASSERT_FALSE(server.requests().empty());
+    EXPECT_THAT(server.requests().front().toStdString(), HasSubstr("pelloran.invalid"));
+}
+
+// The system names a script for its proxies, which a server that says nothing is to hand out.
+class StalledProxyTest : public HttpClientTest {
+protected:
+    StalledProxyTest() {
+        server.on("/x", ScriptedServer::answer("200 OK", {}, "x"));
+        scripts->on("/proxy.pac", [this](QTcpSocket&) { asked.release(); });
+        qputenv("http_proxy", "pac+" + scripts->url(u"/proxy.pac"_s).toEncoded());
+        QNetworkProxyFactory::setUseSystemConfiguration(true);
+        outside.url = QUrl(u"http://pelloran.invalid/"_s); // this machine itself would need no proxy
+    }
+
+    ~StalledProxyTest() override {
+        // Lets go of who still waits for the script, and then the next one has its turn.
+        scripts.reset();
+        EXPECT_EQ(failure(http->get(request(u"/x"_s))), u"200"_s);
+        QNetworkProxyFactory::setUseSystemConfiguration(false);
+        qunsetenv("http_proxy");
+    }
+
+    std::unique_ptr<ScriptedServer> scripts = std::make_unique<ScriptedServer>();
+    std::counting_semaphore<> asked{0};
+    HttpClient::Request outside = request(u"/"_s);
+};
+
+TEST_F(StalledProxyTest, IsNotWaitedForBeyondTheDeadline) {
+    outside.deadline = 300ms;
+    for (const char* why : {"the first", "one that waits for the first"}) {
+        SCOPED_TRACE(why);
+        QElapsedTimer time;
+        time.start();
+        const QString said = failure(http->get(outside));
+        if (scripts->requests().empty()) {
+            GTEST_SKIP() << "Qt asks for no such script here: " << said.toStdString();
+        }
+        EXPECT_EQ(said, u"The request timed out."_s);
+        EXPECT_GE(std::chrono::milliseconds(time.elapsed()), 280ms);
+        EXPECT_LT(std::chrono::milliseconds(time.elapsed()), 10s);
+    }
+}
+
+TEST_F(StalledProxyTest, DoesNotHoldUpTheEndOfTheThread) {
+    auto queue = SerialQueue::create(u"test"_s);
+    QString said;
+    queue->submit([&] { said = failure(http->get(outside)); }, nullptr, [] {});
+    const bool hasAsked = asked.try_acquire_for(3s);
+    QElapsedTimer time;
+    time.start();
+    queue.reset();
+    if (!hasAsked) {
+        GTEST_SKIP() << "Qt asks for no such script here: " << said.toStdString();
+    }
+    EXPECT_EQ(said, u"The request was cancelled."_s);
+    EXPECT_LT(std::chrono::milliseconds(time.elapsed()), 9s) << "sooner than it would have given up anyway";
 }
 
 TEST_F(HttpClientTest, ALittleNowAndThenIsNoSilence) {
@@ -328,6 +421,18 @@ TEST_F(SecureHttpClientTest, TrustsOnlyWhomTheSystemTrusts) {
     EXPECT_TRUE(secure->requests().empty());
     QSslConfiguration::setDefaultConfiguration(trusting);
     EXPECT_EQ(get(u"/x"_s), u"secret"_s);
+}
+
+TEST_F(SecureHttpClientTest, TakesABodyBeyondWhatItReadsAhead) {
+    QSslConfiguration::setDefaultConfiguration(trusting);
+    const QByteArray body = longBody();
+    secure->on("/long", ScriptedServer::answer("200 OK", {}, body));
+    auto asked = request(u"/long"_s);
+    asked.url = secure->url(u"/long"_s);
+    asked.maximumBytes = body.size();
+    const auto answer = http->get(asked);
+    ASSERT_TRUE(answer) << answer.error().description.toStdString();
+    EXPECT_EQ(answer->body, body);
 }
 
 TEST_F(SecureHttpClientTest, IsLedFromOpenToSecureButNotBack) {
