@@ -124,7 +124,7 @@ TEST(MessageBoxAlerts, StayOnTheScreenHoweverLongTheirText) {
         {"one long paragraph", QStringLiteral("another word ").repeated(80'000), true},
         {"one long word", QString(mebibyte, u'x'), true},
         {"a long paragraph of wide letters", QString(340'000, u'说'), true},
-        {"nothing but line breaks", QString(mebibyte, u'\n'), true},
+        {"nothing but line breaks", QString(100'000, u'\n'), true},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
