@@ -4,12 +4,15 @@
 #include "platform/PanelWindow.h"
 
 #include <QGuiApplication>
+#include <QIcon>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPainter>
 #include <QPushButton>
 #include <QScreen>
 #include <QTimer>
 
+#include <algorithm>
 #include <utility>
 
 namespace pelloran {
@@ -30,6 +33,36 @@ QMessageBox::Icon iconFor(Alerts::Style style) {
 
 // The same for all buttons, so that they stand in the order given: desktops differ in which role they put first.
 constexpr auto role = QMessageBox::ActionRole;
+
+// News carry the program's own symbol; what is wrong, the one that this desktop has for it.
+void setSymbol(QMessageBox& box, Alerts::Style style) {
+    box.setIcon(iconFor(style));
+    const QIcon own = QGuiApplication::windowIcon();
+    if (style == Alerts::Style::informational && !own.isNull()) {
+        constexpr int side = 48; // points
+        box.setIconPixmap(own.pixmap(QSize(side, side), box.devicePixelRatio()));
+    }
+}
+
+// A heading of what follows it: not every desktop tells them apart.
+void emphasizeText(QMessageBox& box) {
+    if (auto* label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"))) {
+        QFont font = label->font();
+        font.setBold(true);
+        label->setFont(font);
+    }
+}
+
+// Short lines stay whole: by itself the box is as narrow as its buttons and its heading allow.
+void giveRoomToLines(QMessageBox& box) {
+    if (auto* label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"))) {
+        constexpr int most = 380; // points; longer lines are easier to read when broken
+        label->setWordWrap(false);
+        const int natural = label->sizeHint().width();
+        label->setWordWrap(true);
+        label->setMinimumWidth(std::min(natural, most));
+    }
+}
 
 // With a line around it: a window that no window manager knows has no frame, and may lie on one of the same colour.
 class FramedMessageBox final : public QMessageBox {
@@ -55,12 +88,14 @@ int MessageBoxAlerts::runModal(const Alert& alert) {
     // As high as the panel, but unlike it with the keyboard.
     box.setWindowFlags(box.windowFlags() |
                        (window->windowFlags() & (Qt::WindowStaysOnTopHint | Qt::X11BypassWindowManagerHint)));
-    box.setIcon(iconFor(alert.style));
+    setSymbol(box, alert.style);
     box.setWindowTitle(QGuiApplication::applicationDisplayName());
     // What comes from servers and files must not be taken for markup.
     box.setTextFormat(Qt::PlainText);
     box.setText(alert.messageText);
     box.setInformativeText(alert.informativeText);
+    emphasizeText(box);
+    giveRoomToLines(box);
 
     const QStringList titles = alert.buttons.isEmpty() ? QStringList{L10n::tr(u"update.btn.ok")} : alert.buttons;
     QList<QAbstractButton*> buttons;

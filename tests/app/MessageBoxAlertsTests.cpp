@@ -4,6 +4,8 @@
 #include "support/Printing.h"
 
 #include <QApplication>
+#include <QIcon>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
@@ -67,12 +69,18 @@ QList<QPushButton*> buttonsLeftToRight(const QMessageBox& box) {
     return buttons;
 }
 
+QLabel* labelOf(const QMessageBox& box, const char* name) {
+    return box.findChild<QLabel*>(QString::fromLatin1(name));
+}
+
 TEST(MessageBoxAlerts, ShowWhatTheyAreGiven) {
     answer(threeChoices, [](QMessageBox& box) {
         EXPECT_EQ(box.icon(), QMessageBox::Warning);
         EXPECT_EQ(box.text(), threeChoices.messageText);
         EXPECT_EQ(box.informativeText(), threeChoices.informativeText);
         EXPECT_EQ(box.textFormat(), Qt::PlainText) << "what a server sends is no markup";
+        EXPECT_TRUE(labelOf(box, "qt_msgbox_label")->font().bold()) << "it is a heading";
+        EXPECT_FALSE(labelOf(box, "qt_msgbox_informativelabel")->font().bold());
         EXPECT_TRUE(box.windowFlags().testFlag(Qt::WindowStaysOnTopHint)) << "the panel must not hide it";
         EXPECT_EQ(HighWindow::kept, box.windowHandle()) << "nor a game that comes up later";
         EXPECT_FALSE(box.windowFlags().testFlag(Qt::WindowDoesNotAcceptFocus)) << "it takes the keyboard";
@@ -84,6 +92,58 @@ TEST(MessageBoxAlerts, ShowWhatTheyAreGiven) {
         EXPECT_EQ(box.defaultButton(), buttons[0]);
         box.close();
     });
+}
+
+TEST(MessageBoxAlerts, CarryTheProgramsSymbolWhereNothingIsWrong) {
+    struct Case {
+        const char* why;
+        Alerts::Style style;
+        bool own;
+    };
+
+    const Case cases[] = {
+        {"news", Alerts::Style::informational, true},
+        {"a warning looks like one", Alerts::Style::warning, false},
+        {"so does what is worse", Alerts::Style::critical, false},
+    };
+    QPixmap symbol(48, 48);
+    symbol.fill(Qt::magenta);
+    QGuiApplication::setWindowIcon(QIcon(symbol));
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        answer({.style = c.style, .messageText = QStringLiteral("News"), .informativeText = {}, .buttons = {}},
+               [&c](QMessageBox& box) {
+                   EXPECT_EQ(box.iconPixmap().toImage().pixelColor(24, 24) == QColor(Qt::magenta), c.own);
+                   box.close();
+               });
+    }
+    QGuiApplication::setWindowIcon({});
+}
+
+TEST(MessageBoxAlerts, BreakLongLinesOnly) {
+    struct Case {
+        const char* why;
+        QString text;
+        int breaks;
+    };
+
+    const Case cases[] = {
+        {"one short line", QStringLiteral("You have 1.2.3; the latest is 1.3.0."), 0},
+        {"its own line breaks stay", QStringLiteral("You have 1.2.3.\nDownload 1.3.0 now?"), 0},
+        {"a long line", QStringLiteral("far too long ").repeated(10).trimmed(), 1},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        answer({.style = Alerts::Style::informational, .messageText = {}, .informativeText = c.text, .buttons = {}},
+               [&c](QMessageBox& box) {
+                   const QLabel* label = labelOf(box, "qt_msgbox_informativelabel");
+                   constexpr int anyWidth = 10'000;
+                   const int added = label->heightForWidth(label->width()) - label->heightForWidth(anyWidth);
+                   EXPECT_EQ(added / label->fontMetrics().lineSpacing(), c.breaks);
+                   EXPECT_LT(box.width(), 520);
+                   box.close();
+               });
+    }
 }
 
 TEST(MessageBoxAlerts, TellTheButtonPressed) {
