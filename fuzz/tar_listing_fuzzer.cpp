@@ -46,7 +46,7 @@ void readAsTheyCome(const QByteArray& bytes) {
 
 // A name a line, and of each the size that its first byte says, in 3 MiB: 255 of them are more than is allowed.
 void describeHonestly(const QByteArray& bytes, bool likeGnu) {
-    constexpr qint64 unit = 3 * 1024 * 1024;
+    constexpr qint64 unit = qint64{3} * 1024 * 1024;
     QByteArray names;
     QByteArray details;
     bool clean = true;

@@ -7,6 +7,7 @@
 #include <QDialog>
 #include <QGridLayout>
 #include <QGuiApplication>
+#include <QIcon>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPainter>
@@ -127,7 +128,7 @@ public:
 
         auto* const icon = new QLabel(this);
         const int side = style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, this);
-        icon->setPixmap(style()->standardIcon(iconFor(alert.style), nullptr, this).pixmap(side, side));
+        icon->setPixmap(symbolFor(alert.style).pixmap(QSize(side, side), devicePixelRatio()));
         icon->setObjectName(QStringLiteral("icon"));
 
         auto* const messageText = new QLabel(this);
@@ -202,6 +203,13 @@ protected:
     }
 
 private:
+    // News carry the program's own symbol; what is wrong, the one that this desktop has for it.
+    QIcon symbolFor(Alerts::Style kind) const {
+        const QIcon own = QGuiApplication::windowIcon();
+        const bool isNews = kind == Alerts::Style::informational;
+        return isNews && !own.isNull() ? own : style()->standardIcon(iconFor(kind), nullptr, this);
+    }
+
     PlainTextView* informativeText;
     int pressed = 0;
 };

@@ -114,7 +114,7 @@ Done copyFile(const QString& from, const QString& to) {
     if (!target.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered)) {
         return fileError(u"write"_s, to, target.errorString());
     }
-    QByteArray block(256 * 1024, Qt::Uninitialized);
+    QByteArray block(qsizetype{256} * 1024, Qt::Uninitialized);
     while (true) {
         const qint64 count = source.read(block.data(), block.size());
         if (count < 0) {

@@ -22,8 +22,8 @@ namespace fs = std::filesystem;
 constexpr int pollMilliseconds = 50;
 
 // Of a listing: long names for every entry allowed. Of tar's complaints: nobody reads more.
-constexpr qsizetype maximumOutput = 16 * 1024 * 1024;
-constexpr qsizetype maximumComplaint = 64 * 1024;
+constexpr qsizetype maximumOutput = qsizetype{16} * 1024 * 1024;
+constexpr qsizetype maximumComplaint = qsizetype{64} * 1024;
 
 std::unexpected<ConfigSyncError> failed(const QString& message) {
     return std::unexpected(ConfigSyncError{ConfigSyncError::ExtractFailed{message}});

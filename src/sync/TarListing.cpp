@@ -49,7 +49,7 @@ ConfigSyncError tooManyEntries() {
 }
 
 ConfigSyncError tooManyBytes() {
-    return failure(u"the archive unpacks to more than %1 MiB"_s.arg(maximumUnpackedBytes / (1024 * 1024)));
+    return failure(u"the archive unpacks to more than %1 MiB"_s.arg(maximumUnpackedBytes / 1024 / 1024));
 }
 
 ConfigSyncError neitherFileNorFolder(const QString& name) {

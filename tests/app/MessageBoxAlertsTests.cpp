@@ -5,7 +5,9 @@
 
 #include <QApplication>
 #include <QDialog>
+#include <QIcon>
 #include <QLabel>
+#include <QPixmap>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
@@ -100,6 +102,33 @@ TEST(MessageBoxAlerts, ShowWhatTheyAreGiven) {
         EXPECT_TRUE(buttons[0]->hasFocus());
         box.close();
     });
+}
+
+TEST(MessageBoxAlerts, CarryTheProgramsSymbolWhereNothingIsWrong) {
+    struct Case {
+        const char* why;
+        Alerts::Style style;
+        bool own;
+    };
+
+    const Case cases[] = {
+        {"news", Alerts::Style::informational, true},
+        {"a warning looks like one", Alerts::Style::warning, false},
+        {"so does what is worse", Alerts::Style::critical, false},
+    };
+    QPixmap symbol(64, 64);
+    symbol.fill(Qt::magenta);
+    QGuiApplication::setWindowIcon(QIcon(symbol));
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        answer({.style = c.style, .messageText = QStringLiteral("News"), .informativeText = {}, .buttons = {}},
+               [&c](QDialog& box) {
+                   const QImage shown = label(box, "icon").pixmap().toImage();
+                   EXPECT_EQ(shown.pixelColor(shown.rect().center()) == QColor(Qt::magenta), c.own);
+                   box.close();
+               });
+    }
+    QGuiApplication::setWindowIcon({});
 }
 
 TEST(MessageBoxAlerts, StayOnTheScreenHoweverLongTheirText) {

@@ -16,12 +16,14 @@ public:
     struct Entry {
         QByteArray name; // up to 99 bytes
         QByteArray content = {};
-        char kind = '0'; // '0' file, '1' hard link, '2' symbolic link, '3' device, '5' folder, '6' pipe
+        char kind =
+            '0'; // '0' file, '1' hard link, '2' symbolic link, '3' device, '5' folder, '6' pipe, 'S' sparse file
         QByteArray linkTarget = {};
         int mode = 0644;
         QByteArray owner = "somebody";
         qint64 claimedSize = -1; // what the header says where it is not the content's size
         qint64 time = 1'700'000'000;
+        qint64 hole = 0; // of kind 'S': how large a file without content is
     };
 
     void add(const Entry& entry) {
@@ -48,6 +50,12 @@ public:
         put(257, QByteArray("ustar\0"
                             "00",
                             8));
+        if (entry.kind == 'S') {
+            put(257, QByteArray("ustar  \0", 8)); // GNU's own
+            put(386, octal(entry.hole, 11));
+            put(398, octal(0, 11));
+            put(483, octal(entry.hole, 11));
+        }
         put(265, entry.owner);
         put(297, "everybody");
         put(329, octal(0, 7));

@@ -632,7 +632,7 @@ TEST_F(LocalConfigTest, AnEndingThreadCopiesNoMore) {
             nullptr, [] {});
         there.get_future().wait();
         queue.reset();
-        EXPECT_EQ(error, (ConfigSyncError{ConfigSyncError::Platform{u"interrupted"_s}}));
+        ASSERT_EQ(error, (ConfigSyncError{ConfigSyncError::Platform{u"interrupted"_s}}));
         expectOldContent();
         EXPECT_THAT(everythingIn(tools.temporaryFolder), IsEmpty());
     }

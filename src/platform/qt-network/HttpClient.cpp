@@ -26,7 +26,7 @@ using namespace std::chrono_literals;
 constexpr int maximumRedirects = 10;
 
 // What may arrive ahead of us: the server is held back rather than our memory filled.
-constexpr qint64 readAhead = 256 * 1024;
+constexpr qint64 readAhead = qint64{256} * 1024;
 
 constexpr auto interruptionPoll = 50ms;
 
