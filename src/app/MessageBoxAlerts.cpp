@@ -164,10 +164,16 @@ public:
         layout->addWidget(informativeText, 1, 1, Qt::AlignLeft);
         layout->addLayout(row, 2, 0, 1, 2);
         layout->setSizeConstraint(QLayout::SetFixedSize);
-        informativeText->setVisible(!alert.informativeText.isEmpty());
-
-        informativeText->setFixedHeight(0);
+        // The symbol stands apart, however wide the buttons are.
         const QMargins around = layout->contentsMargins();
+        const int gap = layout->verticalSpacing();
+        layout->setHorizontalSpacing(around.left());
+        layout->setColumnStretch(1, 1);
+        row->setSpacing(gap); // inherited only where both of the layout's own are the same
+        row->setContentsMargins(0, gap, 0, 0);
+
+        informativeText->setVisible(!alert.informativeText.isEmpty());
+        informativeText->setFixedHeight(0);
         const QSize rest(around.left() + side + layout->horizontalSpacing() + around.right(),
                          layout->totalSizeHint().height());
         informativeText->fitInto(screen()->availableSize() * shareOfTheScreen - rest);

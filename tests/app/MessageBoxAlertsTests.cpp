@@ -98,6 +98,8 @@ TEST(MessageBoxAlerts, ShowWhatTheyAreGiven) {
         EXPECT_EQ(buttons[0]->text(), QStringLiteral("Update Now"));
         EXPECT_EQ(buttons[1]->text(), QStringLiteral("Skip && Forget")) << "no letter is underlined";
         EXPECT_EQ(buttons[2]->text(), QStringLiteral("Ignore"));
+        EXPECT_GE(buttons[1]->x() - buttons[0]->geometry().right(), 4) << "they stand apart";
+        EXPECT_GE(label(box, "messageText").x() - label(box, "icon").geometry().right(), 9);
         EXPECT_TRUE(buttons[0]->isDefault());
         EXPECT_TRUE(buttons[0]->hasFocus());
         box.close();
