@@ -38,6 +38,10 @@ constexpr int mostLettersOfAParagraph = 5'000;
 
 constexpr double marginWithinAFrame = 4;
 
+// Some desktops' styles leave the longest title hardly any.
+constexpr int roomInAButton = 16;
+constexpr int roomAboveButtons = 8;
+
 // How much of the screen an alert may take, so that it is seen to be one.
 constexpr double shareOfTheScreen = 0.8;
 
@@ -141,6 +145,7 @@ public:
 
         // Not a box of buttons, which would have them in the desktop's own order.
         auto* const row = new QHBoxLayout;
+        row->setContentsMargins(0, roomAboveButtons, 0, 0);
         row->addStretch();
         const QStringList titles = alert.buttons.isEmpty() ? QStringList{L10n::tr(u"update.btn.ok")} : alert.buttons;
         for (int index = 0; index < titles.size(); ++index) {
@@ -150,6 +155,7 @@ public:
                 pressed = index;
                 accept();
             });
+            button->setMinimumWidth(button->sizeHint().width() + roomInAButton);
             row->addWidget(button);
             if (index == 0) {
                 button->setDefault(true);
