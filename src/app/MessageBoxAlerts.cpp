@@ -172,11 +172,9 @@ public:
         layout->setSizeConstraint(QLayout::SetFixedSize);
         // The symbol stands apart, however wide the buttons are.
         const QMargins around = layout->contentsMargins();
-        const int gap = layout->verticalSpacing();
+        row->setSpacing(layout->verticalSpacing()); // inherited only while both of the layout's own are the same
         layout->setHorizontalSpacing(around.left());
         layout->setColumnStretch(1, 1);
-        row->setSpacing(gap); // inherited only where both of the layout's own are the same
-        row->setContentsMargins(0, gap, 0, 0);
 
         informativeText->setVisible(!alert.informativeText.isEmpty());
         informativeText->setFixedHeight(0);
