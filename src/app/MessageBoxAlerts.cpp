@@ -38,9 +38,8 @@ constexpr int mostLettersOfAParagraph = 5'000;
 
 constexpr double marginWithinAFrame = 4;
 
-// Some desktops' styles leave the longest title hardly any.
+// Some desktops' styles leave the longest title hardly any room.
 constexpr int roomInAButton = 16;
-constexpr int roomAboveButtons = 8;
 
 // How much of the screen an alert may take, so that it is seen to be one.
 constexpr double shareOfTheScreen = 0.8;
@@ -145,7 +144,6 @@ public:
 
         // Not a box of buttons, which would have them in the desktop's own order.
         auto* const row = new QHBoxLayout;
-        row->setContentsMargins(0, roomAboveButtons, 0, 0);
         row->addStretch();
         const QStringList titles = alert.buttons.isEmpty() ? QStringList{L10n::tr(u"update.btn.ok")} : alert.buttons;
         for (int index = 0; index < titles.size(); ++index) {
@@ -172,9 +170,11 @@ public:
         layout->setSizeConstraint(QLayout::SetFixedSize);
         // The symbol stands apart, however wide the buttons are.
         const QMargins around = layout->contentsMargins();
-        row->setSpacing(layout->verticalSpacing()); // inherited only while both of the layout's own are the same
+        const int gap = layout->verticalSpacing();
         layout->setHorizontalSpacing(around.left());
         layout->setColumnStretch(1, 1);
+        row->setSpacing(gap); // inherited only where both of the layout's own are the same
+        row->setContentsMargins(0, around.left(), 0, 0);
 
         informativeText->setVisible(!alert.informativeText.isEmpty());
         informativeText->setFixedHeight(0);

@@ -274,10 +274,8 @@ void X11Panel::putOnTop() {
     const std::uint32_t above = XCB_STACK_MODE_ABOVE;
     xcb_configure_window(*connection, panel, XCB_CONFIG_WINDOW_STACK_MODE, &above);
     xcb_flush(*connection);
-    if (cameToTop) {
-        // What is put above it next is asked for over another connection, and the server keeps no order between two.
-        static_cast<void>(
-            connection->ask<xcb_get_input_focus_reply>(xcb_get_input_focus(*connection), "GetInputFocus"));
+    // What is put above it next is asked for over another connection, and the server keeps no order between two.
+    if (cameToTop && connection->ask<xcb_get_input_focus_reply>(xcb_get_input_focus(*connection), "GetInputFocus")) {
         cameToTop();
     }
 }
