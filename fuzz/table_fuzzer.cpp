@@ -1,0 +1,30 @@
+// Any bytes as a table of cards. What is taken has to be a card file that clients take, and what is not has to say why.
+
+#include "data/CardFile.h"
+#include "publish/CardTable.h"
+
+#include <cstdlib>
+
+namespace {
+
+void require(bool holds) {
+    if (!holds) {
+        std::abort();
+    }
+}
+
+} // namespace
+
+// NOLINTNEXTLINE(readability-identifier-naming): the name is libFuzzer's.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace pelloran;
+    const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
+    const auto file = cardFileFromTable(bytes, QStringLiteral("then"));
+    if (!file) {
+        require(!file.error().isEmpty());
+        return 0;
+    }
+    const auto decoded = CardFile::decode(*file, QStringLiteral("table"));
+    require(decoded && !decoded->rows.empty());
+    return 0;
+}
