@@ -142,6 +142,7 @@ public:
         // Not a box of buttons, which would have them in the desktop's own order.
         auto* const row = new QHBoxLayout;
         row->addStretch();
+        row->setSpacing(style()->pixelMetric(QStyle::PM_LayoutHorizontalSpacing, nullptr, this));
         const QStringList titles = alert.buttons.isEmpty() ? QStringList{L10n::tr(u"update.btn.ok")} : alert.buttons;
         for (int index = 0; index < titles.size(); ++index) {
             QString title = titles[index];
@@ -150,6 +151,7 @@ public:
                 pressed = index;
                 accept();
             });
+            button->setMinimumWidth(button->sizeHint().width() + 2 * fontMetrics().averageCharWidth());
             row->addWidget(button);
             if (index == 0) {
                 button->setDefault(true);
@@ -159,6 +161,10 @@ public:
         pressed = static_cast<int>(titles.size()) - 1;
 
         auto* const layout = new QGridLayout(this);
+        // Wider than between the fields of a form: these are a symbol, a heading, a text and an answer.
+        layout->setColumnStretch(1, 1); // where the buttons need more room, the text has it
+        layout->setHorizontalSpacing(2 * layout->horizontalSpacing());
+        layout->setVerticalSpacing(3 * layout->verticalSpacing() / 2);
         layout->addWidget(icon, 0, 0, 2, 1, Qt::AlignTop);
         layout->addWidget(messageText, 0, 1);
         layout->addWidget(informativeText, 1, 1, Qt::AlignLeft);
