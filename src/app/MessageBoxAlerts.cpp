@@ -38,6 +38,9 @@ constexpr int mostLettersOfAParagraph = 5'000;
 
 constexpr double marginWithinAFrame = 4;
 
+// Some desktops' styles leave the longest title hardly any room.
+constexpr int roomInAButton = 16;
+
 // How much of the screen an alert may take, so that it is seen to be one.
 constexpr double shareOfTheScreen = 0.8;
 
@@ -142,7 +145,6 @@ public:
         // Not a box of buttons, which would have them in the desktop's own order.
         auto* const row = new QHBoxLayout;
         row->addStretch();
-        row->setSpacing(style()->pixelMetric(QStyle::PM_LayoutHorizontalSpacing, nullptr, this));
         const QStringList titles = alert.buttons.isEmpty() ? QStringList{L10n::tr(u"update.btn.ok")} : alert.buttons;
         for (int index = 0; index < titles.size(); ++index) {
             QString title = titles[index];
@@ -151,7 +153,7 @@ public:
                 pressed = index;
                 accept();
             });
-            button->setMinimumWidth(button->sizeHint().width() + 2 * fontMetrics().averageCharWidth());
+            button->setMinimumWidth(button->sizeHint().width() + roomInAButton);
             row->addWidget(button);
             if (index == 0) {
                 button->setDefault(true);
@@ -161,19 +163,21 @@ public:
         pressed = static_cast<int>(titles.size()) - 1;
 
         auto* const layout = new QGridLayout(this);
-        // Wider than between the fields of a form: these are a symbol, a heading, a text and an answer.
-        layout->setColumnStretch(1, 1); // where the buttons need more room, the text has it
-        layout->setHorizontalSpacing(2 * layout->horizontalSpacing());
-        layout->setVerticalSpacing(3 * layout->verticalSpacing() / 2);
         layout->addWidget(icon, 0, 0, 2, 1, Qt::AlignTop);
         layout->addWidget(messageText, 0, 1);
         layout->addWidget(informativeText, 1, 1, Qt::AlignLeft);
         layout->addLayout(row, 2, 0, 1, 2);
         layout->setSizeConstraint(QLayout::SetFixedSize);
-        informativeText->setVisible(!alert.informativeText.isEmpty());
-
-        informativeText->setFixedHeight(0);
+        // The symbol stands apart, however wide the buttons are.
         const QMargins around = layout->contentsMargins();
+        const int gap = layout->verticalSpacing();
+        layout->setHorizontalSpacing(around.left());
+        layout->setColumnStretch(1, 1);
+        row->setSpacing(gap); // inherited only where both of the layout's own are the same
+        row->setContentsMargins(0, around.left(), 0, 0);
+
+        informativeText->setVisible(!alert.informativeText.isEmpty());
+        informativeText->setFixedHeight(0);
         const QSize rest(around.left() + side + layout->horizontalSpacing() + around.right(),
                          layout->totalSizeHint().height());
         informativeText->fitInto(screen()->availableSize() * shareOfTheScreen - rest);

@@ -107,6 +107,10 @@ void removeOldBundles(const QString& folder, const QStringList& kept) {
 
 std::expected<Publication, QStringList> publish(const QString& source, const QString& target,
                                                 const std::optional<QString>& cardTable) {
+    // What is published would be part of what is published next.
+    if (QString(QDir(target).absolutePath() + u'/').startsWith(QDir(source).absolutePath() + u'/')) {
+        return problem(target + u": lies within the folder of data files"_s);
+    }
     const auto content = SourceFolder::read(source, cardTable);
     if (!content) {
         return std::unexpected(content.error());

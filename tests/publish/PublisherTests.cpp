@@ -153,6 +153,17 @@ TEST_F(Publishing, WritesNothingWhenAnythingIsWrong) {
     EXPECT_EQ(served(), names);
 }
 
+TEST_F(Publishing, DoesNotPublishWhatItHasPublished) {
+    for (const QString& inside :
+         {source.path(), source.path(QStringLiteral("www")), source.path(QStringLiteral("a/../www"))}) {
+        const auto publication = publish(source.path(), inside, std::nullopt);
+        ASSERT_FALSE(publication);
+        EXPECT_EQ(publication.error(), QStringList{inside + QStringLiteral(": lies within the folder of data files")});
+    }
+    EXPECT_TRUE(publish(source.path(), source.path() + QStringLiteral("-www"), std::nullopt));
+    QDir(source.path() + QStringLiteral("-www")).removeRecursively();
+}
+
 TEST_F(Publishing, TellsThatItCannotWrite) {
     target.write(QStringLiteral("pelloran"), "a file where the folder should be");
     const auto publication = publish(source.path(), target.path(), std::nullopt);
