@@ -148,7 +148,7 @@ std::vector<QRect> alertButtons(const QImage& alert) {
 }
 
 std::vector<QRect> alertLines(const QImage& alert) {
-    constexpr int wideGap = 8; // pixels; what parts the symbol from the text
+    constexpr int wideGap = 5; // pixels; what parts the symbol from the text
     const auto rows = textLines(alert);
     if (rows.size() < 2) {
         return {};

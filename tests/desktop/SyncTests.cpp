@@ -1,7 +1,6 @@
 #include "desktop/ExpectedFigures.h"
-#include "desktop/StatusMenuTest.h"
+#include "desktop/ServerTest.h"
 #include "support/Printing.h"
-#include "support/StaticServer.h"
 
 #include <algorithm>
 #include <cmath>
@@ -12,8 +11,8 @@ namespace {
 
 using testing::ExpectedFigures;
 using testing::Letters;
+using testing::ServerTest;
 using testing::StaticServer;
-using testing::StatusMenuTest;
 using testing::tilesDown;
 using testing::until;
 
@@ -47,36 +46,23 @@ QJsonArray raised(const QJsonArray& rows, const QStringList& columns, double by)
     return all;
 }
 
-// Without the differences that a reader of single letters cannot see.
-QString asRead(QString text) {
-    struct Alike {
-        QStringView seen;
-        QStringView meant;
-    };
-
-    for (const Alike& alike : {Alike{u"...", u"…"}, {u"-", u"·"}, {u"l", u"1"}, {u"o", u"0"}, {u"l", u"i"}}) {
-        text = text.toLower().replace(alike.meant.toString(), alike.seen.toString());
+// Letters and digits alone, without the differences that a reader of single letters cannot see.
+QString asRead(const QString& text) {
+    QString seen;
+    for (const QChar letter : text.toLower()) {
+        if (letter == u'1' || letter == u'i') {
+            seen += u'l';
+        } else if (letter == u'0') {
+            seen += u'o';
+        } else if (letter.isLetterOrNumber()) {
+            seen += letter;
+        }
     }
-    return text;
+    return seen;
 }
 
-class Sync : public StatusMenuTest {
+class Sync : public ServerTest {
 protected:
-    void SetUp() override {
-        StatusMenuTest::SetUp();
-        if (IsSkipped() || HasFatalFailure()) {
-            return;
-        }
-        if (!StaticServer::isInstalled()) {
-            GTEST_SKIP() << "needs nginx, which is not installed";
-        }
-        ASSERT_TRUE(server.start()) << "nginx does not start";
-    }
-
-    QStringList served() const {
-        return {QStringLiteral("--config-server"), server.url(), QStringLiteral("--update-server"), server.url()};
-    }
-
     // A folder of data files whose figures are those that ship, raised by so much.
     QString dataRaisedBy(double by) {
         const QString folder = home.path() + QStringLiteral("/raised-by-%1").arg(by);
@@ -138,24 +124,27 @@ protected:
     }
 
     // What stands in the panel below its title.
-    QString panelMessage() {
+    QString panelMessage(Letters letters) {
         const QImage shown = panelPicture();
         const auto lines = testing::textLines(shown, 0);
         QStringList words;
         for (std::size_t i = 1; i < lines.size(); ++i) {
-            words.append(testing::lettersIn(shown, lines[i], Letters::english));
+            words.append(testing::lettersIn(shown, lines[i], letters));
         }
         return words.join(u' ');
     }
 
-    // By snapshot and on the screen.
     void expectIdleLine(const QString& head) {
-        const QString line = head + QStringLiteral(" · Waiting for Arena draft…");
+        expectLine(head + QStringLiteral(" · Waiting for Arena draft…"), Letters::english);
+    }
+
+    // By snapshot and on the screen.
+    void expectLine(const QString& line, Letters letters) {
         expectSnapshotWith(line);
         const QString expected = asRead(line);
         QString read;
         EXPECT_TRUE(until([&] {
-            read = asRead(panelMessage());
+            read = asRead(panelMessage(letters));
             return testing::likeness(read, expected) >= 0.95 && read.size() <= expected.size() * 1.05;
         })) << "read: "
             << read.toStdString();
@@ -199,8 +188,6 @@ protected:
         }
         return tiles.size() == 3 && offers.size() == 3;
     }
-
-    StaticServer server;
 };
 
 TEST_F(Sync, FollowsWhatIsPublished) {
@@ -269,26 +256,29 @@ TEST_F(Sync, GivesADraftItsNewFiguresWithoutDisturbingIt) {
 
 TEST_F(Sync, StaysWithItsDataWhileTheServerIsDown) {
     publish(dataRaisedBy(1));
-    expectedLog = {"[Pelloran] config sync: Config updated (", "[Pelloran] reloaded store cards=",
-                   "[Pelloran] config sync: Offline, using local config: Connection refused"};
+    expectedLog = {
+        "[Pelloran] config sync: Config updated (",
+        "[Pelloran] reloaded store cards=", "[Pelloran] config sync: Offline, using local config: Connection refused",
+        "[Pelloran] config sync: 离线使用本地配置：Connection refused", "[Pelloran] config sync: 已更新配置 ("};
     startPanelWithTray(served());
     const QString hash = publishedHash();
     expectIdleLine(QStringLiteral("Config updated · ") + hash);
     server.stop();
     checkByTrayMenu();
     expectIdleLine(QStringLiteral("Offline local config · ") + hash);
-    pelloran.process.terminate();
-    expectEnd(0);
+    endPelloran();
 
-    startPanelWithTray(served());
-    expectIdleLine(QStringLiteral("Offline local config · ") + hash);
+    startPanelWithTray(served() + QStringList{QStringLiteral("--language"), QStringLiteral("zh")});
+    expectLine(QStringLiteral("离线本地配置 · ") + hash + QStringLiteral(" · 等待进入竞技场选卡界面…"),
+               Letters::chinese);
     EXPECT_EQ(pelloran.standardError.count("source=" + installed(QStringLiteral("winrates/")).toUtf8()), 2)
         << "after the sync, and at the second start";
 
     ASSERT_TRUE(server.start());
     publish(dataRaisedBy(2));
     checkByTrayMenu();
-    expectIdleLine(QStringLiteral("Config updated · ") + publishedHash());
+    expectLine(QStringLiteral("配置已更新 · ") + publishedHash() + QStringLiteral(" · 等待进入竞技场选卡界面…"),
+               Letters::chinese);
 }
 
 TEST_F(Sync, StaysWithItsDataWhenABundleIsDamaged) {

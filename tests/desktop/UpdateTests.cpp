@@ -1,6 +1,5 @@
-#include "desktop/StatusMenuTest.h"
+#include "desktop/ServerTest.h"
 #include "support/Printing.h"
-#include "support/StaticServer.h"
 
 #include <QFile>
 
@@ -9,8 +8,8 @@ namespace pelloran {
 namespace {
 
 using testing::Letters;
+using testing::ServerTest;
 using testing::StaticServer;
-using testing::StatusMenuTest;
 using testing::until;
 
 // From the left.
@@ -38,18 +37,13 @@ const Wording chineseOffer{
     {QStringLiteral("立即更新"), QStringLiteral("跳过这个版本"), QStringLiteral("忽略")},
 };
 
-class Updates : public StatusMenuTest {
+class Updates : public ServerTest {
 protected:
     void SetUp() override {
-        StatusMenuTest::SetUp();
-        if (IsSkipped() || HasFatalFailure()) {
-            return;
+        ServerTest::SetUp();
+        if (!IsSkipped() && !HasFatalFailure()) {
+            installBrowser();
         }
-        if (!StaticServer::isInstalled()) {
-            GTEST_SKIP() << "needs nginx, which is not installed";
-        }
-        ASSERT_TRUE(server.start()) << "nginx does not start";
-        installBrowser();
     }
 
     // Stands in for the desktop's own way to open links, and notes them.
@@ -84,16 +78,7 @@ protected:
         };
     }
 
-    void startPelloranWith(const QStringList& arguments = {}) {
-        startPanelWithTray(QStringList{QStringLiteral("--update-server"), server.url(),
-                                       QStringLiteral("--config-server"), server.url()} +
-                           arguments);
-    }
-
-    void endPelloran() {
-        pelloran.process.terminate();
-        expectEnd(0);
-    }
+    void startPelloranWith(const QStringList& arguments = {}) { startPanelWithTray(served() + arguments); }
 
     // The alert that says this, once it stands there.
     xcb_window_t alert(const Wording& wording) {
@@ -143,8 +128,6 @@ protected:
         return static_cast<std::size_t>(std::ranges::count(server.requests(), QStringLiteral("/download/latest.json"),
                                                            &StaticServer::Request::path));
     }
-
-    StaticServer server;
 };
 
 TEST_F(Updates, AreOfferedAtTheStartAndOpenedByTheDesktop) {
