@@ -16,7 +16,7 @@ protected:
         if (!StaticServer::isInstalled()) {
             GTEST_SKIP() << "needs nginx, which is not installed";
         }
-        ASSERT_TRUE(server.start()) << "nginx does not start";
+        ASSERT_TRUE(server.start()) << server.errors().toStdString();
     }
 
     // Arguments that make the program ask the server.

@@ -274,7 +274,7 @@ TEST_F(Sync, StaysWithItsDataWhileTheServerIsDown) {
     EXPECT_EQ(pelloran.standardError.count("source=" + installed(QStringLiteral("winrates/")).toUtf8()), 2)
         << "after the sync, and at the second start";
 
-    ASSERT_TRUE(server.start());
+    ASSERT_TRUE(server.start()) << server.errors().toStdString();
     publish(dataRaisedBy(2));
     checkByTrayMenu();
     expectLine(QStringLiteral("配置已更新 · ") + publishedHash() + QStringLiteral(" · 等待进入竞技场选卡界面…"),

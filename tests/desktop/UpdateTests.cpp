@@ -238,7 +238,7 @@ TEST_F(Updates, AreAskedForInTheMenuWhichAlwaysAnswers) {
         clickButton(alert({c.letters, c.offline, {c.ok}}), 0);
         EXPECT_TRUE(pelloran.printsAnother()) << "it does not go on";
         endPelloran();
-        ASSERT_TRUE(server.start());
+        ASSERT_TRUE(server.start()) << server.errors().toStdString();
     }
 }
 

@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QHostAddress>
+#include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QSaveFile>
 #include <QStandardPaths>
@@ -33,10 +34,17 @@ QString programPath() {
                : found;
 }
 
-// Another program may take it before the server does; that is for the caller to notice.
+// Below those that systems hand out by themselves: one of those may belong to somebody's connection by the time that a
+// stopped server wants it back. Another program may still take it first; that is for the caller to notice.
 quint16 freePort() {
-    QTcpServer probe;
-    return probe.listen(QHostAddress::LocalHost) ? probe.serverPort() : quint16{0};
+    constexpr int tries = 100;
+    for (int i = 0; i < tries; ++i) {
+        const auto port = static_cast<quint16>(QRandomGenerator::global()->bounded(15'000, 32'000));
+        if (QTcpServer probe; probe.listen(QHostAddress::LocalHost, port)) {
+            return port;
+        }
+    }
+    return 0;
 }
 
 // The site of the operator's guide, without what is the machine's.
@@ -97,6 +105,12 @@ bool StaticServer::startOnPort() {
     return QTest::qWaitFor([this] { return QFileInfo::exists(pidFile()) || process.state() == QProcess::NotRunning; },
                            patience) &&
            process.state() == QProcess::Running;
+}
+
+QByteArray StaticServer::errors() const {
+    QFile log(folder.path() + QStringLiteral("/error.log"));
+    return (process.state() == QProcess::Running ? "it runs; " : "it has ended; ") +
+           (log.open(QIODevice::ReadOnly) ? log.readAll() : QByteArray("no log"));
 }
 
 void StaticServer::stop() {

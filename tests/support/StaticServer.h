@@ -34,6 +34,9 @@ public:
     // Returns when it takes connections; false when it does not come to that. Always on the same port.
     bool start();
 
+    // What it says of itself, for tests that fail.
+    QByteArray errors() const;
+
     // From now on connections are refused.
     void stop();
 
