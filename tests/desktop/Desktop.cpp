@@ -1,5 +1,7 @@
 #include "desktop/Desktop.h"
 
+#include "support/EndWithParent.h"
+
 #include <QDir>
 #include <QJsonDocument>
 #include <QTest>
@@ -11,6 +13,7 @@ bool until(const std::function<bool()>& condition, int milliseconds) {
 }
 
 LineProcess::LineProcess() {
+    endWithParent(process);
     QObject::connect(&process, &QProcess::readyReadStandardError, &process, [this] {
         const QByteArray said = process.readAllStandardError();
         standardError += said;
