@@ -82,7 +82,7 @@ public:
             socket.write(first);
             auto* timer = new QTimer(&socket); // owned by the connection
             QObject::connect(timer, &QTimer::timeout, &socket, [&socket, more] {
-                if (socket.bytesToWrite() < 1024LL * 1024) {
+                if (socket.isOpen() && socket.bytesToWrite() < 1024LL * 1024) { // who asked may have gone
                     socket.write(more);
                 }
             });
