@@ -19,8 +19,8 @@ if(PELLORAN_FUZZERS)
   target_link_options(pelloran_options INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
-# What most sources include. Parsing it took two thirds of a build; sources still include what they use. One target holds
-# the result, the others take it from there, so that it is parsed once per kind of target.
+# What most sources include: parsing it took most of the time of compiling one. Sources still include what they use, which
+# scripts/check looks after.
 set(pelloran_common_headers
   <QByteArray> <QDir> <QFile> <QFileInfo> <QImage> <QJsonDocument> <QJsonObject> <QObject> <QString> <QStringList> <QTimer>
   <QUrl>

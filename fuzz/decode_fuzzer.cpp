@@ -4,18 +4,14 @@
 #include "data/CardFile.h"
 #include "data/CardNameIndex.h"
 #include "data/ClassNameIndex.h"
+#include "Require.h"
 
-#include <cstdlib>
+#include <cstdint>
 
 namespace {
 
 using namespace pelloran;
-
-void require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
+using fuzzing::require;
 
 void search(const std::vector<CardStats>& cards) {
     std::vector<QString> norms;

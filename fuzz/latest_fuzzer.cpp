@@ -1,23 +1,15 @@
 // Any bytes as the description of a release. What decodes has to be comparable and lead somewhere or nowhere.
 
+#include "Require.h"
 #include "update/AppReleaseInfo.h"
 #include "update/Versions.h"
 
-#include <cstdlib>
-
-namespace {
-
-void require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
-
-} // namespace
+#include <cstdint>
 
 // NOLINTNEXTLINE(readability-identifier-naming): the name is libFuzzer's.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace pelloran;
+    using fuzzing::require;
     const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
     const auto release = AppReleaseInfo::decode(bytes);
     if (!release) {

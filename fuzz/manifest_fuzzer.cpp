@@ -1,24 +1,19 @@
 // Any bytes as a configuration server's manifest. What decodes has a hash to compare, and says the same when it is
 // written down and read again; what does not tells why.
 
+#include "Require.h"
 #include "sync/RemoteManifest.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
 
 #include <cstdint>
-#include <cstdlib>
 
 namespace {
 
 using namespace pelloran;
+using fuzzing::require;
 using namespace Qt::StringLiterals;
-
-void require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
 
 // Half a character can be escaped in JSON, but not be written in UTF-8.
 bool isWritable(const RemoteManifest& manifest) {

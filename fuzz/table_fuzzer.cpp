@@ -2,22 +2,14 @@
 
 #include "data/CardFile.h"
 #include "publish/CardTable.h"
+#include "Require.h"
 
-#include <cstdlib>
-
-namespace {
-
-void require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
-
-} // namespace
+#include <cstdint>
 
 // NOLINTNEXTLINE(readability-identifier-naming): the name is libFuzzer's.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace pelloran;
+    using fuzzing::require;
     const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
     const auto file = cardFileFromTable(bytes, QStringLiteral("then"));
     if (!file) {

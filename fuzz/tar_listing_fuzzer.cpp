@@ -1,23 +1,18 @@
 // Any bytes as what tar says of an archive: both lists as they come, or an honest list of the names that are given.
 // Nothing that leads out of the folder gets through, and nothing else is held back.
 
+#include "Require.h"
 #include "sync/TarListing.h"
 
 #include <QList>
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 
 namespace {
 
 using namespace pelloran;
-
-void require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
+using fuzzing::require;
 
 // A plain second opinion.
 bool staysInside(const QByteArray& name) {
