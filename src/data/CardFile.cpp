@@ -32,22 +32,31 @@ std::vector<QJsonArray> looseRows(const QJsonObject& file) {
     return found;
 }
 
+CardFile fromStandard(WinrateFile file) {
+    return {
+        .rows = std::move(file.cards),
+        .description = file.playerClass.value_or(u"?"_s) + u" / "_s + file.timeRange.value_or(u"?"_s),
+        .isSample = file.timeRange == u"SAMPLE"_s,
+    };
+}
+
 } // namespace
 
 std::expected<CardFile, DataError> CardFile::decode(const QByteArray& json, const QString& fileName) {
+    if (auto standard = WinrateFile::decodeFast(json); standard && !standard->cards.empty()) {
+        return fromStandard(std::move(*standard));
+    }
     const auto parsed = parseJson(json);
     if (!parsed) {
         return std::unexpected(parsed.error());
     }
-    CardFile file;
-    const QJsonObject object = parsed->toObject();
-    file.isSample = object.value("time_range"_L1).toString() == "SAMPLE"_L1;
-
     if (auto standard = WinrateFile::fromJson(*parsed); standard && !standard->cards.empty()) {
-        file.rows = std::move(standard->cards);
-        file.description = standard->playerClass.value_or(u"?"_s) + u" / "_s + standard->timeRange.value_or(u"?"_s);
-        return file;
+        return fromStandard(std::move(*standard));
     }
+
+    const QJsonObject object = parsed->toObject();
+    CardFile file;
+    file.isSample = object.value("time_range"_L1).toString() == "SAMPLE"_L1;
     for (const QJsonArray& array : looseRows(object)) {
         auto rows = decodeCards(array);
         if (!rows) {

@@ -1,0 +1,242 @@
+#include "json/FastJson.h"
+
+#include "support/Printing.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+
+using namespace Qt::StringLiterals;
+
+namespace pelloran {
+
+namespace {
+
+struct Row {
+    QString id;
+    std::optional<QString> name;
+    std::optional<double> share;
+    std::optional<qint64> count;
+
+    bool operator==(const Row&) const = default;
+};
+
+struct File {
+    std::optional<std::vector<QString>> words;
+    std::vector<Row> rows;
+
+    bool operator==(const File&) const = default;
+};
+
+} // namespace
+
+using strict_json::Field;
+
+template <>
+constexpr std::tuple strict_json::fields<Row>{
+    Field{"id"_L1, &Row::id},
+    Field{"name"_L1, &Row::name},
+    Field{"share"_L1, &Row::share},
+    Field{"count"_L1, &Row::count},
+};
+
+template <>
+constexpr std::tuple strict_json::fields<File>{
+    Field{"words"_L1, &File::words},
+    Field{"rows"_L1, &File::rows},
+};
+
+namespace {
+
+// The slow way, which has the last word.
+template <typename Value>
+std::optional<Value> strictlyDecoded(const QByteArray& json) {
+    const auto parsed = strict_json::parse(json);
+    const auto value = parsed ? strict_json::decode<Value>(*parsed) : std::unexpected(strict_json::Mismatch{});
+    return value ? std::optional(*value) : std::nullopt;
+}
+
+enum class Expected { Taken, LeftToTheSlowWay, Refused };
+
+TEST(FastJson, DecodesAsTheSlowWayDoesOrNotAtAll) {
+    using enum Expected;
+
+    struct Case {
+        const char* why;
+        QByteArray row;
+        Expected expected;
+    };
+
+    const Case cases[] = {
+        {"every field", R"({"id": "A", "name": "火球术", "share": 55.3, "count": 7})", Taken},
+        {"only what is required", R"({"id": "A"})", Taken},
+        {"null for what is not", R"({"id": "A", "name": null, "share": null, "count": null})", Taken},
+        {"keys it does not know", R"({"more": {"id": [1, {}]}, "id": "A", "Id": 3, "idd": 3, "i": 3})", Taken},
+        {"a key with an escape", R"({"\u0069d": "A"})", Taken},
+        {"a text with escapes", R"({"id": "\"\\\/\b\f\n\r\t\u0000\u706b\ud83d\udc69"})", Taken},
+        {"a text of any planes", "{\"id\": \"é火👩\u200D👧\"}", Taken},
+        {"a text with a character that is none", "{\"id\": \"\uFFFE\uFFFF\"}", Taken},
+        {"a text that begins with a byte-order mark", "{\"id\": \"\uFEFFA\"}", LeftToTheSlowWay},
+        {"the same as an escape", R"({"id": "\ufeffA"})", LeftToTheSlowWay},
+        {"a byte-order mark within", "{\"id\": \"A\uFEFF\"}", Taken},
+        {"an empty text", R"({"id": "", "name": ""})", Taken},
+        {"a whole number for a fraction", R"({"id": "A", "share": 3})", Taken},
+        {"a large whole number for a fraction", R"({"id": "A", "share": 9007199254740993})", Taken},
+        {"one beyond the sign", R"({"id": "A", "share": 18446744073709551615})", Taken},
+        {"one beyond 64 bits", R"({"id": "A", "share": 123456789012345678901})", LeftToTheSlowWay},
+        {"a zero below zero", R"({"id": "A", "share": -0})", Taken},
+        {"the same as a fraction", R"({"id": "A", "share": -0.0})", Taken},
+        {"the smallest number", R"({"id": "A", "share": 5e-324})", Taken},
+        {"the largest number", R"({"id": "A", "share": 1.7976931348623157e308})", Taken},
+        {"more digits than count", R"({"id": "A", "share": 0.1000000000000000055511151231257827021181583404541015625})",
+         Taken},
+        {"halfway between two numbers", R"({"id": "A", "share": 9007199254740993.0})", Taken},
+        {"a whole number as a fraction", R"({"id": "A", "count": 3.0})", Taken},
+        {"a whole number with an exponent", R"({"id": "A", "count": 1e2})", Taken},
+        {"a whole number below zero", R"({"id": "A", "count": -0.0})", Taken},
+        {"the largest whole number", R"({"id": "A", "count": 9223372036854775807})", Taken},
+        {"one more", R"({"id": "A", "count": 9223372036854775808})", Refused},
+        {"one more as a fraction", R"({"id": "A", "count": 9223372036854775808.0})", Refused},
+        {"the smallest whole number", R"({"id": "A", "count": -9223372036854775808})", Taken},
+        {"the smallest as a fraction", R"({"id": "A", "count": -9223372036854775808.0})", Taken},
+        {"far less", R"({"id": "A", "count": -1e300})", Refused},
+        {"a fraction for a whole number", R"({"id": "A", "count": 3.5})", Refused},
+        {"text for a whole number", R"({"id": "A", "count": "3"})", Refused},
+        {"truth for a whole number", R"({"id": "A", "count": true})", Refused},
+        {"text for a fraction", R"({"id": "A", "share": "3.5"})", Refused},
+        {"truth for a fraction", R"({"id": "A", "share": false})", Refused},
+        {"an object for a fraction", R"({"id": "A", "share": {}})", Refused},
+        {"a number for a text", R"({"id": "A", "name": 3})", Refused},
+        {"an array for a text", R"({"id": ["A"]})", Refused},
+        {"nothing required", R"({"name": "A"})", Refused},
+        {"null for what is required", R"({"id": null})", Refused},
+        {"of two equal keys the last counts", R"({"id": "A", "name": "a", "id": "B", "name": null})", Taken},
+        {"and only the last has to be right", R"({"id": 3, "id": "B"})", LeftToTheSlowWay},
+        {"but that", R"({"id": "B", "id": 3})", Refused},
+        {"null in place of a row", "null", Refused},
+        {"an array in place of a row", "[]", Refused},
+        {"half of a pair", R"({"id": "\ud83d"})", LeftToTheSlowWay},
+        {"a number that has no end", R"({"id": "A", "more": 1e999})", Refused},
+        {"a number with a plus", R"({"id": "A", "share": +1})", Refused},
+        {"a number with leading zeros", R"({"id": "A", "share": 01})", Refused},
+        {"a word that is none", R"({"id": "A", "share": nul})", Refused},
+        {"a comma too many", R"({"id": "A",})", Refused},
+        {"invalid UTF-8", "{\"id\": \"\xFF\"}", Refused},
+        {"invalid UTF-8 where nobody looks", "{\"id\": \"A\", \"more\": \"\xED\xA0\x80\"}", Refused},
+        {"a line within a text", "{\"id\": \"A\nB\"}", LeftToTheSlowWay},
+        {"deeper than any record, where nobody looks",
+         R"({"id": "A", "more": )" + QByteArray(100, '[') + QByteArray(100, ']') + "}", LeftToTheSlowWay},
+        {"cut off", R"({"id": "A")", Refused},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const QByteArray json = R"({"rows": [{"id": "first"}, )" + c.row + "]}";
+        const auto strict = strictlyDecoded<File>(json);
+        const auto fast = fast_json::decode<File>(json);
+        EXPECT_EQ(strict.has_value(), c.expected != Refused);
+        EXPECT_EQ(fast.has_value(), c.expected == Taken);
+        if (fast) {
+            EXPECT_EQ(fast, strict);
+            const double sign = std::copysign(1, strict->rows.back().share.value_or(0));
+            EXPECT_EQ(std::copysign(1, fast->rows.back().share.value_or(0)), sign)
+                << "zeros are equal but not the same";
+        }
+    }
+}
+
+TEST(FastJson, DecodesWholeFiles) {
+    using enum Expected;
+
+    struct Case {
+        const char* why;
+        QByteArray json;
+        Expected expected;
+    };
+
+    const Case cases[] = {
+        {"no rows", R"({"rows": []})", Taken},
+        {"words", R"({"words": ["a", ""], "rows": []})", Taken},
+        {"null among words", R"({"words": ["a", null], "rows": []})", Refused},
+        {"rows twice", R"({"rows": [{"id": "A"}, {"id": "B"}], "rows": [{"id": "C"}]})", Taken},
+        {"no list of rows", R"({"rows": {}})", Refused},
+        {"another whole", "[]", Refused},
+        {"a number", "3", Refused},
+        {"nothing", "", Refused},
+        {"blanks around", " \r\n\t{\"rows\": []} \n", Taken},
+        {"more after the end", R"({"rows": []} {})", Refused},
+        {"a zero byte after the end", QByteArray("{\"rows\": []}\0", 13), Refused},
+        {"a byte-order mark", "\xEF\xBB\xBF{\"rows\": []}", LeftToTheSlowWay},
+        {"no JSON", "<html>", Refused},
+        {"nested without an end", QByteArray(100'000, '['), Refused},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const auto strict = strictlyDecoded<File>(c.json);
+        const auto fast = fast_json::decode<File>(c.json);
+        EXPECT_EQ(strict.has_value(), c.expected != Refused);
+        EXPECT_EQ(fast, c.expected == Taken ? strict : std::nullopt);
+    }
+    EXPECT_EQ(fast_json::decode<std::vector<Row>>(R"([{"id": "A"}])"), (std::vector<Row>{{u"A"_s, {}, {}, {}}}));
+}
+
+TEST(FastJson, TakesANumberTooSmallToTellFromZeroForZero) {
+    const QByteArray json = R"([{"id": "A", "share": 1e-999}])";
+    const Row expected{u"A"_s, {}, 0.0, {}};
+    EXPECT_EQ(fast_json::decode<std::vector<Row>>(json), std::vector{expected});
+    EXPECT_EQ(strictlyDecoded<std::vector<Row>>(json), std::nullopt) << "else the two do not differ any more";
+}
+
+// Rows of mostly fitting members, and now and then a byte that is missing, doubled or another.
+TEST(FastJson, NeverDecodesWhatTheSlowWayWouldNot) {
+    const QByteArrayList keys{"id", "name", "share", "count", "more", "\\u0069d", "id "};
+    const QByteArrayList values{"null",
+                                "3",
+                                "-3.0",
+                                "-0.0",
+                                "55.3",
+                                "1e2",
+                                R"("A")",
+                                R"("\u0000火")",
+                                R"("")",
+                                "true",
+                                "[]",
+                                "{}",
+                                "18446744073709551615",
+                                "9223372036854775807"};
+    const QByteArray bytes = "{}[]:,\"0.eE-+ \\nul\xFF\xE7\n";
+    std::mt19937 random(11);
+    const auto below = [&random](qsizetype count) {
+        return static_cast<qsizetype>(random() % static_cast<unsigned>(count));
+    };
+    const auto anyFile = [&] {
+        QByteArrayList rows;
+        for (qsizetype left = below(4); left > 0; --left) {
+            QByteArray row = R"({"id": "first")";
+            for (qsizetype more = below(4); more > 0; --more) {
+                row += ", \"" + keys[below(keys.size())] + "\": " + values[below(values.size())];
+            }
+            rows += row + "}";
+        }
+        QByteArray json = "{\"rows\": [" + rows.join(", ") + "]}";
+        if (const qsizetype at = below(json.size()); below(3) == 0) {
+            json.replace(at, below(2), QByteArray(below(3), bytes[below(bytes.size())]));
+        }
+        return json;
+    };
+    constexpr int files = 20'000;
+    int taken = 0;
+    for (int i = 0; i < files; ++i) {
+        const QByteArray json = anyFile();
+        if (const auto fast = fast_json::decode<File>(json)) {
+            ASSERT_EQ(fast, strictlyDecoded<File>(json)) << json.toStdString();
+            ++taken;
+        }
+    }
+    EXPECT_GT(taken, files / 4);
+    EXPECT_LT(taken, files * 3 / 4) << "both sorts of files are to be tried";
+}
+
+} // namespace
+
+} // namespace pelloran
