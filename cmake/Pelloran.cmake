@@ -8,6 +8,10 @@ endif()
 # Text is UTF-16 in Qt and bytes in files: crossing over is always written out.
 target_compile_definitions(pelloran_options INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS)
 target_include_directories(pelloran_options INTERFACE "${CMAKE_SOURCE_DIR}/src")
+if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # It takes types that a source keeps to itself for ones of a header once several sources are compiled as one.
+  target_compile_options(pelloran_options INTERFACE -Wno-subobject-linkage)
+endif()
 if(PELLORAN_SANITIZERS)
   target_compile_options(pelloran_options INTERFACE
     -fsanitize=${PELLORAN_SANITIZERS} -fno-omit-frame-pointer -fno-sanitize-recover=all)
@@ -51,6 +55,12 @@ function(pelloran_program name)
   target_link_libraries(${name} PRIVATE pelloran_options ${arg_LINKS})
 endfunction()
 
+# Optimising GoogleTest's macros takes as long as all the rest of compiling a test. The sanitizers are slow enough as it is.
+add_library(pelloran_test_options INTERFACE)
+if(NOT PELLORAN_SANITIZERS)
+  target_compile_options(pelloran_test_options INTERFACE -O0)
+endif()
+
 # pelloran_test(NAME [WIDGETS] SOURCES file... LINKS library... [LABELS label...])
 # One program per folder of tests; each TEST becomes a case of its own in CTest. WIDGETS for what needs a QApplication.
 function(pelloran_test name)
@@ -59,7 +69,7 @@ function(pelloran_test name)
   if(arg_WIDGETS)
     set(support widget_test_support)
   endif()
-  pelloran_program(${name} SOURCES ${arg_SOURCES} LINKS ${support} ${arg_LINKS})
+  pelloran_program(${name} SOURCES ${arg_SOURCES} LINKS pelloran_test_options ${support} ${arg_LINKS})
   target_precompile_headers(${name} REUSE_FROM ${support})
   set(labels unit)
   if(arg_LABELS)

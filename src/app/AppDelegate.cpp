@@ -14,6 +14,7 @@
 #include "sync/ShortHash.h"
 #include "update/UpdatePrompts.h"
 
+#include <cstdlib>
 #include <utility>
 #include <variant>
 
@@ -23,9 +24,6 @@ namespace {
 
 const QString idleTitle = QStringLiteral("PL");
 const QString draftTitle = QStringLiteral("PL●");
-
-constexpr int done = 0;
-constexpr int failed = 1;
 
 // What the status line calls the configuration in use.
 QString installedConfiguration(const ConfigSync& configSync) {
@@ -77,7 +75,7 @@ void AppDelegate::applicationDidFinishLaunching() {
             .informativeText = loaded.error().localizedDescription,
             .buttons = {},
         });
-        surroundings.terminate(failed);
+        surroundings.terminate(EXIT_FAILURE);
         return;
     }
     remarkOnSampleData(store);
@@ -158,7 +156,7 @@ void AppDelegate::selectLanguage(const QString& representedObject) {
 }
 
 void AppDelegate::quit() {
-    surroundings.terminate(done);
+    surroundings.terminate(EXIT_SUCCESS);
 }
 
 void AppDelegate::setupStatusItem() {

@@ -25,12 +25,11 @@
 #include <QSessionManager>
 #include <QTimer>
 
+#include <cstdlib>
+
 namespace pelloran {
 
 namespace {
-
-constexpr int done = 0;
-constexpr int failed = 1;
 
 class PanelOverlay final : public Overlay {
 public:
@@ -74,10 +73,10 @@ int runOnDesktop(const RunLoop& command, SystemSettings& settings, UserDefaults&
         break;
     case SingleInstance::Outcome::handedOver:
         log(QStringLiteral("running already; its panel has been brought forward"));
-        return done;
+        return EXIT_SUCCESS;
     case SingleInstance::Outcome::firstSilent:
         log(QStringLiteral("running already, but it does not answer; end it first"));
-        return failed;
+        return EXIT_FAILURE;
     }
 
     const TerminationSignals signals;
@@ -136,7 +135,7 @@ int failWithoutDisplay(const QString& reason) {
     } else {
         log(QStringLiteral("%1; --no-panel follows the draft without a display").arg(reason));
     }
-    return failed;
+    return EXIT_FAILURE;
 }
 
 } // namespace pelloran

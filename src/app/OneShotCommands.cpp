@@ -21,15 +21,13 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <ctime>
 #include <variant>
 
 namespace pelloran {
 
 namespace {
-
-constexpr int done = 0;
-constexpr int failed = 1;
 
 // A window of 16k by 9k pixels still fits.
 constexpr int maximumImageMegabytes = 1024;
@@ -189,7 +187,7 @@ int run(const SyncOnce& command) {
     print(json::line(answer));
     const bool current = std::holds_alternative<ConfigSyncResult::UpToDate>(result.outcome) ||
                          std::holds_alternative<ConfigSyncResult::Updated>(result.outcome);
-    return current ? done : failed;
+    return current ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 int run(const CheckUpdateOnce& command) {
@@ -201,14 +199,14 @@ int run(const CheckUpdateOnce& command) {
     answer.insert(QStringLiteral("userMessage"), result.userMessage());
     print(json::line(answer));
     const bool current = std::holds_alternative<AppUpdateCheckResult::UpToDate>(result.outcome);
-    return current || result.hasUpdate() ? done : failed;
+    return current || result.hasUpdate() ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 int run(const PublishData& command) {
     const auto published = publish(command.source, command.target, command.cardTable);
     if (!published) {
         logEach(published.error());
-        return failed;
+        return EXIT_FAILURE;
     }
     logEach(published->remarks);
     print(json::line({
@@ -222,43 +220,43 @@ int run(const PublishData& command) {
         {QStringLiteral("updatedAt"), published->updatedAt},
         {QStringLiteral("changed"), published->changed},
     }));
-    return done;
+    return EXIT_SUCCESS;
 }
 
 int run(const PrintText& command) {
     print(command.text.toUtf8());
-    return done;
+    return EXIT_SUCCESS;
 }
 
 int run(const PrintDraftState& command) {
     print(json::line(json::toJson(LogWatcher(logsDirToRead(command.logsDir)).poll())));
-    return done;
+    return EXIT_SUCCESS;
 }
 
 int run(const PrintLogsDir&) {
     const auto folder = foundLogsDir();
     if (!folder) {
         log(QStringLiteral("no log folder of the game found; --logs-dir names one that lies elsewhere"));
-        return failed;
+        return EXIT_FAILURE;
     }
     print(folder->toUtf8() + '\n');
-    return done;
+    return EXIT_SUCCESS;
 }
 
 int run(const RecognizeImages& command) {
     const auto files = ApplicationFiles::create();
     WinrateStore store(*files);
     if (!load(store)) {
-        return failed;
+        return EXIT_FAILURE;
     }
     auto reader = TextReader::create();
     if (!reader) {
         log(reader.error().reason);
-        return failed;
+        return EXIT_FAILURE;
     }
     const CardRecognizer recognizer(store);
     QImageReader::setAllocationLimit(maximumImageMegabytes);
-    int result = done;
+    int result = EXIT_SUCCESS;
     for (const QString& path : command.images) {
         QJsonObject answer;
         QImageReader file;
@@ -269,7 +267,7 @@ int run(const RecognizeImages& command) {
         if (image.isNull()) {
             answer.insert(QStringLiteral("error"),
                           file.fileName().isEmpty() ? QStringLiteral("no such file") : file.errorString());
-            result = failed;
+            result = EXIT_FAILURE;
         } else {
             if (!command.ticks) {
                 (*reader)->forget();
@@ -287,7 +285,7 @@ int run(const MatchTexts& command) {
     const auto files = ApplicationFiles::create();
     WinrateStore store(*files);
     if (!load(store)) {
-        return failed;
+        return EXIT_FAILURE;
     }
     for (const QString& text : command.texts) {
         print(json::line({
@@ -296,7 +294,7 @@ int run(const MatchTexts& command) {
              command.classes ? toJson(store.matchClass({text})) : toJson(store.matchName({text}))},
         }));
     }
-    return done;
+    return EXIT_SUCCESS;
 }
 
 } // namespace pelloran

@@ -1,6 +1,7 @@
 #include "publish/CardTable.h"
 
 #include "publish/Csv.h"
+#include "publish/Problem.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -91,10 +92,6 @@ QString inWords(Kind kind) {
         return u"a number"_s;
     }
     return {};
-}
-
-std::unexpected<QStringList> problem(const QString& text) {
-    return std::unexpected(QStringList{text});
 }
 
 // The separator is the one that makes the first line name the cards' column.

@@ -1,6 +1,7 @@
 #include "publish/Publisher.h"
 
 #include "publish/Bundle.h"
+#include "publish/Problem.h"
 #include "publish/SourceFolder.h"
 #include "sync/ConfigSync.h"
 #include "sync/TarArchive.h"
@@ -27,10 +28,6 @@ constexpr int manifestVersion = 1;
 constexpr qsizetype digestCharactersInName = 16;
 
 using Done = std::expected<void, QStringList>;
-
-std::unexpected<QStringList> problem(const QString& what) {
-    return std::unexpected(QStringList{what});
-}
 
 QByteArray manifestOf(const std::vector<SourceFile>& files, const Publication& publication) {
     QJsonObject digests;

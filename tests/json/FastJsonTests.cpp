@@ -13,20 +13,20 @@ namespace pelloran {
 
 namespace {
 
-struct Row {
+struct Offer {
     QString id;
     std::optional<QString> name;
     std::optional<double> share;
     std::optional<qint64> count;
 
-    bool operator==(const Row&) const = default;
+    bool operator==(const Offer&) const = default;
 };
 
-struct File {
+struct Offers {
     std::optional<std::vector<QString>> words;
-    std::vector<Row> rows;
+    std::vector<Offer> rows;
 
-    bool operator==(const File&) const = default;
+    bool operator==(const Offers&) const = default;
 };
 
 } // namespace
@@ -34,17 +34,17 @@ struct File {
 using strict_json::Field;
 
 template <>
-constexpr std::tuple strict_json::fields<Row>{
-    Field{"id"_L1, &Row::id},
-    Field{"name"_L1, &Row::name},
-    Field{"share"_L1, &Row::share},
-    Field{"count"_L1, &Row::count},
+constexpr std::tuple strict_json::fields<Offer>{
+    Field{"id"_L1, &Offer::id},
+    Field{"name"_L1, &Offer::name},
+    Field{"share"_L1, &Offer::share},
+    Field{"count"_L1, &Offer::count},
 };
 
 template <>
-constexpr std::tuple strict_json::fields<File>{
-    Field{"words"_L1, &File::words},
-    Field{"rows"_L1, &File::rows},
+constexpr std::tuple strict_json::fields<Offers>{
+    Field{"words"_L1, &Offers::words},
+    Field{"rows"_L1, &Offers::rows},
 };
 
 namespace {
@@ -132,8 +132,8 @@ TEST(FastJson, DecodesAsTheSlowWayDoesOrNotAtAll) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
         const QByteArray json = R"({"rows": [{"id": "first"}, )" + c.row + "]}";
-        const auto strict = strictlyDecoded<File>(json);
-        const auto fast = fast_json::decode<File>(json);
+        const auto strict = strictlyDecoded<Offers>(json);
+        const auto fast = fast_json::decode<Offers>(json);
         EXPECT_EQ(strict.has_value(), c.expected != Refused);
         EXPECT_EQ(fast.has_value(), c.expected == Taken);
         if (fast) {
@@ -172,19 +172,19 @@ TEST(FastJson, DecodesWholeFiles) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
-        const auto strict = strictlyDecoded<File>(c.json);
-        const auto fast = fast_json::decode<File>(c.json);
+        const auto strict = strictlyDecoded<Offers>(c.json);
+        const auto fast = fast_json::decode<Offers>(c.json);
         EXPECT_EQ(strict.has_value(), c.expected != Refused);
         EXPECT_EQ(fast, c.expected == Taken ? strict : std::nullopt);
     }
-    EXPECT_EQ(fast_json::decode<std::vector<Row>>(R"([{"id": "A"}])"), (std::vector<Row>{{u"A"_s, {}, {}, {}}}));
+    EXPECT_EQ(fast_json::decode<std::vector<Offer>>(R"([{"id": "A"}])"), (std::vector<Offer>{{u"A"_s, {}, {}, {}}}));
 }
 
 TEST(FastJson, TakesANumberTooSmallToTellFromZeroForZero) {
     const QByteArray json = R"([{"id": "A", "share": 1e-999}])";
-    const Row expected{u"A"_s, {}, 0.0, {}};
-    EXPECT_EQ(fast_json::decode<std::vector<Row>>(json), std::vector{expected});
-    EXPECT_EQ(strictlyDecoded<std::vector<Row>>(json), std::nullopt) << "else the two do not differ any more";
+    const Offer expected{u"A"_s, {}, 0.0, {}};
+    EXPECT_EQ(fast_json::decode<std::vector<Offer>>(json), std::vector{expected});
+    EXPECT_EQ(strictlyDecoded<std::vector<Offer>>(json), std::nullopt) << "else the two do not differ any more";
 }
 
 // Rows of mostly fitting members, and now and then a byte that is missing, doubled or another.
@@ -228,8 +228,8 @@ TEST(FastJson, NeverDecodesWhatTheSlowWayWouldNot) {
     int taken = 0;
     for (int i = 0; i < files; ++i) {
         const QByteArray json = anyFile();
-        if (const auto fast = fast_json::decode<File>(json)) {
-            ASSERT_EQ(fast, strictlyDecoded<File>(json)) << json.toStdString();
+        if (const auto fast = fast_json::decode<Offers>(json)) {
+            ASSERT_EQ(fast, strictlyDecoded<Offers>(json)) << json.toStdString();
             ++taken;
         }
     }

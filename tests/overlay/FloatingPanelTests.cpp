@@ -1,6 +1,7 @@
 #include "overlay/OverlayPanel/FloatingPanel.h"
 
 #include "overlay/OverlayPanel/CloseButton.h"
+#include "overlay/RectPrinting.h"
 #include "support/ManualAnimationTime.h"
 #include "support/PanelDrag.h"
 
@@ -9,10 +10,6 @@
 #include <gtest/gtest.h>
 
 namespace pelloran {
-
-static void PrintTo(const UpwardRect& rect, std::ostream* out) {
-    *out << rect.width << " x " << rect.height << " at " << rect.x << ", " << rect.y;
-}
 
 namespace {
 

@@ -13,6 +13,7 @@
 #include "overlay/OverlayPanel/Motion.h"
 #include "overlay/OverlayPanel/RootContent.h"
 #include "overlay/OverlayPanel/TextLabel.h"
+#include "overlay/RectPrinting.h"
 #include "support/EventCounter.h"
 #include "support/ExpectedWarning.h"
 #include "support/ManualAnimationTime.h"
@@ -30,10 +31,6 @@
 #include <thread>
 
 namespace pelloran {
-
-static void PrintTo(const UpwardRect& rect, std::ostream* out) {
-    *out << rect.width << " x " << rect.height << " at " << rect.x << ", " << rect.y;
-}
 
 namespace {
 

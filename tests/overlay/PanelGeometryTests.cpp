@@ -1,14 +1,12 @@
 #include "overlay/OverlayPanel/PanelGeometry.h"
 
+#include "overlay/RectPrinting.h"
+
 #include <gtest/gtest.h>
 
 #include <array>
 
 namespace pelloran {
-
-static void PrintTo(const UpwardRect& rect, std::ostream* out) {
-    *out << rect.width << " x " << rect.height << " at " << rect.x << ", " << rect.y;
-}
 
 static void PrintTo(const ResizeHandle& handle, std::ostream* out) {
     *out << (handle.left ? "left " : "") << (handle.right ? "right " : "") << (handle.top ? "top " : "")

@@ -22,7 +22,7 @@ namespace {
 using enum Axis;
 using enum SizeClass;
 
-constexpr double infinite = std::numeric_limits<double>::infinity();
+constexpr double unbounded = std::numeric_limits<double>::infinity();
 
 ResolvedMetrics threeTiles(double width, double height, Axis previous = vertical) {
     return ResolvedMetrics::resolve({width, height}, 3, previous);
@@ -213,7 +213,7 @@ TEST(ResolvedMetrics, StayWithinTheirBounds) {
 }
 
 TEST(ResolvedMetrics, TakeAWidthOfOneOrLessAsOne) {
-    for (const double width : {1.0, 0.999, 0.0, -0.0, -1.0, -1e9, -infinite}) {
+    for (const double width : {1.0, 0.999, 0.0, -0.0, -1.0, -1e9, -unbounded}) {
         SCOPED_TRACE(width);
         const ResolvedMetrics m = threeTiles(width, 420);
         EXPECT_EQ(m, threeTiles(1, 420));
@@ -226,7 +226,7 @@ TEST(ResolvedMetrics, TakeAHeightOfOneOrLessAsOne) {
     // At a width where the scale is between its bounds, so that the height shows.
     const ResolvedMetrics low = threeTiles(500, 1);
     EXPECT_DOUBLE_EQ(low.scale, std::pow(500.0 / 360 * 0.78 + 0.0005238095238095238, 0.78));
-    for (const double height : {0.5, 0.0, -420.0, -infinite}) {
+    for (const double height : {0.5, 0.0, -420.0, -unbounded}) {
         SCOPED_TRACE(height);
         EXPECT_EQ(threeTiles(500, height).scale, low.scale);
     }
@@ -234,7 +234,7 @@ TEST(ResolvedMetrics, TakeAHeightOfOneOrLessAsOne) {
 }
 
 TEST(ResolvedMetrics, AreFiniteForAnySize) {
-    EXPECT_EQ(threeTiles(infinite, infinite).scale, 1.36);
+    EXPECT_EQ(threeTiles(unbounded, unbounded).scale, 1.36);
     EXPECT_EQ(threeTiles(1e300, 1e300).scale, 1.36);
     EXPECT_EQ(threeTiles(-1e300, -1e300).scale, 0.88);
 }

@@ -37,10 +37,10 @@ std::vector<QStringList> played(const Scenario& scenario, LogFile file, Language
     return written;
 }
 
-constexpr const char* heroPick = R"({"kind": "heroPick", "offers": ["MAGE", "ROGUE", "DRUID"]},)";
-constexpr const char* chooseMage = R"({"kind": "chooseHero", "choice": "MAGE"},)";
-constexpr const char* cardPick = R"({"kind": "cardPick", "offers": ["CS2_029", "CS2_024", "CS2_023"]},)";
-constexpr const char* chooseFireball = R"({"kind": "choose", "choice": "CS2_029"},)";
+constexpr const char* thenHeroPick = R"({"kind": "heroPick", "offers": ["MAGE", "ROGUE", "DRUID"]},)";
+constexpr const char* thenMage = R"({"kind": "chooseHero", "choice": "MAGE"},)";
+constexpr const char* thenCardPick = R"({"kind": "cardPick", "offers": ["CS2_029", "CS2_024", "CS2_023"]},)";
+constexpr const char* thenFireball = R"({"kind": "choose", "choice": "CS2_029"},)";
 
 } // namespace
 
@@ -62,8 +62,8 @@ TEST(LogScript, StartsWithTheWayToTheMainMenu) {
 }
 
 TEST(LogScript, TellsADraftAsTheGameDoes) {
-    const QByteArray steps = QByteArray(R"({"kind": "idle"},)") + heroPick +
-                             R"({"kind": "lookAtHero", "choice": "ROGUE"},)" + chooseMage + cardPick + chooseFireball +
+    const QByteArray steps = QByteArray(R"({"kind": "idle"},)") + thenHeroPick +
+                             R"({"kind": "lookAtHero", "choice": "ROGUE"},)" + thenMage + thenCardPick + thenFireball +
                              R"({"kind": "skipAhead", "picks": ["CS2_024", "CS2_024"]}, {"kind": "end"})";
     const std::vector<QStringList> written = played(parsed(steps), LogFile::arena, Language::chinese);
 
@@ -97,8 +97,9 @@ TEST(LogScript, TellsADraftAsTheGameDoes) {
 }
 
 TEST(LogScript, EntersTheDraftScreenOnlyWhenItIsNotThere) {
-    const QByteArray steps = QByteArray(heroPick) + chooseMage + cardPick + chooseFireball + R"({"kind": "idle"},)" +
-                             R"({"kind": "idle"},)" + cardPick + R"({"kind": "choose", "choice": "CS2_024"})";
+    const QByteArray steps = QByteArray(thenHeroPick) + thenMage + thenCardPick + thenFireball +
+                             R"({"kind": "idle"},)" + R"({"kind": "idle"},)" + thenCardPick +
+                             R"({"kind": "choose", "choice": "CS2_024"})";
     const std::vector<QStringList> scenes = played(parsed(steps), LogFile::loadingScreen);
     const QStringList sizes = [&] {
         QStringList counts;
@@ -113,8 +114,8 @@ TEST(LogScript, EntersTheDraftScreenOnlyWhenItIsNotThere) {
 }
 
 TEST(LogScript, TellsTheDeckAgainWhenTheScreenIsEnteredAgain) {
-    const QByteArray steps = QByteArray(heroPick) + chooseMage + cardPick + chooseFireball + R"({"kind": "idle"},)" +
-                             cardPick +
+    const QByteArray steps = QByteArray(thenHeroPick) + thenMage + thenCardPick + thenFireball +
+                             R"({"kind": "idle"},)" + thenCardPick +
                              R"({"kind": "choose", "choice": "CS2_024"}, {"kind": "end"}, {"kind": "redraft"})";
     const std::vector<QStringList> written = played(parsed(steps), LogFile::arena);
     const QStringList again{
@@ -136,8 +137,8 @@ TEST(LogScript, TellsTheDeckAgainWhenTheScreenIsEnteredAgain) {
 }
 
 TEST(LogScript, NumbersEveryDraftAnewAndForgetsTheOldDeck) {
-    const QByteArray steps = QByteArray(heroPick) + chooseMage + cardPick + chooseFireball + R"({"kind": "end"},)" +
-                             heroPick + chooseMage + R"({"kind": "idle"},)" + cardPick +
+    const QByteArray steps = QByteArray(thenHeroPick) + thenMage + thenCardPick + thenFireball + R"({"kind": "end"},)" +
+                             thenHeroPick + thenMage + R"({"kind": "idle"},)" + thenCardPick +
                              R"({"kind": "choose", "choice": "CS2_023"})";
     const std::vector<QStringList> written = played(parsed(steps), LogFile::arena);
     EXPECT_TRUE(written[6][0].endsWith(QStringLiteral("ID: 9513370022"))) << written[6].join(u'\n').toStdString();

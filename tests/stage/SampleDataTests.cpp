@@ -1,4 +1,5 @@
 #include "stage/Catalogue.h"
+#include "stage/Contents.h"
 #include "support/Printing.h"
 #include "support/SharedData.h"
 
@@ -24,12 +25,6 @@ const QString classFile = QStringLiteral("class_winrates.json");
 
 QString shipped(const QString& file) {
     return QStringLiteral(PELLORAN_SOURCES "/resources/winrates/") + file;
-}
-
-QByteArray contents(const QString& path) {
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
-    return file.readAll();
 }
 
 QJsonObject document(const QString& file) {

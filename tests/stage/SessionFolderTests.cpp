@@ -1,5 +1,6 @@
 #include "stage/SessionFolder.h"
 
+#include "stage/Contents.h"
 #include "support/Printing.h"
 
 #include <QDateTime>
@@ -23,12 +24,6 @@ Clock steadyClock() {
         now += 1250ns;
         return now;
     };
-}
-
-QByteArray contents(const QString& path) {
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
-    return file.readAll();
 }
 
 } // namespace

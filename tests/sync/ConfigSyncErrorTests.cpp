@@ -11,16 +11,16 @@ namespace pelloran {
 
 namespace {
 
-struct Case {
+struct ErrorCase {
     const char* why;
     ConfigSyncError error;
     QString english;
     QString chinese;
 };
 
-const std::vector<Case>& cases() {
+const std::vector<ErrorCase>& errorCases() {
     using E = ConfigSyncError;
-    static const std::vector<Case> all{
+    static const std::vector<ErrorCase> all{
         {"a status", {E::HttpStatus{404}}, u"Config server HTTP 404"_s, u"配置服务 HTTP 404"_s},
         {"twelve characters of each digest",
          {E::HashMismatch{u"0123456789abcdef"_s, u"fedcba9876543210"_s}},
@@ -41,7 +41,7 @@ const std::vector<Case>& cases() {
 }
 
 TEST(ConfigSyncError, TellsTheUser) {
-    for (const Case& c : cases()) {
+    for (const ErrorCase& c : errorCases()) {
         SCOPED_TRACE(c.why);
         {
             const testing::TextLanguage english;
@@ -53,9 +53,9 @@ TEST(ConfigSyncError, TellsTheUser) {
 }
 
 TEST(ConfigSyncError, EqualsOnlyItself) {
-    for (std::size_t i = 0; i < cases().size(); ++i) {
-        for (std::size_t j = 0; j < cases().size(); ++j) {
-            EXPECT_EQ(cases()[i].error == cases()[j].error, i == j) << i << ' ' << j;
+    for (std::size_t i = 0; i < errorCases().size(); ++i) {
+        for (std::size_t j = 0; j < errorCases().size(); ++j) {
+            EXPECT_EQ(errorCases()[i].error == errorCases()[j].error, i == j) << i << ' ' << j;
         }
     }
     EXPECT_NE(ConfigSyncError{ConfigSyncError::HttpStatus{404}}, ConfigSyncError{ConfigSyncError::HttpStatus{500}});

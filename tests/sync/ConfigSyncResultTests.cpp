@@ -13,7 +13,7 @@ namespace pelloran {
 
 namespace {
 
-struct Case {
+struct ResultCase {
     const char* why;
     ConfigSyncResult result;
     bool didUpdateFiles;
@@ -21,9 +21,9 @@ struct Case {
     QString chinese;
 };
 
-const std::vector<Case>& cases() {
+const std::vector<ResultCase>& resultCases() {
     using R = ConfigSyncResult;
-    static const std::vector<Case> all{
+    static const std::vector<ResultCase> all{
         {"eight characters of the hash",
          {R::UpToDate{u"1a2b3c4d5e"_s}},
          false,
@@ -55,7 +55,7 @@ const std::vector<Case>& cases() {
 }
 
 TEST(ConfigSyncResult, TellsTheUser) {
-    for (const Case& c : cases()) {
+    for (const ResultCase& c : resultCases()) {
         SCOPED_TRACE(c.why);
         {
             const testing::TextLanguage english;
@@ -67,15 +67,15 @@ TEST(ConfigSyncResult, TellsTheUser) {
 }
 
 TEST(ConfigSyncResult, OnlyAnUpdateChangesFiles) {
-    for (const Case& c : cases()) {
+    for (const ResultCase& c : resultCases()) {
         EXPECT_EQ(c.result.didUpdateFiles(), c.didUpdateFiles) << c.why;
     }
 }
 
 TEST(ConfigSyncResult, EqualsOnlyItself) {
-    for (std::size_t i = 0; i < cases().size(); ++i) {
-        for (std::size_t j = 0; j < cases().size(); ++j) {
-            EXPECT_EQ(cases()[i].result == cases()[j].result, i == j) << i << ' ' << j;
+    for (std::size_t i = 0; i < resultCases().size(); ++i) {
+        for (std::size_t j = 0; j < resultCases().size(); ++j) {
+            EXPECT_EQ(resultCases()[i].result == resultCases()[j].result, i == j) << i << ' ' << j;
         }
     }
 }

@@ -17,7 +17,7 @@ QString messageOf(const std::expected<void, ConfigSyncError>& done) {
     return done ? QString() : std::get<ConfigSyncError::ExtractFailed>(done.error().reason).message;
 }
 
-struct Case {
+struct ListingCase {
     const char* why;
     QByteArray names;
     QByteArray details;
@@ -25,7 +25,7 @@ struct Case {
 };
 
 TEST(TarListing, ReadsBothFamiliesOfTar) {
-    const Case cases[] = {
+    const ListingCase cases[] = {
         {"nothing", "", ""},
         {"GNU's", "winrates/\nwinrates/a b\n",
          "drwxr-xr-x 1000/1000         0 2026-01-31 10:00 winrates/\n"
@@ -39,7 +39,7 @@ TEST(TarListing, ReadsBothFamiliesOfTar) {
         {"as much as allowed, in two", "a\nb\n",
          "-rw-r--r-- 0/0 536870911 2026-01-31 10:00 a\n-rw-r--r-- 0/0 1 2026-01-31 10:00 b\n"},
     };
-    for (const Case& c : cases) {
+    for (const ListingCase& c : cases) {
         SCOPED_TRACE(c.why);
         EXPECT_EQ(messageOf(TarListing::check(c.names, c.details)), u""_s);
     }
@@ -54,7 +54,7 @@ TEST(TarListing, RefusesWhatMustNotBeUnpacked) {
     const auto odd = [](const QString& name) {
         return u"\"%1\" in the archive is neither a file nor a folder"_s.arg(name);
     };
-    const Case cases[] = {
+    const ListingCase cases[] = {
         {"absolute", "/a\n", "-rw-r--r-- 0/0 1 2026-01-31 10:00 /a\n", outward(u"/a"_s)},
         {"upward", "..\n", "drwxr-xr-x 0/0 0 2026-01-31 10:00 ..\n", outward(u".."_s)},
         {"upward, as a folder", "../\n", "drwxr-xr-x 0/0 0 2026-01-31 10:00 ../\n", outward(u"../"_s)},
@@ -83,7 +83,7 @@ TEST(TarListing, RefusesWhatMustNotBeUnpacked) {
         {"too many names, whatever they are", QByteArray("a\n").repeated(10'001), "",
          u"the archive holds more than 10000 entries"_s},
     };
-    for (const Case& c : cases) {
+    for (const ListingCase& c : cases) {
         SCOPED_TRACE(c.why);
         EXPECT_EQ(messageOf(TarListing::check(c.names, c.details)), c.message);
     }

@@ -6,6 +6,7 @@
 #include "fakes/ManualQueue.h"
 #include "support/Printing.h"
 #include "update/ResultPrinting.h"
+#include "update/SkippedKey.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -24,8 +25,6 @@ namespace pelloran {
 namespace {
 
 using Result = AppUpdateCheckResult;
-
-const QString skippedKey = u"pelloran.skippedAppVersion"_s;
 
 class AppUpdateCheckerTest : public ::testing::Test {
 protected:

@@ -7,6 +7,7 @@
 #include "support/ScriptedServer.h"
 #include "update/AppUpdateChecker.h"
 #include "update/ResultPrinting.h"
+#include "update/SkippedKey.h"
 
 #include <QElapsedTimer>
 #include <QNetworkProxyFactory>
@@ -26,8 +27,6 @@ namespace {
 
 using Result = AppUpdateCheckResult;
 using testing::ScriptedServer;
-
-const QString skippedKey = u"pelloran.skippedAppVersion"_s;
 
 class UpdateServerTest : public ::testing::Test {
 protected:

@@ -9,6 +9,7 @@
 #include "platform/Log.h"
 #include "support/Printing.h"
 #include "update/AppUpdateChecker.h"
+#include "update/SkippedKey.h"
 
 #include <gtest/gtest.h>
 
@@ -21,7 +22,6 @@ namespace pelloran {
 
 namespace {
 
-const QString skippedKey = u"pelloran.skippedAppVersion"_s;
 const QStringList withSkip{u"Update Now"_s, u"Skip This Version"_s, u"Ignore"_s};
 const QStringList withoutSkip{u"Update Now"_s, u"Ignore"_s};
 const QStringList okOnly{u"OK"_s};

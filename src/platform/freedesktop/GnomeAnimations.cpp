@@ -10,7 +10,7 @@ namespace pelloran::freedesktop {
 
 namespace {
 
-constexpr std::chrono::seconds patience{5};
+constexpr std::chrono::seconds toolPatience{5};
 
 std::optional<bool> truth(const QByteArray& text) {
     if (text == "true") {
@@ -44,7 +44,7 @@ GnomeAnimations::GnomeAnimations(const std::function<void(std::optional<bool>)>&
     });
     deadline.setSingleShot(true);
     deadline.callOnTimeout(&process, &QProcess::kill);
-    deadline.start(patience);
+    deadline.start(toolPatience);
     process.setStandardErrorFile(QProcess::nullDevice());
     process.start(program, {QStringLiteral("get"), gnomeGroup, gnomeAnimationsKey}, QIODevice::ReadOnly);
 }

@@ -22,7 +22,7 @@ const QString path = QStringLiteral("/org/freedesktop/portal/desktop");
 const QString interface = QStringLiteral("org.freedesktop.portal.Settings");
 
 // A portal has to be started first, and starts its own helpers. One that comes later still is asked when it comes.
-constexpr int patience = 10'000; // milliseconds
+constexpr int portalPatience = 10'000; // milliseconds
 
 constexpr int deepestVariant = 4; // older portals put a value into a variant in a variant
 
@@ -102,7 +102,7 @@ void PortalSettings::readAll() {
     auto message = QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("ReadAll"));
     message << QStringList{appearanceGroup, gnomeGroup, kdeGroup};
     asking = true;
-    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(message, patience), this);
+    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(message, portalPatience), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
         watcher->deleteLater();
         asking = false;

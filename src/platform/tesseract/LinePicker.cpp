@@ -10,7 +10,6 @@ namespace {
 
 // Pixels of a window 1080 pixels high.
 constexpr double rowTolerance = 30;     // names of one pick differ in height, and arch up or down
-constexpr double leastSpacing = 200;    // offers stand 310 to 430 apart
 constexpr double spacingTolerance = 60; // names are centred on their cards, but cards hover
 constexpr double rivalShare = 0.3;      // of the best row's promise: also likely to be one of names
 

@@ -18,7 +18,6 @@ namespace {
 constexpr double halfTallestLine = 37; // a line centred on the band's edge reaches this far out of it
 constexpr double halfLongestLine = 210;
 constexpr double cropMargin = 9;         // around a box, to see what runs out of it
-constexpr double leastSpacing = 200;     // offers stand 310 to 430 apart
 constexpr double widestSpacing = 500;    // with the middle one missing, 620 and more
 constexpr double nameWidth = 250;        // the longest names; ribbons are 280 wide
 constexpr double nameHeight = 46;        // of most names, arch included

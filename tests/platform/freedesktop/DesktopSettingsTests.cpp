@@ -1,6 +1,7 @@
 #include "platform/freedesktop/DesktopSettings.h"
 
 #include "platform/freedesktop/FakePortal.h"
+#include "platform/freedesktop/Patience.h"
 #include "platform/freedesktop/PortalNames.h"
 
 #include <QElapsedTimer>
@@ -21,8 +22,6 @@ namespace pelloran::testing {
 namespace {
 
 using namespace freedesktop;
-
-constexpr int patience = 20'000; // milliseconds; a silent portal is waited for
 
 bool inTime(const std::function<bool()>& condition) {
     return QTest::qWaitFor(condition, patience);

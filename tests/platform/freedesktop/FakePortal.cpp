@@ -1,5 +1,7 @@
 #include "platform/freedesktop/FakePortal.h"
 
+#include "platform/freedesktop/Patience.h"
+
 #include <QDBusMetaType>
 #include <QStandardPaths>
 
@@ -12,7 +14,6 @@ namespace pelloran::testing {
 
 namespace {
 
-constexpr int patience = 10'000; // milliseconds
 const QString daemonProgram = QStringLiteral("dbus-daemon");
 const QString path = QStringLiteral("/org/freedesktop/portal/desktop");
 const QString interface = QStringLiteral("org.freedesktop.portal.Settings");

@@ -1,5 +1,7 @@
 #include "platform/freedesktop/GnomeAnimations.h"
 
+#include "platform/freedesktop/Patience.h"
+
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
@@ -11,7 +13,7 @@ namespace pelloran::freedesktop {
 
 namespace {
 
-constexpr int patience = 20'000; // milliseconds
+using testing::patience;
 
 TEST(IsGnome, LooksForItsNameInTheList) {
     struct Case {

@@ -1,5 +1,7 @@
 #include "platform/freedesktop/KdeGlobals.h"
 
+#include "platform/freedesktop/Patience.h"
+
 #include <QDir>
 #include <QFile>
 #include <QSaveFile>
@@ -12,7 +14,7 @@ namespace pelloran::freedesktop {
 
 namespace {
 
-constexpr int patience = 10'000; // milliseconds
+using testing::patience;
 
 TEST(AnimationDurationFactor, IsFoundInItsGroup) {
     struct Case {

@@ -1,6 +1,7 @@
 #include "platform/SystemSettings.h"
 
 #include "platform/freedesktop/FakePortal.h"
+#include "platform/freedesktop/Patience.h"
 #include "platform/freedesktop/PortalNames.h"
 #include "platform/LocaleSystemSettings.h"
 
@@ -11,8 +12,6 @@
 namespace pelloran::testing {
 
 namespace {
-
-constexpr int patience = 10'000; // milliseconds
 
 // The session's bus is looked up once in a run, so there is one case for it.
 TEST(DesktopSystemSettings, FollowsTheSessionsPortal) {

@@ -14,7 +14,7 @@ using testing::paintLetters;
 using testing::planeOf;
 using testing::wood;
 
-const QRect box(40, 30, 200, 30);
+const QRect lettersBox(40, 30, 200, 30);
 
 TEST(LineCropperTest, KeepsLettersAndDropsTheRest) {
     struct Row {
@@ -45,24 +45,24 @@ TEST(LineCropperTest, KeepsLettersAndDropsTheRest) {
     for (const Row& row : table) {
         SCOPED_TRACE(row.why);
         QImage image = wood(280, 90);
-        paintLetters(image, box);
+        paintLetters(image, lettersBox);
         row.disturb(image);
-        const auto line = cleanLine(planeOf(image), box, 1, {});
+        const auto line = cleanLine(planeOf(image), lettersBox, 1, {});
         ASSERT_TRUE(line);
         EXPECT_EQ(line->rows, 1);
-        EXPECT_NEAR(line->area.left(), box.left(), 2);
-        EXPECT_NEAR(line->area.top(), box.top(), 2);
-        EXPECT_NEAR(line->area.height(), box.height(), 4);
+        EXPECT_NEAR(line->area.left(), lettersBox.left(), 2);
+        EXPECT_NEAR(line->area.top(), lettersBox.top(), 2);
+        EXPECT_NEAR(line->area.height(), lettersBox.height(), 4);
     }
 }
 
 TEST(LineCropperTest, LettersOnALightRibbonStayApartFromIt) {
     QImage image(280, 90, QImage::Format_RGB32);
     image.fill(QColor(225, 220, 215));
-    paintLetters(image, box);
-    const auto line = cleanLine(planeOf(image), box, 1, {});
+    paintLetters(image, lettersBox);
+    const auto line = cleanLine(planeOf(image), lettersBox, 1, {});
     ASSERT_TRUE(line);
-    EXPECT_NEAR(line->area.height(), box.height(), 2);
+    EXPECT_NEAR(line->area.height(), lettersBox.height(), 2);
     EXPECT_LT(line->fill, 0.5);
 }
 
@@ -99,15 +99,15 @@ TEST(LineCropperTest, CountsRowsOfText) {
 }
 
 TEST(LineCropperTest, NothingLeftIsNoLine) {
-    EXPECT_FALSE(cleanLine(Plane(), box, 1, {}));
+    EXPECT_FALSE(cleanLine(Plane(), lettersBox, 1, {}));
     EXPECT_FALSE(cleanLine(Plane(1, 1, 255), QRect(0, 0, 1, 1), 1, {}));
-    EXPECT_FALSE(cleanLine(planeOf(wood(280, 90)), box, 1, {}));
+    EXPECT_FALSE(cleanLine(planeOf(wood(280, 90)), lettersBox, 1, {}));
 }
 
 TEST(LineCropperTest, PictureHasTheNetworksShapeInBlackOnWhite) {
     QImage image = wood(280, 90);
-    paintLetters(image, box);
-    const auto line = cleanLine(planeOf(image), box, 1, {});
+    paintLetters(image, lettersBox);
+    const auto line = cleanLine(planeOf(image), lettersBox, 1, {});
     ASSERT_TRUE(line);
     for (const PictureShape shape : {PictureShape{36, 0.16}, PictureShape{48, 0.22}, PictureShape{48, 0}}) {
         const Plane result = picture(*line, shape);

@@ -10,7 +10,6 @@ namespace pelloran::testing {
 
 namespace {
 
-constexpr const char* compositor = "_NET_WM_CM_S0";
 constexpr const char* blurRegion = "_KDE_NET_WM_BLUR_BEHIND_REGION";
 
 std::vector<std::uint32_t> numbersOf(const std::vector<QRect>& region) {
@@ -159,9 +158,9 @@ TEST_F(PanelWindowOnScreen, BlursInPhysicalPixelsInsideItsCorners) {
 
 TEST_F(PanelWindowOnScreen, TellsOfTheCompositor) {
     startProbe();
-    client->setOwner(compositor, client->create({.mapped = false}));
+    client->setOwner(compositorSelection, client->create({.mapped = false}));
     EXPECT_EQ(line(), QByteArray("composited 1"));
-    client->setOwner(compositor, XCB_WINDOW_NONE);
+    client->setOwner(compositorSelection, XCB_WINDOW_NONE);
     EXPECT_EQ(line(), QByteArray("composited 0"));
 }
 

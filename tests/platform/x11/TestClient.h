@@ -18,6 +18,9 @@ namespace pelloran::testing {
 // A picture in which each pixel tells its place and each `seed` looks different.
 QImage pattern(QSize size, std::uint32_t seed);
 
+// Who owns it composes the screen.
+inline constexpr const char* compositorSelection = "_NET_WM_CM_S0";
+
 struct WindowOptions {
     QRect bounds{100, 80, 640, 480};
     xcb_window_t parent = XCB_WINDOW_NONE; // none: the root
@@ -88,7 +91,7 @@ public:
     // Some program keeps the window's pixels apart.
     bool isRedirected(xcb_window_t window);
 
-    // Some program has taken the selection, as a compositor does.
+    // Some program has taken the selection, as a compositor takes compositorSelection.
     bool hasOwner(const char* selection);
     void setOwner(const char* selection, xcb_window_t owner);
 

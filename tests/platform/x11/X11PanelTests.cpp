@@ -16,7 +16,6 @@ namespace {
 
 constexpr QRect screen(0, 0, 1280, 1024);
 constexpr QRect panelBounds(800, 100, 360, 420);
-constexpr const char* compositor = "_NET_WM_CM_S0";
 
 bool inTime(const std::function<bool()>& condition) {
     return QTest::qWaitFor(condition, patience);
@@ -185,12 +184,12 @@ TEST_F(X11PanelTest, FollowsTheCompositor) {
     panel->compositingChanged = [&] { ++changes; };
     EXPECT_FALSE(panel->isComposited());
     const auto owner = client->create({.mapped = false});
-    client->setOwner(compositor, owner);
+    client->setOwner(compositorSelection, owner);
     EXPECT_TRUE(inTime([&] { return panel->isComposited(); }));
     EXPECT_EQ(changes, 1);
-    client->setOwner(compositor, client->create({.mapped = false}));
+    client->setOwner(compositorSelection, client->create({.mapped = false}));
     client->setOwner("_NET_WM_CM_S1", owner);
-    client->setOwner(compositor, XCB_WINDOW_NONE);
+    client->setOwner(compositorSelection, XCB_WINDOW_NONE);
     EXPECT_TRUE(inTime([&] { return !panel->isComposited(); }));
     EXPECT_EQ(changes, 2) << "one compositor after the other is no change";
 }
@@ -198,7 +197,7 @@ TEST_F(X11PanelTest, FollowsTheCompositor) {
 TEST_F(X11PanelTest, ACompositorThatDiesIsNoticed) {
     {
         TestClient dying(display->name());
-        dying.setOwner(compositor, dying.create({.mapped = false}));
+        dying.setOwner(compositorSelection, dying.create({.mapped = false}));
         EXPECT_TRUE(inTime([&] { return panel->isComposited(); }));
     }
     EXPECT_TRUE(inTime([&] { return !panel->isComposited(); }));

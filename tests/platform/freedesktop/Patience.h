@@ -1,0 +1,8 @@
+#pragma once
+
+namespace pelloran::testing {
+
+// Milliseconds, for what should be there in a moment; a silent portal is waited for half as long.
+inline constexpr int patience = 20'000;
+
+} // namespace pelloran::testing
