@@ -2,6 +2,8 @@
 
 #include <QFile>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace pelloran {
@@ -41,7 +43,9 @@ std::expected<QByteArray, DataError> readDataFile(const QString& path) {
     if (!file.open(QFile::ReadOnly)) {
         return failed(file.errorString());
     }
-    QByteArray bytes = file.read(largestFile + 1);
+    // Room is made for all that is asked for, so no more than there should be. A pipe does not tell.
+    const qint64 expected = file.isSequential() ? largestFile : std::min(file.size(), largestFile);
+    QByteArray bytes = file.read(expected + 1);
     if (file.error() != QFile::NoError) {
         return failed(file.errorString());
     }
