@@ -9,7 +9,7 @@ endif()
 target_compile_definitions(pelloran_options INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS)
 target_include_directories(pelloran_options INTERFACE "${CMAKE_SOURCE_DIR}/src")
 if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-  # It takes types that a source keeps to itself for ones of a header once several sources are compiled as one.
+  # GCC takes types that a source keeps to itself for ones of a header once several sources are compiled as one.
   target_compile_options(pelloran_options INTERFACE -Wno-subobject-linkage)
 endif()
 if(PELLORAN_SANITIZERS)
@@ -60,7 +60,8 @@ endfunction()
 # Optimising GoogleTest's macros takes as long as all the rest of compiling a test. The sanitizers are slow enough as it is.
 add_library(pelloran_test_options INTERFACE)
 if(NOT PELLORAN_SANITIZERS)
-  target_compile_options(pelloran_test_options INTERFACE -O0)
+  # Without the fortified C library, which some systems switch on: it complains when nothing is optimised.
+  target_compile_options(pelloran_test_options INTERFACE -O0 -U_FORTIFY_SOURCE)
 endif()
 
 # pelloran_test(NAME [WIDGETS] SOURCES file... LINKS library... [LABELS label...])

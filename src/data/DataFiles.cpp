@@ -43,9 +43,13 @@ std::expected<QByteArray, DataError> readDataFile(const QString& path) {
     if (!file.open(QFile::ReadOnly)) {
         return failed(file.errorString());
     }
-    // Room is made for all that is asked for, so no more than there should be. A pipe does not tell.
-    const qint64 expected = file.isSequential() ? largestFile : std::min(file.size(), largestFile);
-    QByteArray bytes = file.read(expected + 1);
+    // QFile makes room for all that it is asked for: first for what it says it has, then for the rest of what does not
+    // say, such as a pipe, or has grown.
+    const qint64 expected = std::min(file.size(), largestFile) + 1;
+    QByteArray bytes = file.read(expected);
+    if (bytes.size() == expected && expected <= largestFile) {
+        bytes += file.read(largestFile + 1 - expected);
+    }
     if (file.error() != QFile::NoError) {
         return failed(file.errorString());
     }

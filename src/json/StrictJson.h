@@ -10,6 +10,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <algorithm>
+#include <cstddef>
 #include <expected>
 #include <optional>
 #include <tuple>
@@ -63,6 +65,9 @@ template <typename Value>
 std::expected<Value, Mismatch> decode(const QJsonValue& json);
 
 // What the templates above are made of.
+
+// Of a list's elements, before they have been looked at: a list of 64 MiB could hold thirty million that are none.
+inline constexpr std::size_t mostMadeRoomFor = 100'000;
 
 // Absent when all is well.
 using Verdict = std::optional<Mismatch>;
@@ -122,7 +127,7 @@ Verdict decodeInto(std::vector<Element>& elements, const QJsonValue& value) {
     }
     const QJsonArray array = value.toArray();
     elements.clear();
-    elements.reserve(static_cast<std::size_t>(array.size()));
+    elements.reserve(std::min(static_cast<std::size_t>(array.size()), mostMadeRoomFor));
     for (qsizetype index = 0; index < array.size(); ++index) {
         if (Verdict verdict = decodeInto(elements.emplace_back(), array.at(index))) {
             placeWithin(*verdict, index);

@@ -37,6 +37,14 @@ TEST(CardFile, TakesRowsInSeveralShapes) {
          R"({"player_class": "", "cards": [{"card_id": "A"}]})",
          {u"A"_s},
          u" / ?"_s},
+        {"standard with an unfit value first, which only the slow way takes",
+         R"({"player_class": "MAGE", "cards": 3, "cards": [{"card_id": "A"}]})",
+         {u"A"_s},
+         u"MAGE / ?"_s},
+        {"standard with a line break in a text, which only the slow way takes",
+         "{\"time_range\": \"TO\nDAY\", \"cards\": [{\"card_id\": \"A\"}]}",
+         {u"A"_s},
+         u"? / TO\nDAY"_s},
         {"standard goes before loose",
          R"({"cards": [{"card_id": "A"}], "classes": {"MAGE": [{"card_id": "B"}]}})",
          {u"A"_s},
@@ -133,6 +141,8 @@ TEST(CardFile, KnowsASample) {
 
     const Case cases[] = {
         {"sample", R"({"time_range": "SAMPLE", "cards": [{"card_id": "A"}]})", true},
+        {"sample that only the slow way takes", R"({"time_range": "SAMPLE", "cards": 3, "cards": [{"card_id": "A"}]})",
+         true},
         {"sample in a loose shape", R"({"time_range": "SAMPLE", "classes": {"a": [{"card_id": "A"}]}})", true},
         {"real figures", R"({"time_range": "LAST_7_DAYS", "cards": [{"card_id": "A"}]})", false},
         {"no word on it", R"({"cards": [{"card_id": "A"}]})", false},

@@ -30,6 +30,7 @@ TEST(WinrateFile, DecodesEveryField) {
     const CardStats card{u"X_1"_s,  u"火球术"_s, u"Fireball"_s, 4,     u"COMMON"_s, u"SPELL"_s, u"MAGE"_s,
                          u"CORE"_s, 55.3,        56.0,          -15.0, 123.25,      1.25,       9007199254740993};
     EXPECT_EQ(*file, (WinrateFile{u"MAGE"_s, u"LAST_7_DAYS"_s, u"yesterday"_s, 7, {card}}));
+    EXPECT_EQ(WinrateFile::decodeFast(file->encode()), *file);
 }
 
 TEST(ClassWinrateFile, DecodesEveryField) {
@@ -152,7 +153,11 @@ TEST(Decoding, OfWholeFiles) {
     };
     for (const auto& row : cases) {
         SCOPED_TRACE(row.why);
-        EXPECT_EQ(WinrateFile::decode(row.json).has_value(), row.cards);
+        const auto cards = WinrateFile::decode(row.json);
+        EXPECT_EQ(cards.has_value(), row.cards);
+        if (const auto fast = WinrateFile::decodeFast(row.json)) {
+            EXPECT_EQ(cards, *fast);
+        }
         EXPECT_EQ(ClassWinrateFile::decode(row.json).has_value(), row.classes);
     }
 }
@@ -275,6 +280,7 @@ TEST(Encoding, IsUndoneByDecoding) {
             classes.classes.push_back(anyClass(random));
         }
         ASSERT_EQ(WinrateFile::decode(cards.encode()), cards);
+        ASSERT_EQ(WinrateFile::decodeFast(cards.encode()), cards) << "what we write is read quickly";
         ASSERT_EQ(ClassWinrateFile::decode(classes.encode()), classes);
         ASSERT_EQ(decodeCards(encodeCards(cards.cards)), cards.cards);
     }

@@ -10,6 +10,9 @@
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <thread>
 
 using namespace Qt::StringLiterals;
 
@@ -299,6 +302,21 @@ TEST_F(WinrateStoreTest, AFailedLoadOfClassesChangesNothingAndFailsNothing) {
         EXPECT_EQ(store.classMeta(), u"classes 1 / ?"_s);
         EXPECT_TRUE(store.matchClass({u"Mage"_s}));
     }
+}
+
+// As the kernel's own files say, and pipes.
+TEST_F(WinrateStoreTest, ReadsAllOfAFileThatDoesNotSayHowLongItIs) {
+    const QString pipe = write(u"pipe.json"_s, {});
+    ASSERT_TRUE(QFile::remove(pipe));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    const QByteArray cards = "{\"cards\": [{\"card_id\": \"A\"}" + QByteArray(100'000, ' ') + "]}";
+    std::thread writer([&] {
+        QFile file(pipe);
+        EXPECT_TRUE(file.open(QFile::WriteOnly) && file.write(cards) == cards.size());
+    });
+    EXPECT_TRUE(store.loadCards(pipe));
+    writer.join();
+    EXPECT_EQ(store.byId().size(), 1U);
 }
 
 TEST_F(WinrateStoreTest, RefusesAFileTooLargeToBeOne) {

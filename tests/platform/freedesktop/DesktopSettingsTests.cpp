@@ -24,7 +24,7 @@ namespace {
 using namespace freedesktop;
 
 bool inTime(const std::function<bool()>& condition) {
-    return QTest::qWaitFor(condition, patience);
+    return QTest::qWaitFor(condition, desktopPatience);
 }
 
 PortalGroups groups(uint colorScheme, uint reducedMotion) {

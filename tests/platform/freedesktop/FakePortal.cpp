@@ -30,7 +30,7 @@ std::unique_ptr<PrivateBus> PrivateBus::start() {
     bus->daemon.setStandardErrorFile(QProcess::nullDevice());
     bus->daemon.start(daemonProgram,
                       {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address")});
-    if (!bus->daemon.waitForReadyRead(patience)) {
+    if (!bus->daemon.waitForReadyRead(desktopPatience)) {
         return nullptr;
     }
     bus->busAddress = QString::fromLatin1(bus->daemon.readLine().trimmed());
@@ -39,7 +39,7 @@ std::unique_ptr<PrivateBus> PrivateBus::start() {
 
 PrivateBus::~PrivateBus() {
     daemon.kill();
-    daemon.waitForFinished(patience);
+    daemon.waitForFinished(desktopPatience);
 }
 
 FakePortal::FakePortal(const QString& busAddress, freedesktop::PortalGroups groups, Manner how)

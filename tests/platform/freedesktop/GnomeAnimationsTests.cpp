@@ -13,7 +13,7 @@ namespace pelloran::freedesktop {
 
 namespace {
 
-using testing::patience;
+using testing::desktopPatience;
 
 TEST(IsGnome, LooksForItsNameInTheList) {
     struct Case {
@@ -80,7 +80,7 @@ TEST_F(GnomeAnimationsTest, TakesTheToolsWord) {
                 answer = enabled;
             },
             tool(c.script));
-        EXPECT_TRUE(QTest::qWaitFor([&] { return answers > 0; }, patience));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return answers > 0; }, desktopPatience));
         EXPECT_EQ(answer, c.expected);
         EXPECT_EQ(answers, 1);
     }
@@ -90,7 +90,7 @@ TEST_F(GnomeAnimationsTest, AMissingToolKnowsNothing) {
     std::optional<std::optional<bool>> answer;
     const GnomeAnimations animations([&](std::optional<bool> enabled) { answer = enabled; },
                                      folder.filePath(QStringLiteral("missing")));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return answer.has_value(); }, patience));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return answer.has_value(); }, desktopPatience));
     EXPECT_EQ(answer.value_or(true), std::nullopt);
 }
 
@@ -102,7 +102,7 @@ TEST_F(GnomeAnimationsTest, AToolThatStillRunsIsEnded) {
                                          tool("exec sleep 60"));
         QTest::qWait(20);
     }
-    EXPECT_LT(time.elapsed(), patience);
+    EXPECT_LT(time.elapsed(), desktopPatience);
 }
 
 } // namespace

@@ -14,7 +14,7 @@ namespace pelloran::freedesktop {
 
 namespace {
 
-using testing::patience;
+using testing::desktopPatience;
 
 TEST(AnimationDurationFactor, IsFoundInItsGroup) {
     struct Case {
@@ -64,7 +64,7 @@ protected:
     }
 
     static bool becomes(const KdeGlobals& globals, std::optional<double> expected) {
-        return QTest::qWaitFor([&] { return globals.factor() == expected; }, patience);
+        return QTest::qWaitFor([&] { return globals.factor() == expected; }, desktopPatience);
     }
 
     const QTemporaryDir folder;

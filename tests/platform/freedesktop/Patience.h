@@ -3,6 +3,6 @@
 namespace pelloran::testing {
 
 // Milliseconds, for what should be there in a moment; a silent portal is waited for half as long.
-inline constexpr int patience = 20'000;
+inline constexpr int desktopPatience = 20'000;
 
 } // namespace pelloran::testing

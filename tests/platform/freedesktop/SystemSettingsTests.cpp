@@ -33,9 +33,9 @@ TEST(DesktopSystemSettings, FollowsTheSessionsPortal) {
     EXPECT_EQ(portal.questions, 0) << "for the language alone nobody is asked";
 
     EXPECT_FALSE(settings->appearance());
-    EXPECT_TRUE(QTest::qWaitFor([&] { return settings->appearance() == Appearance::dark; }, patience));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return settings->appearance() == Appearance::dark; }, desktopPatience));
     portal.change(freedesktop::appearanceGroup, freedesktop::reducedMotionKey, 1U);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return settings->reducesMotion(); }, patience));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return settings->reducesMotion(); }, desktopPatience));
     EXPECT_EQ(changes, 2);
 }
 
