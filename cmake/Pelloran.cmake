@@ -31,18 +31,19 @@ set(pelloran_common_headers
   <algorithm> <array> <chrono> <cmath> <expected> <filesystem> <functional> <memory> <optional> <utility> <variant>
   <vector>)
 
-# pelloran_library(NAME [MOC] SOURCES file... LINKS library... [HEADERS header...] [HEADERS_OF target])
+# pelloran_library(NAME [MOC] [NO_HEADERS] SOURCES file... LINKS library... [HEADERS header...] [HEADERS_OF target])
 # MOC where a header has Q_OBJECT. The list of links is the architecture: a library sees only what it lists. HEADERS are
-# precompiled for it and for those that name it under HEADERS_OF; without either it takes those of `platform`.
+# precompiled for it and for those that name it under HEADERS_OF; without either it takes those of `platform`,
+# and with NO_HEADERS none.
 function(pelloran_library name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "MOC" "HEADERS_OF" "SOURCES;LINKS;HEADERS")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "MOC;NO_HEADERS" "HEADERS_OF" "SOURCES;LINKS;HEADERS")
   add_library(${name} STATIC ${arg_SOURCES})
   target_link_libraries(${name} PUBLIC pelloran_options ${arg_LINKS})
   if(arg_HEADERS)
     target_precompile_headers(${name} PRIVATE ${arg_HEADERS})
   elseif(arg_HEADERS_OF)
     target_precompile_headers(${name} REUSE_FROM ${arg_HEADERS_OF})
-  else()
+  elseif(NOT arg_NO_HEADERS)
     target_precompile_headers(${name} REUSE_FROM platform)
   endif()
   if(arg_MOC)

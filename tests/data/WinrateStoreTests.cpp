@@ -304,7 +304,7 @@ TEST_F(WinrateStoreTest, AFailedLoadOfClassesChangesNothingAndFailsNothing) {
     }
 }
 
-// As the kernel's own files say, and pipes.
+// Pipes and the kernel's own files say that there is nothing in them.
 TEST_F(WinrateStoreTest, ReadsAllOfAFileThatDoesNotSayHowLongItIs) {
     const QString pipe = write(u"pipe.json"_s, {});
     ASSERT_TRUE(QFile::remove(pipe));
