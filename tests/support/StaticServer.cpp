@@ -101,10 +101,19 @@ bool StaticServer::startOnPort() {
     process.setStandardErrorFile(QProcess::nullDevice()); // it writes the same to its log
     process.start(programPath(), {QStringLiteral("-p"), folder.path(), QStringLiteral("-c"), file.fileName(),
                                   QStringLiteral("-e"), folder.path() + QStringLiteral("/error.log")});
+    // The server may have written its file before this process has heard that it started: what counts is asked for only
+    // after that.
+    if (!process.waitForStarted(patience)) {
+        return false;
+    }
     // It writes that file once it listens.
-    return QTest::qWaitFor([this] { return QFileInfo::exists(pidFile()) || process.state() == QProcess::NotRunning; },
-                           patience) &&
-           process.state() == QProcess::Running;
+    const bool listens = QTest::qWaitFor(
+        [this] { return QFileInfo::exists(pidFile()) || process.state() == QProcess::NotRunning; }, patience);
+    if (listens && process.state() == QProcess::Running) {
+        return true;
+    }
+    stop(); // the next try removes the file, and a server that still ran would not write another
+    return false;
 }
 
 QByteArray StaticServer::errors() const {
