@@ -1,12 +1,16 @@
 #pragma once
 
+#include "names/Lexicon.h"
+#include "platform/LineReader.h"
+
 #include <QImage>
 #include <QRectF>
-#include <QSet>
 #include <QString>
 
+#include <array>
 #include <expected>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace pelloran {
@@ -23,27 +27,31 @@ struct OCRToken {
     bool operator==(const OCRToken&) const = default;
 };
 
-// The names that may stand on the screen. Immutable once made, so that the thread that reads and the thread that owns
-// the data can share one.
-struct KnownNames {
-    QString (*normalize)(const QString& text) = nullptr; // pure; brings a line as read into the form of `normalized`
-    QSet<QString> normalized;
-
-    bool contains(const QString& line) const { return normalize && normalized.contains(normalize(line)); }
-};
-
 // What the caller knows about the text it is looking for. A reader may use any of it to be faster and surer, and may
 // ignore all of it.
 struct ReadingHints {
-    enum class Lettering {
-        white,         // names on cards
-        whiteOrGolden, // names of hero classes
-    };
+    // Whose names: it decides where they stand, what colours they have, and which row is theirs.
+    enum class Offers { cards, heroes };
 
-    QRectF band{0, 0, 1,
-                1}; // where lines matter, in fractions of the image, y from the top; others will be thrown away
-    Lettering lettering = Lettering::white;
-    std::shared_ptr<const KnownNames> names; // may be null
+    // Where lines matter, in fractions of the image, y from the top; others will be thrown away.
+    QRectF band{0, 0, 1, 1};
+    Offers offers = Offers::cards;
+    // The client's script; absent: the reader finds out.
+    std::optional<Script> script;
+    // May be null. With them, a line of Latin letters that none of them settles is no token.
+    std::shared_ptr<const Lexicon> names;
+};
+
+// What a reader made of an image.
+struct ReadText {
+    std::vector<OCRToken> tokens;
+    // Lines that looked like names but that no known name settles. For whoever asks why; nothing is to be made of them.
+    std::vector<OCRToken> unsettled;
+    // The middles of the three places offered, left to right, as fractions of the image's width, where the reader knows
+    // them: with a name missing, positions alone do not tell which.
+    std::optional<std::array<double, 3>> columns;
+
+    bool operator==(const ReadText&) const = default;
 };
 
 // Reads the lines of text in a picture of a game's window. Made and used on one thread; may use workers of its own.
@@ -58,7 +66,7 @@ public:
     virtual ~TextReader() = default;
 
     // Any size, any format; a null image has no lines. Blocks until done. A failure inside gives no lines.
-    virtual std::vector<OCRToken> read(const QImage& image, const ReadingHints& hints) = 0;
+    virtual ReadText read(const QImage& image, const ReadingHints& hints) = 0;
 
     // True when the reader brings every line to the size it reads best, so that a second look at an enlarged copy of
     // the image would tell nothing new.

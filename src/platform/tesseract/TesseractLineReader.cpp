@@ -1,4 +1,4 @@
-#include "LineReader.h"
+#include "TesseractLineReader.h"
 
 #include <QDir>
 #include <QStringList>
@@ -80,8 +80,8 @@ public:
         return true;
     }
 
-    LineReading read(const Plane& picture) {
-        api.SetImage(picture.pixels.data(), picture.width, picture.height, 1, picture.width);
+    LineReading read(const QImage& picture) {
+        api.SetImage(picture.constBits(), picture.width(), picture.height(), 1, int(picture.bytesPerLine()));
         api.SetSourceResolution(150); // so that it does not guess, and say so
         LineReading reading;
         if (api.Recognize(nullptr) == 0) {
@@ -99,11 +99,7 @@ private:
 
 } // namespace
 
-PictureShape pictureShape(Script script) {
-    return script == Script::latin ? PictureShape{36, 0.16} : PictureShape{48, 0.22};
-}
-
-class LineReader::Pool {
+class TesseractLineReader::Pool {
 public:
     static constexpr std::size_t size = 2; // more would take memory and gain nothing on three lines
 
@@ -189,12 +185,16 @@ private:
     std::array<std::jthread, size> threads; // last: they use everything above
 };
 
-LineReader::LineReader(std::unique_ptr<Pool> workers)
+TesseractLineReader::TesseractLineReader(std::unique_ptr<Pool> workers)
     : pool(std::move(workers)) {}
 
-LineReader::~LineReader() = default;
+TesseractLineReader::~TesseractLineReader() = default;
 
-std::expected<std::unique_ptr<LineReader>, QString> LineReader::create(const QString& dataFolder) {
+std::expected<std::unique_ptr<LineReader>, QString> LineReader::create() {
+    return TesseractLineReader::createFrom({});
+}
+
+std::expected<std::unique_ptr<LineReader>, QString> TesseractLineReader::createFrom(const QString& dataFolder) {
     const QString systems = systemFolder();
     const QDir folder(dataFolder.isEmpty() ? systems : dataFolder);
     // Before any network is loaded: one of them may be there, and a caller may ask again every second.
@@ -211,10 +211,10 @@ std::expected<std::unique_ptr<LineReader>, QString> LineReader::create(const QSt
     if (missing = pool->missing(); !missing.empty()) {
         return std::unexpected(reasonFor(missing));
     }
-    return std::unique_ptr<LineReader>(new LineReader(std::move(pool)));
+    return std::unique_ptr<LineReader>(new TesseractLineReader(std::move(pool)));
 }
 
-std::vector<LineReading> LineReader::read(const std::vector<Work>& work) {
+std::vector<LineReading> TesseractLineReader::read(const std::vector<Work>& work) {
     return work.empty() ? std::vector<LineReading>() : pool->read(work);
 }
 

@@ -171,7 +171,7 @@ std::vector<TextBox> detectLines(const Plane& plane, double unit) {
     const Plane cells = inkedCells(mask, cell, int(widestGap * unit / cell));
     const Components components = componentsOf(cells);
 
-    std::vector<Extent> extents(std::size_t(components.count) + 1);
+    std::vector<Extent> extents(components.groups.size() + 1);
     for (int y = 0; y < mask.height; ++y) {
         const int* rowLabels = components.numbers.data() + std::size_t(y / cell) * std::size_t(cells.width);
         for (int x = 0; x < mask.width; ++x) {

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "platform/TextReader.h"
-
 #include <QImage>
 #include <QRect>
 
@@ -9,6 +7,9 @@
 #include <vector>
 
 namespace pelloran {
+
+// Colours of letters that are lighter than what is around them.
+enum class Lettering { white, whiteOrGolden };
 
 // One byte a pixel, rows without gaps.
 struct Plane {
@@ -34,10 +35,13 @@ struct Plane {
 
 // Lightness of the part `area` of `image` (clipped to it), in which white letters stand out and saturated colours do
 // not: the darkest of the three colour channels, for golden letters averaged with luma. Any format.
-Plane lightness(const QImage& image, const QRect& area, ReadingHints::Lettering lettering);
+Plane lightness(const QImage& image, const QRect& area, Lettering lettering);
 
 // The pixels of `area`, which must lie within the plane.
 Plane part(const Plane& plane, const QRect& area);
+
+// The plane with `scale` times as many pixels in each direction.
+Plane resampled(const Plane& plane, double scale);
 
 // Halves the plane `times` times, each pixel the mean of four.
 Plane shrunk(const Plane& plane, int times);

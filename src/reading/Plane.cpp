@@ -1,6 +1,7 @@
 #include "Plane.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace pelloran {
 
@@ -85,7 +86,7 @@ bool isPlainRgb(QImage::Format format) {
 
 } // namespace
 
-Plane lightness(const QImage& image, const QRect& area, ReadingHints::Lettering lettering) {
+Plane lightness(const QImage& image, const QRect& area, Lettering lettering) {
     const QRect part = area.intersected(image.rect());
     if (part.isEmpty()) {
         return {};
@@ -101,7 +102,7 @@ Plane lightness(const QImage& image, const QRect& area, ReadingHints::Lettering 
     for (int y = 0; y < plane.height; ++y) {
         const auto* pixels = reinterpret_cast<const QRgb*>(source.constScanLine(origin.y() + y)) + origin.x();
         std::uint8_t* row = plane.row(y);
-        if (lettering == ReadingHints::Lettering::white) {
+        if (lettering == Lettering::white) {
             for (int x = 0; x < plane.width; ++x) {
                 const QRgb pixel = pixels[x];
                 row[x] = std::uint8_t(std::min({pixel & 255U, (pixel >> 8) & 255U, (pixel >> 16) & 255U}));
@@ -124,6 +125,22 @@ Plane part(const Plane& plane, const QRect& area) {
     Plane result(area.width(), area.height());
     for (int y = 0; y < result.height; ++y) {
         std::copy_n(plane.row(area.top() + y) + area.left(), result.width, result.row(y));
+    }
+    return result;
+}
+
+Plane resampled(const Plane& plane, double scale) {
+    const int width = int(std::lround(plane.width * scale));
+    const int height = int(std::lround(plane.height * scale));
+    if ((width == plane.width && height == plane.height) || width <= 0 || height <= 0) {
+        return plane;
+    }
+    const QImage image(plane.pixels.data(), plane.width, plane.height, plane.width, QImage::Format_Grayscale8);
+    const QImage scaled = image.scaled(width, height, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
+                              .convertToFormat(QImage::Format_Grayscale8);
+    Plane result(scaled.width(), scaled.height());
+    for (int y = 0; y < result.height; ++y) {
+        std::copy_n(scaled.constScanLine(y), result.width, result.row(y));
     }
     return result;
 }

@@ -48,7 +48,7 @@ struct Blob {
 
 // The groups of `components`, from the second place on.
 std::vector<Blob> blobsOf(const Components& components, const Plane& mask, const Plane& bright) {
-    std::vector<Blob> blobs(std::size_t(components.count) + 1);
+    std::vector<Blob> blobs(components.groups.size() + 1);
     for (int y = 0; y < mask.height; ++y) {
         for (int x = 0; x < mask.width; ++x) {
             const auto place = std::size_t(y) * std::size_t(mask.width) + std::size_t(x);

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "Plane.h"
+
+#include <QRect>
+
+#include <vector>
+
+namespace pelloran {
+
+// Groups of pixels that touch, also at their corners.
+struct Components {
+    struct Group {
+        QRect box;
+        int area = 0; // pixels
+    };
+
+    std::vector<int> numbers;  // of the group of each pixel of the mask, from 1; 0 where the mask is 0
+    std::vector<Group> groups; // the group with number 1 first
+};
+
+Components componentsOf(const Plane& mask);
+
+} // namespace pelloran

@@ -1,0 +1,343 @@
+#include "RibbonLines.h"
+
+#include "Components.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace pelloran {
+
+namespace {
+
+// Lengths in heights of the game's picture, unless said otherwise.
+constexpr double searchScale = 900; // pixels a height: capitals are 11 tall then
+constexpr double roomAbove = 0.022; // of the strip searched, over the highest baseline
+constexpr double roomBelow = 0.012; // under the lowest
+constexpr double halfStrip = 0.105; // names reach 0.1 from the middle of the card
+constexpr double halfPicture = 0.108;
+
+// Letters are white with something much darker within three pixels. Lightness, 0 to 255.
+constexpr int inkRadius = 3;
+constexpr int leastLightness = 150;
+constexpr int mostOfOutline = 105;
+constexpr int leastContrast = 90;
+// Pixels of the strip. Smaller are grain, larger are ribbon, art and frames.
+constexpr int lowestLetter = 5;
+constexpr int tallestLetter = 21;
+constexpr int widestLetter = 40; // a few that touch
+constexpr int leastLetterArea = 10;
+
+// From the baseline, downwards: letters stand between the first two; nothing of the outline's upper side and below the
+// descenders is ink.
+constexpr double bodyTop = -0.0095;
+constexpr double aboveTop = -0.020;
+constexpr double aboveBottom = -0.0145;
+constexpr double belowTop = 0.0012;
+constexpr double belowBottom = 0.006;
+constexpr double penaltyAbove = 1; // capitals and accents of neighbours reach there
+constexpr double penaltyBelow = 2;
+
+constexpr double baseTolerance = 0.004; // at which a line is half as likely as at its usual place
+constexpr double leastScore = 60;       // three small letters
+constexpr double widestGap = 0.023;     // between words; beyond it stands something else
+constexpr int leastColumns = 8;         // with ink
+constexpr double recentreFrom = 0.003;  // names are centred on their cards; what is further off is found anew around itself
+constexpr double furthestCentre = 0.025;
+constexpr double recentreRange = 0.006;
+
+// Bicubic weights at 64 places between pixels (Keys, a = -0.75, as sharpens a little).
+constexpr int phases = 64;
+
+std::array<std::array<float, 4>, phases + 1> cubicWeights() {
+    std::array<std::array<float, 4>, phases + 1> table{};
+    constexpr double a = -0.75;
+    for (int i = 0; i <= phases; ++i) {
+        const double t = double(i) / phases;
+        const auto outer = [](double d) { return ((a * d - 5 * a) * d + 8 * a) * d - 4 * a; };
+        const auto inner = [](double d) { return ((a + 2) * d - (a + 3)) * d * d + 1; };
+        table[std::size_t(i)] = {float(outer(t + 1)), float(inner(t)), float(inner(1 - t)), float(outer(2 - t))};
+    }
+    return table;
+}
+
+// A part of the plane unbent along a curve.
+struct Strip {
+    double centre;    // of the card
+    double base;      // of the baseline in the middle
+    double above;     // the baseline
+    double below;     // the baseline
+    double halfWidth; // to both sides of the centre
+    double scale;     // pixels of the result a height
+};
+
+Plane unbent(const Plane& plane, const GameFrame& frame, const NameCurve& curve, const Strip& strip) {
+    static const auto weights = cubicWeights();
+    const int columns = std::max(1, int(std::lround(2 * strip.halfWidth * strip.scale)));
+    const int rows = std::max(1, int(std::lround((strip.above + strip.below) * strip.scale)));
+    Plane result(columns, rows);
+    std::vector<double> shift(static_cast<std::size_t>(columns));
+    std::vector<double> lean(static_cast<std::size_t>(columns));
+    for (int column = 0; column < columns; ++column) {
+        const double x = (column + 0.5) / strip.scale - strip.halfWidth;
+        shift[std::size_t(column)] = strip.base + curve.at(x);
+        lean[std::size_t(column)] = curve.slopeAt(x);
+    }
+    const int lastX = plane.width - 1;
+    const int lastY = plane.height - 1;
+    for (int row = 0; row < rows; ++row) {
+        const double v = (row + 0.5) / strip.scale - strip.above;
+        std::uint8_t* out = result.row(row);
+        for (int column = 0; column < columns; ++column) {
+            const double x = (column + 0.5) / strip.scale - strip.halfWidth - v * lean[std::size_t(column)];
+            const double pixelX = std::clamp(frame.pixelX(strip.centre + x) - 0.5, -1.0, double(plane.width));
+            const double pixelY =
+                std::clamp(frame.pixelY(shift[std::size_t(column)] + v) - 0.5, -1.0, double(plane.height));
+            const int left = int(std::floor(pixelX));
+            const int top = int(std::floor(pixelY));
+            const auto& weightX = weights[std::size_t((pixelX - left) * phases + 0.5)];
+            const auto& weightY = weights[std::size_t((pixelY - top) * phases + 0.5)];
+            float sum = 0;
+            if (left >= 1 && left + 2 <= lastX && top >= 1 && top + 2 <= lastY) {
+                const std::uint8_t* from = plane.row(top - 1) + left - 1;
+                for (std::size_t j = 0; j < 4; ++j, from += plane.width) {
+                    sum += weightY[j] * (weightX[0] * from[0] + weightX[1] * from[1] + weightX[2] * from[2] +
+                                         weightX[3] * from[3]);
+                }
+            } else {
+                for (int j = 0; j < 4; ++j) {
+                    const std::uint8_t* from = plane.row(std::clamp(top - 1 + j, 0, lastY));
+                    float line = 0;
+                    for (int i = 0; i < 4; ++i) {
+                        line += weightX[std::size_t(i)] * from[std::clamp(left - 1 + i, 0, lastX)];
+                    }
+                    sum += weightY[std::size_t(j)] * line;
+                }
+            }
+            out[column] = std::uint8_t(std::clamp(sum + 0.5F, 0.0F, 255.0F));
+        }
+    }
+    return result;
+}
+
+// What of a strip is letters: 1, elsewhere 0.
+Plane lettersIn(const Plane& strip) {
+    const Plane floor = darkestAround(strip, inkRadius);
+    Plane mask(strip.width, strip.height);
+    for (std::size_t i = 0; i < mask.pixels.size(); ++i) {
+        const int value = strip.pixels[i];
+        const int outline = floor.pixels[i];
+        mask.pixels[i] = value > leastLightness && outline < mostOfOutline && value - outline > leastContrast;
+    }
+    const Components components = componentsOf(mask);
+    std::vector<std::uint8_t> isLetter(components.groups.size() + 1);
+    for (std::size_t i = 0; i < components.groups.size(); ++i) {
+        const QRect& box = components.groups[i].box;
+        isLetter[i + 1] = box.height() >= lowestLetter && box.height() <= tallestLetter && box.width() <= widestLetter &&
+                          components.groups[i].area >= leastLetterArea && box.left() > 0 &&
+                          box.right() < strip.width - 1;
+    }
+    for (std::size_t i = 0; i < mask.pixels.size(); ++i) {
+        mask.pixels[i] = isLetter[std::size_t(components.numbers[i])];
+    }
+    return mask;
+}
+
+int searchPixels(double length) {
+    return int(std::lround(length * searchScale));
+}
+
+// The letters of a strip around one curve, and the best baseline in it.
+struct Search {
+    Plane letters;
+    double score = 0;
+    double base = 0;
+    int row = 0; // of the baseline
+};
+
+Search searchAlong(const Plane& plane, const GameFrame& frame, const NameCurve& curve, double centre, double from,
+                   double to) {
+    Search found;
+    const Strip strip{centre, from, roomAbove, to - from + roomBelow, halfStrip, searchScale};
+    found.letters = lettersIn(unbent(plane, frame, curve, strip));
+    std::vector<int> inkAbove(std::size_t(found.letters.height) + 1); // each row, in all rows over it
+    for (int y = 0; y < found.letters.height; ++y) {
+        int ink = 0;
+        for (int x = 0; x < found.letters.width; ++x) {
+            ink += found.letters.row(y)[x];
+        }
+        inkAbove[std::size_t(y) + 1] = inkAbove[std::size_t(y)] + ink;
+    }
+    const auto inkBetween = [&](int top, int bottom) {
+        const auto at = [&](int y) { return inkAbove[std::size_t(std::clamp(y, 0, found.letters.height))]; };
+        return at(bottom) - at(top);
+    };
+    const int first = searchPixels(roomAbove);
+    for (int row = first; row <= first + searchPixels(to - from); ++row) {
+        const auto at = [row](double offset) { return row + searchPixels(offset); };
+        const double score = inkBetween(at(bodyTop), row) - penaltyAbove * inkBetween(at(aboveTop), at(aboveBottom)) -
+                             penaltyBelow * inkBetween(at(belowTop), at(belowBottom));
+        if (score > found.score) {
+            found.score = score;
+            found.row = row;
+            found.base = from + (row - first) / searchScale;
+        }
+    }
+    return found;
+}
+
+// Ends of the name on a baseline, from the middle of the strip; the longest run where something else stands beside it.
+std::optional<std::pair<double, double>> extentOf(const Search& search) {
+    const int top = std::max(0, search.row - searchPixels(0.0135));
+    const int width = search.letters.width;
+    int bestStart = 0;
+    int bestEnd = 0;
+    int bestInk = 0;
+    int start = -1;
+    int last = -1;
+    int ink = 0;
+    const auto close = [&] {
+        if (start >= 0 && ink > bestInk) {
+            bestStart = start;
+            bestEnd = last + 1;
+            bestInk = ink;
+        }
+    };
+    for (int x = 0; x < width; ++x) {
+        bool inked = false;
+        for (int y = top; y <= std::min(search.row, search.letters.height - 1); ++y) {
+            inked |= search.letters.row(y)[x] != 0;
+        }
+        if (!inked) {
+            continue;
+        }
+        if (start < 0 || x - last > searchPixels(widestGap)) {
+            close();
+            start = x;
+            ink = 0;
+        }
+        last = x;
+        ++ink;
+    }
+    close();
+    if (bestInk < leastColumns) {
+        return std::nullopt;
+    }
+    return std::pair((bestStart - width / 2.0) / searchScale, (bestEnd - width / 2.0) / searchScale);
+}
+
+double likelihood(const NameCurve& curve, double base) {
+    double nearest = 1;
+    for (const double usual : curve.bases) {
+        nearest = std::min(nearest, std::abs(base - usual));
+    }
+    const double far = nearest / baseTolerance;
+    return 1 / (1 + far * far);
+}
+
+} // namespace
+
+std::vector<RibbonLine> findRibbonLines(const Plane& plane, const GameFrame& frame, double centre,
+                                        const BaseRange& range) {
+    std::vector<RibbonLine> lines;
+    if (plane.pixels.empty()) {
+        return lines;
+    }
+    for (const NameCurve& curve : nameCurves) {
+        Search search = searchAlong(plane, frame, curve, centre, range.from, range.to);
+        auto ends = search.score > 0 ? extentOf(search) : std::nullopt;
+        if (!ends) {
+            continue;
+        }
+        RibbonLine line{search.score, &curve, search.base, centre, 0, 0};
+        const double middle = (ends->first + ends->second) / 2;
+        if (std::abs(middle) > recentreFrom) {
+            line.centre += std::clamp(middle, -furthestCentre, furthestCentre);
+            search = searchAlong(plane, frame, curve, line.centre, line.base - recentreRange, line.base + recentreRange);
+            ends = search.score > 0 ? extentOf(search) : std::nullopt;
+            if (!ends) {
+                continue;
+            }
+            line.score = search.score;
+            line.base = search.base;
+        }
+        line.left = ends->first;
+        line.right = ends->second;
+        line.score *= curve.likelihood * (range.usual ? likelihood(curve, line.base) : 1);
+        lines.push_back(line);
+    }
+    std::ranges::stable_sort(lines, std::greater{}, &RibbonLine::score);
+    if (!lines.empty() && lines.front().score < leastScore) {
+        lines.clear();
+    }
+    return lines;
+}
+
+std::optional<Plane> pictureOf(const RibbonLine& line, const Plane& plane, const GameFrame& frame,
+                               const RibbonRecipe& recipe) {
+    constexpr double margin = 0.007; // beside the letters
+    constexpr int leastRelief = 40;  // of the letters over the ribbon, 0 to 255
+    const double scale = recipe.height / (recipe.above + recipe.below);
+    const Plane whole =
+        unbent(plane, frame, *line.curve, {line.centre, line.base, recipe.above, recipe.below, halfPicture, scale});
+    const int left = std::clamp(int((halfPicture + line.left - margin) * scale), 0, whole.width);
+    const int right = std::clamp(int((halfPicture + line.right + margin) * scale), left, whole.width);
+    if (right == left || whole.height == 0) {
+        return std::nullopt;
+    }
+    const Plane letters = part(whole, QRect(left, 0, right - left, whole.height));
+
+    std::array<int, 256> counts{};
+    for (const std::uint8_t value : letters.pixels) {
+        ++counts[value];
+    }
+    const auto percentile = [&](double share) {
+        int below = 0;
+        for (int value = 0; value < 256; ++value) {
+            below += counts[std::size_t(value)];
+            if (below > share * double(letters.pixels.size())) {
+                return value;
+            }
+        }
+        return 255;
+    };
+    const double ribbon = percentile(0.5);
+    const double fill = percentile(0.97);
+    if (fill - ribbon < leastRelief) {
+        return std::nullopt;
+    }
+
+    Plane ink(letters.width, letters.height);
+    Plane mask(letters.width, letters.height);
+    for (std::size_t i = 0; i < ink.pixels.size(); ++i) {
+        const double t = (letters.pixels[i] - ribbon) / (fill - ribbon);
+        const double amount = std::clamp((t - recipe.paper) / (recipe.ink - recipe.paper), 0.0, 1.0);
+        ink.pixels[i] = std::uint8_t(std::lround(255 * amount));
+        mask.pixels[i] = ink.pixels[i] > 127;
+    }
+    // The ribbon's edge, the art above and the gem below: what touches the edge without reaching into the letters.
+    const int top = int((recipe.above - 0.0095) * scale);
+    const int bottom = int(recipe.above * scale);
+    const Components components = componentsOf(mask);
+    std::vector<std::uint8_t> isJunk(components.groups.size() + 1);
+    for (std::size_t i = 0; i < components.groups.size(); ++i) {
+        const QRect& box = components.groups[i].box;
+        const bool touchesTop = box.top() == 0;
+        const bool touchesBottom = box.bottom() == ink.height - 1;
+        const bool touchesSide = box.left() == 0 || box.right() == ink.width - 1;
+        isJunk[i + 1] = (touchesTop && box.bottom() + 1 < top + 0.35 * (bottom - top)) ||
+                        (touchesBottom && box.top() > bottom - 0.2 * (bottom - top)) || (touchesTop && touchesBottom) ||
+                        (touchesSide && (touchesTop || touchesBottom));
+    }
+    Plane junk(ink.width, ink.height);
+    for (std::size_t i = 0; i < junk.pixels.size(); ++i) {
+        junk.pixels[i] = isJunk[std::size_t(components.numbers[i])];
+    }
+    const Plane around = lightestAround(junk, 1);
+    for (std::size_t i = 0; i < ink.pixels.size(); ++i) {
+        ink.pixels[i] = around.pixels[i] ? 255 : std::uint8_t(255 - ink.pixels[i]);
+    }
+    return ink;
+}
+
+} // namespace pelloran
