@@ -2,7 +2,7 @@
 // names have to be found by the search that they were given to.
 
 #include "data/CardFile.h"
-#include "data/CardNameIndex.h"
+#include "names/CardNameIndex.h"
 #include "data/ClassNameIndex.h"
 #include "Require.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "data/CardNameIndex.h"
+#include "names/CardNameIndex.h"
 #include "data/ClassNameIndex.h"
 #include "data/WinrateFormats.h"
 #include "platform/ApplicationFiles.h"

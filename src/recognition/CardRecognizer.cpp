@@ -1,6 +1,6 @@
 #include "recognition/CardRecognizer.h"
 
-#include "data/NameMatching.h"
+#include "names/NameMatching.h"
 #include "data/WinrateStore.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "data/NameMatching.h"
+#include "names/NameMatching.h"
 
 #include "data/WinrateStore.h"
 #include "NameMatchingReference.h"
