@@ -204,18 +204,6 @@ double runsPerColumn(const Plane& kept) {
     return columns ? double(runs) / columns : 0;
 }
 
-double sample(const Plane& plane, double x, double y) {
-    const int left = int(std::floor(x));
-    const int top = int(std::floor(y));
-    const double fractionX = x - left;
-    const double fractionY = y - top;
-    const auto at = [&](int column, int row) -> double {
-        return column >= 0 && row >= 0 && column < plane.width && row < plane.height ? plane.at(column, row) : 0;
-    };
-    return (at(left, top) * (1 - fractionX) + at(left + 1, top) * fractionX) * (1 - fractionY) +
-           (at(left, top + 1) * (1 - fractionX) + at(left + 1, top + 1) * fractionX) * fractionY;
-}
-
 } // namespace
 
 std::optional<CleanLine> cleanLine(const Plane& plane, const QRect& box, double unit, const Cleaning& cleaning) {
@@ -308,7 +296,7 @@ Plane picture(const CleanLine& line, const PictureShape& shape) {
                 const double lean = line.arch.turn * line.arch.slopeAt(along);
                 for (const double partY : {0.25, 0.75}) {
                     const double offset = line.letters.top() - margin + (row + partY) / scale - 0.5;
-                    ink += sample(line.ink, along - offset * lean, middle + offset) / 4;
+                    ink += sampleAt(line.ink, along - offset * lean, middle + offset) / 4;
                 }
             }
             result.row(row)[column] = std::uint8_t(255 - std::lround(ink));

@@ -1,6 +1,7 @@
 #include "Plane.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace pelloran {
@@ -127,6 +128,41 @@ Plane part(const Plane& plane, const QRect& area) {
         std::copy_n(plane.row(area.top() + y) + area.left(), result.width, result.row(y));
     }
     return result;
+}
+
+int percentile(const Plane& plane, double share) {
+    std::array<int, 256> counts{};
+    for (const std::uint8_t value : plane.pixels) {
+        ++counts[value];
+    }
+    int below = 0;
+    for (int value = 0; value < 256; ++value) {
+        below += counts[std::size_t(value)];
+        if (below > share * double(plane.pixels.size())) {
+            return value;
+        }
+    }
+    return 255;
+}
+
+double sampleAt(const Plane& plane, double x, double y) {
+    const int left = int(std::floor(x));
+    const int top = int(std::floor(y));
+    const double fractionX = x - left;
+    const double fractionY = y - top;
+    const auto at = [&](int column, int row) -> double {
+        return column >= 0 && row >= 0 && column < plane.width && row < plane.height ? plane.at(column, row) : 0;
+    };
+    return (at(left, top) * (1 - fractionX) + at(left + 1, top) * fractionX) * (1 - fractionY) +
+           (at(left, top + 1) * (1 - fractionX) + at(left + 1, top + 1) * fractionX) * fractionY;
+}
+
+QImage imageOf(const Plane& plane) {
+    QImage image(plane.width, plane.height, QImage::Format_Grayscale8);
+    for (int y = 0; y < image.height(); ++y) {
+        std::copy_n(plane.row(y), plane.width, image.scanLine(y));
+    }
+    return image;
 }
 
 Plane resampled(const Plane& plane, double scale) {

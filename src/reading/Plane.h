@@ -40,6 +40,15 @@ Plane lightness(const QImage& image, const QRect& area, Lettering lettering);
 // The pixels of `area`, which must lie within the plane.
 Plane part(const Plane& plane, const QRect& area);
 
+// The value that `share` (0 to 1) of the pixels stay below or reach; 255 for no pixels.
+int percentile(const Plane& plane, double share);
+
+// Value at a place between pixels, 0 outside.
+double sampleAt(const Plane& plane, double x, double y);
+
+// One byte a pixel for whoever reads pictures.
+QImage imageOf(const Plane& plane);
+
 // The plane with `scale` times as many pixels in each direction.
 Plane resampled(const Plane& plane, double scale);
 

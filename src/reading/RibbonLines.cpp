@@ -287,22 +287,8 @@ std::optional<Plane> pictureOf(const RibbonLine& line, const Plane& plane, const
     }
     const Plane letters = part(whole, QRect(left, 0, right - left, whole.height));
 
-    std::array<int, 256> counts{};
-    for (const std::uint8_t value : letters.pixels) {
-        ++counts[value];
-    }
-    const auto percentile = [&](double share) {
-        int below = 0;
-        for (int value = 0; value < 256; ++value) {
-            below += counts[std::size_t(value)];
-            if (below > share * double(letters.pixels.size())) {
-                return value;
-            }
-        }
-        return 255;
-    };
-    const double ribbon = percentile(0.5);
-    const double fill = percentile(0.97);
+    const double ribbon = percentile(letters, 0.5);
+    const double fill = percentile(letters, 0.97);
     if (fill - ribbon < leastRelief) {
         return std::nullopt;
     }

@@ -1,0 +1,167 @@
+#include "HeroLines.h"
+
+#include "Components.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace pelloran {
+
+namespace {
+
+// Heights of the game's picture.
+constexpr double stripTop = 0.485; // hero names stand at 0.509, classes at 0.530
+constexpr double stripBottom = 0.565;
+constexpr double halfStrip = 0.122;
+
+constexpr double searchScale = 1080; // pixels a height; those that follow are such
+constexpr int lowestLetter = 5;
+constexpr int tallestLetter = 26;
+constexpr int widestLetter = 46;
+constexpr double leastInkOfRow = 1.5; // pixels
+constexpr int lowestLine = 7;
+constexpr int tallestLine = 32;
+constexpr int narrowestLine = 24;
+constexpr std::size_t mostLines = 3;
+
+constexpr double paperRank = 0.80; // of the brightest channel's values: letters cover less than a fifth
+constexpr double inkRank = 0.03;
+constexpr int leastContrast = 60;
+// Parchment is (200, 175, 135), felt (60, 5, 3).
+constexpr int darkestParchmentRed = 150;
+constexpr int leastWarmth = 25; // red over blue
+constexpr int lightestFeltRed = 110;
+
+// The middle one of the values of each channel.
+std::array<int, 3> medianColor(const QImage& strip) {
+    std::array<std::array<int, 256>, 3> counts{};
+    for (int y = 0; y < strip.height(); ++y) {
+        const auto* row = reinterpret_cast<const QRgb*>(strip.constScanLine(y));
+        for (int x = 0; x < strip.width(); ++x) {
+            ++counts[0][std::size_t(qRed(row[x]))];
+            ++counts[1][std::size_t(qGreen(row[x]))];
+            ++counts[2][std::size_t(qBlue(row[x]))];
+        }
+    }
+    std::array<int, 3> median{};
+    for (std::size_t channel = 0; channel < 3; ++channel) {
+        for (int below = 0; below <= strip.width() * strip.height() / 2 && median[channel] < 256; ++median[channel]) {
+            below += counts[channel][std::size_t(median[channel])];
+        }
+        --median[channel];
+    }
+    return median;
+}
+
+Plane brightestChannel(const QImage& strip) {
+    Plane plane(strip.width(), strip.height());
+    for (int y = 0; y < plane.height; ++y) {
+        const auto* row = reinterpret_cast<const QRgb*>(strip.constScanLine(y));
+        for (int x = 0; x < plane.width; ++x) {
+            plane.row(y)[x] = std::uint8_t(std::max({qRed(row[x]), qGreen(row[x]), qBlue(row[x])}));
+        }
+    }
+    return plane;
+}
+
+} // namespace
+
+std::vector<HeroLine> findHeroLines(const QImage& window, const GameFrame& frame, double centre) {
+    const QRect area = QRectF(QPointF(frame.pixelX(centre - halfStrip), frame.pixelY(stripTop)),
+                              QPointF(frame.pixelX(centre + halfStrip), frame.pixelY(stripBottom)))
+                           .toAlignedRect()
+                           .intersected(window.rect());
+    std::vector<HeroLine> lines;
+    if (area.width() < 2 || area.height() < 2) {
+        return lines;
+    }
+    const QImage strip = window.copy(area).convertToFormat(QImage::Format_RGB32);
+    const auto [red, green, blue] = medianColor(strip);
+    const bool parchment = red >= darkestParchmentRed && red >= green && green >= blue && red - blue >= leastWarmth;
+    const bool felt = red <= lightestFeltRed && red >= green && red >= blue;
+    if (!parchment && !felt) {
+        return lines;
+    }
+    const double scale = searchScale / frame.height;
+    const Plane channel = resampled(brightestChannel(strip), scale);
+    const int paper = percentile(channel, parchment ? paperRank : 1 - paperRank);
+    const int letter = percentile(channel, parchment ? inkRank : 1 - inkRank);
+    if (std::abs(paper - letter) < leastContrast || (paper > letter) != parchment) {
+        return lines;
+    }
+    Plane ink(channel.width, channel.height);
+    Plane mask(channel.width, channel.height);
+    for (std::size_t i = 0; i < ink.pixels.size(); ++i) {
+        const double amount = std::clamp(double(paper - channel.pixels[i]) / (paper - letter), 0.0, 1.0);
+        ink.pixels[i] = std::uint8_t(std::lround(255 * amount));
+        mask.pixels[i] = amount > 0.5;
+    }
+    const Components components = componentsOf(mask);
+    std::vector<std::uint8_t> isLetter(components.groups.size() + 1);
+    for (std::size_t i = 0; i < components.groups.size(); ++i) {
+        const QRect& box = components.groups[i].box;
+        isLetter[i + 1] =
+            box.height() >= lowestLetter && box.height() <= tallestLetter && box.width() <= widestLetter;
+    }
+    std::vector<int> inkOfRow(std::size_t(mask.height) + 1); // and an empty one after the last
+    for (int y = 0; y < mask.height; ++y) {
+        for (int x = 0; x < mask.width; ++x) {
+            const auto place = std::size_t(y) * std::size_t(mask.width) + std::size_t(x);
+            mask.pixels[place] = isLetter[std::size_t(components.numbers[place])];
+            inkOfRow[std::size_t(y)] += mask.pixels[place];
+        }
+    }
+    const Plane around = lightestAround(mask, 1); // letters keep their soft edges
+    for (std::size_t i = 0; i < ink.pixels.size(); ++i) {
+        ink.pixels[i] = around.pixels[i] ? ink.pixels[i] : std::uint8_t(0);
+    }
+    int begin = -1;
+    for (int y = 0; y <= mask.height; ++y) {
+        if (inkOfRow[std::size_t(y)] > leastInkOfRow) {
+            begin = begin < 0 ? y : begin;
+            continue;
+        }
+        if (begin >= 0 && y - begin >= lowestLine && y - begin <= tallestLine) {
+            int left = mask.width;
+            int right = -1;
+            for (int row = begin; row < y; ++row) {
+                for (int x = 0; x < mask.width; ++x) {
+                    if (mask.row(row)[x]) {
+                        left = std::min(left, x);
+                        right = std::max(right, x);
+                    }
+                }
+            }
+            if (right - left + 1 >= narrowestLine) {
+                const QRectF letters(left, begin - 1, right - left + 1, y - begin + 2);
+                lines.push_back({{}, letters, QRectF(letters.topLeft() / scale + area.topLeft(), letters.size() / scale)});
+            }
+        }
+        begin = -1;
+    }
+    std::ranges::reverse(lines);
+    lines.resize(std::min(lines.size(), mostLines));
+    for (HeroLine& line : lines) {
+        line.ink = ink;
+    }
+    return lines;
+}
+
+Plane pictureOf(const HeroLine& line, const HeroRecipe& recipe) {
+    const double margin = recipe.margin * line.letters.height();
+    const double scale = recipe.height / (line.letters.height() + 2 * margin);
+    Plane result(std::max(1, int((line.letters.width() + 2 * margin) * scale)), recipe.height);
+    for (int y = 0; y < result.height; ++y) {
+        for (int x = 0; x < result.width; ++x) {
+            const double ink = sampleAt(line.ink, line.letters.left() - margin + (x + 0.5) / scale - 0.5,
+                                      line.letters.top() - margin + (y + 0.5) / scale - 0.5) /
+                               255;
+            const double amount = std::clamp((ink - recipe.paper) / (recipe.ink - recipe.paper), 0.0, 1.0);
+            result.row(y)[x] = std::uint8_t(std::lround(255 - 255 * amount));
+        }
+    }
+    return result;
+}
+
+} // namespace pelloran

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/LineReader.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <optional>
+
+namespace pelloran {
+
+// What the ways to read one image share.
+struct ReadingTools {
+    LineReader& lines;
+    std::optional<Script>& remembered; // script that the client was last seen to use
+    std::size_t readingsLeft = 24;     // of lines in this image: whatever it shows, reading it ends
+
+    // At most as many readings as are left, in the order of the work.
+    std::vector<LineReading> read(std::vector<LineReader::Work> work) {
+        work.resize(std::min(work.size(), readingsLeft));
+        readingsLeft -= work.size();
+        return lines.read(work);
+    }
+};
+
+} // namespace pelloran
