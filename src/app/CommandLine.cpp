@@ -35,6 +35,7 @@ const QString configServerOption = QStringLiteral("config-server");
 const QString updateServerOption = QStringLiteral("update-server");
 const QString phaseOption = QStringLiteral("phase");
 const QString ticksOption = QStringLiteral("ticks");
+const QString jsonOption = QStringLiteral("json");
 const QString cardsOption = QStringLiteral("cards");
 const QString classesOption = QStringLiteral("classes");
 
@@ -95,6 +96,17 @@ std::expected<Command, QString> buildRecognize(const QCommandLineParser& parsed)
         return std::unexpected(QStringLiteral("recognize needs at least one image"));
     }
     return recognize;
+}
+
+std::expected<Command, QString> buildEvaluate(const QCommandLineParser& parsed) {
+    if (parsed.positionalArguments().isEmpty()) {
+        return std::unexpected(QStringLiteral("evaluate needs at least one folder of pictures with their truth"));
+    }
+    return EvaluateFolders{
+        .ticks = parsed.isSet(ticksOption),
+        .json = parsed.isSet(jsonOption),
+        .folders = parsed.positionalArguments(),
+    };
 }
 
 std::expected<Command, QString> buildMatch(const QCommandLineParser& parsed) {
@@ -168,6 +180,17 @@ const std::vector<Syntax>& syntaxes() {
                 {ticksOption, {}, QStringLiteral("the images are successive ticks of one draft, not independent ones")},
             },
             buildRecognize,
+        },
+        {
+            QStringLiteral("evaluate"),
+            QStringLiteral("FOLDER..."),
+            QStringLiteral(
+                "Recognises pictures whose truth lies beside them, with the data in use, and prints how it went."),
+            {
+                {ticksOption, {}, QStringLiteral("as for recognize, and each picture is looked at three times")},
+                {jsonOption, {}, QStringLiteral("print a JSON line for each picture and one for all")},
+            },
+            buildEvaluate,
         },
         {
             QStringLiteral("match"),

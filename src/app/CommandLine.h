@@ -36,6 +36,13 @@ struct RecognizeImages {
     QStringList images;
 };
 
+// Recognition held against pictures whose truth is known.
+struct EvaluateFolders {
+    bool ticks = false; // as for RecognizeImages; and every picture is looked at more than once
+    bool json = false;  // lines for programs in place of a table for people
+    QStringList folders;
+};
+
 struct MatchTexts {
     bool classes = false;
     QStringList texts;
@@ -60,8 +67,8 @@ struct PrintText {
     QString text;
 };
 
-using Command = std::variant<RunLoop, PrintDraftState, PrintLogsDir, RecognizeImages, MatchTexts, SyncOnce,
-                             CheckUpdateOnce, PublishData, PrintText>;
+using Command = std::variant<RunLoop, PrintDraftState, PrintLogsDir, RecognizeImages, EvaluateFolders, MatchTexts,
+                             SyncOnce, CheckUpdateOnce, PublishData, PrintText>;
 
 // What is wrong, and how the command is used; for standard error.
 struct UsageError {

@@ -86,6 +86,16 @@ TEST(CommandLine, TakesTheCommandsThatShowOnePart) {
         << "after -- everything is text";
 }
 
+TEST(CommandLine, TakesTheFoldersOfAnEvaluation) {
+    const auto plain = parsed<EvaluateFolders>("evaluate screens more");
+    EXPECT_EQ(plain.folders, (QStringList{QStringLiteral("screens"), QStringLiteral("more")}));
+    EXPECT_FALSE(plain.ticks);
+    EXPECT_FALSE(plain.json);
+    const auto full = parsed<EvaluateFolders>("evaluate --json screens --ticks");
+    EXPECT_TRUE(full.ticks);
+    EXPECT_TRUE(full.json);
+}
+
 TEST(CommandLine, TakesTheFoldersOfAPublication) {
     const auto plain = parsed<PublishData>("publish data www");
     EXPECT_EQ(plain.source, QStringLiteral("data"));
@@ -121,6 +131,8 @@ TEST(CommandLine, RefusesWhatDoesNotFit) {
         {"no phase", "recognize a.png", "--phase"},
         {"a phase without offers", "recognize --phase idle a.png", "--phase"},
         {"no image", "recognize --phase heroPick", "image"},
+        {"nothing to evaluate", "evaluate --ticks", "folder"},
+        {"truth files tell their phase", "evaluate --phase cardPick screens", "phase"},
         {"no text", "match --classes", "text"},
         {"nowhere to publish", "publish data", "publish needs"},
         {"two places to publish", "publish data www more", "publish needs"},
