@@ -348,6 +348,7 @@ Answer Judge::judge(const Truth& truth, DraftPhase rules, const SlotMatch& match
 
 std::vector<Answer> Judge::judge(const Truth& truth, const Look& look) const {
     std::vector<Answer> answers;
+    answers.reserve(look.matches.size());
     for (const SlotMatch& match : look.matches) {
         answers.push_back(judge(truth, look.rules, match));
     }
