@@ -2,8 +2,8 @@
 // names have to be found by the search that they were given to.
 
 #include "data/CardFile.h"
-#include "names/CardNameIndex.h"
 #include "data/ClassNameIndex.h"
+#include "names/CardNameIndex.h"
 #include "Require.h"
 
 #include <cstdint>

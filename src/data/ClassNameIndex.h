@@ -1,7 +1,7 @@
 #pragma once
 
-#include "names/NameMatching.h"
 #include "data/WinrateFormats.h"
+#include "names/NameMatching.h"
 
 #include <QSet>
 #include <QStringList>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "names/CardNameIndex.h"
 #include "data/ClassNameIndex.h"
 #include "data/WinrateFormats.h"
+#include "names/CardNameIndex.h"
 #include "platform/ApplicationFiles.h"
 #include "platform/TextReader.h"
 

@@ -94,8 +94,8 @@ struct FoldedNames {
 };
 
 // Places of the characters of a line, for the length of its longest common subsequence with many names: all rows of the
-// table side by side in the bits of as many words as it takes (Hyyrö's form of Allison and Dix). A bit is cleared at each
-// place where the length grows by one.
+// table side by side in the bits of as many words as it takes (Hyyrö's form of Allison and Dix). A bit is cleared at
+// each place where the length grows by one.
 class CommonLength {
 public:
     // Of a line as numbers below `alphabet`, or not below it where no name has the character.
@@ -154,7 +154,7 @@ struct Lexicon::Index {
 
     std::vector<Entry> entries;
     QHash<QString, std::size_t> byNormalized;
-    QHash<QString, std::size_t> byFolded;       // or `several`
+    QHash<QString, std::size_t> byFolded;        // or `several`
     std::map<std::size_t, FoldedNames> byLength; // of the folded form; those without ideographs
 
     // The normalised forms, as numbers dense from 0 so that tables by character are small, by their length.
@@ -344,9 +344,8 @@ double Lexicon::resemblance(const QString& line) const {
     std::vector<std::pair<double, std::size_t>> lengths;
     lengths.reserve(index.normalizedByLength.size());
     for (const auto& [length, names] : index.normalizedByLength) {
-        lengths.emplace_back(2 * static_cast<double>(std::min(length, lineLength)) /
-                                 static_cast<double>(length + lineLength),
-                             length);
+        lengths.emplace_back(
+            2 * static_cast<double>(std::min(length, lineLength)) / static_cast<double>(length + lineLength), length);
     }
     std::ranges::sort(lengths, std::ranges::greater());
     CommonLength common(numbers, index.numbers.size());

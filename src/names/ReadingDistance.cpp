@@ -12,9 +12,9 @@ namespace pelloran::ReadingDistance {
 namespace {
 
 // Measured on real screens: pairs that the recogniser often confuses in the game's lettering, either way.
-constexpr std::u16string_view confusedPairs =
-    u"il tf tl it ec oc oe hb hn nu mn rt gq gy vy uv bd as ae kh kr k1 i1 l1 o0 s5 b8 g9 z2 fr ij lj jt pf da oa pn sg "
-    u"es wv uo xz xk ce mw wm rf be eo ";
+constexpr std::u16string_view confusedPairs = u"il tf tl it ec oc oe hb hn nu mn rt gq gy vy uv bd as ae kh kr k1 i1 "
+                                              u"l1 o0 s5 b8 g9 z2 fr ij lj jt pf da oa pn sg "
+                                              u"es wv uo xz xk ce mw wm rf be eo ";
 
 constexpr std::size_t tableSize = 128; // what is confused is ASCII
 
@@ -118,8 +118,8 @@ std::optional<Halves> between(std::u16string_view reading, std::u16string_view n
         for (std::size_t j = first; j < end; ++j) {
             Halves value = above[j] + (j == 0 || j == last ? ofJunk : ofOther);
             if (j > 0) {
-                value = std::min({value, row[j - 1] + ofOther,
-                                  above[j - 1] + betweenCharacters(reading[i - 1], name[j - 1])});
+                value = std::min(
+                    {value, row[j - 1] + ofOther, above[j - 1] + betweenCharacters(reading[i - 1], name[j - 1])});
                 if (i > 1 && isReadAsTwo(reading[i - 2], reading[i - 1], name[j - 1])) {
                     value = std::min(value, twoAbove[j - 1] + ofConfused);
                 }
