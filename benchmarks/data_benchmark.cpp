@@ -1,6 +1,6 @@
-#include "data/NameMatchingReference.h"
 #include "data/WinrateStore.h"
 #include "fakes/FakeApplicationFiles.h"
+#include "names/NameMatchingReference.h"
 #include "SharedCards.h"
 
 #include <QFile>
@@ -100,12 +100,21 @@ void matchNameLineByLine(benchmark::State& state, const QStringList& lines) {
     }
 }
 
+std::vector<QString> normalizedNames() {
+    std::vector<QString> names;
+    for (const CardName& name : setting().store.names()) {
+        names.push_back(name.norm);
+    }
+    return names;
+}
+
 void matchNamePlainly(benchmark::State& state, const QStringList& lines) {
     if (skipped(state)) {
         return;
     }
+    const auto names = normalizedNames();
     for (auto _ : state) {
-        benchmark::DoNotOptimize(reference::matchName(setting().store.names(), lines));
+        benchmark::DoNotOptimize(reference::matchName(names, lines));
     }
 }
 
@@ -113,7 +122,7 @@ void matchNamePlainlyPrepared(benchmark::State& state, const QStringList& lines)
     if (skipped(state)) {
         return;
     }
-    reference::PreparedNames names(setting().store.names());
+    reference::PreparedNames names(normalizedNames());
     for (auto _ : state) {
         benchmark::DoNotOptimize(names.matchName(lines));
     }

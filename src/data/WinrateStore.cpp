@@ -81,6 +81,16 @@ std::shared_ptr<const KnownNames> knownNames(QSet<QString> normalized) {
     return std::make_shared<const KnownNames>(KnownNames{&NameMatching::normalize, std::move(normalized)});
 }
 
+// In ascending order of keys.
+std::vector<NamedClass> namedClasses(const ClassesByKey& classes) {
+    std::vector<NamedClass> named;
+    named.reserve(classes.size());
+    for (const auto& [key, row] : classes) {
+        named.push_back({key, {row.nameZh, row.displayName(AppLanguage::en)}});
+    }
+    return named;
+}
+
 } // namespace
 
 WinrateStore::WinrateStore(const ApplicationFiles& applicationFiles)
@@ -196,7 +206,7 @@ void WinrateStore::applyClasses(const ClassWinrateFile& file) {
             namesOfClasses.push_back({normalize(alias), key, found->second.displayName()});
         }
     }
-    classIndex = ClassNameIndex(classes);
+    classIndex = ClassNameIndex(namedClasses(classes));
     classNamesKnown = knownNames(classIndex.exactLines());
     metaOfClasses = u"classes "_s + QString::number(classes.size()) + u" / "_s + file.fetchedAt.value_or(u"?"_s);
 }

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "data/ClassNameIndex.h"
 #include "data/WinrateFormats.h"
 #include "names/CardNameIndex.h"
+#include "names/ClassNameIndex.h"
 #include "platform/ApplicationFiles.h"
 #include "platform/TextReader.h"
 
@@ -20,6 +20,9 @@
 namespace pelloran {
 
 struct CardFile;
+
+// By class in upper case.
+using ClassesByKey = std::map<QString, ClassWinrateRow>;
 
 // A name of a card, as the search knows it.
 struct CardName {
@@ -93,7 +96,7 @@ public:
     const std::vector<CardName>& names() const { return cardNames; }
 
     // By class in upper case; of several rows of one class the last.
-    const ClassNameIndex::ClassesByKey& classesByKey() const { return classes; }
+    const ClassesByKey& classesByKey() const { return classes; }
 
     // Names and nicknames of all classes. matchClass has a list of its own, with fewer nicknames.
     const std::vector<ClassName>& classNames() const { return namesOfClasses; }
@@ -123,7 +126,7 @@ private:
     std::unordered_map<QString, CardStats> cards;
     std::vector<CardName> cardNames;
     CardNameIndex cardIndex;
-    ClassNameIndex::ClassesByKey classes;
+    ClassesByKey classes;
     std::vector<ClassName> namesOfClasses;
     ClassNameIndex classIndex;
     QString cardMeta;

@@ -337,6 +337,14 @@ TEST_F(WinrateStoreTest, GivesOutSnapshotsThatLaterLoadsLeaveAlone) {
     EXPECT_TRUE(store.knownCardNames()->contains(u"Frostbolt"_s));
 }
 
+TEST_F(WinrateStoreTest, ComparesNamesAsTheMatchingDoes) {
+    EXPECT_EQ(WinrateStore::normalize(u"Fire Ball (4)"_s), u"fireball"_s);
+    EXPECT_TRUE(WinrateStore::isPlausibleName(u"Hex"_s));
+    EXPECT_FALSE(WinrateStore::isPlausibleName(u"12"_s));
+    EXPECT_EQ(WinrateStore::lcsLength(u"fireball"_s, u"firewall"_s), 7U);
+    EXPECT_EQ(WinrateStore::scoreName(u"Fire Boll"_s, u"fireball"_s), 0.93125);
+}
+
 TEST_F(WinrateStoreTest, ForgetsThatItHeldASample) {
     ASSERT_TRUE(store.loadCards(write(u"a.json"_s, R"({"time_range": "SAMPLE", "cards": [{"card_id": "A"}]})")));
     EXPECT_TRUE(store.holdsSampleData());

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "data/WinrateFormats.h"
 #include "names/NameMatching.h"
 
 #include <QSet>
@@ -22,17 +21,21 @@ struct ClassMatch {
     bool operator==(const ClassMatch&) const = default;
 };
 
+// What a class is called.
+struct NamedClass {
+    QString key; // in upper case
+    QStringList names;
+};
+
 // Everything the classes are called, ready to be searched. Immutable once made; from any thread.
 class ClassNameIndex {
 public:
-    using ClassesByKey = std::map<QString, ClassWinrateRow>;
-
     ClassNameIndex() = default;
-    explicit ClassNameIndex(const ClassesByKey& classes);
+    explicit ClassNameIndex(const std::vector<NamedClass>& classes);
 
     // A line that is exactly a name ends the search. Else the best of the lines that contain a name or are part of one,
     // if it reaches NameMatching::classThreshold; a nickname beats it where it scores less. Of equal scores the
-    // earliest line wins, then names in ascending order of keys.
+    // earliest line wins, then the name that comes first: all names in the order given, then all keys.
     std::optional<ClassMatch> bestMatch(const QStringList& lines) const;
 
     // Normalised lines that name a class exactly, by name or by nickname.
