@@ -3,6 +3,7 @@
 #include "data/WinrateFormats.h"
 #include "names/CardNameIndex.h"
 #include "names/ClassNameIndex.h"
+#include "names/Lexicon.h"
 #include "platform/ApplicationFiles.h"
 #include "platform/TextReader.h"
 
@@ -118,6 +119,12 @@ public:
 
     std::shared_ptr<const KnownNames> knownClassNames() const { return classNamesKnown; }
 
+    // The same, also never null, for settling what was read: every name of a card, with the kinds of all cards that
+    // bear it, and everything that names a class, at its full length.
+    std::shared_ptr<const Lexicon> cardLexicon() const { return lexiconOfCards; }
+
+    std::shared_ptr<const Lexicon> classLexicon() const { return lexiconOfClasses; }
+
 private:
     void applyCards(const CardFile& file);
     void applyClasses(const ClassWinrateFile& file);
@@ -135,6 +142,8 @@ private:
     bool sample = false;
     std::shared_ptr<const KnownNames> cardNamesKnown;
     std::shared_ptr<const KnownNames> classNamesKnown;
+    std::shared_ptr<const Lexicon> lexiconOfCards;
+    std::shared_ptr<const Lexicon> lexiconOfClasses;
 };
 
 } // namespace pelloran

@@ -27,7 +27,7 @@ ClassNameIndex::ClassNameIndex(const std::vector<NamedClass>& classes) {
 
 void ClassNameIndex::add(const QString& name, const QString& key) {
     const QString norm = normalize(name);
-    candidates.push_back({norm, table.add(norm), key});
+    candidates.push_back({name, norm, table.add(norm), key});
 }
 
 std::optional<ClassMatch> ClassNameIndex::bestMatch(const QStringList& lines) const {
@@ -73,6 +73,19 @@ QSet<QString> ClassNameIndex::exactLines() const {
         lines.insert(nickname);
     }
     return lines;
+}
+
+QStringList ClassNameIndex::texts() const {
+    QStringList texts;
+    for (const Candidate& candidate : candidates) {
+        if (!candidate.characters.empty()) {
+            texts += candidate.text;
+        }
+    }
+    for (const auto& [nickname, key] : nicknames) {
+        texts += nickname;
+    }
+    return texts;
 }
 
 } // namespace pelloran

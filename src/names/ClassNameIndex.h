@@ -41,8 +41,12 @@ public:
     // Normalised lines that name a class exactly, by name or by nickname.
     QSet<QString> exactLines() const;
 
+    // Everything by which a class can be named, as it was given: names, then keys, then nicknames. Too long ones too.
+    QStringList texts() const;
+
 private:
     struct Candidate {
+        QString text;
         QString norm;
         std::u32string characters;
         QString key;
@@ -52,7 +56,7 @@ private:
 
     CharacterTable table;
     std::vector<Candidate> candidates;
-    std::map<QString, QString> nicknames; // normalised, to the class's key
+    std::map<QString, QString> nicknames; // which normalising leaves as they are, to the class's key
 };
 
 } // namespace pelloran

@@ -18,7 +18,7 @@ Q_DECLARE_OPERATORS_FOR_FLAGS(NameKinds)
 // A name that may stand on the screen.
 struct KnownName {
     QString text;    // as the data files have it
-    NameKinds kinds; // of the cards that bear it; none: not known, or no card's
+    NameKinds kinds; // of the cards that bear it; none: not known, or no card's, and so any
 
     bool operator==(const KnownName&) const = default;
 };
