@@ -25,6 +25,7 @@ namespace {
 constexpr double greatestDistance = 4.0;
 constexpr Halves ofMisfit = 2; // what a name of kinds that do not fit is taken to be farther away
 constexpr Halves endless = std::numeric_limits<Halves>::max() / 2;
+constexpr double enough = 1 << 20; // characters: more than any distance that is looked for
 
 constexpr NameKinds allKinds =
     NameKind::minion | NameKind::spell | NameKind::weapon | NameKind::hero | NameKind::location;
@@ -39,7 +40,6 @@ bool hasIdeographs(const QString& text) {
 
 // The most halves that are not more; distances are whole numbers of them.
 Halves inHalves(double characters) {
-    constexpr double enough = 1 << 20; // more than any distance that is looked for
     return static_cast<Halves>(std::floor(std::clamp(characters, -1.0, enough) * 2));
 }
 
@@ -88,6 +88,7 @@ std::uint64_t sketchOfConfused(std::u16string_view reading) {
 
 // Names of one length.
 struct FoldedNames {
+    std::size_t length = 0;
     std::vector<std::uint64_t> sketches;
     std::u16string characters; // those of the first name, of the second, ...
     std::vector<std::size_t> entries;
@@ -163,6 +164,12 @@ struct Lexicon::Index {
 
     explicit Index(const std::vector<KnownName>& names);
 
+    struct Query;
+
+    // Of the name at that place, a misfit's with what it is taken to be farther away.
+    std::optional<Halves> distance(const Query& query, const FoldedNames& names, std::size_t place, Halves limit) const;
+
+    // For a folded reading that is no name's.
     std::optional<Settled> nearest(const QString& folded, NameKinds fitting, const Tolerance& tolerance) const;
 };
 
@@ -200,6 +207,7 @@ Lexicon::Index::Index(const std::vector<KnownName>& names) {
         }
         if (!hasIdeographs(folded)) {
             FoldedNames& group = byLength[static_cast<std::size_t>(folded.size())];
+            group.length = static_cast<std::size_t>(folded.size());
             group.sketches.push_back(sketchOf(view(folded)));
             group.characters += view(folded);
             group.entries.push_back(entry);
@@ -207,74 +215,81 @@ Lexicon::Index::Index(const std::vector<KnownName>& names) {
     }
 }
 
+// A reading as the search wants it.
+struct Lexicon::Index::Query {
+    std::u16string_view reading;
+    NameKinds fitting;
+    std::uint64_t sketch = 0;
+    std::uint64_t sketchWithConfused = 0; // with all that what was read may have been
+
+    Query(std::u16string_view folded, NameKinds fittingKinds)
+        : reading(folded)
+        , fitting(fittingKinds)
+        , sketch(sketchOf(folded))
+        , sketchWithConfused(sketch | sketchOfConfused(folded)) {}
+
+    Halves leastFrom(std::size_t nameLength) const {
+        return ReadingDistance::leastOfLengths(reading.size(), nameLength);
+    }
+};
+
+std::optional<Halves> Lexicon::Index::distance(const Query& query, const FoldedNames& names, std::size_t place,
+                                               Halves limit) const {
+    const Halves misfit = query.fitting && !(entries[names.entries[place]].kinds & query.fitting) ? ofMisfit : 0;
+    // Each bit that the reading lacks is at least one character of the name that was not read as itself: a half where
+    // it may have been confused, else a whole.
+    const std::uint64_t lacking = names.sketches[place] & ~query.sketch;
+    if (std::popcount(lacking) + std::popcount(lacking & ~query.sketchWithConfused) > limit - misfit) {
+        return std::nullopt;
+    }
+    const auto name = std::u16string_view(names.characters).substr(place * names.length, names.length);
+    const auto found = ReadingDistance::between(query.reading, name, limit - misfit);
+    return found ? std::optional(*found + misfit) : std::nullopt;
+}
+
 std::optional<Lexicon::Settled> Lexicon::Index::nearest(const QString& folded, NameKinds fitting,
                                                         const Tolerance& tolerance) const {
-    const std::u16string_view reading = view(folded);
+    // Names near enough for their own length. Those about as long as the reading first: they set the mark that the
+    // others have to reach. A line much longer than all names ends here, whatever its length.
     const auto greatest = [&](std::size_t nameLength) {
         return inHalves(std::min(tolerance.perCharacter * static_cast<double>(nameLength), greatestDistance));
     };
-    const Halves margin = std::max(inHalves(tolerance.margin), 0);
-
-    // Lengths near the reading's first: they set the mark that the others have to reach.
-    struct Length {
-        Halves least;
-        std::size_t length;
-        const FoldedNames* names;
-    };
-
-    std::vector<Length> lengths;
-    Halves best = -1; // the most that may do at all, then the least found
+    const std::u16string_view reading = view(folded);
+    std::vector<std::pair<Halves, const FoldedNames*>> groups;
     for (const auto& [length, names] : byLength) {
         const Halves least = ReadingDistance::leastOfLengths(reading.size(), length);
-        lengths.push_back({least, length, &names});
         if (least <= greatest(length)) {
-            best = std::max(best, greatest(length));
+            groups.emplace_back(least, &names);
         }
     }
-    if (best < 0) {
-        return std::nullopt; // also for a line much longer than all names, whatever its length
-    }
-    std::ranges::sort(lengths, {}, &Length::least);
-
-    const std::uint64_t sketch = sketchOf(reading);
-    const std::uint64_t sketchWithConfused = sketch | sketchOfConfused(reading);
-    std::size_t bestEntry = several;
-    std::size_t bestLength = 0;
-    Halves second = endless;
-    for (const auto& [least, length, names] : lengths) {
-        if (least > best + margin) {
-            break;
-        }
-        for (std::size_t i = 0; i < names->entries.size(); ++i) {
-            const std::size_t entry = names->entries[i];
-            const Halves misfit = fitting && !(entries[entry].kinds & fitting) ? ofMisfit : 0;
-            // Who is farther away neither wins nor takes the winner's margin.
-            const Halves limit = best + margin - misfit;
-            // Each bit that the reading lacks is at least one character of the name that was not read as itself: a half
-            // where it may have been confused, else a whole.
-            const std::uint64_t lacking = names->sketches[i] & ~sketch;
-            if (std::popcount(lacking) + std::popcount(lacking & ~sketchWithConfused) > limit) {
-                continue;
-            }
-            const auto name = std::u16string_view(names->characters).substr(i * length, length);
-            const auto distance = ReadingDistance::between(reading, name, limit);
-            if (!distance) {
-                continue;
-            }
-            const Halves total = *distance + misfit;
-            if (bestEntry == several ? total > best : total >= best) {
-                second = std::min(second, total);
-            } else {
-                second = bestEntry == several ? second : best;
-                best = total;
-                bestEntry = entry;
-                bestLength = length;
-            }
-        }
-    }
-    if (bestEntry == several || inCharacters(best) > tolerance.perCharacter * static_cast<double>(bestLength) ||
-        inCharacters(best) > greatestDistance || inCharacters(second - best) < tolerance.margin) {
+    if (groups.empty()) {
         return std::nullopt;
+    }
+    std::ranges::sort(groups);
+    const Query query(reading, fitting);
+    Halves best = endless;
+    std::size_t bestEntry = 0;
+    for (const auto& [least, names] : groups) {
+        for (std::size_t i = 0; i < names->entries.size() && least < best; ++i) {
+            // Of two as near neither wins, as the second search will find.
+            if (const auto found = distance(query, *names, i, std::min(greatest(names->length), best - 1))) {
+                best = *found;
+                bestEntry = names->entries[i];
+            }
+        }
+    }
+    if (best == endless) {
+        return std::nullopt;
+    }
+
+    // Any name at all that is nearer, or too little farther: also one that itself would be too far away for its length.
+    const Halves tooNear = best + static_cast<Halves>(std::ceil(std::clamp(tolerance.margin, 0.0, enough) * 2)) - 1;
+    for (const auto& [length, names] : byLength) {
+        for (std::size_t i = 0; i < names.entries.size() && query.leastFrom(length) <= tooNear; ++i) {
+            if (names.entries[i] != bestEntry && distance(query, names, i, tooNear)) {
+                return std::nullopt;
+            }
+        }
     }
     return Settled{entries[bestEntry].name->text, inCharacters(best)};
 }

@@ -40,6 +40,21 @@ constexpr Halves unreachable = 1 << 20;
 
 QString folded(const QString& text) {
     QString result;
+    const auto isSimple = [](QChar character) {
+        return character.unicode() < 0x80 || (character.unicode() >= 0x4E00 && character.unicode() <= 0x9FFF);
+    };
+    if (std::ranges::all_of(text, isSimple)) { // nearly all, and no need of Unicode's tables
+        result.reserve(text.size());
+        for (const QChar character : text) {
+            const char16_t unit = character.unicode();
+            if (unit >= u'A' && unit <= u'Z') {
+                result += QChar(static_cast<char16_t>(unit + 0x20));
+            } else if ((unit >= u'a' && unit <= u'z') || (unit >= u'0' && unit <= u'9') || unit >= 0x80) {
+                result += character;
+            }
+        }
+        return result;
+    }
     const QString decomposed = text.toLower().normalized(QString::NormalizationForm_D);
     result.reserve(decomposed.size());
     for (qsizetype i = 0; i < decomposed.size(); ++i) {
