@@ -1,7 +1,7 @@
 #include "recognition/CardRecognizer.h"
 
-#include "data/NameMatching.h"
 #include "data/WinrateStore.h"
+#include "names/NameMatching.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "data/CardNameIndex.h"
+#include "names/CardNameIndex.h"
 
 #include <algorithm>
 #include <bit>

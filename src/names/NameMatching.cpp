@@ -1,4 +1,4 @@
-#include "data/NameMatching.h"
+#include "names/NameMatching.h"
 
 #include <QChar>
 #include <QTextBoundaryFinder>

@@ -107,38 +107,35 @@ double scoreName(const QString& query, const QString& targetNorm) {
     return scoreOf(characters(normalize(query)), characters(targetNorm));
 }
 
-std::optional<CardMatch> matchName(const std::vector<CardName>& names, const QStringList& lines) {
-    std::optional<CardMatch> best;
-    for (const QString& line : lines) {
-        if (!isPlausibleName(line) || characters(normalize(line)).size() >= 17 || names.empty()) {
+std::optional<CardNameIndex::Hit> matchName(const std::vector<QString>& normalizedNames, const QStringList& lines) {
+    std::optional<CardNameIndex::Hit> best;
+    for (qsizetype line = 0; line < lines.size(); ++line) {
+        if (!isPlausibleName(lines[line]) || characters(normalize(lines[line])).size() >= 17) {
             continue;
         }
-        for (const CardName& name : names) {
-            const double score = scoreName(line, name.norm);
+        for (std::size_t i = 0; i < normalizedNames.size(); ++i) {
+            const double score = scoreName(lines[line], normalizedNames[i]);
             if (score >= 0.78 && (!best || score > best->score)) {
-                best = CardMatch{name.cardId, score, line};
+                best = CardNameIndex::Hit{i, score, line};
             }
         }
     }
     return best;
 }
 
-std::optional<ClassMatch> matchClass(const ClassNameIndex::ClassesByKey& classes, const QStringList& lines) {
+std::optional<ClassMatch> matchClass(const std::vector<NamedClass>& classes, const QStringList& lines) {
     struct Candidate {
         QString norm;
         QString key;
     };
 
     std::vector<Candidate> candidates;
-    for (const auto& [mapKey, row] : classes) {
-        const QString key = row.playerClass.toUpper();
-        candidates.push_back({normalize(row.nameZh), key});
-        candidates.push_back({normalize(row.displayName(AppLanguage::en)), key});
-        if (row.nameEn.has_value() && !row.nameEn->isEmpty()) {
-            candidates.push_back({normalize(*row.nameEn), key});
+    for (const auto& [key, names] : classes) {
+        for (const QString& name : names) {
+            candidates.push_back({normalize(name), key});
         }
     }
-    for (const auto& [key, row] : classes) {
+    for (const auto& [key, names] : classes) {
         candidates.push_back({normalize(key), key});
     }
 
@@ -169,17 +166,21 @@ std::optional<ClassMatch> matchClass(const ClassNameIndex::ClassesByKey& classes
                                              {QStringLiteral("瞎"), QStringLiteral("DEMONHUNTER")}};
     for (const QString& line : lines) {
         const auto alias = aliases.find(normalize(line));
-        if (alias != aliases.end() && classes.contains(alias->second) && (!best || best->score < 0.95)) {
+        if (alias == aliases.end()) {
+            continue;
+        }
+        const bool there = std::any_of(classes.begin(), classes.end(),
+                                       [&](const NamedClass& each) { return each.key == alias->second; });
+        if (there && (!best || best->score < 0.95)) {
             best = ClassMatch{alias->second, 0.95, line};
         }
     }
     return best;
 }
 
-PreparedNames::PreparedNames(const std::vector<CardName>& cardNames)
-    : names(cardNames) {
-    for (const CardName& name : names) {
-        split.push_back(numbered(name.norm));
+PreparedNames::PreparedNames(const std::vector<QString>& normalizedNames) {
+    for (const QString& name : normalizedNames) {
+        split.push_back(numbered(name));
     }
 }
 
@@ -191,17 +192,17 @@ std::vector<int> PreparedNames::numbered(const QString& text) {
     return result;
 }
 
-std::optional<CardMatch> PreparedNames::matchName(const QStringList& lines) {
-    std::optional<CardMatch> best;
-    for (const QString& line : lines) {
-        const std::vector<int> query = numbered(normalize(line));
-        if (!isPlausibleName(line) || query.size() >= 17) {
+std::optional<CardNameIndex::Hit> PreparedNames::matchName(const QStringList& lines) {
+    std::optional<CardNameIndex::Hit> best;
+    for (qsizetype line = 0; line < lines.size(); ++line) {
+        const std::vector<int> query = numbered(normalize(lines[line]));
+        if (!isPlausibleName(lines[line]) || query.size() >= 17) {
             continue;
         }
-        for (std::size_t i = 0; i < names.size(); ++i) {
+        for (std::size_t i = 0; i < split.size(); ++i) {
             const double score = scoreOf(query, split[i]);
             if (score >= 0.78 && (!best || score > best->score)) {
-                best = CardMatch{names[i].cardId, score, line};
+                best = CardNameIndex::Hit{i, score, line};
             }
         }
     }

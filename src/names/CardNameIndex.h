@@ -1,6 +1,6 @@
 #pragma once
 
-#include "data/NameMatching.h"
+#include "names/NameMatching.h"
 
 #include <QStringList>
 

@@ -1,4 +1,4 @@
-#include "data/CardNameIndex.h"
+#include "names/CardNameIndex.h"
 
 #include "NameMatchingReference.h"
 #include "support/Printing.h"
@@ -21,27 +21,13 @@ namespace pelloran {
 
 namespace {
 
-std::vector<CardName> cardNames(const QStringList& originals) {
-    std::vector<CardName> names;
+std::vector<QString> normalized(const QStringList& originals) {
+    std::vector<QString> names;
+    names.reserve(static_cast<std::size_t>(originals.size()));
     for (const QString& original : originals) {
-        names.push_back({NameMatching::normalize(original), u"card "_s + QString::number(names.size()), original});
+        names.push_back(NameMatching::normalize(original));
     }
     return names;
-}
-
-CardNameIndex indexOf(const std::vector<CardName>& names) {
-    std::vector<QString> norms;
-    norms.reserve(names.size());
-    for (const CardName& name : names) {
-        norms.push_back(name.norm);
-    }
-    return CardNameIndex(norms);
-}
-
-std::optional<CardMatch> match(const CardNameIndex& index, const std::vector<CardName>& names,
-                               const QStringList& lines) {
-    const auto hit = index.bestMatch(lines);
-    return hit ? std::optional(CardMatch{names[hit->entry].cardId, hit->score, lines[hit->line]}) : std::nullopt;
 }
 
 TEST(CardNameIndex, FindsTheBestNameOfAllLines) {
@@ -118,14 +104,9 @@ TEST(CardNameIndex, FindsTheBestNameOfAllLines) {
     };
     for (const auto& row : cases) {
         SCOPED_TRACE(row.why);
-        const auto names = cardNames(row.names);
-        EXPECT_EQ(indexOf(names).bestMatch(row.lines), row.expected);
-        const auto plain = reference::matchName(names, row.lines);
-        ASSERT_EQ(plain.has_value(), row.expected.has_value());
-        if (plain) {
-            EXPECT_EQ(*plain, (CardMatch{names[row.expected->entry].cardId, row.expected->score,
-                                         row.lines[row.expected->line]}));
-        }
+        const auto names = normalized(row.names);
+        EXPECT_EQ(CardNameIndex(names).bestMatch(row.lines), row.expected);
+        EXPECT_EQ(reference::matchName(names, row.lines), row.expected);
     }
 }
 
@@ -198,15 +179,14 @@ QStringList randomLines(std::mt19937& random, const QStringList& names, const QS
     return lines;
 }
 
-void expectEqualMatches(const CardNameIndex& index, const std::vector<CardName>& names, reference::PreparedNames& plain,
-                        const QStringList& lines) {
+void expectEqualMatches(const CardNameIndex& index, reference::PreparedNames& plain, const QStringList& lines) {
     const auto expected = plain.matchName(lines);
-    const auto actual = match(index, names, lines);
+    const auto actual = index.bestMatch(lines);
     SCOPED_TRACE(lines.join(u" | ").toStdString());
     ASSERT_EQ(actual.has_value(), expected.has_value());
     if (actual) {
-        ASSERT_EQ(actual->cardId, expected->cardId);
-        ASSERT_EQ(actual->text, expected->text);
+        ASSERT_EQ(actual->entry, expected->entry);
+        ASSERT_EQ(actual->line, expected->line);
         ASSERT_EQ(std::bit_cast<quint64>(actual->score), std::bit_cast<quint64>(expected->score));
     }
 }
@@ -223,12 +203,12 @@ TEST_P(CardNameIndexOn, RandomNamesFindsWhatThePlainSearchFinds) {
         for (int i = 0; i < 150; ++i) {
             originals += randomText(random, alphabet, round % 2 == 0 ? 8 : 23);
         }
-        const auto names = cardNames(originals);
-        const CardNameIndex index = indexOf(names);
+        const auto names = normalized(originals);
+        const CardNameIndex index(names);
         reference::PreparedNames plain(names);
         for (int i = 0; i < 150; ++i) {
             const QStringList lines = randomLines(random, originals, alphabet);
-            expectEqualMatches(index, names, plain, lines);
+            expectEqualMatches(index, plain, lines);
             if (HasFatalFailure()) {
                 return;
             }
@@ -258,18 +238,18 @@ TEST(CardNameIndex, FindsWhatThePlainSearchFindsAmongRealNames) {
         }
     }
     ASSERT_GT(originals.size(), 14'000);
-    const auto names = cardNames(originals);
-    const CardNameIndex index = indexOf(names);
+    const auto names = normalized(originals);
+    const CardNameIndex index(names);
     reference::PreparedNames plain(names);
 
     // The literal search is far too slow for more than a few of these.
     for (const QString& line : {u"Firebolt (4)"_s, u"火球木"_s}) {
-        EXPECT_EQ(match(index, names, {line}), reference::matchName(names, {line}));
+        EXPECT_EQ(index.bestMatch({line}), reference::matchName(names, {line}));
     }
     std::mt19937 random(11);
     const QStringList letters = u"a b c d e f g h i l m n o r s t u 火 术 之 者 法 师 德 大 - '"_s.split(u' ');
     for (int i = 0; i < 1500; ++i) {
-        expectEqualMatches(index, names, plain, randomLines(random, originals, letters));
+        expectEqualMatches(index, plain, randomLines(random, originals, letters));
         if (HasFatalFailure()) {
             return;
         }
