@@ -268,16 +268,16 @@ double WinrateStore::scoreName(const QString& query, const QString& targetNorm) 
     return NameMatching::scoreName(query, targetNorm);
 }
 
-std::optional<CardMatch> WinrateStore::matchName(const QStringList& lines) const {
-    const auto hit = cardIndex.bestMatch(lines);
+std::optional<CardMatch> WinrateStore::matchName(const QStringList& lines, NameLengths lengths) const {
+    const auto hit = cardIndex.bestMatch(lines, lengths);
     if (!hit) {
         return std::nullopt;
     }
     return CardMatch{cardNames[hit->entry].cardId, hit->score, lines[hit->line]};
 }
 
-std::optional<ClassMatch> WinrateStore::matchClass(const QStringList& lines) const {
-    return classIndex.bestMatch(lines);
+std::optional<ClassMatch> WinrateStore::matchClass(const QStringList& lines, NameLengths lengths) const {
+    return classIndex.bestMatch(lines, lengths);
 }
 
 } // namespace pelloran

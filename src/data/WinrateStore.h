@@ -4,6 +4,7 @@
 #include "names/CardNameIndex.h"
 #include "names/ClassNameIndex.h"
 #include "names/Lexicon.h"
+#include "names/NameMatching.h"
 #include "platform/ApplicationFiles.h"
 #include "platform/TextReader.h"
 
@@ -86,9 +87,9 @@ public:
 
     // The best of all names for all lines, at a score of NameMatching::cardThreshold or more. Of equal scores the
     // earliest line wins, then the earliest name.
-    std::optional<CardMatch> matchName(const QStringList& lines) const;
+    std::optional<CardMatch> matchName(const QStringList& lines, NameLengths lengths = NameLengths::limited) const;
     // See ClassNameIndex::bestMatch.
-    std::optional<ClassMatch> matchClass(const QStringList& lines) const;
+    std::optional<ClassMatch> matchClass(const QStringList& lines, NameLengths lengths = NameLengths::limited) const;
 
     // Every card by its identifier; of several rows with one identifier the first.
     const std::unordered_map<QString, CardStats>& byId() const { return cards; }

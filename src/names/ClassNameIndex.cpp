@@ -30,16 +30,20 @@ void ClassNameIndex::add(const QString& name, const QString& key) {
     candidates.push_back({name, norm, table.add(norm), key});
 }
 
-std::optional<ClassMatch> ClassNameIndex::bestMatch(const QStringList& lines) const {
+std::optional<ClassMatch> ClassNameIndex::bestMatch(const QStringList& lines, NameLengths lengths) const {
     std::optional<ClassMatch> best;
     for (const QString& line : lines) {
         const std::u32string query = table.find(normalize(line));
-        if (query.empty() || query.size() >= classQueryLimit) {
+        const bool tooLong = query.size() >= classQueryLimit;
+        if (query.empty() || (tooLong && lengths == NameLengths::limited)) {
             continue;
         }
         const auto exact = std::ranges::find(candidates, query, &Candidate::characters);
         if (exact != candidates.end()) {
             return ClassMatch{exact->key, 1.0, line};
+        }
+        if (tooLong) {
+            continue;
         }
         for (const Candidate& candidate : candidates) {
             const std::u32string& name = candidate.characters;

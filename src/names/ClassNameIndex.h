@@ -36,7 +36,7 @@ public:
     // A line that is exactly a name ends the search. Else the best of the lines that contain a name or are part of one,
     // if it reaches NameMatching::classThreshold; a nickname beats it where it scores less. Of equal scores the
     // earliest line wins, then the name that comes first: all names in the order given, then all keys.
-    std::optional<ClassMatch> bestMatch(const QStringList& lines) const;
+    std::optional<ClassMatch> bestMatch(const QStringList& lines, NameLengths lengths = NameLengths::limited) const;
 
     // Normalised lines that name a class exactly, by name or by nickname.
     QSet<QString> exactLines() const;

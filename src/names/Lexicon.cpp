@@ -51,21 +51,21 @@ std::u16string_view view(const QString& text) {
     return {reinterpret_cast<const char16_t*>(text.utf16()), static_cast<std::size_t>(text.size())};
 }
 
-constexpr unsigned letters = 26;
+constexpr unsigned latinLetters = 26;
 constexpr unsigned mostRepeats = 2; // third occurrences and later ones are one bit
 
 // The bit of a sketch for the first, second, ... (`repeat` 0, 1, ...) occurrence of a character. No two letters share
 // the bit of a first or of a second occurrence.
-std::uint64_t sketchBit(char16_t character, unsigned repeat) {
+std::uint64_t occurrenceBit(char16_t character, unsigned repeat) {
     const unsigned number = character >= u'a' && character <= u'z' ? character - u'a' : character;
-    return std::uint64_t{1} << ((number + letters * repeat) % 64);
+    return std::uint64_t{1} << ((number + latinLetters * repeat) % 64);
 }
 
 std::uint64_t sketchOf(std::u16string_view text) {
     std::uint64_t sketch = 0;
     for (std::size_t i = 0; i < text.size(); ++i) {
         const auto repeat = static_cast<unsigned>(std::ranges::count(text.substr(0, i), text[i]));
-        sketch |= sketchBit(text[i], std::min(repeat, mostRepeats));
+        sketch |= occurrenceBit(text[i], std::min(repeat, mostRepeats));
     }
     return sketch;
 }
@@ -80,7 +80,7 @@ std::uint64_t sketchOfConfused(std::u16string_view reading) {
                        (i > 0 && ReadingDistance::isReadAsTwo(reading[i - 1], reading[i], meant));
         }
         for (unsigned repeat = 0; confused && repeat <= mostRepeats; ++repeat) {
-            sketch |= sketchBit(meant, repeat);
+            sketch |= occurrenceBit(meant, repeat);
         }
     }
     return sketch;

@@ -425,6 +425,21 @@ TEST_F(WinrateStoreTest, SettlesReadingsOnClasses) {
     }
 }
 
+TEST_F(WinrateStoreTest, MatchesLongNamesThatAreExactWhereAsked) {
+    ASSERT_TRUE(store.loadCards(write(u"cards.json"_s, R"({"cards": [
+            {"card_id": "A", "name_en": "Fireball"}, {"card_id": "B", "name_en": "Violet Spellweaver"}]})")));
+    ASSERT_TRUE(store.loadClasses(write(u"classes.json"_s, R"({"classes": [
+            {"player_class": "DEMONHUNTER", "name_zh": "恶魔猎手"}]})")));
+    constexpr auto asked = NameLengths::limitedUnlessExact;
+    const QString card = u"VIOLET SPELLWEAVER"_s;
+    EXPECT_EQ(store.matchName({card}), std::nullopt);
+    EXPECT_EQ(store.matchName({u"Fireboll"_s, card}, asked), (CardMatch{u"B"_s, 1, card}));
+    EXPECT_EQ(store.matchName({u"Violet Spellweavex"_s}, asked), std::nullopt);
+    EXPECT_EQ(store.matchClass({u"Demon Hunter"_s}), std::nullopt);
+    EXPECT_EQ(store.matchClass({u"Demon Hunter"_s}, asked), (ClassMatch{u"DEMONHUNTER"_s, 1, u"Demon Hunter"_s}));
+    EXPECT_EQ(store.matchClass({u"Demon Humter"_s}, asked), std::nullopt);
+}
+
 TEST_F(WinrateStoreTest, ComparesNamesAsTheMatchingDoes) {
     EXPECT_EQ(WinrateStore::normalize(u"Fire Ball (4)"_s), u"fireball"_s);
     EXPECT_TRUE(WinrateStore::isPlausibleName(u"Hex"_s));

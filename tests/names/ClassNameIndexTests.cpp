@@ -90,6 +90,40 @@ TEST(ClassNameIndex, FindsTheClassThatLinesName) {
     }
 }
 
+TEST(ClassNameIndex, TakesLongLinesThatAreExactWhereAsked) {
+    struct Case {
+        const char* why;
+        QStringList lines;
+        std::optional<ClassMatch> expected;
+    };
+
+    const Case cases[] = {
+        {"a name of eleven characters", {u"DEMON HUNTER"_s}, ClassMatch{u"DEMONHUNTER"_s, 1, u"DEMON HUNTER"_s}},
+        {"one misread letter", {u"Demon Humter"_s}, {}},
+        {"one character more", {u"Demon Hunters"_s}, {}},
+        {"with a name in it", {u"xxxxDruidxxx"_s}, {}},
+        {"the first exact line, long or not",
+         {u"Fireball"_s, u"Death Knight"_s, u"Mage"_s},
+         ClassMatch{u"DEATHKNIGHT"_s, 1, u"Death Knight"_s}},
+        {"a short one before it", {u"Mage"_s, u"Death Knight"_s}, ClassMatch{u"MAGE"_s, 1, u"Mage"_s}},
+        {"it beats a nickname", {u"瞎"_s, u"Death Knight"_s}, ClassMatch{u"DEATHKNIGHT"_s, 1, u"Death Knight"_s}},
+        {"nicknames are as always", {u"（瞎）"_s}, ClassMatch{u"DEMONHUNTER"_s, 0.95, u"（瞎）"_s}},
+        {"nothing", {u""_s}, {}},
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.why);
+        const ClassNameIndex index(allClasses());
+        EXPECT_EQ(index.bestMatch(row.lines, NameLengths::limitedUnlessExact), row.expected);
+        EXPECT_EQ(reference::matchClass(allClasses(), row.lines, NameLengths::limitedUnlessExact), row.expected);
+    }
+}
+
+TEST(ClassNameIndex, GivesEverythingThatNamesAClassAsItWasGiven) {
+    const ClassNameIndex index({{u"SHAMAN"_s, {u"萨满 祭司"_s, u""_s}}, {u"DEMONHUNTER"_s, {u"Demon Hunter"_s}}});
+    EXPECT_EQ(index.texts(),
+              (QStringList{u"萨满 祭司"_s, u"Demon Hunter"_s, u"SHAMAN"_s, u"DEMONHUNTER"_s, u"瞎"_s, u"萨满"_s}));
+}
+
 TEST(ClassNameIndex, AgreesWithTheReferenceOnRandomLines) {
     std::mt19937 random(17);
     const auto anyText = [&random](std::size_t longest) {
@@ -112,8 +146,9 @@ TEST(ClassNameIndex, AgreesWithTheReferenceOnRandomLines) {
             }
         }
         const QStringList lines{anyText(3), anyText(12)};
-        const auto match = ClassNameIndex(classes).bestMatch(lines);
-        ASSERT_EQ(match, reference::matchClass(classes, lines)) << lines.join(u'|').toStdString();
+        const auto lengths = i % 2 == 0 ? NameLengths::limited : NameLengths::limitedUnlessExact;
+        const auto match = ClassNameIndex(classes).bestMatch(lines, lengths);
+        ASSERT_EQ(match, reference::matchClass(classes, lines, lengths)) << lines.join(u'|').toStdString();
         exact += match && match->score == 1;
         other += match && match->score < 1;
     }

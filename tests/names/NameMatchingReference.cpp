@@ -107,15 +107,17 @@ double scoreName(const QString& query, const QString& targetNorm) {
     return scoreOf(characters(normalize(query)), characters(targetNorm));
 }
 
-std::optional<CardNameIndex::Hit> matchName(const std::vector<QString>& normalizedNames, const QStringList& lines) {
+std::optional<CardNameIndex::Hit> matchName(const std::vector<QString>& normalizedNames, const QStringList& lines,
+                                            NameLengths lengths) {
     std::optional<CardNameIndex::Hit> best;
     for (qsizetype line = 0; line < lines.size(); ++line) {
-        if (!isPlausibleName(lines[line]) || characters(normalize(lines[line])).size() >= 17) {
+        const bool tooLong = characters(normalize(lines[line])).size() >= 17;
+        if (!isPlausibleName(lines[line]) || (tooLong && lengths == NameLengths::limited)) {
             continue;
         }
         for (std::size_t i = 0; i < normalizedNames.size(); ++i) {
             const double score = scoreName(lines[line], normalizedNames[i]);
-            if (score >= 0.78 && (!best || score > best->score)) {
+            if (score >= (tooLong ? 1 : 0.78) && (!best || score > best->score)) {
                 best = CardNameIndex::Hit{i, score, line};
             }
         }
@@ -123,7 +125,8 @@ std::optional<CardNameIndex::Hit> matchName(const std::vector<QString>& normaliz
     return best;
 }
 
-std::optional<ClassMatch> matchClass(const std::vector<NamedClass>& classes, const QStringList& lines) {
+std::optional<ClassMatch> matchClass(const std::vector<NamedClass>& classes, const QStringList& lines,
+                                     NameLengths lengths) {
     struct Candidate {
         QString norm;
         QString key;
@@ -142,7 +145,7 @@ std::optional<ClassMatch> matchClass(const std::vector<NamedClass>& classes, con
     std::optional<ClassMatch> best;
     for (const QString& line : lines) {
         const auto n = characters(normalize(line));
-        if (n.empty() || n.size() >= 11) {
+        if (n.empty() || (n.size() >= 11 && lengths == NameLengths::limited)) {
             continue;
         }
         for (const Candidate& candidate : candidates) {
@@ -152,7 +155,7 @@ std::optional<ClassMatch> matchClass(const std::vector<NamedClass>& classes, con
         }
         for (const Candidate& candidate : candidates) {
             const auto norm = characters(candidate.norm);
-            if (norm.size() < 2 || !(contains(n, norm) || (contains(norm, n) && n.size() >= 2))) {
+            if (n.size() >= 11 || norm.size() < 2 || !(contains(n, norm) || (contains(norm, n) && n.size() >= 2))) {
                 continue;
             }
             const double score = scoreName(line, candidate.norm);
@@ -192,16 +195,17 @@ std::vector<int> PreparedNames::numbered(const QString& text) {
     return result;
 }
 
-std::optional<CardNameIndex::Hit> PreparedNames::matchName(const QStringList& lines) {
+std::optional<CardNameIndex::Hit> PreparedNames::matchName(const QStringList& lines, NameLengths lengths) {
     std::optional<CardNameIndex::Hit> best;
     for (qsizetype line = 0; line < lines.size(); ++line) {
         const std::vector<int> query = numbered(normalize(lines[line]));
-        if (!isPlausibleName(lines[line]) || query.size() >= 17) {
+        const bool tooLong = query.size() >= 17;
+        if (!isPlausibleName(lines[line]) || (tooLong && lengths == NameLengths::limited)) {
             continue;
         }
         for (std::size_t i = 0; i < split.size(); ++i) {
             const double score = scoreOf(query, split[i]);
-            if (score >= 0.78 && (!best || score > best->score)) {
+            if (score >= (tooLong ? 1 : 0.78) && (!best || score > best->score)) {
                 best = CardNameIndex::Hit{i, score, line};
             }
         }

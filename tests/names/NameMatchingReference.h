@@ -20,9 +20,11 @@ std::size_t lcsLength(const QString& a, const QString& b);
 double scoreName(const QString& query, const QString& targetNorm);
 
 // Normalises and takes apart each line and each name again for every pair.
-std::optional<CardNameIndex::Hit> matchName(const std::vector<QString>& normalizedNames, const QStringList& lines);
+std::optional<CardNameIndex::Hit> matchName(const std::vector<QString>& normalizedNames, const QStringList& lines,
+                                            NameLengths lengths = NameLengths::limited);
 
-std::optional<ClassMatch> matchClass(const std::vector<NamedClass>& classes, const QStringList& lines);
+std::optional<ClassMatch> matchClass(const std::vector<NamedClass>& classes, const QStringList& lines,
+                                     NameLengths lengths = NameLengths::limited);
 
 // matchName with every name and line normalised and taken apart once, and characters numbered: scores every pair all
 // the same, but in time for tests of many lines.
@@ -30,7 +32,7 @@ class PreparedNames {
 public:
     explicit PreparedNames(const std::vector<QString>& normalizedNames);
 
-    std::optional<CardNameIndex::Hit> matchName(const QStringList& lines);
+    std::optional<CardNameIndex::Hit> matchName(const QStringList& lines, NameLengths lengths = NameLengths::limited);
 
 private:
     std::vector<int> numbered(const QString& text);
