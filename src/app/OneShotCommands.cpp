@@ -101,8 +101,8 @@ QJsonValue toJson(const std::optional<ClassMatch>& match) {
 class Recognition {
 public:
     // Absent where one of them cannot be had; the log says which.
-    static std::unique_ptr<Recognition> create() {
-        std::unique_ptr<Recognition> made(new Recognition);
+    static std::unique_ptr<Recognition> create(NameLengths lengths) {
+        std::unique_ptr<Recognition> made(new Recognition(lengths));
         if (!load(made->store)) {
             return nullptr;
         }
@@ -156,11 +156,12 @@ public:
     const WinrateStore& winrates() const { return store; }
 
 private:
-    Recognition() = default;
+    explicit Recognition(NameLengths lengths)
+        : recognizer(store, lengths) {}
 
     const std::unique_ptr<ApplicationFiles> files = ApplicationFiles::create();
     WinrateStore store{*files};
-    const CardRecognizer recognizer{store};
+    const CardRecognizer recognizer;
     std::unique_ptr<TextReader> reader;
 };
 
@@ -365,7 +366,7 @@ int run(const PrintLogsDir&) {
 }
 
 int run(const RecognizeImages& command) {
-    const auto recognition = Recognition::create();
+    const auto recognition = Recognition::create(nameLengths(command.strictLengths));
     if (!recognition) {
         return EXIT_FAILURE;
     }
@@ -391,7 +392,7 @@ int run(const RecognizeImages& command) {
 }
 
 int run(const EvaluateFolders& command) {
-    const auto recognition = Recognition::create();
+    const auto recognition = Recognition::create(nameLengths(command.strictLengths));
     if (!recognition) {
         return EXIT_FAILURE;
     }

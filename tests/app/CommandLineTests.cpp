@@ -96,6 +96,18 @@ TEST(CommandLine, TakesTheFoldersOfAnEvaluation) {
     EXPECT_TRUE(full.json);
 }
 
+TEST(CommandLine, LimitsLengthsStrictlyWhenAsked) {
+    EXPECT_FALSE(parsed<RunLoop>("").strictLengths);
+    EXPECT_TRUE(parsed<RunLoop>("--no-panel --strict-lengths").strictLengths);
+    EXPECT_FALSE(parsed<RecognizeImages>("recognize --phase cardPick a.png").strictLengths);
+    EXPECT_TRUE(parsed<RecognizeImages>("recognize --strict-lengths --phase cardPick a.png").strictLengths);
+    EXPECT_FALSE(parsed<EvaluateFolders>("evaluate screens").strictLengths);
+    EXPECT_TRUE(parsed<EvaluateFolders>("evaluate screens --strict-lengths").strictLengths);
+    EXPECT_EQ(parsed<MatchTexts>("match --strict-lengths Fireball").texts, QStringList{QStringLiteral("Fireball")})
+        << "what it does anyway";
+    EXPECT_FALSE(parse("draft-state --strict-lengths")) << "reads no names";
+}
+
 TEST(CommandLine, TakesTheFoldersOfAPublication) {
     const auto plain = parsed<PublishData>("publish data www");
     EXPECT_EQ(plain.source, QStringLiteral("data"));

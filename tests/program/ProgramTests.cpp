@@ -383,6 +383,23 @@ TEST_F(ProgramTest, EvaluatesPicturesBesideTheirTruth) {
     EXPECT_EQ(lines[2][QStringLiteral("totals")][QStringLiteral("notInData")].toInt(), 1);
 }
 
+TEST_F(ProgramTest, ReadsNamesBeyondTheLimitsOfLengthUnlessAskedNotTo) {
+    SKIP_WITHOUT_SHARED_DATA("screens/hero_en_1920x1080_1.png");
+    const QString image = testing::sharedData(QStringLiteral("screens/hero_en_1920x1080_1.png"));
+    const QStringList recognize{QStringLiteral("recognize"), QStringLiteral("--phase=heroPick"), image};
+    const auto rightSlot = [this](const QStringList& arguments) {
+        const auto lines = run(arguments).lines();
+        return lines.empty() ? QJsonValue() : lines[0][QStringLiteral("slots")][2][QStringLiteral("cardId")];
+    };
+    EXPECT_EQ(rightSlot(recognize), QJsonValue(QStringLiteral("DEATHKNIGHT")));
+    EXPECT_EQ(rightSlot(recognize + QStringList{QStringLiteral("--strict-lengths")}), QJsonValue(QJsonValue::Null));
+
+    const ProgramOutput match =
+        run({QStringLiteral("match"), QStringLiteral("--classes"), QStringLiteral("Death Knight")});
+    ASSERT_EQ(match.lines().size(), 1U);
+    EXPECT_TRUE(match.lines()[0][QStringLiteral("match")].isNull()) << "the rules alone";
+}
+
 TEST_F(ProgramTest, NamesThePackageThatReadingLacks) {
     environment.insert(QStringLiteral("TESSDATA_PREFIX"), home.path());
     const ProgramOutput answer =
