@@ -3,7 +3,7 @@
 
 #include "data/CardFile.h"
 #include "names/CardNameIndex.h"
-#include "data/ClassNameIndex.h"
+#include "names/ClassNameIndex.h"
 #include "Require.h"
 
 #include <cstdint>
@@ -29,9 +29,9 @@ void search(const std::vector<CardStats>& cards) {
 }
 
 void search(const ClassWinrateFile& file) {
-    ClassNameIndex::ClassesByKey classes;
+    std::vector<NamedClass> classes;
     for (const ClassWinrateRow& row : file.classes) {
-        classes.insert_or_assign(row.playerClass.toUpper(), row);
+        classes.push_back({row.playerClass.toUpper(), {row.nameZh, row.displayName(AppLanguage::en)}});
     }
     const ClassNameIndex index(classes);
     for (const QString& line : index.exactLines()) {

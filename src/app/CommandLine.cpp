@@ -35,6 +35,8 @@ const QString configServerOption = QStringLiteral("config-server");
 const QString updateServerOption = QStringLiteral("update-server");
 const QString phaseOption = QStringLiteral("phase");
 const QString ticksOption = QStringLiteral("ticks");
+const QString strictLengthsOption = QStringLiteral("strict-lengths");
+const QString jsonOption = QStringLiteral("json");
 const QString cardsOption = QStringLiteral("cards");
 const QString classesOption = QStringLiteral("classes");
 
@@ -59,6 +61,7 @@ std::expected<Command, QString> buildRunLoop(const QCommandLineParser& parsed) {
         .snapshots =
             parsed.isSet(snapshotsOption) || parsed.isSet(noPanelOption), // without a panel they are all there is
         .reduceMotion = parsed.isSet(reduceMotionOption),
+        .strictLengths = parsed.isSet(strictLengthsOption),
         .configServer = optionalValue(parsed, configServerOption),
         .updateServer = optionalValue(parsed, updateServerOption),
     };
@@ -83,6 +86,7 @@ std::expected<Command, QString> buildRecognize(const QCommandLineParser& parsed)
     RecognizeImages recognize{
         .phase = DraftPhase::cardPick,
         .ticks = parsed.isSet(ticksOption),
+        .strictLengths = parsed.isSet(strictLengthsOption),
         .images = parsed.positionalArguments(),
     };
     const QString phase = parsed.value(phaseOption);
@@ -95,6 +99,18 @@ std::expected<Command, QString> buildRecognize(const QCommandLineParser& parsed)
         return std::unexpected(QStringLiteral("recognize needs at least one image"));
     }
     return recognize;
+}
+
+std::expected<Command, QString> buildEvaluate(const QCommandLineParser& parsed) {
+    if (parsed.positionalArguments().isEmpty()) {
+        return std::unexpected(QStringLiteral("evaluate needs at least one folder of pictures with their truth"));
+    }
+    return EvaluateFolders{
+        .ticks = parsed.isSet(ticksOption),
+        .json = parsed.isSet(jsonOption),
+        .strictLengths = parsed.isSet(strictLengthsOption),
+        .folders = parsed.positionalArguments(),
+    };
 }
 
 std::expected<Command, QString> buildMatch(const QCommandLineParser& parsed) {
@@ -128,6 +144,8 @@ const std::vector<Syntax>& syntaxes() {
         QStringLiteral("where new versions are told of, in place of the built-in address")};
     static const Option logsDir{logsDirOption, QStringLiteral("DIR"),
                                 QStringLiteral("the game's log folder, in place of the usual places")};
+    static const Option strictLengths{
+        strictLengthsOption, {}, QStringLiteral("leave out lines that are too long for a name, though they equal one")};
     static const std::vector<Syntax> all{
         {
             {},
@@ -140,6 +158,7 @@ const std::vector<Syntax>& syntaxes() {
                 {snapshotsOption, {}, QStringLiteral("print every published snapshot as a JSON line")},
                 {noPanelOption, {}, QStringLiteral("show nothing, need no display; prints the snapshots")},
                 {reduceMotionOption, {}, QStringLiteral("nothing in the panel moves, whatever the desktop says")},
+                strictLengths,
                 configServer,
                 updateServer,
             },
@@ -166,14 +185,31 @@ const std::vector<Syntax>& syntaxes() {
             {
                 {phaseOption, QStringLiteral("PHASE"), QStringLiteral("heroPick or cardPick")},
                 {ticksOption, {}, QStringLiteral("the images are successive ticks of one draft, not independent ones")},
+                strictLengths,
             },
             buildRecognize,
         },
         {
+            QStringLiteral("evaluate"),
+            QStringLiteral("FOLDER..."),
+            QStringLiteral(
+                "Recognises pictures whose truth lies beside them, with the data in use, and prints how it went."),
+            {
+                {ticksOption, {}, QStringLiteral("as for recognize, and each picture is looked at three times")},
+                {jsonOption, {}, QStringLiteral("print a JSON line for each picture and one for all")},
+                strictLengths,
+            },
+            buildEvaluate,
+        },
+        {
             QStringLiteral("match"),
             QStringLiteral("TEXT..."),
-            QStringLiteral("Prints the card that each text names best."),
-            {{classesOption, {}, QStringLiteral("look among hero classes instead of cards")}},
+            QStringLiteral(
+                "Prints the card that each text names best, by the matching rules alone: too long a text names none."),
+            {
+                {classesOption, {}, QStringLiteral("look among hero classes instead of cards")},
+                {strictLengthsOption, {}, QStringLiteral("changes nothing: lengths are always limited here")},
+            },
             buildMatch,
         },
         {

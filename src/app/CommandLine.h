@@ -2,6 +2,7 @@
 
 #include "app/localisation/AppLanguage.h"
 #include "draft/DraftModel.h"
+#include "names/NameMatching.h"
 
 #include <QString>
 #include <QStringList>
@@ -13,6 +14,12 @@
 // What the user asked for on the command line, as plain values: nothing here runs anything.
 namespace pelloran {
 
+// Which names can be recognised. The rules leave out what is longer than they allow; a line that is the whole of a
+// known name is nothing else, so that the program goes beyond them unless asked not to.
+constexpr NameLengths nameLengths(bool strict) {
+    return strict ? NameLengths::limited : NameLengths::limitedUnlessExact;
+}
+
 struct RunLoop {
     std::optional<QString> logsDir; // absent: where the game usually writes
     std::optional<QString> windowOwner;
@@ -20,6 +27,7 @@ struct RunLoop {
     bool panel = true;                   // false: no display is needed and nothing is shown
     bool snapshots = false;              // every published snapshot as a JSON line on standard output
     bool reduceMotion = false;           // whatever the desktop says
+    bool strictLengths = false;          // lines longer than the rules allow name nothing, also when read exactly
     std::optional<QString> configServer; // absent: as built
     std::optional<QString> updateServer; // absent: as built
 };
@@ -32,10 +40,20 @@ struct PrintLogsDir {};
 
 struct RecognizeImages {
     DraftPhase phase = DraftPhase::cardPick; // never idle
-    bool ticks = false; // images are successive ticks of one draft rather than independent of each other
+    bool ticks = false;         // images are successive ticks of one draft rather than independent of each other
+    bool strictLengths = false; // as for RunLoop
     QStringList images;
 };
 
+// Recognition held against pictures whose truth is known.
+struct EvaluateFolders {
+    bool ticks = false;         // as for RecognizeImages; and every picture is looked at more than once
+    bool json = false;          // lines for programs in place of a table for people
+    bool strictLengths = false; // as for RunLoop
+    QStringList folders;
+};
+
+// Always by strict lengths: it shows the rules themselves.
 struct MatchTexts {
     bool classes = false;
     QStringList texts;
@@ -60,8 +78,8 @@ struct PrintText {
     QString text;
 };
 
-using Command = std::variant<RunLoop, PrintDraftState, PrintLogsDir, RecognizeImages, MatchTexts, SyncOnce,
-                             CheckUpdateOnce, PublishData, PrintText>;
+using Command = std::variant<RunLoop, PrintDraftState, PrintLogsDir, RecognizeImages, EvaluateFolders, MatchTexts,
+                             SyncOnce, CheckUpdateOnce, PublishData, PrintText>;
 
 // What is wrong, and how the command is used; for standard error.
 struct UsageError {

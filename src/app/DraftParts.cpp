@@ -28,6 +28,7 @@ AppConfig configFor(const RunLoop& command) {
     if (command.windowOwner) {
         config.windowOwnerHint = *command.windowOwner;
     }
+    config.nameLengths = nameLengths(command.strictLengths);
     return config;
 }
 

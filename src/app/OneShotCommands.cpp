@@ -1,9 +1,11 @@
 #include "app/OneShotCommands.h"
 
 #include "app/DataErrorText.h"
+#include "app/Evaluation.h"
 #include "app/Json.h"
 #include "app/LogsDir.h"
 #include "app/Servers.h"
+#include "data/DataFiles.h"
 #include "data/WinrateStore.h"
 #include "draft/LogWatcher.h"
 #include "platform/ApplicationFiles.h"
@@ -15,6 +17,7 @@
 #include "sync/ConfigSync.h"
 #include "update/AppUpdateChecker.h"
 
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QImageReader>
@@ -23,6 +26,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <expected>
+#include <memory>
+#include <utility>
 #include <variant>
 
 namespace pelloran {
@@ -35,6 +41,12 @@ constexpr int maximumImageMegabytes = 1024;
 void print(const QByteArray& text) {
     std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stdout);
     std::fflush(stdout);
+}
+
+void printLines(const QStringList& lines) {
+    for (const QString& line : lines) {
+        print(line.toUtf8() + '\n');
+    }
 }
 
 // Of all threads of the program.
@@ -85,21 +97,131 @@ QJsonValue toJson(const std::optional<ClassMatch>& match) {
     };
 }
 
-QJsonObject recognizeOne(const QImage& image, DraftPhase phase, const CardRecognizer& recognizer, TextReader& reader) {
-    const bool heroes = phase == DraftPhase::heroPick;
-    const double cpuBefore = processCpuMilliseconds();
-    QElapsedTimer wall;
-    wall.start();
-    const std::vector<OCRToken> tokens =
-        CardRecognizer::ocrTokens(image, reader, heroes ? recognizer.heroHints() : recognizer.cardHints());
-    const std::vector<SlotMatch> matches =
-        heroes ? recognizer.recognizeHeroes(tokens) : recognizer.recognizeCards(tokens);
-    return {
-        {QStringLiteral("milliseconds"), static_cast<double>(wall.nsecsElapsed()) / 1e6},
-        {QStringLiteral("cpuMilliseconds"), processCpuMilliseconds() - cpuBefore},
-        {QStringLiteral("slots"), json::array(matches)},
-        {QStringLiteral("tokens"), json::array(tokens)},
+// A text reader, with the data that its lines are matched against.
+class Recognition {
+public:
+    // Absent where one of them cannot be had; the log says which.
+    static std::unique_ptr<Recognition> create(NameLengths lengths) {
+        std::unique_ptr<Recognition> made(new Recognition(lengths));
+        if (!load(made->store)) {
+            return nullptr;
+        }
+        auto reader = TextReader::create();
+        if (!reader) {
+            log(reader.error().reason);
+            return nullptr;
+        }
+        made->reader = *std::move(reader);
+        QImageReader::setAllocationLimit(maximumImageMegabytes);
+        return made;
+    }
+
+    // An error is for the user's eyes.
+    static std::expected<QImage, QString> readImage(const QString& path) {
+        if (!QFileInfo(path).isFile()) { // opening a pipe would wait for its writer
+            return std::unexpected(QStringLiteral("no such file"));
+        }
+        QImageReader file(path);
+        QImage image = file.read();
+        if (image.isNull()) {
+            return std::unexpected(file.errorString());
+        }
+        return image;
+    }
+
+    struct Look {
+        std::vector<OCRToken> tokens;
+        evaluation::Look outcome;
     };
+
+    Look look(const QImage& image, DraftPhase phase) {
+        const bool heroes = phase == DraftPhase::heroPick;
+        Look made;
+        const double cpuBefore = processCpuMilliseconds();
+        QElapsedTimer wall;
+        wall.start();
+        made.tokens =
+            CardRecognizer::ocrTokens(image, *reader, heroes ? recognizer.heroHints() : recognizer.cardHints());
+        made.outcome.matches =
+            heroes ? recognizer.recognizeHeroes(made.tokens) : recognizer.recognizeCards(made.tokens);
+        made.outcome.milliseconds = static_cast<double>(wall.nsecsElapsed()) / 1e6;
+        made.outcome.cpuMilliseconds = processCpuMilliseconds() - cpuBefore;
+        made.outcome.rules = phase;
+        return made;
+    }
+
+    // So that the next image is as the first one.
+    void forget() { reader->forget(); }
+
+    const WinrateStore& winrates() const { return store; }
+
+private:
+    explicit Recognition(NameLengths lengths)
+        : recognizer(store, lengths) {}
+
+    const std::unique_ptr<ApplicationFiles> files = ApplicationFiles::create();
+    WinrateStore store{*files};
+    const CardRecognizer recognizer;
+    std::unique_ptr<TextReader> reader;
+};
+
+// A picture of a folder with the truth on it.
+struct TruthFile {
+    QString picture;
+    evaluation::Truth truth;
+    QImage image;
+};
+
+// Beside the truth file, or where it says. The error is a sentence.
+std::expected<TruthFile, QString> readTruth(const QFileInfo& file) {
+    const auto bytes = readDataFile(file.filePath());
+    if (!bytes) {
+        return std::unexpected(describe(bytes.error()));
+    }
+    const auto truth = evaluation::parseTruth(*bytes);
+    if (!truth) {
+        return std::unexpected(QStringLiteral("%1: %2").arg(file.filePath(), truth.error()));
+    }
+    QStringList names;
+    if (truth->file) {
+        names.append(*truth->file);
+    } else {
+        for (const char* ending : {".png", ".jpg", ".jpeg"}) {
+            names.append(file.completeBaseName() + QString::fromLatin1(ending));
+        }
+    }
+    const QDir folder = file.dir();
+    const auto name = std::ranges::find_if(
+        names, [&folder](const QString& each) { return QFileInfo(folder.filePath(each)).isFile(); });
+    if (name == names.end()) {
+        return std::unexpected(QStringLiteral("%1: its picture is not there").arg(file.filePath()));
+    }
+    const QString picture = folder.filePath(*name);
+    const auto image = Recognition::readImage(picture);
+    if (!image) {
+        return std::unexpected(QStringLiteral("%1: %2").arg(picture, image.error()));
+    }
+    return TruthFile{picture, *truth, *image};
+}
+
+// What changes from look to look on one picture, such as which lines are read anew, has settled by then.
+constexpr int repetitions = 2;
+
+evaluation::Picture evaluateOne(const TruthFile& file, bool ticks, Recognition& recognition,
+                                const evaluation::Judge& judge) {
+    evaluation::Picture picture{file.picture, file.truth, {}, {}, {}};
+    for (const DraftPhase rules : evaluation::rulesFor(file.truth)) {
+        if (!ticks) {
+            recognition.forget();
+        }
+        const evaluation::Look& first = picture.looks.emplace_back(recognition.look(file.image, rules).outcome);
+        const std::vector<evaluation::Answer> answers = judge.judge(file.truth, first);
+        picture.answers.insert(picture.answers.end(), answers.begin(), answers.end());
+        for (int i = 0; ticks && i < repetitions; ++i) {
+            picture.repeated.push_back(recognition.look(file.image, rules).outcome);
+        }
+    }
+    return picture;
 }
 
 // How each outcome is printed: the case's name and what it carries.
@@ -244,39 +366,71 @@ int run(const PrintLogsDir&) {
 }
 
 int run(const RecognizeImages& command) {
-    const auto files = ApplicationFiles::create();
-    WinrateStore store(*files);
-    if (!load(store)) {
+    const auto recognition = Recognition::create(nameLengths(command.strictLengths));
+    if (!recognition) {
         return EXIT_FAILURE;
     }
-    auto reader = TextReader::create();
-    if (!reader) {
-        log(reader.error().reason);
-        return EXIT_FAILURE;
-    }
-    const CardRecognizer recognizer(store);
-    QImageReader::setAllocationLimit(maximumImageMegabytes);
     int result = EXIT_SUCCESS;
     for (const QString& path : command.images) {
-        QJsonObject answer;
-        QImageReader file;
-        if (QFileInfo(path).isFile()) { // opening a pipe would wait for its writer
-            file.setFileName(path);
-        }
-        const QImage image = file.fileName().isEmpty() ? QImage() : file.read();
-        if (image.isNull()) {
-            answer.insert(QStringLiteral("error"),
-                          file.fileName().isEmpty() ? QStringLiteral("no such file") : file.errorString());
-            result = EXIT_FAILURE;
-        } else {
+        QJsonObject answer{{QStringLiteral("image"), path}, {QStringLiteral("phase"), json::phaseName(command.phase)}};
+        if (const auto image = Recognition::readImage(path)) {
             if (!command.ticks) {
-                (*reader)->forget();
+                recognition->forget();
             }
-            answer = recognizeOne(image, command.phase, recognizer, **reader);
+            const Recognition::Look look = recognition->look(*image, command.phase);
+            answer.insert(QStringLiteral("milliseconds"), look.outcome.milliseconds);
+            answer.insert(QStringLiteral("cpuMilliseconds"), look.outcome.cpuMilliseconds);
+            answer.insert(QStringLiteral("slots"), json::array(look.outcome.matches));
+            answer.insert(QStringLiteral("tokens"), json::array(look.tokens));
+        } else {
+            answer.insert(QStringLiteral("error"), image.error());
+            result = EXIT_FAILURE;
         }
-        answer.insert(QStringLiteral("image"), path);
-        answer.insert(QStringLiteral("phase"), json::phaseName(command.phase));
         print(json::line(answer));
+    }
+    return result;
+}
+
+int run(const EvaluateFolders& command) {
+    const auto recognition = Recognition::create(nameLengths(command.strictLengths));
+    if (!recognition) {
+        return EXIT_FAILURE;
+    }
+    const evaluation::Judge judge(recognition->winrates());
+    evaluation::Totals totals;
+    int result = EXIT_SUCCESS;
+    const auto fail = [&result](const QString& problem) {
+        log(problem);
+        result = EXIT_FAILURE;
+    };
+    for (const QString& path : command.folders) {
+        const auto files = QDir(path).entryInfoList({QStringLiteral("*.json")}, QDir::Files, QDir::Name);
+        if (files.isEmpty()) {
+            fail(QStringLiteral("%1: no folder with truth files (*.json)").arg(path));
+        }
+        for (const QFileInfo& file : files) {
+            const auto truth = readTruth(file);
+            if (!truth) {
+                fail(truth.error());
+                continue;
+            }
+            const evaluation::Picture picture = evaluateOne(*truth, command.ticks, *recognition, judge);
+            totals.add(picture);
+            if (command.json) {
+                print(json::line(evaluation::toJson(picture)));
+            } else {
+                printLines(evaluation::remarks(picture));
+            }
+        }
+    }
+    const QString& data = recognition->winrates().cardsSourceDescription();
+    if (command.json) {
+        QJsonObject summary = totals.toJson();
+        summary.insert(QStringLiteral("data"), data);
+        print(json::line(summary));
+    } else {
+        print("data: " + data.toUtf8() + '\n');
+        printLines(totals.table());
     }
     return result;
 }

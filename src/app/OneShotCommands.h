@@ -9,6 +9,7 @@ namespace pelloran {
 int run(const PrintDraftState& command);
 int run(const PrintLogsDir& command);
 int run(const RecognizeImages& command);
+int run(const EvaluateFolders& command);
 int run(const MatchTexts& command);
 int run(const SyncOnce& command);
 int run(const CheckUpdateOnce& command);

@@ -6,7 +6,10 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QLatin1StringView>
 
+#include <algorithm>
+#include <array>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -81,12 +84,41 @@ std::shared_ptr<const KnownNames> knownNames(QSet<QString> normalized) {
     return std::make_shared<const KnownNames>(KnownNames{&NameMatching::normalize, std::move(normalized)});
 }
 
+// None where the file does not tell, or tells of something new.
+NameKinds kindsOf(const std::optional<QString>& type) {
+    struct Kind {
+        QLatin1StringView type;
+        NameKind kind;
+    };
+
+    static constexpr std::array kinds{
+        Kind{"MINION"_L1, NameKind::minion},     Kind{"SPELL"_L1, NameKind::spell},
+        Kind{"WEAPON"_L1, NameKind::weapon},     Kind{"HERO"_L1, NameKind::hero},
+        Kind{"LOCATION"_L1, NameKind::location},
+    };
+    const auto found = std::ranges::find_if(
+        kinds, [&](const Kind& each) { return type && type->compare(each.type, Qt::CaseInsensitive) == 0; });
+    return found == kinds.end() ? NameKinds{} : NameKinds(found->kind);
+}
+
+// In ascending order of keys.
+std::vector<NamedClass> namedClasses(const ClassesByKey& classes) {
+    std::vector<NamedClass> named;
+    named.reserve(classes.size());
+    for (const auto& [key, row] : classes) {
+        named.push_back({key, {row.nameZh, row.displayName(AppLanguage::en)}});
+    }
+    return named;
+}
+
 } // namespace
 
 WinrateStore::WinrateStore(const ApplicationFiles& applicationFiles)
     : files(applicationFiles)
     , cardNamesKnown(knownNames({}))
-    , classNamesKnown(knownNames({})) {}
+    , classNamesKnown(knownNames({}))
+    , lexiconOfCards(std::make_shared<const Lexicon>())
+    , lexiconOfClasses(std::make_shared<const Lexicon>()) {}
 
 WinrateStore::~WinrateStore() = default;
 
@@ -145,6 +177,8 @@ void WinrateStore::applyCards(const CardFile& file) {
     norms.reserve(mostNames);
     QSet<QString> known;
     known.reserve(static_cast<qsizetype>(mostNames));
+    std::vector<KnownName> texts;
+    texts.reserve(mostNames);
     for (const CardStats& row : file.rows) {
         cards.try_emplace(row.cardId, row);
         for (const auto& name : {row.nameZh, row.nameEn}) {
@@ -152,6 +186,7 @@ void WinrateStore::applyCards(const CardFile& file) {
                 const QString norm = normalize(*name);
                 cardNames.push_back({norm, row.cardId, *name});
                 norms.push_back(norm);
+                texts.push_back({*name, kindsOf(row.type)});
                 if (!norm.isEmpty()) {
                     known.insert(norm);
                 }
@@ -160,6 +195,7 @@ void WinrateStore::applyCards(const CardFile& file) {
     }
     cardIndex = CardNameIndex(norms);
     cardNamesKnown = knownNames(std::move(known));
+    lexiconOfCards = std::make_shared<const Lexicon>(std::move(texts), Lexicon::forCards);
     cardMeta = file.description + u" / "_s + QString::number(cards.size()) + u" cards"_s;
     sample = file.isSample;
 }
@@ -196,8 +232,13 @@ void WinrateStore::applyClasses(const ClassWinrateFile& file) {
             namesOfClasses.push_back({normalize(alias), key, found->second.displayName()});
         }
     }
-    classIndex = ClassNameIndex(classes);
+    classIndex = ClassNameIndex(namedClasses(classes));
     classNamesKnown = knownNames(classIndex.exactLines());
+    std::vector<KnownName> texts;
+    for (const QString& text : classIndex.texts()) {
+        texts.push_back({text, {}});
+    }
+    lexiconOfClasses = std::make_shared<const Lexicon>(std::move(texts), Lexicon::forClasses);
     metaOfClasses = u"classes "_s + QString::number(classes.size()) + u" / "_s + file.fetchedAt.value_or(u"?"_s);
 }
 
@@ -227,16 +268,16 @@ double WinrateStore::scoreName(const QString& query, const QString& targetNorm) 
     return NameMatching::scoreName(query, targetNorm);
 }
 
-std::optional<CardMatch> WinrateStore::matchName(const QStringList& lines) const {
-    const auto hit = cardIndex.bestMatch(lines);
+std::optional<CardMatch> WinrateStore::matchName(const QStringList& lines, NameLengths lengths) const {
+    const auto hit = cardIndex.bestMatch(lines, lengths);
     if (!hit) {
         return std::nullopt;
     }
     return CardMatch{cardNames[hit->entry].cardId, hit->score, lines[hit->line]};
 }
 
-std::optional<ClassMatch> WinrateStore::matchClass(const QStringList& lines) const {
-    return classIndex.bestMatch(lines);
+std::optional<ClassMatch> WinrateStore::matchClass(const QStringList& lines, NameLengths lengths) const {
+    return classIndex.bestMatch(lines, lengths);
 }
 
 } // namespace pelloran

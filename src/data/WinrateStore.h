@@ -1,8 +1,10 @@
 #pragma once
 
-#include "names/CardNameIndex.h"
-#include "data/ClassNameIndex.h"
 #include "data/WinrateFormats.h"
+#include "names/CardNameIndex.h"
+#include "names/ClassNameIndex.h"
+#include "names/Lexicon.h"
+#include "names/NameMatching.h"
 #include "platform/ApplicationFiles.h"
 #include "platform/TextReader.h"
 
@@ -20,6 +22,9 @@
 namespace pelloran {
 
 struct CardFile;
+
+// By class in upper case.
+using ClassesByKey = std::map<QString, ClassWinrateRow>;
 
 // A name of a card, as the search knows it.
 struct CardName {
@@ -82,9 +87,9 @@ public:
 
     // The best of all names for all lines, at a score of NameMatching::cardThreshold or more. Of equal scores the
     // earliest line wins, then the earliest name.
-    std::optional<CardMatch> matchName(const QStringList& lines) const;
+    std::optional<CardMatch> matchName(const QStringList& lines, NameLengths lengths = NameLengths::limited) const;
     // See ClassNameIndex::bestMatch.
-    std::optional<ClassMatch> matchClass(const QStringList& lines) const;
+    std::optional<ClassMatch> matchClass(const QStringList& lines, NameLengths lengths = NameLengths::limited) const;
 
     // Every card by its identifier; of several rows with one identifier the first.
     const std::unordered_map<QString, CardStats>& byId() const { return cards; }
@@ -93,7 +98,7 @@ public:
     const std::vector<CardName>& names() const { return cardNames; }
 
     // By class in upper case; of several rows of one class the last.
-    const ClassNameIndex::ClassesByKey& classesByKey() const { return classes; }
+    const ClassesByKey& classesByKey() const { return classes; }
 
     // Names and nicknames of all classes. matchClass has a list of its own, with fewer nicknames.
     const std::vector<ClassName>& classNames() const { return namesOfClasses; }
@@ -115,6 +120,12 @@ public:
 
     std::shared_ptr<const KnownNames> knownClassNames() const { return classNamesKnown; }
 
+    // The same, also never null, for settling what was read: every name of a card, with the kinds of all cards that
+    // bear it, and everything that names a class, at its full length.
+    std::shared_ptr<const Lexicon> cardLexicon() const { return lexiconOfCards; }
+
+    std::shared_ptr<const Lexicon> classLexicon() const { return lexiconOfClasses; }
+
 private:
     void applyCards(const CardFile& file);
     void applyClasses(const ClassWinrateFile& file);
@@ -123,7 +134,7 @@ private:
     std::unordered_map<QString, CardStats> cards;
     std::vector<CardName> cardNames;
     CardNameIndex cardIndex;
-    ClassNameIndex::ClassesByKey classes;
+    ClassesByKey classes;
     std::vector<ClassName> namesOfClasses;
     ClassNameIndex classIndex;
     QString cardMeta;
@@ -132,6 +143,8 @@ private:
     bool sample = false;
     std::shared_ptr<const KnownNames> cardNamesKnown;
     std::shared_ptr<const KnownNames> classNamesKnown;
+    std::shared_ptr<const Lexicon> lexiconOfCards;
+    std::shared_ptr<const Lexicon> lexiconOfClasses;
 };
 
 } // namespace pelloran

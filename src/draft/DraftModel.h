@@ -1,5 +1,7 @@
 #pragma once
 
+#include "names/NameMatching.h"
+
 #include <QRectF>
 #include <QString>
 #include <QStringList>
@@ -87,6 +89,7 @@ struct AppConfig {
     double pollInterval = 0.9; // seconds
     QString logsDir = QStringLiteral("/Applications/Hearthstone/Logs");
     QString windowOwnerHint = QStringLiteral("Hearthstone");
+    NameLengths nameLengths = NameLengths::limited; // which lines are too long to be names
 
     bool operator==(const AppConfig&) const = default;
 };

@@ -34,7 +34,7 @@ DraftService::DraftService(const AppConfig& settings, const WinrateStore& winrat
     , config(settings)
     , store(winrates)
     , watcher(settings.logsDir)
-    , recognizer(winrates)
+    , recognizer(winrates, settings.nameLengths)
     , queue(recognitionQueue)
     , screenReader(reader) {
     connect(&timer, &QTimer::timeout, this, &DraftService::timerFired);

@@ -96,6 +96,9 @@ CardNameIndex::CardNameIndex(const std::vector<QString>& normalizedNames) {
     }
     for (std::size_t entry = 0; entry < normalizedNames.size(); ++entry) {
         const std::u32string name = table.add(normalizedNames[entry]);
+        if (name.size() >= cardQueryLimit) {
+            longNames.try_emplace(name, entry);
+        }
         if (name.empty() || name.size() > longestName) {
             continue;
         }
@@ -178,7 +181,7 @@ void CardNameIndex::searchGroup(const Query& query, std::size_t nameLength, Cont
     }
 }
 
-std::optional<CardNameIndex::Hit> CardNameIndex::bestMatch(const QStringList& lines) const {
+std::optional<CardNameIndex::Hit> CardNameIndex::bestMatch(const QStringList& lines, NameLengths lengths) const {
     std::vector<Query> queries;
     for (qsizetype line = 0; line < lines.size(); ++line) {
         if (!isPlausibleName(lines[line])) {
@@ -186,6 +189,10 @@ std::optional<CardNameIndex::Hit> CardNameIndex::bestMatch(const QStringList& li
         }
         const std::u32string characters = table.find(normalize(lines[line]));
         if (characters.size() >= cardQueryLimit) {
+            const auto exact = longNames.find(characters);
+            if (lengths == NameLengths::limitedUnlessExact && exact != longNames.end()) {
+                return Hit{exact->second, 1.0, line};
+            }
             continue;
         }
         Query& added = queries.emplace_back(query(characters));

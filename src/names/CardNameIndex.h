@@ -38,7 +38,7 @@ public:
 
     // The highest score of all; of equal ones the earliest line, then the earliest entry. Lines are as read; those that
     // are no plausible names or too long are passed over.
-    std::optional<Hit> bestMatch(const QStringList& lines) const;
+    std::optional<Hit> bestMatch(const QStringList& lines, NameLengths lengths = NameLengths::limited) const;
 
 private:
     // Numbers of characters, dense from 0, so that tables by character are small.
@@ -64,7 +64,8 @@ private:
 
     CharacterTable table;
     std::unordered_map<char32_t, Character> denseCharacters;
-    std::array<Group, longestName + 1> groups; // by length
+    std::array<Group, longestName + 1> groups;                 // by length
+    std::unordered_map<std::u32string, std::size_t> longNames; // of the limit or more; to the first such entry
 };
 
 } // namespace pelloran

@@ -25,6 +25,7 @@ namespace {
 constexpr double greatestDistance = 4.0;
 constexpr Halves ofMisfit = 2; // what a name of kinds that do not fit is taken to be farther away
 constexpr Halves endless = std::numeric_limits<Halves>::max() / 2;
+constexpr double enough = 1 << 20; // characters: more than any distance that is looked for
 
 constexpr NameKinds allKinds =
     NameKind::minion | NameKind::spell | NameKind::weapon | NameKind::hero | NameKind::location;
@@ -39,7 +40,6 @@ bool hasIdeographs(const QString& text) {
 
 // The most halves that are not more; distances are whole numbers of them.
 Halves inHalves(double characters) {
-    constexpr double enough = 1 << 20; // more than any distance that is looked for
     return static_cast<Halves>(std::floor(std::clamp(characters, -1.0, enough) * 2));
 }
 
@@ -51,21 +51,21 @@ std::u16string_view view(const QString& text) {
     return {reinterpret_cast<const char16_t*>(text.utf16()), static_cast<std::size_t>(text.size())};
 }
 
-constexpr unsigned letters = 26;
+constexpr unsigned latinLetters = 26;
 constexpr unsigned mostRepeats = 2; // third occurrences and later ones are one bit
 
 // The bit of a sketch for the first, second, ... (`repeat` 0, 1, ...) occurrence of a character. No two letters share
 // the bit of a first or of a second occurrence.
-std::uint64_t sketchBit(char16_t character, unsigned repeat) {
+std::uint64_t occurrenceBit(char16_t character, unsigned repeat) {
     const unsigned number = character >= u'a' && character <= u'z' ? character - u'a' : character;
-    return std::uint64_t{1} << ((number + letters * repeat) % 64);
+    return std::uint64_t{1} << ((number + latinLetters * repeat) % 64);
 }
 
 std::uint64_t sketchOf(std::u16string_view text) {
     std::uint64_t sketch = 0;
     for (std::size_t i = 0; i < text.size(); ++i) {
         const auto repeat = static_cast<unsigned>(std::ranges::count(text.substr(0, i), text[i]));
-        sketch |= sketchBit(text[i], std::min(repeat, mostRepeats));
+        sketch |= occurrenceBit(text[i], std::min(repeat, mostRepeats));
     }
     return sketch;
 }
@@ -80,7 +80,7 @@ std::uint64_t sketchOfConfused(std::u16string_view reading) {
                        (i > 0 && ReadingDistance::isReadAsTwo(reading[i - 1], reading[i], meant));
         }
         for (unsigned repeat = 0; confused && repeat <= mostRepeats; ++repeat) {
-            sketch |= sketchBit(meant, repeat);
+            sketch |= occurrenceBit(meant, repeat);
         }
     }
     return sketch;
@@ -88,14 +88,15 @@ std::uint64_t sketchOfConfused(std::u16string_view reading) {
 
 // Names of one length.
 struct FoldedNames {
+    std::size_t length = 0;
     std::vector<std::uint64_t> sketches;
     std::u16string characters; // those of the first name, of the second, ...
     std::vector<std::size_t> entries;
 };
 
 // Places of the characters of a line, for the length of its longest common subsequence with many names: all rows of the
-// table side by side in the bits of as many words as it takes (Hyyrö's form of Allison and Dix). A bit is cleared at each
-// place where the length grows by one.
+// table side by side in the bits of as many words as it takes (Hyyrö's form of Allison and Dix). A bit is cleared at
+// each place where the length grows by one.
 class CommonLength {
 public:
     // Of a line as numbers below `alphabet`, or not below it where no name has the character.
@@ -154,7 +155,7 @@ struct Lexicon::Index {
 
     std::vector<Entry> entries;
     QHash<QString, std::size_t> byNormalized;
-    QHash<QString, std::size_t> byFolded;       // or `several`
+    QHash<QString, std::size_t> byFolded;        // or `several`
     std::map<std::size_t, FoldedNames> byLength; // of the folded form; those without ideographs
 
     // The normalised forms, as numbers dense from 0 so that tables by character are small, by their length.
@@ -163,6 +164,12 @@ struct Lexicon::Index {
 
     explicit Index(const std::vector<KnownName>& names);
 
+    struct Query;
+
+    // Of the name at that place, a misfit's with what it is taken to be farther away.
+    std::optional<Halves> distance(const Query& query, const FoldedNames& names, std::size_t place, Halves limit) const;
+
+    // For a folded reading that is no name's.
     std::optional<Settled> nearest(const QString& folded, NameKinds fitting, const Tolerance& tolerance) const;
 };
 
@@ -200,6 +207,7 @@ Lexicon::Index::Index(const std::vector<KnownName>& names) {
         }
         if (!hasIdeographs(folded)) {
             FoldedNames& group = byLength[static_cast<std::size_t>(folded.size())];
+            group.length = static_cast<std::size_t>(folded.size());
             group.sketches.push_back(sketchOf(view(folded)));
             group.characters += view(folded);
             group.entries.push_back(entry);
@@ -207,74 +215,81 @@ Lexicon::Index::Index(const std::vector<KnownName>& names) {
     }
 }
 
+// A reading as the search wants it.
+struct Lexicon::Index::Query {
+    std::u16string_view reading;
+    NameKinds fitting;
+    std::uint64_t sketch = 0;
+    std::uint64_t sketchWithConfused = 0; // with all that what was read may have been
+
+    Query(std::u16string_view folded, NameKinds fittingKinds)
+        : reading(folded)
+        , fitting(fittingKinds)
+        , sketch(sketchOf(folded))
+        , sketchWithConfused(sketch | sketchOfConfused(folded)) {}
+
+    Halves leastFrom(std::size_t nameLength) const {
+        return ReadingDistance::leastOfLengths(reading.size(), nameLength);
+    }
+};
+
+std::optional<Halves> Lexicon::Index::distance(const Query& query, const FoldedNames& names, std::size_t place,
+                                               Halves limit) const {
+    const Halves misfit = query.fitting && !(entries[names.entries[place]].kinds & query.fitting) ? ofMisfit : 0;
+    // Each bit that the reading lacks is at least one character of the name that was not read as itself: a half where
+    // it may have been confused, else a whole.
+    const std::uint64_t lacking = names.sketches[place] & ~query.sketch;
+    if (std::popcount(lacking) + std::popcount(lacking & ~query.sketchWithConfused) > limit - misfit) {
+        return std::nullopt;
+    }
+    const auto name = std::u16string_view(names.characters).substr(place * names.length, names.length);
+    const auto found = ReadingDistance::between(query.reading, name, limit - misfit);
+    return found ? std::optional(*found + misfit) : std::nullopt;
+}
+
 std::optional<Lexicon::Settled> Lexicon::Index::nearest(const QString& folded, NameKinds fitting,
                                                         const Tolerance& tolerance) const {
-    const std::u16string_view reading = view(folded);
+    // Names near enough for their own length. Those about as long as the reading first: they set the mark that the
+    // others have to reach. A line much longer than all names ends here, whatever its length.
     const auto greatest = [&](std::size_t nameLength) {
         return inHalves(std::min(tolerance.perCharacter * static_cast<double>(nameLength), greatestDistance));
     };
-    const Halves margin = std::max(inHalves(tolerance.margin), 0);
-
-    // Lengths near the reading's first: they set the mark that the others have to reach.
-    struct Length {
-        Halves least;
-        std::size_t length;
-        const FoldedNames* names;
-    };
-
-    std::vector<Length> lengths;
-    Halves best = -1; // the most that may do at all, then the least found
+    const std::u16string_view reading = view(folded);
+    std::vector<std::pair<Halves, const FoldedNames*>> groups;
     for (const auto& [length, names] : byLength) {
         const Halves least = ReadingDistance::leastOfLengths(reading.size(), length);
-        lengths.push_back({least, length, &names});
         if (least <= greatest(length)) {
-            best = std::max(best, greatest(length));
+            groups.emplace_back(least, &names);
         }
     }
-    if (best < 0) {
-        return std::nullopt; // also for a line much longer than all names, whatever its length
-    }
-    std::ranges::sort(lengths, {}, &Length::least);
-
-    const std::uint64_t sketch = sketchOf(reading);
-    const std::uint64_t sketchWithConfused = sketch | sketchOfConfused(reading);
-    std::size_t bestEntry = several;
-    std::size_t bestLength = 0;
-    Halves second = endless;
-    for (const auto& [least, length, names] : lengths) {
-        if (least > best + margin) {
-            break;
-        }
-        for (std::size_t i = 0; i < names->entries.size(); ++i) {
-            const std::size_t entry = names->entries[i];
-            const Halves misfit = fitting && !(entries[entry].kinds & fitting) ? ofMisfit : 0;
-            // Who is farther away neither wins nor takes the winner's margin.
-            const Halves limit = best + margin - misfit;
-            // Each bit that the reading lacks is at least one character of the name that was not read as itself: a half
-            // where it may have been confused, else a whole.
-            const std::uint64_t lacking = names->sketches[i] & ~sketch;
-            if (std::popcount(lacking) + std::popcount(lacking & ~sketchWithConfused) > limit) {
-                continue;
-            }
-            const auto name = std::u16string_view(names->characters).substr(i * length, length);
-            const auto distance = ReadingDistance::between(reading, name, limit);
-            if (!distance) {
-                continue;
-            }
-            const Halves total = *distance + misfit;
-            if (bestEntry == several ? total > best : total >= best) {
-                second = std::min(second, total);
-            } else {
-                second = bestEntry == several ? second : best;
-                best = total;
-                bestEntry = entry;
-                bestLength = length;
-            }
-        }
-    }
-    if (bestEntry == several || inCharacters(best) > tolerance.perCharacter * static_cast<double>(bestLength) ||
-        inCharacters(best) > greatestDistance || inCharacters(second - best) < tolerance.margin) {
+    if (groups.empty()) {
         return std::nullopt;
+    }
+    std::ranges::sort(groups);
+    const Query query(reading, fitting);
+    Halves best = endless;
+    std::size_t bestEntry = 0;
+    for (const auto& [least, names] : groups) {
+        for (std::size_t i = 0; i < names->entries.size() && least < best; ++i) {
+            // Of two as near neither wins, as the second search will find.
+            if (const auto found = distance(query, *names, i, std::min(greatest(names->length), best - 1))) {
+                best = *found;
+                bestEntry = names->entries[i];
+            }
+        }
+    }
+    if (best == endless) {
+        return std::nullopt;
+    }
+
+    // Any name at all that is nearer, or too little farther: also one that itself would be too far away for its length.
+    const Halves tooNear = best + static_cast<Halves>(std::ceil(std::clamp(tolerance.margin, 0.0, enough) * 2)) - 1;
+    for (const auto& [length, names] : byLength) {
+        for (std::size_t i = 0; i < names.entries.size() && query.leastFrom(length) <= tooNear; ++i) {
+            if (names.entries[i] != bestEntry && distance(query, names, i, tooNear)) {
+                return std::nullopt;
+            }
+        }
     }
     return Settled{entries[bestEntry].name->text, inCharacters(best)};
 }
@@ -344,9 +359,8 @@ double Lexicon::resemblance(const QString& line) const {
     std::vector<std::pair<double, std::size_t>> lengths;
     lengths.reserve(index.normalizedByLength.size());
     for (const auto& [length, names] : index.normalizedByLength) {
-        lengths.emplace_back(2 * static_cast<double>(std::min(length, lineLength)) /
-                                 static_cast<double>(length + lineLength),
-                             length);
+        lengths.emplace_back(
+            2 * static_cast<double>(std::min(length, lineLength)) / static_cast<double>(length + lineLength), length);
     }
     std::ranges::sort(lengths, std::ranges::greater());
     CommonLength common(numbers, index.numbers.size());

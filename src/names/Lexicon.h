@@ -18,7 +18,7 @@ Q_DECLARE_OPERATORS_FOR_FLAGS(NameKinds)
 // A name that may stand on the screen.
 struct KnownName {
     QString text;    // as the data files have it
-    NameKinds kinds; // of the cards that bear it; none: not known, or no card's
+    NameKinds kinds; // of the cards that bear it; none: not known, or no card's, and so any
 
     bool operator==(const KnownName&) const = default;
 };
@@ -56,15 +56,16 @@ public:
     };
 
     // The one name that `line` can be: the name that it is like contains(), or but for accents and everything else that
-    // is no letter or digit; else, unless the line has Chinese characters, the nearest one within the tolerance and four
-    // characters at most, where mistakes that the recogniser is prone to count half (see ReadingDistance). Of names that
-    // differ only in what contains() passes over, the first stands for all. Otherwise none, also where a line is not
-    // spelled like either of two names of which only accents and signs differ. `fitting`, if any, are the kinds of cards that can stand where the line was read:
-    // a name of none of these is taken for one character farther away, unless it was read exactly.
+    // is no letter or digit; else, unless the line has Chinese characters, the nearest one within the tolerance and
+    // four characters at most, where mistakes that the recogniser is prone to count half (see ReadingDistance). Of
+    // names that differ only in what contains() passes over, the first stands for all. Otherwise none, also where a
+    // line is not spelled like either of two names of which only accents and signs differ. `fitting`, if any, are the
+    // kinds of cards that can stand where the line was read: a name of none of these is taken for one character farther
+    // away, unless it was read exactly.
     std::optional<Settled> settle(const QString& line, NameKinds fitting = {}) const;
 
-    // How close `line` comes to the nearest name, for choosing between readings of one line: 1 for the same, 0 for nothing
-    // in common.
+    // How close `line` comes to the nearest name, for choosing between readings of one line: 1 for the same, 0 for
+    // nothing in common.
     double resemblance(const QString& line) const;
 
 private:

@@ -32,6 +32,12 @@ private:
 // Number of characters in that sense.
 std::size_t characterCount(QStringView text);
 
+// Which lines may name something, by their length after normalising.
+enum class NameLengths : std::uint8_t {
+    limited,            // those below NameMatching::cardQueryLimit or classQueryLimit
+    limitedUnlessExact, // also a longer one that is exactly a name: what rules texts never are
+};
+
 // How alike a text read off the screen and a known name are. Pure functions, from any thread.
 namespace NameMatching {
 

@@ -12,9 +12,9 @@ namespace pelloran::ReadingDistance {
 namespace {
 
 // Measured on real screens: pairs that the recogniser often confuses in the game's lettering, either way.
-constexpr std::u16string_view confusedPairs =
-    u"il tf tl it ec oc oe hb hn nu mn rt gq gy vy uv bd as ae kh kr k1 i1 l1 o0 s5 b8 g9 z2 fr ij lj jt pf da oa pn sg "
-    u"es wv uo xz xk ce mw wm rf be eo ";
+constexpr std::u16string_view confusedPairs = u"il tf tl it ec oc oe hb hn nu mn rt gq gy vy uv bd as ae kh kr k1 i1 "
+                                              u"l1 o0 s5 b8 g9 z2 fr ij lj jt pf da oa pn sg "
+                                              u"es wv uo xz xk ce mw wm rf be eo ";
 
 constexpr std::size_t tableSize = 128; // what is confused is ASCII
 
@@ -40,6 +40,21 @@ constexpr Halves unreachable = 1 << 20;
 
 QString folded(const QString& text) {
     QString result;
+    const auto isSimple = [](QChar character) {
+        return character.unicode() < 0x80 || (character.unicode() >= 0x4E00 && character.unicode() <= 0x9FFF);
+    };
+    if (std::ranges::all_of(text, isSimple)) { // nearly all, and no need of Unicode's tables
+        result.reserve(text.size());
+        for (const QChar character : text) {
+            const char16_t unit = character.unicode();
+            if (unit >= u'A' && unit <= u'Z') {
+                result += QChar(static_cast<char16_t>(unit + 0x20));
+            } else if ((unit >= u'a' && unit <= u'z') || (unit >= u'0' && unit <= u'9') || unit >= 0x80) {
+                result += character;
+            }
+        }
+        return result;
+    }
     const QString decomposed = text.toLower().normalized(QString::NormalizationForm_D);
     result.reserve(decomposed.size());
     for (qsizetype i = 0; i < decomposed.size(); ++i) {
@@ -118,8 +133,8 @@ std::optional<Halves> between(std::u16string_view reading, std::u16string_view n
         for (std::size_t j = first; j < end; ++j) {
             Halves value = above[j] + (j == 0 || j == last ? ofJunk : ofOther);
             if (j > 0) {
-                value = std::min({value, row[j - 1] + ofOther,
-                                  above[j - 1] + betweenCharacters(reading[i - 1], name[j - 1])});
+                value = std::min(
+                    {value, row[j - 1] + ofOther, above[j - 1] + betweenCharacters(reading[i - 1], name[j - 1])});
                 if (i > 1 && isReadAsTwo(reading[i - 2], reading[i - 1], name[j - 1])) {
                     value = std::min(value, twoAbove[j - 1] + ofConfused);
                 }

@@ -1,7 +1,7 @@
 #include "recognition/CardRecognizer.h"
 
-#include "names/NameMatching.h"
 #include "data/WinrateStore.h"
+#include "names/NameMatching.h"
 
 #include <algorithm>
 #include <array>
@@ -16,6 +16,9 @@ namespace {
 
 // A weaker match is more often a wrong one than a badly read one.
 constexpr double minimumScore = 0.86;
+
+// Of a line that equals a name in full, and of no other.
+constexpr double exactScore = 1.0;
 
 // Normalised names outside these lengths are cost digits, keywords or rules text.
 constexpr std::size_t minimumNameLength = 2;
@@ -97,8 +100,9 @@ std::pair<DraftSlot, DraftSlot> slotsOfPair(double firstX, double secondX) {
 
 } // namespace
 
-CardRecognizer::CardRecognizer(const WinrateStore& winrates)
-    : store(winrates) {}
+CardRecognizer::CardRecognizer(const WinrateStore& winrates, NameLengths nameLengths)
+    : store(winrates)
+    , lengths(nameLengths) {}
 
 QRectF CardRecognizer::cardBand() {
     return cards.rectangle();
@@ -151,11 +155,12 @@ std::vector<SlotMatch> CardRecognizer::recognizeCards(const std::vector<OCRToken
             continue;
         }
         const std::size_t length = characterCount(WinrateStore::normalize(token.text));
-        if (length < minimumNameLength || length > maximumNameLength) {
+        const bool tooLong = length > maximumNameLength;
+        if (length < minimumNameLength || (tooLong && lengths == NameLengths::limited)) {
             continue;
         }
-        const auto match = store.matchName({token.text});
-        if (match && match->score >= minimumScore) {
+        const auto match = store.matchName({token.text}, lengths);
+        if (match && match->score >= (tooLong ? exactScore : minimumScore)) {
             candidates.push_back(candidate(match->cardId, *match, token));
         }
     }
@@ -170,7 +175,7 @@ std::vector<SlotMatch> CardRecognizer::recognizeHeroes(const std::vector<OCRToke
         if (!heroes.holds(token)) {
             continue;
         }
-        const auto match = store.matchClass({token.text});
+        const auto match = store.matchClass({token.text}, lengths);
         if (match && match->score >= minimumScore) {
             candidates.push_back(candidate(match->key, *match, token));
         }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "draft/DraftModel.h"
+#include "names/NameMatching.h"
 #include "platform/TextReader.h"
 
 #include <QImage>
@@ -17,7 +18,9 @@ class WinrateStore;
 // else on the main thread. Holds no state but the store, which must outlive it.
 class CardRecognizer {
 public:
-    explicit CardRecognizer(const WinrateStore& winrates);
+    // Lines of more than fourteen characters are mostly rules text and name no card. With `limitedUnlessExact` one that
+    // equals a name in full does, and so do such lines for classes, of which the limit is matchClass's.
+    explicit CardRecognizer(const WinrateStore& winrates, NameLengths lengths = NameLengths::limited);
 
     // Lines with their centre inside these bands, in fractions of the window, can be names of what is offered.
     static QRectF cardBand();
@@ -44,6 +47,7 @@ public:
 
 private:
     const WinrateStore& store;
+    const NameLengths lengths;
 };
 
 // A line that matched: a card's identifier or a class's key, and where the line stands.

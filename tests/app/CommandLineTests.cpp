@@ -86,6 +86,28 @@ TEST(CommandLine, TakesTheCommandsThatShowOnePart) {
         << "after -- everything is text";
 }
 
+TEST(CommandLine, TakesTheFoldersOfAnEvaluation) {
+    const auto plain = parsed<EvaluateFolders>("evaluate screens more");
+    EXPECT_EQ(plain.folders, (QStringList{QStringLiteral("screens"), QStringLiteral("more")}));
+    EXPECT_FALSE(plain.ticks);
+    EXPECT_FALSE(plain.json);
+    const auto full = parsed<EvaluateFolders>("evaluate --json screens --ticks");
+    EXPECT_TRUE(full.ticks);
+    EXPECT_TRUE(full.json);
+}
+
+TEST(CommandLine, LimitsLengthsStrictlyWhenAsked) {
+    EXPECT_FALSE(parsed<RunLoop>("").strictLengths);
+    EXPECT_TRUE(parsed<RunLoop>("--no-panel --strict-lengths").strictLengths);
+    EXPECT_FALSE(parsed<RecognizeImages>("recognize --phase cardPick a.png").strictLengths);
+    EXPECT_TRUE(parsed<RecognizeImages>("recognize --strict-lengths --phase cardPick a.png").strictLengths);
+    EXPECT_FALSE(parsed<EvaluateFolders>("evaluate screens").strictLengths);
+    EXPECT_TRUE(parsed<EvaluateFolders>("evaluate screens --strict-lengths").strictLengths);
+    EXPECT_EQ(parsed<MatchTexts>("match --strict-lengths Fireball").texts, QStringList{QStringLiteral("Fireball")})
+        << "what it does anyway";
+    EXPECT_FALSE(parse("draft-state --strict-lengths")) << "reads no names";
+}
+
 TEST(CommandLine, TakesTheFoldersOfAPublication) {
     const auto plain = parsed<PublishData>("publish data www");
     EXPECT_EQ(plain.source, QStringLiteral("data"));
@@ -121,6 +143,8 @@ TEST(CommandLine, RefusesWhatDoesNotFit) {
         {"no phase", "recognize a.png", "--phase"},
         {"a phase without offers", "recognize --phase idle a.png", "--phase"},
         {"no image", "recognize --phase heroPick", "image"},
+        {"nothing to evaluate", "evaluate --ticks", "folder"},
+        {"truth files tell their phase", "evaluate --phase cardPick screens", "phase"},
         {"no text", "match --classes", "text"},
         {"nowhere to publish", "publish data", "publish needs"},
         {"two places to publish", "publish data www more", "publish needs"},

@@ -63,6 +63,8 @@ TEST_F(WinrateStoreTest, StartsEmpty) {
     EXPECT_EQ(store.matchClass({u"Mage"_s}), std::nullopt);
     EXPECT_FALSE(store.knownCardNames()->contains(u"Fireball"_s));
     EXPECT_FALSE(store.knownClassNames()->contains(u"Mage"_s));
+    EXPECT_TRUE(store.cardLexicon()->isEmpty());
+    EXPECT_TRUE(store.classLexicon()->isEmpty());
 }
 
 // Every place of the card file, the first to be looked at first.
@@ -331,10 +333,119 @@ TEST_F(WinrateStoreTest, RefusesAFileTooLargeToBeOne) {
 TEST_F(WinrateStoreTest, GivesOutSnapshotsThatLaterLoadsLeaveAlone) {
     ASSERT_TRUE(store.loadCards(write(u"cards.json"_s, R"({"cards": [{"card_id": "A", "name_en": "Fireball"}]})")));
     const auto before = store.knownCardNames();
+    const auto lexiconBefore = store.cardLexicon();
     ASSERT_TRUE(store.loadCards(write(u"cards.json"_s, R"({"cards": [{"card_id": "A", "name_en": "Frostbolt"}]})")));
     EXPECT_TRUE(before->contains(u"Fireball"_s));
+    EXPECT_TRUE(lexiconBefore->contains(u"Fireball"_s)) << "although nobody asked it before";
+    EXPECT_FALSE(lexiconBefore->contains(u"Frostbolt"_s));
+    EXPECT_TRUE(store.cardLexicon()->contains(u"Frostbolt"_s));
     EXPECT_FALSE(store.knownCardNames()->contains(u"Fireball"_s));
     EXPECT_TRUE(store.knownCardNames()->contains(u"Frostbolt"_s));
+}
+
+TEST_F(WinrateStoreTest, SettlesReadingsOnCards) {
+    ASSERT_TRUE(store.loadCards(write(u"cards.json"_s, R"({"cards": [
+            {"card_id": "A", "name_zh": "法力束缚", "name_en": "Mana Bind", "type": "SPELL"},
+            {"card_id": "B", "name_en": "Mana Bond", "type": "minion"},
+            {"card_id": "C", "name_en": "Mana Bind", "type": "Weapon"},
+            {"card_id": "D", "name_en": "Dalaran Aspirant", "type": "HERO"},
+            {"card_id": "E", "name_en": "Karazhan Library", "type": "LOCATION"},
+            {"card_id": "F", "name_en": "Enchanted Raven", "type": "ENCHANTMENT"},
+            {"card_id": "G", "name_en": "Ancient of Blossoms"},
+            {"card_id": "H", "name_en": "7", "name_zh": ""},
+            {"card_id": "I"}
+        ]})")));
+    using enum NameKind;
+
+    struct Case {
+        const char* why;
+        QString line;
+        NameKinds fitting;
+        std::optional<Lexicon::Settled> expected;
+    };
+
+    const Case cases[] = {
+        {"either name", u"Mana Bxnd"_s, {}, {}},
+        {"only one is a spell's", u"Mana Bxnd"_s, spell, Lexicon::Settled{u"Mana Bind"_s, 1}},
+        {"it is a weapon's as well", u"Mana Bxnd"_s, weapon, Lexicon::Settled{u"Mana Bind"_s, 1}},
+        {"the other a minion's, in any case", u"Mana Bxnd"_s, minion, Lexicon::Settled{u"Mana Bond"_s, 1}},
+        {"a hero's", u"Dalaran Aspixant"_s, hero, Lexicon::Settled{u"Dalaran Aspirant"_s, 1}},
+        {"but not a minion's", u"Dalaran Aspixant"_s, minion, Lexicon::Settled{u"Dalaran Aspirant"_s, 2}},
+        {"a location's", u"Karazhan Libxary"_s, location, Lexicon::Settled{u"Karazhan Library"_s, 1}},
+        {"of a kind unheard of", u"Enchanted Raxen"_s, minion, Lexicon::Settled{u"Enchanted Raven"_s, 1}},
+        {"of no known kind", u"Ancient of Bloxsoms"_s, weapon, Lexicon::Settled{u"Ancient of Blossoms"_s, 1}},
+        {"Chinese", u"法力束缚"_s, minion, Lexicon::Settled{u"法力束缚"_s, 0}},
+        {"a number that is a card's name", u"7"_s, {}, {}},
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.why);
+        const auto settled = store.cardLexicon()->settle(row.line, row.fitting);
+        ASSERT_EQ(settled.has_value(), row.expected.has_value());
+        if (settled) {
+            EXPECT_EQ(settled->text, row.expected->text);
+            EXPECT_EQ(settled->distance, row.expected->distance);
+        }
+    }
+}
+
+TEST_F(WinrateStoreTest, SettlesReadingsOnClasses) {
+    ASSERT_TRUE(store.loadClasses(write(u"classes.json"_s, R"({"classes": [
+            {"player_class": "demonhunter", "name_zh": "恶魔猎手"},
+            {"player_class": "MAGE", "name_zh": "法师", "name_en": "Wizard"},
+            {"player_class": "SHAMAN", "name_zh": "萨满祭司", "name_en": ""}
+        ]})")));
+
+    struct Case {
+        const char* why;
+        QString line;
+        std::optional<QString> text;
+    };
+
+    const Case cases[] = {
+        {"a known English name where the file has none, longer than the matching takes, as displayed",
+         u"DEMON HUNTER"_s, u"Demon Hunter"_s},
+        {"misread", u"Demon Humter"_s, u"Demon Hunter"_s},
+        {"the key as well", u"DEMONHUNTER"_s, u"Demon Hunter"_s},
+        {"the file's own English name", u"wizard"_s, u"Wizard"_s},
+        {"a key that is no name", u"Mage"_s, u"MAGE"_s},
+        {"Chinese", u"萨满祭司"_s, u"萨满祭司"_s},
+        {"a nickname", u"萨满"_s, u"萨满"_s},
+        {"a nickname of one character", u"瞎"_s, u"瞎"_s},
+        {"a nickname of a class that is not there", u"死骑"_s, {}},
+        {"a class that is not there", u"Rogue"_s, {}},
+        {"nothing, though a name is empty", u""_s, {}},
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.why);
+        const auto settled = store.classLexicon()->settle(row.line);
+        EXPECT_EQ(settled ? std::optional(settled->text) : std::nullopt, row.text);
+    }
+    for (const QString& line : store.knownClassNames()->normalized) {
+        EXPECT_TRUE(store.classLexicon()->contains(line)) << line.toStdString();
+    }
+}
+
+TEST_F(WinrateStoreTest, MatchesLongNamesThatAreExactWhereAsked) {
+    ASSERT_TRUE(store.loadCards(write(u"cards.json"_s, R"({"cards": [
+            {"card_id": "A", "name_en": "Fireball"}, {"card_id": "B", "name_en": "Violet Spellweaver"}]})")));
+    ASSERT_TRUE(store.loadClasses(write(u"classes.json"_s, R"({"classes": [
+            {"player_class": "DEMONHUNTER", "name_zh": "恶魔猎手"}]})")));
+    constexpr auto asked = NameLengths::limitedUnlessExact;
+    const QString card = u"VIOLET SPELLWEAVER"_s;
+    EXPECT_EQ(store.matchName({card}), std::nullopt);
+    EXPECT_EQ(store.matchName({u"Fireboll"_s, card}, asked), (CardMatch{u"B"_s, 1, card}));
+    EXPECT_EQ(store.matchName({u"Violet Spellweavex"_s}, asked), std::nullopt);
+    EXPECT_EQ(store.matchClass({u"Demon Hunter"_s}), std::nullopt);
+    EXPECT_EQ(store.matchClass({u"Demon Hunter"_s}, asked), (ClassMatch{u"DEMONHUNTER"_s, 1, u"Demon Hunter"_s}));
+    EXPECT_EQ(store.matchClass({u"Demon Humter"_s}, asked), std::nullopt);
+}
+
+TEST_F(WinrateStoreTest, ComparesNamesAsTheMatchingDoes) {
+    EXPECT_EQ(WinrateStore::normalize(u"Fire Ball (4)"_s), u"fireball"_s);
+    EXPECT_TRUE(WinrateStore::isPlausibleName(u"Hex"_s));
+    EXPECT_FALSE(WinrateStore::isPlausibleName(u"12"_s));
+    EXPECT_EQ(WinrateStore::lcsLength(u"fireball"_s, u"firewall"_s), 7U);
+    EXPECT_EQ(WinrateStore::scoreName(u"Fire Boll"_s, u"fireball"_s), 0.93125);
 }
 
 TEST_F(WinrateStoreTest, ForgetsThatItHeldASample) {

@@ -134,6 +134,7 @@ TEST(SlotMatch, ComparesEveryField) {
 
 TEST(AppConfig, HasItsDefaults) {
     const AppConfig config;
+    EXPECT_EQ(config.nameLengths, NameLengths::limited);
     EXPECT_EQ(config.pollInterval, 0.9);
     EXPECT_EQ(config.logsDir, u"/Applications/Hearthstone/Logs"_s);
     EXPECT_EQ(config.windowOwnerHint, u"Hearthstone"_s);

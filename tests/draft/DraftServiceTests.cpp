@@ -223,6 +223,18 @@ TEST_F(DraftServiceTest, BuildsCardTilesFromTheCardFigures) {
     EXPECT_EQ(snapshot.cards[2].metrics[4], (MetricValue{MetricKind::avgCopies, std::nullopt, normal}));
 }
 
+TEST_F(DraftServiceTest, RecognizesLongNamesAsConfigured) {
+    sample.write(QStringLiteral("all_classes_LAST_7_DAYS.json"),
+                 R"({"cards": [{"card_id": "FARSEER", "name_en": "Earthen Ring Farseer"}]})");
+    sample.reload();
+    writeLog(cardPickLog);
+    setReads({"Earthen Ring Farseer"});
+    EXPECT_FALSE(tick().cards[0].recognized);
+    config.nameLengths = NameLengths::limitedUnlessExact;
+    makeService();
+    EXPECT_TRUE(tick().cards[0].recognized);
+}
+
 TEST_F(DraftServiceTest, ShowsUnrecognizedTilesWithEveryRow) {
     writeLog(cardPickLog);
     const OverlaySnapshot cards = tick();

@@ -344,6 +344,62 @@ TEST_F(ProgramTest, GoesOnAfterAnImageThatIsNone) {
               QStringLiteral("card-layout-empty"));
 }
 
+TEST_F(ProgramTest, EvaluatesPicturesBesideTheirTruth) {
+    const QImage blank(640, 360, QImage::Format_RGB32);
+    write("a/pick.json",
+          R"({"phase": "cardPick", "language": "en", "names": ["Fireball", "No Such Card At All", ""]})");
+    blank.save(path("a/pick.png"));
+    write("a/none.json", R"({"phase": "none", "lang": "zh", "file": "elsewhere.jpeg"})");
+    blank.save(path("a/elsewhere.jpeg"));
+    write("b/broken.json", R"({"phase": "cardPick"})");
+    write("b/cut.json", R"({"phase": "none", "language": "en"})");
+    write("b/cut.jpg", "no picture");
+    write("b/alone.json", R"({"phase": "none", "language": "en"})");
+
+    const ProgramOutput good = run({QStringLiteral("evaluate"), path("a")});
+    EXPECT_EQ(good.exitCode, 0);
+    EXPECT_EQ(good.standardError, "");
+    const QList<QByteArray> printed = good.standardOutput.trimmed().split('\n');
+    ASSERT_EQ(printed.size(), 6) << good.standardOutput.toStdString();
+    EXPECT_EQ(printed[0], "unread: " + path("a/pick.png").toUtf8() + " left: Fireball");
+    EXPECT_TRUE(printed[1].startsWith("data: ") && printed[1].endsWith("/winrates/all_classes_LAST_7_DAYS.json"));
+    EXPECT_TRUE(printed[2].startsWith("language "));
+    EXPECT_TRUE(printed[5].startsWith("all "));
+
+    const ProgramOutput bad = run({QStringLiteral("evaluate"), QStringLiteral("--json"), path("b"), path("missing"),
+                                   path("a"), QStringLiteral("--ticks")});
+    EXPECT_EQ(bad.exitCode, 1);
+    const QList<QByteArray> problems = bad.standardError.trimmed().split('\n');
+    ASSERT_EQ(problems.size(), 4) << bad.standardError.toStdString();
+    for (const auto& [line, mentioned] :
+         {std::pair(0, "b/alone.json"), {1, "b/broken.json"}, {2, "b/cut.jpg"}, {3, "missing"}}) {
+        EXPECT_TRUE(problems[line].contains(mentioned)) << problems[line].toStdString();
+    }
+    const auto lines = bad.lines();
+    ASSERT_EQ(lines.size(), 3U) << "the others count all the same";
+    EXPECT_EQ(lines[0][QStringLiteral("picture")].toString(), path("a/elsewhere.jpeg"));
+    EXPECT_EQ(lines[1][QStringLiteral("repeatedCpuMilliseconds")].toArray().size(), 2);
+    EXPECT_EQ(lines[2][QStringLiteral("totals")][QStringLiteral("unread")].toInt(), 1);
+    EXPECT_EQ(lines[2][QStringLiteral("totals")][QStringLiteral("notInData")].toInt(), 1);
+}
+
+TEST_F(ProgramTest, ReadsNamesBeyondTheLimitsOfLengthUnlessAskedNotTo) {
+    SKIP_WITHOUT_SHARED_DATA("screens/hero_en_1920x1080_1.png");
+    const QString image = testing::sharedData(QStringLiteral("screens/hero_en_1920x1080_1.png"));
+    const QStringList recognize{QStringLiteral("recognize"), QStringLiteral("--phase=heroPick"), image};
+    const auto rightSlot = [this](const QStringList& arguments) {
+        const auto lines = run(arguments).lines();
+        return lines.empty() ? QJsonValue() : lines[0][QStringLiteral("slots")][2][QStringLiteral("cardId")];
+    };
+    EXPECT_EQ(rightSlot(recognize), QJsonValue(QStringLiteral("DEATHKNIGHT")));
+    EXPECT_EQ(rightSlot(recognize + QStringList{QStringLiteral("--strict-lengths")}), QJsonValue(QJsonValue::Null));
+
+    const ProgramOutput match =
+        run({QStringLiteral("match"), QStringLiteral("--classes"), QStringLiteral("Death Knight")});
+    ASSERT_EQ(match.lines().size(), 1U);
+    EXPECT_TRUE(match.lines()[0][QStringLiteral("match")].isNull()) << "the rules alone";
+}
+
 TEST_F(ProgramTest, NamesThePackageThatReadingLacks) {
     environment.insert(QStringLiteral("TESSDATA_PREFIX"), home.path());
     const ProgramOutput answer =

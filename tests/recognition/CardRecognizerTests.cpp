@@ -227,6 +227,61 @@ TEST_F(CardRecognizerTest, KeepsOnlyCardTokensThatCanBeNames) {
     }
 }
 
+TEST_F(CardRecognizerTest, LongLinesNeedToEqualANameInFull) {
+    struct Case {
+        const char* why;
+        const char* text;
+        const char* strict;    // what is in the left slot, lengths being limited
+        const char* exactOnly; // or limited unless exact
+    };
+
+    const Case cases[] = {
+        {"fourteen characters", "Zbcdefghijklmn", "LIMIT", "LIMIT"},
+        {"fifteen characters", "Abcdefghijklmno", "-", "LONG"},
+        {"whatever normalising takes away", "ABC defghi (jklmno) 15", "-", "LONG"},
+        {"fifteen, with one letter read wrong: much like the name", "Abcdefghijklmnx", "-", "-"},
+        {"sixteen, which hold the name", "Abcdefghijklmnox", "-", "-"},
+        {"as long as names get", "Spirit of the Far Northern Kingdom", "-", "LONGEST"},
+        {"a name in a sentence", "Gain Spirit of the Far Northern Kingdom", "-", "-"},
+        {"a short one with one letter read wrong", "Fireboll", "FIREBALL", "FIREBALL"},
+        {"one character stays too short, though it equals a name", "法", "-", "-"},
+    };
+    sample.write(QStringLiteral("all_classes_LAST_7_DAYS.json"),
+                 QByteArray(cardFile).replace(
+                     "\n]}", R"(,{"card_id": "LONGEST", "name_en": "Spirit of the Far Northern Kingdom"}]})"));
+    sample.reload();
+    const CardRecognizer exactOnly(sample.store, NameLengths::limitedUnlessExact);
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const std::vector<OCRToken> tokens{token(c.text, 0.2)};
+        EXPECT_EQ(idsBySlot(recognizer.recognizeCards(tokens)).first(), QString::fromUtf8(c.strict));
+        EXPECT_EQ(idsBySlot(exactOnly.recognizeCards(tokens)).first(), QString::fromUtf8(c.exactOnly));
+    }
+}
+
+TEST_F(CardRecognizerTest, LongClassesNeedToBeReadExactly) {
+    struct Case {
+        const char* why;
+        const char* text;
+        const char* strict;
+        const char* exactOnly;
+    };
+
+    const Case cases[] = {
+        {"within the limit", "Mage", "MAGE", "MAGE"},
+        {"eleven letters", "DEMON HUNTER", "-", "DEMONHUNTER"},
+        {"one of them read wrong", "DEMON HUNTEB", "-", "-"},
+        {"a line that holds the name", "The Demon Hunter", "-", "-"},
+    };
+    const CardRecognizer exactOnly(sample.store, NameLengths::limitedUnlessExact);
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const std::vector<OCRToken> tokens{token(c.text, 0.2)};
+        EXPECT_EQ(idsBySlot(recognizer.recognizeHeroes(tokens)).first(), QString::fromUtf8(c.strict));
+        EXPECT_EQ(idsBySlot(exactOnly.recognizeHeroes(tokens)).first(), QString::fromUtf8(c.exactOnly));
+    }
+}
+
 TEST_F(CardRecognizerTest, KeepsOnlyHeroTokensInTheirBand) {
     struct Case {
         const char* why;

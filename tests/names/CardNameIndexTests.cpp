@@ -21,27 +21,13 @@ namespace pelloran {
 
 namespace {
 
-std::vector<CardName> cardNames(const QStringList& originals) {
-    std::vector<CardName> names;
+std::vector<QString> normalized(const QStringList& originals) {
+    std::vector<QString> names;
+    names.reserve(static_cast<std::size_t>(originals.size()));
     for (const QString& original : originals) {
-        names.push_back({NameMatching::normalize(original), u"card "_s + QString::number(names.size()), original});
+        names.push_back(NameMatching::normalize(original));
     }
     return names;
-}
-
-CardNameIndex indexOf(const std::vector<CardName>& names) {
-    std::vector<QString> norms;
-    norms.reserve(names.size());
-    for (const CardName& name : names) {
-        norms.push_back(name.norm);
-    }
-    return CardNameIndex(norms);
-}
-
-std::optional<CardMatch> match(const CardNameIndex& index, const std::vector<CardName>& names,
-                               const QStringList& lines) {
-    const auto hit = index.bestMatch(lines);
-    return hit ? std::optional(CardMatch{names[hit->entry].cardId, hit->score, lines[hit->line]}) : std::nullopt;
 }
 
 TEST(CardNameIndex, FindsTheBestNameOfAllLines) {
@@ -118,14 +104,62 @@ TEST(CardNameIndex, FindsTheBestNameOfAllLines) {
     };
     for (const auto& row : cases) {
         SCOPED_TRACE(row.why);
-        const auto names = cardNames(row.names);
-        EXPECT_EQ(indexOf(names).bestMatch(row.lines), row.expected);
-        const auto plain = reference::matchName(names, row.lines);
-        ASSERT_EQ(plain.has_value(), row.expected.has_value());
-        if (plain) {
-            EXPECT_EQ(*plain, (CardMatch{names[row.expected->entry].cardId, row.expected->score,
-                                         row.lines[row.expected->line]}));
-        }
+        const auto names = normalized(row.names);
+        EXPECT_EQ(CardNameIndex(names).bestMatch(row.lines), row.expected);
+        EXPECT_EQ(reference::matchName(names, row.lines), row.expected);
+    }
+}
+
+TEST(CardNameIndex, TakesLongLinesThatAreExactWhereAsked) {
+    struct Case {
+        const char* why;
+        QStringList names;
+        QStringList lines;
+        std::optional<CardNameIndex::Hit> expected;
+    };
+
+    using Hit = CardNameIndex::Hit;
+    const QString seventeen = u"abcdefghijklmnopq"_s;
+    const QString forty = u"abcdefghijklmnopqrstabcdefghijklmnopqrst"_s;
+    const Case cases[] = {
+        {"seventeen characters", {u"Fireball"_s, seventeen}, {seventeen}, Hit{1, 1.0, 0}},
+        {"forty", {forty}, {forty}, Hit{0, 1.0, 0}},
+        {"exact but for what normalising drops",
+         {u"Arcanologist's Apprentice"_s},
+         {u"ARCANOLOGISTS  APPRENTICE!"_s},
+         Hit{0, 1.0, 0}},
+        {"one letter misread", {seventeen}, {u"abcdefghijklmnopx"_s}, {}},
+        {"a long line with a name in it", {u"abcdefghijklmnop"_s}, {seventeen}, {}},
+        {"a long line that is part of a name", {forty}, {forty.chopped(1)}, {}},
+        {"of equal names the first", {u"Fireball"_s, seventeen, seventeen.toUpper()}, {seventeen}, Hit{1, 1.0, 0}},
+        {"of two exact lines the earlier, long or not",
+         {u"Fireball"_s, seventeen},
+         {seventeen, u"Fireball"_s},
+         Hit{1, 1.0, 0}},
+        {"the earlier is short", {u"Fireball"_s, seventeen}, {u"Fireball"_s, seventeen}, Hit{0, 1.0, 0}},
+        {"exact beats nearly, before and after it",
+         {u"Fireball"_s, seventeen},
+         {u"Fireboll"_s, seventeen, u"Fireboll"_s},
+         Hit{1, 1.0, 1}},
+        {"shorter lines are as always", {u"Fireball"_s}, {u"Fireboll"_s}, Hit{0, 0.93125, 0}},
+        {"shorter lines that are implausible too", {u"ab"_s}, {u"ab"_s}, {}},
+        {"no name is of signs", {QString(20, u'-')}, {QString(20, u'-')}, {}},
+        {"characters of several code points",
+         {u"x\u0327abcdefghijklmnopqrs"_s},
+         {u"X\u0327abcdefghijklmnopqrs"_s},
+         Hit{0, 1.0, 0}},
+        {"one that no name has", {u"x\u0327abcdefghijklmnopqrs"_s}, {u"q\u0327abcdefghijklmnopqrs"_s}, {}},
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.why);
+        const auto names = normalized(row.names);
+        EXPECT_EQ(CardNameIndex(names).bestMatch(row.lines, NameLengths::limitedUnlessExact), row.expected);
+        EXPECT_EQ(reference::matchName(names, row.lines, NameLengths::limitedUnlessExact), row.expected);
+        QStringList shortLines = row.lines;
+        shortLines.removeIf([](const QString& line) { return characterCount(NameMatching::normalize(line)) >= 17; });
+        const auto limited = CardNameIndex(names).bestMatch(row.lines);
+        EXPECT_EQ(limited.has_value(), CardNameIndex(names).bestMatch(shortLines).has_value())
+            << "long lines are as if they were not there unless asked for";
     }
 }
 
@@ -198,15 +232,15 @@ QStringList randomLines(std::mt19937& random, const QStringList& names, const QS
     return lines;
 }
 
-void expectEqualMatches(const CardNameIndex& index, const std::vector<CardName>& names, reference::PreparedNames& plain,
-                        const QStringList& lines) {
-    const auto expected = plain.matchName(lines);
-    const auto actual = match(index, names, lines);
+void expectEqualMatches(const CardNameIndex& index, reference::PreparedNames& plain, const QStringList& lines,
+                        NameLengths lengths) {
+    const auto expected = plain.matchName(lines, lengths);
+    const auto actual = index.bestMatch(lines, lengths);
     SCOPED_TRACE(lines.join(u" | ").toStdString());
     ASSERT_EQ(actual.has_value(), expected.has_value());
     if (actual) {
-        ASSERT_EQ(actual->cardId, expected->cardId);
-        ASSERT_EQ(actual->text, expected->text);
+        ASSERT_EQ(actual->entry, expected->entry);
+        ASSERT_EQ(actual->line, expected->line);
         ASSERT_EQ(std::bit_cast<quint64>(actual->score), std::bit_cast<quint64>(expected->score));
     }
 }
@@ -223,12 +257,13 @@ TEST_P(CardNameIndexOn, RandomNamesFindsWhatThePlainSearchFinds) {
         for (int i = 0; i < 150; ++i) {
             originals += randomText(random, alphabet, round % 2 == 0 ? 8 : 23);
         }
-        const auto names = cardNames(originals);
-        const CardNameIndex index = indexOf(names);
+        const auto names = normalized(originals);
+        const CardNameIndex index(names);
         reference::PreparedNames plain(names);
         for (int i = 0; i < 150; ++i) {
             const QStringList lines = randomLines(random, originals, alphabet);
-            expectEqualMatches(index, names, plain, lines);
+            expectEqualMatches(index, plain, lines,
+                               i % 2 == 0 ? NameLengths::limited : NameLengths::limitedUnlessExact);
             if (HasFatalFailure()) {
                 return;
             }
@@ -258,18 +293,19 @@ TEST(CardNameIndex, FindsWhatThePlainSearchFindsAmongRealNames) {
         }
     }
     ASSERT_GT(originals.size(), 14'000);
-    const auto names = cardNames(originals);
-    const CardNameIndex index = indexOf(names);
+    const auto names = normalized(originals);
+    const CardNameIndex index(names);
     reference::PreparedNames plain(names);
 
     // The literal search is far too slow for more than a few of these.
     for (const QString& line : {u"Firebolt (4)"_s, u"火球木"_s}) {
-        EXPECT_EQ(match(index, names, {line}), reference::matchName(names, {line}));
+        EXPECT_EQ(index.bestMatch({line}), reference::matchName(names, {line}));
     }
     std::mt19937 random(11);
     const QStringList letters = u"a b c d e f g h i l m n o r s t u 火 术 之 者 法 师 德 大 - '"_s.split(u' ');
     for (int i = 0; i < 1500; ++i) {
-        expectEqualMatches(index, names, plain, randomLines(random, originals, letters));
+        expectEqualMatches(index, plain, randomLines(random, originals, letters),
+                           i % 2 == 0 ? NameLengths::limited : NameLengths::limitedUnlessExact);
         if (HasFatalFailure()) {
             return;
         }

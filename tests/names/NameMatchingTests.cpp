@@ -1,6 +1,5 @@
 #include "names/NameMatching.h"
 
-#include "data/WinrateStore.h"
 #include "NameMatchingReference.h"
 #include "support/Printing.h"
 
@@ -44,7 +43,7 @@ TEST(Normalize, KeepsWhatTellsNamesApart) {
     };
     for (const auto& row : cases) {
         SCOPED_TRACE(row.why);
-        EXPECT_EQ(WinrateStore::normalize(row.text), row.expected);
+        EXPECT_EQ(NameMatching::normalize(row.text), row.expected);
     }
 }
 
@@ -95,7 +94,7 @@ TEST(IsPlausibleName, WantsAChineseCharacterOrThreeLowercaseLetters) {
     };
     for (const auto& row : cases) {
         SCOPED_TRACE(row.why);
-        EXPECT_EQ(WinrateStore::isPlausibleName(row.text), row.expected);
+        EXPECT_EQ(NameMatching::isPlausibleName(row.text), row.expected);
         EXPECT_EQ(reference::isPlausibleName(row.text), row.expected);
     }
 }
@@ -126,8 +125,8 @@ TEST(LcsLength, CountsCharactersInCommonOrder) {
     };
     for (const auto& row : cases) {
         SCOPED_TRACE(row.why);
-        EXPECT_EQ(WinrateStore::lcsLength(row.a, row.b), row.expected);
-        EXPECT_EQ(WinrateStore::lcsLength(row.b, row.a), row.expected);
+        EXPECT_EQ(NameMatching::lcsLength(row.a, row.b), row.expected);
+        EXPECT_EQ(NameMatching::lcsLength(row.b, row.a), row.expected);
     }
 }
 
@@ -161,7 +160,7 @@ TEST(ScoreName, FollowsTheFirstRuleThatApplies) {
     };
     for (const auto& row : cases) {
         SCOPED_TRACE(row.why);
-        EXPECT_EQ(WinrateStore::scoreName(row.query, row.target), row.expected);
+        EXPECT_EQ(NameMatching::scoreName(row.query, row.target), row.expected);
     }
 }
 

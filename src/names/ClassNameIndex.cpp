@@ -1,4 +1,4 @@
-#include "data/ClassNameIndex.h"
+#include "names/ClassNameIndex.h"
 
 #include <algorithm>
 
@@ -8,21 +8,18 @@ namespace pelloran {
 
 using namespace NameMatching;
 
-ClassNameIndex::ClassNameIndex(const ClassesByKey& classes) {
-    for (const auto& [storedKey, row] : classes) {
-        const QString key = row.playerClass.toUpper();
-        add(row.nameZh, key);
-        add(row.displayName(AppLanguage::en), key);
-        if (row.nameEn && !row.nameEn->isEmpty()) {
-            add(*row.nameEn, key);
+ClassNameIndex::ClassNameIndex(const std::vector<NamedClass>& classes) {
+    for (const NamedClass& each : classes) {
+        for (const QString& name : each.names) {
+            add(name, each.key);
         }
     }
-    for (const auto& [key, row] : classes) {
-        add(key, key);
+    for (const NamedClass& each : classes) {
+        add(each.key, each.key);
     }
     for (const auto& [nickname, key] : {std::pair(u"萨满"_s, u"SHAMAN"_s), std::pair(u"死骑"_s, u"DEATHKNIGHT"_s),
                                         std::pair(u"瞎"_s, u"DEMONHUNTER"_s)}) {
-        if (classes.contains(key)) {
+        if (std::ranges::find(classes, key, &NamedClass::key) != classes.end()) {
             nicknames.emplace(nickname, key);
         }
     }
@@ -30,19 +27,23 @@ ClassNameIndex::ClassNameIndex(const ClassesByKey& classes) {
 
 void ClassNameIndex::add(const QString& name, const QString& key) {
     const QString norm = normalize(name);
-    candidates.push_back({norm, table.add(norm), key});
+    candidates.push_back({name, norm, table.add(norm), key});
 }
 
-std::optional<ClassMatch> ClassNameIndex::bestMatch(const QStringList& lines) const {
+std::optional<ClassMatch> ClassNameIndex::bestMatch(const QStringList& lines, NameLengths lengths) const {
     std::optional<ClassMatch> best;
     for (const QString& line : lines) {
         const std::u32string query = table.find(normalize(line));
-        if (query.empty() || query.size() >= classQueryLimit) {
+        const bool tooLong = query.size() >= classQueryLimit;
+        if (query.empty() || (tooLong && lengths == NameLengths::limited)) {
             continue;
         }
         const auto exact = std::ranges::find(candidates, query, &Candidate::characters);
         if (exact != candidates.end()) {
             return ClassMatch{exact->key, 1.0, line};
+        }
+        if (tooLong) {
+            continue;
         }
         for (const Candidate& candidate : candidates) {
             const std::u32string& name = candidate.characters;
@@ -76,6 +77,19 @@ QSet<QString> ClassNameIndex::exactLines() const {
         lines.insert(nickname);
     }
     return lines;
+}
+
+QStringList ClassNameIndex::texts() const {
+    QStringList texts;
+    for (const Candidate& candidate : candidates) {
+        if (!candidate.characters.empty()) {
+            texts += candidate.text;
+        }
+    }
+    for (const auto& [nickname, key] : nicknames) {
+        texts += nickname;
+    }
+    return texts;
 }
 
 } // namespace pelloran

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "names/NameMatching.h"
-#include "data/WinrateFormats.h"
 
 #include <QSet>
 #include <QStringList>
@@ -22,24 +21,32 @@ struct ClassMatch {
     bool operator==(const ClassMatch&) const = default;
 };
 
+// What a class is called.
+struct NamedClass {
+    QString key; // in upper case
+    QStringList names;
+};
+
 // Everything the classes are called, ready to be searched. Immutable once made; from any thread.
 class ClassNameIndex {
 public:
-    using ClassesByKey = std::map<QString, ClassWinrateRow>;
-
     ClassNameIndex() = default;
-    explicit ClassNameIndex(const ClassesByKey& classes);
+    explicit ClassNameIndex(const std::vector<NamedClass>& classes);
 
     // A line that is exactly a name ends the search. Else the best of the lines that contain a name or are part of one,
     // if it reaches NameMatching::classThreshold; a nickname beats it where it scores less. Of equal scores the
-    // earliest line wins, then names in ascending order of keys.
-    std::optional<ClassMatch> bestMatch(const QStringList& lines) const;
+    // earliest line wins, then the name that comes first: all names in the order given, then all keys.
+    std::optional<ClassMatch> bestMatch(const QStringList& lines, NameLengths lengths = NameLengths::limited) const;
 
     // Normalised lines that name a class exactly, by name or by nickname.
     QSet<QString> exactLines() const;
 
+    // Everything by which a class can be named, as it was given: names, then keys, then nicknames. Too long ones too.
+    QStringList texts() const;
+
 private:
     struct Candidate {
+        QString text;
         QString norm;
         std::u32string characters;
         QString key;
@@ -49,7 +56,7 @@ private:
 
     CharacterTable table;
     std::vector<Candidate> candidates;
-    std::map<QString, QString> nicknames; // normalised, to the class's key
+    std::map<QString, QString> nicknames; // which normalising leaves as they are, to the class's key
 };
 
 } // namespace pelloran

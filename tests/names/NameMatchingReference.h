@@ -1,7 +1,7 @@
 #pragma once
 
-#include "data/ClassNameIndex.h"
-#include "data/WinrateStore.h"
+#include "names/CardNameIndex.h"
+#include "names/ClassNameIndex.h"
 
 #include <QString>
 #include <QStringList>
@@ -20,22 +20,23 @@ std::size_t lcsLength(const QString& a, const QString& b);
 double scoreName(const QString& query, const QString& targetNorm);
 
 // Normalises and takes apart each line and each name again for every pair.
-std::optional<CardMatch> matchName(const std::vector<CardName>& names, const QStringList& lines);
+std::optional<CardNameIndex::Hit> matchName(const std::vector<QString>& normalizedNames, const QStringList& lines,
+                                            NameLengths lengths = NameLengths::limited);
 
-std::optional<ClassMatch> matchClass(const ClassNameIndex::ClassesByKey& classes, const QStringList& lines);
+std::optional<ClassMatch> matchClass(const std::vector<NamedClass>& classes, const QStringList& lines,
+                                     NameLengths lengths = NameLengths::limited);
 
 // matchName with every name and line normalised and taken apart once, and characters numbered: scores every pair all
 // the same, but in time for tests of many lines.
 class PreparedNames {
 public:
-    explicit PreparedNames(const std::vector<CardName>& cardNames);
+    explicit PreparedNames(const std::vector<QString>& normalizedNames);
 
-    std::optional<CardMatch> matchName(const QStringList& lines);
+    std::optional<CardNameIndex::Hit> matchName(const QStringList& lines, NameLengths lengths = NameLengths::limited);
 
 private:
     std::vector<int> numbered(const QString& text);
 
-    const std::vector<CardName>& names;
     std::map<QString, int> numbers;
     std::vector<std::vector<int>> split;
 };

@@ -107,45 +107,45 @@ double scoreName(const QString& query, const QString& targetNorm) {
     return scoreOf(characters(normalize(query)), characters(targetNorm));
 }
 
-std::optional<CardMatch> matchName(const std::vector<CardName>& names, const QStringList& lines) {
-    std::optional<CardMatch> best;
-    for (const QString& line : lines) {
-        if (!isPlausibleName(line) || characters(normalize(line)).size() >= 17 || names.empty()) {
+std::optional<CardNameIndex::Hit> matchName(const std::vector<QString>& normalizedNames, const QStringList& lines,
+                                            NameLengths lengths) {
+    std::optional<CardNameIndex::Hit> best;
+    for (qsizetype line = 0; line < lines.size(); ++line) {
+        const bool tooLong = characters(normalize(lines[line])).size() >= 17;
+        if (!isPlausibleName(lines[line]) || (tooLong && lengths == NameLengths::limited)) {
             continue;
         }
-        for (const CardName& name : names) {
-            const double score = scoreName(line, name.norm);
-            if (score >= 0.78 && (!best || score > best->score)) {
-                best = CardMatch{name.cardId, score, line};
+        for (std::size_t i = 0; i < normalizedNames.size(); ++i) {
+            const double score = scoreName(lines[line], normalizedNames[i]);
+            if (score >= (tooLong ? 1 : 0.78) && (!best || score > best->score)) {
+                best = CardNameIndex::Hit{i, score, line};
             }
         }
     }
     return best;
 }
 
-std::optional<ClassMatch> matchClass(const ClassNameIndex::ClassesByKey& classes, const QStringList& lines) {
+std::optional<ClassMatch> matchClass(const std::vector<NamedClass>& classes, const QStringList& lines,
+                                     NameLengths lengths) {
     struct Candidate {
         QString norm;
         QString key;
     };
 
     std::vector<Candidate> candidates;
-    for (const auto& [mapKey, row] : classes) {
-        const QString key = row.playerClass.toUpper();
-        candidates.push_back({normalize(row.nameZh), key});
-        candidates.push_back({normalize(row.displayName(AppLanguage::en)), key});
-        if (row.nameEn.has_value() && !row.nameEn->isEmpty()) {
-            candidates.push_back({normalize(*row.nameEn), key});
+    for (const auto& [key, names] : classes) {
+        for (const QString& name : names) {
+            candidates.push_back({normalize(name), key});
         }
     }
-    for (const auto& [key, row] : classes) {
+    for (const auto& [key, names] : classes) {
         candidates.push_back({normalize(key), key});
     }
 
     std::optional<ClassMatch> best;
     for (const QString& line : lines) {
         const auto n = characters(normalize(line));
-        if (n.empty() || n.size() >= 11) {
+        if (n.empty() || (n.size() >= 11 && lengths == NameLengths::limited)) {
             continue;
         }
         for (const Candidate& candidate : candidates) {
@@ -155,7 +155,7 @@ std::optional<ClassMatch> matchClass(const ClassNameIndex::ClassesByKey& classes
         }
         for (const Candidate& candidate : candidates) {
             const auto norm = characters(candidate.norm);
-            if (norm.size() < 2 || !(contains(n, norm) || (contains(norm, n) && n.size() >= 2))) {
+            if (n.size() >= 11 || norm.size() < 2 || !(contains(n, norm) || (contains(norm, n) && n.size() >= 2))) {
                 continue;
             }
             const double score = scoreName(line, candidate.norm);
@@ -169,17 +169,21 @@ std::optional<ClassMatch> matchClass(const ClassNameIndex::ClassesByKey& classes
                                              {QStringLiteral("瞎"), QStringLiteral("DEMONHUNTER")}};
     for (const QString& line : lines) {
         const auto alias = aliases.find(normalize(line));
-        if (alias != aliases.end() && classes.contains(alias->second) && (!best || best->score < 0.95)) {
+        if (alias == aliases.end()) {
+            continue;
+        }
+        const bool there = std::any_of(classes.begin(), classes.end(),
+                                       [&](const NamedClass& each) { return each.key == alias->second; });
+        if (there && (!best || best->score < 0.95)) {
             best = ClassMatch{alias->second, 0.95, line};
         }
     }
     return best;
 }
 
-PreparedNames::PreparedNames(const std::vector<CardName>& cardNames)
-    : names(cardNames) {
-    for (const CardName& name : names) {
-        split.push_back(numbered(name.norm));
+PreparedNames::PreparedNames(const std::vector<QString>& normalizedNames) {
+    for (const QString& name : normalizedNames) {
+        split.push_back(numbered(name));
     }
 }
 
@@ -191,17 +195,18 @@ std::vector<int> PreparedNames::numbered(const QString& text) {
     return result;
 }
 
-std::optional<CardMatch> PreparedNames::matchName(const QStringList& lines) {
-    std::optional<CardMatch> best;
-    for (const QString& line : lines) {
-        const std::vector<int> query = numbered(normalize(line));
-        if (!isPlausibleName(line) || query.size() >= 17) {
+std::optional<CardNameIndex::Hit> PreparedNames::matchName(const QStringList& lines, NameLengths lengths) {
+    std::optional<CardNameIndex::Hit> best;
+    for (qsizetype line = 0; line < lines.size(); ++line) {
+        const std::vector<int> query = numbered(normalize(lines[line]));
+        const bool tooLong = query.size() >= 17;
+        if (!isPlausibleName(lines[line]) || (tooLong && lengths == NameLengths::limited)) {
             continue;
         }
-        for (std::size_t i = 0; i < names.size(); ++i) {
+        for (std::size_t i = 0; i < split.size(); ++i) {
             const double score = scoreOf(query, split[i]);
-            if (score >= 0.78 && (!best || score > best->score)) {
-                best = CardMatch{names[i].cardId, score, line};
+            if (score >= (tooLong ? 1 : 0.78) && (!best || score > best->score)) {
+                best = CardNameIndex::Hit{i, score, line};
             }
         }
     }

@@ -1,0 +1,157 @@
+#pragma once
+
+#include "app/localisation/AppLanguage.h"
+#include "draft/DraftModel.h"
+
+#include <QByteArray>
+#include <QJsonObject>
+#include <QSet>
+#include <QString>
+#include <QStringList>
+
+#include <array>
+#include <expected>
+#include <map>
+#include <optional>
+#include <utility>
+#include <vector>
+
+// How well pictures are recognised whose truth is known: reading truth files, judging what recognition made of a
+// picture and adding it all up. Looks at no picture itself; docs/formats.md describes what is read and printed.
+namespace pelloran {
+
+class WinrateStore;
+
+namespace evaluation {
+
+// What is really offered in one slot, as far as the truth file says.
+struct Offer {
+    QString id;   // a card's identifier or a class's key; "" where only the name is known
+    QString name; // as printed, in the language of the picture; "" where only the identifier is known
+
+    bool operator==(const Offer&) const = default;
+};
+
+struct Truth {
+    DraftPhase phase = DraftPhase::idle;        // idle: the picture shows no pick at all
+    AppLanguage language = AppLanguage::en;     // never `system`
+    std::array<std::optional<Offer>, 3> offers; // by slot; absent: not legible, does not count
+    std::optional<QString> file;                // name of the picture; absent: the truth file's own, but for the ending
+
+    bool operator==(const Truth&) const = default;
+};
+
+// An error is a sentence on what is wrong with the file.
+std::expected<Truth, QString> parseTruth(const QByteArray& json);
+
+// The rules by which such a picture is looked at: without a pick on it those of either, since none may find anything.
+std::vector<DraftPhase> rulesFor(const Truth& truth);
+
+// What one look at a picture came to.
+struct Look {
+    DraftPhase rules = DraftPhase::cardPick; // never idle
+    std::vector<SlotMatch> matches;          // by slot
+    double milliseconds = 0;
+    double cpuMilliseconds = 0; // of all threads
+
+    // Shows what the other look shows.
+    bool agreesWith(const Look& other) const;
+};
+
+enum class Verdict {
+    right,
+    wrong,        // shows another card or class
+    unread,       // shows nothing
+    missing,      // shows nothing, and could not: the data in use has no such name
+    wrongMissing, // shows another card or class in place of one that the data has no name for
+    falseOffer,   // shows something on a picture without a pick
+};
+
+struct Answer {
+    DraftPhase rules = DraftPhase::cardPick;
+    SlotMatch match;
+    std::optional<QString> shown;   // name of what was matched, in the picture's language
+    std::optional<Offer> offered;   // absent: nothing, or not legible
+    std::optional<Verdict> verdict; // absent: the slot does not count
+
+    bool operator==(const Answer&) const = default;
+};
+
+// Compares with the names of the data in use. Cards that were printed again share a name, and a name is all there is to
+// read; so equal names are right, whatever the identifiers.
+class Judge {
+public:
+    // `store` must outlive the judge and not be loaded anew in its time.
+    explicit Judge(const WinrateStore& store);
+
+    // By slot.
+    std::vector<Answer> judge(const Truth& truth, const Look& look) const;
+
+private:
+    struct Known {
+        QString shown;
+        QStringList normalized; // the names it goes by
+    };
+
+    std::optional<Known> known(const Truth& truth, const QString& id, DraftPhase rules) const;
+    bool isKnown(const Truth& truth, const Offer& offer) const;
+    Answer judge(const Truth& truth, DraftPhase rules, const SlotMatch& match) const;
+
+    const WinrateStore& store;
+    std::map<AppLanguage::Value, QSet<QString>> cardNames; // normalised
+    QSet<QString> classNames;                              // normalised, of all languages
+};
+
+// One picture with all that came of it.
+struct Picture {
+    QString path;
+    Truth truth;
+    std::vector<Look> looks;     // one for each of rulesFor(truth): the first at this picture
+    std::vector<Look> repeated;  // more of the same, with what the earlier ones taught the reader
+    std::vector<Answer> answers; // to `looks`
+};
+
+// A line for each slot that is not as it should be.
+QStringList remarks(const Picture& picture);
+
+QJsonObject toJson(const Picture& picture);
+
+// The median, the ninth decile and so on: the value below which the share `quantile` of the values lies, on the line
+// between the two values next to it. Absent without values.
+std::optional<double> quantile(std::vector<double> values, double quantile);
+
+struct Tally {
+    int pictures = 0;
+    int slots = 0; // whose offer is legible: the sum of the next four
+    int right = 0;
+    int wrong = 0;
+    int unread = 0;
+    int notInData = 0;
+    int wrongMissing = 0; // of those not in the data
+    int falseOffers = 0;
+    int changed = 0;                  // repeated looks that show something else than the first
+    std::vector<double> milliseconds; // of the first looks
+    std::vector<double> cpuMilliseconds;
+    std::vector<double> repeatedCpuMilliseconds;
+
+    void add(const Picture& picture);
+};
+
+// Of all pictures, and by language and phase.
+class Totals {
+public:
+    void add(const Picture& picture);
+
+    // Lines of a table in columns of equal width.
+    QStringList table() const;
+
+    QJsonObject toJson() const;
+
+private:
+    Tally all;
+    std::map<std::pair<QString, QString>, Tally> groups; // by language and name of the phase
+};
+
+} // namespace evaluation
+
+} // namespace pelloran
