@@ -170,7 +170,7 @@ struct Lexicon::Index {
     std::optional<Halves> distance(const Query& query, const FoldedNames& names, std::size_t place, Halves limit) const;
 
     // For a folded reading that is no name's.
-    std::optional<Settled> nearest(const QString& folded, NameKinds fitting, const Tolerance& tolerance) const;
+    std::optional<Settled> nearest(const QString& folded, NameKinds fitting, const Tolerance& nearEnough) const;
 };
 
 Lexicon::Index::Index(const std::vector<KnownName>& names) {
@@ -248,11 +248,11 @@ std::optional<Halves> Lexicon::Index::distance(const Query& query, const FoldedN
 }
 
 std::optional<Lexicon::Settled> Lexicon::Index::nearest(const QString& folded, NameKinds fitting,
-                                                        const Tolerance& tolerance) const {
+                                                        const Tolerance& nearEnough) const {
     // Names near enough for their own length. Those about as long as the reading first: they set the mark that the
     // others have to reach. A line much longer than all names ends here, whatever its length.
     const auto greatest = [&](std::size_t nameLength) {
-        return inHalves(std::min(tolerance.perCharacter * static_cast<double>(nameLength), greatestDistance));
+        return inHalves(std::min(nearEnough.perCharacter * static_cast<double>(nameLength), greatestDistance));
     };
     const std::u16string_view reading = view(folded);
     std::vector<std::pair<Halves, const FoldedNames*>> groups;
@@ -283,7 +283,7 @@ std::optional<Lexicon::Settled> Lexicon::Index::nearest(const QString& folded, N
     }
 
     // Any name at all that is nearer, or too little farther: also one that itself would be too far away for its length.
-    const Halves tooNear = best + static_cast<Halves>(std::ceil(std::clamp(tolerance.margin, 0.0, enough) * 2)) - 1;
+    const Halves tooNear = best + static_cast<Halves>(std::ceil(std::clamp(nearEnough.margin, 0.0, enough) * 2)) - 1;
     for (const auto& [length, names] : byLength) {
         for (std::size_t i = 0; i < names.entries.size() && query.leastFrom(length) <= tooNear; ++i) {
             if (names.entries[i] != bestEntry && distance(query, names, i, tooNear)) {
