@@ -130,7 +130,7 @@ public:
     }
 
     struct Look {
-        std::vector<OCRToken> tokens;
+        ReadText text;
         evaluation::Look outcome;
     };
 
@@ -140,10 +140,10 @@ public:
         const double cpuBefore = processCpuMilliseconds();
         QElapsedTimer wall;
         wall.start();
-        made.tokens =
+        made.text =
             CardRecognizer::ocrTokens(image, *reader, heroes ? recognizer.heroHints() : recognizer.cardHints());
         made.outcome.matches =
-            heroes ? recognizer.recognizeHeroes(made.tokens) : recognizer.recognizeCards(made.tokens);
+            heroes ? recognizer.recognizeHeroes(made.text) : recognizer.recognizeCards(made.text);
         made.outcome.milliseconds = static_cast<double>(wall.nsecsElapsed()) / 1e6;
         made.outcome.cpuMilliseconds = processCpuMilliseconds() - cpuBefore;
         made.outcome.rules = phase;
@@ -381,7 +381,8 @@ int run(const RecognizeImages& command) {
             answer.insert(QStringLiteral("milliseconds"), look.outcome.milliseconds);
             answer.insert(QStringLiteral("cpuMilliseconds"), look.outcome.cpuMilliseconds);
             answer.insert(QStringLiteral("slots"), json::array(look.outcome.matches));
-            answer.insert(QStringLiteral("tokens"), json::array(look.tokens));
+            answer.insert(QStringLiteral("tokens"), json::array(look.text.tokens));
+            answer.insert(QStringLiteral("unsettled"), json::array(look.text.unsettled));
         } else {
             answer.insert(QStringLiteral("error"), image.error());
             result = EXIT_FAILURE;

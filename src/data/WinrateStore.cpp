@@ -80,10 +80,6 @@ std::optional<QString> resolveFirstExisting(const Search& search, const Applicat
     return std::nullopt;
 }
 
-std::shared_ptr<const KnownNames> knownNames(QSet<QString> normalized) {
-    return std::make_shared<const KnownNames>(KnownNames{&NameMatching::normalize, std::move(normalized)});
-}
-
 // None where the file does not tell, or tells of something new.
 NameKinds kindsOf(const std::optional<QString>& type) {
     struct Kind {
@@ -115,8 +111,6 @@ std::vector<NamedClass> namedClasses(const ClassesByKey& classes) {
 
 WinrateStore::WinrateStore(const ApplicationFiles& applicationFiles)
     : files(applicationFiles)
-    , cardNamesKnown(knownNames({}))
-    , classNamesKnown(knownNames({}))
     , lexiconOfCards(std::make_shared<const Lexicon>())
     , lexiconOfClasses(std::make_shared<const Lexicon>()) {}
 
@@ -175,8 +169,6 @@ void WinrateStore::applyCards(const CardFile& file) {
     cardNames.reserve(mostNames);
     std::vector<QString> norms;
     norms.reserve(mostNames);
-    QSet<QString> known;
-    known.reserve(static_cast<qsizetype>(mostNames));
     std::vector<KnownName> texts;
     texts.reserve(mostNames);
     for (const CardStats& row : file.rows) {
@@ -187,14 +179,10 @@ void WinrateStore::applyCards(const CardFile& file) {
                 cardNames.push_back({norm, row.cardId, *name});
                 norms.push_back(norm);
                 texts.push_back({*name, kindsOf(row.type)});
-                if (!norm.isEmpty()) {
-                    known.insert(norm);
-                }
             }
         }
     }
     cardIndex = CardNameIndex(norms);
-    cardNamesKnown = knownNames(std::move(known));
     lexiconOfCards = std::make_shared<const Lexicon>(std::move(texts), Lexicon::forCards);
     cardMeta = file.description + u" / "_s + QString::number(cards.size()) + u" cards"_s;
     sample = file.isSample;
@@ -233,7 +221,6 @@ void WinrateStore::applyClasses(const ClassWinrateFile& file) {
         }
     }
     classIndex = ClassNameIndex(namedClasses(classes));
-    classNamesKnown = knownNames(classIndex.exactLines());
     std::vector<KnownName> texts;
     for (const QString& text : classIndex.texts()) {
         texts.push_back({text, {}});

@@ -6,7 +6,6 @@
 #include "names/Lexicon.h"
 #include "names/NameMatching.h"
 #include "platform/ApplicationFiles.h"
-#include "platform/TextReader.h"
 
 #include <QHashFunctions>
 #include <QString>
@@ -114,12 +113,6 @@ public:
     // True when the loaded card file calls its figures made up.
     bool holdsSampleData() const { return sample; }
 
-    // For readers on other threads, never null: the normalised names of all cards, and the normalised lines that name a
-    // class exactly. Later loads leave a set that was given out as it is.
-    std::shared_ptr<const KnownNames> knownCardNames() const { return cardNamesKnown; }
-
-    std::shared_ptr<const KnownNames> knownClassNames() const { return classNamesKnown; }
-
     // The same, also never null, for settling what was read: every name of a card, with the kinds of all cards that
     // bear it, and everything that names a class, at its full length.
     std::shared_ptr<const Lexicon> cardLexicon() const { return lexiconOfCards; }
@@ -141,8 +134,6 @@ private:
     QString metaOfClasses;
     QString cardsSource;
     bool sample = false;
-    std::shared_ptr<const KnownNames> cardNamesKnown;
-    std::shared_ptr<const KnownNames> classNamesKnown;
     std::shared_ptr<const Lexicon> lexiconOfCards;
     std::shared_ptr<const Lexicon> lexiconOfClasses;
 };

@@ -74,7 +74,7 @@ private:
         bool tickAgain; // once it has come
     };
 
-    using Look = std::expected<std::vector<OCRToken>, WindowCaptureError>;
+    using Look = std::expected<ReadText, WindowCaptureError>;
 
     void timerFired();
     void beginTick();

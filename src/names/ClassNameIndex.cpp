@@ -66,19 +66,6 @@ std::optional<ClassMatch> ClassNameIndex::bestMatch(const QStringList& lines, Na
     return best;
 }
 
-QSet<QString> ClassNameIndex::exactLines() const {
-    QSet<QString> lines;
-    for (const Candidate& candidate : candidates) {
-        if (!candidate.characters.empty() && candidate.characters.size() < classQueryLimit) {
-            lines.insert(candidate.norm);
-        }
-    }
-    for (const auto& [nickname, key] : nicknames) {
-        lines.insert(nickname);
-    }
-    return lines;
-}
-
 QStringList ClassNameIndex::texts() const {
     QStringList texts;
     for (const Candidate& candidate : candidates) {

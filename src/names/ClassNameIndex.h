@@ -2,7 +2,6 @@
 
 #include "names/NameMatching.h"
 
-#include <QSet>
 #include <QStringList>
 
 #include <map>
@@ -37,9 +36,6 @@ public:
     // if it reaches NameMatching::classThreshold; a nickname beats it where it scores less. Of equal scores the
     // earliest line wins, then the name that comes first: all names in the order given, then all keys.
     std::optional<ClassMatch> bestMatch(const QStringList& lines, NameLengths lengths = NameLengths::limited) const;
-
-    // Normalised lines that name a class exactly, by name or by nickname.
-    QSet<QString> exactLines() const;
 
     // Everything by which a class can be named, as it was given: names, then keys, then nicknames. Too long ones too.
     QStringList texts() const;

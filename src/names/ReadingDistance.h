@@ -32,6 +32,10 @@ bool isReadAsTwo(char16_t first, char16_t second, char16_t meant);
 // time by the name's length times the limit, as far as lengths allow for a distance within the limit at all.
 std::optional<Halves> between(std::u16string_view reading, std::u16string_view name, Halves limit);
 
+// True where every difference is one that counts less: the reading can be this name without anything unusual having
+// happened. Of folded texts.
+bool isLikely(std::u16string_view reading, std::u16string_view name);
+
 // What a name that much longer or shorter than the reading is away at least.
 constexpr Halves leastOfLengths(std::size_t readingLength, std::size_t nameLength) {
     return readingLength > nameLength ? static_cast<Halves>(readingLength - nameLength) * ofJunk

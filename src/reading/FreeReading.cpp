@@ -394,6 +394,12 @@ ReadText Reading::offer() const {
                 text.unsettled.push_back(token);
             }
         }
+        if (row.size() == 3) {
+            text.columns.emplace();
+            for (std::size_t i = 0; i < row.size(); ++i) {
+                (*text.columns)[i] = QRectF(lines[row[i]].box.area).center().x() / image.width();
+            }
+        }
         if (text.tokens.size() >= fewestOffers && text.tokens.size() > best.tokens.size()) {
             std::swap(best, text);
         }

@@ -12,9 +12,9 @@ ReadText LineByLineReader::read(const QImage& image, const ReadingHints& hints) 
     if (image.isNull() || (hints.names && hints.names->isEmpty())) {
         return {};
     }
-    ReadingTools tools{*lineReader, remembered};
     ReadText placed;
     if (hints.names && hints.script.value_or(remembered.value_or(Script::latin)) == Script::latin) {
+        ReadingTools tools{*lineReader, remembered};
         placed = hints.offers == ReadingHints::Offers::cards ? readCardsAtPlaces(tools, image, *hints.names)
                                                              : readHeroesAtPlaces(tools, image, *hints.names);
         if (!placed.tokens.empty()) {
@@ -22,6 +22,7 @@ ReadText LineByLineReader::read(const QImage& image, const ReadingHints& hints) 
             return placed;
         }
     }
+    ReadingTools tools{*lineReader, remembered};
     ReadText anywhere = readAnywhere(tools, image, hints);
     anywhere.unsettled.insert(anywhere.unsettled.end(), placed.unsettled.begin(), placed.unsettled.end());
     return anywhere;

@@ -2,6 +2,7 @@
 
 #include "HeroLines.h"
 #include "LetterRows.h"
+#include "names/ReadingDistance.h"
 #include "RibbonLines.h"
 
 #include <algorithm>
@@ -12,7 +13,7 @@ namespace pelloran {
 
 namespace {
 
-constexpr std::size_t fewestOffers = 2;
+constexpr std::ptrdiff_t fewestOffers = 2; // beside each other
 constexpr std::size_t mostRetries = 6; // in one frame of reference, after one reading of each line
 constexpr float hopeless = 0.45F;      // mean confidence: no line of these is a name, another try would not make it one
 
@@ -37,6 +38,7 @@ constexpr std::array cardAttempts{
     CardAttempt{0, {.paper = 0.4, .ink = 0.8, .height = 48}},
     CardAttempt{1, {.above = 0.0145, .below = 0.0055}},
 };
+constexpr double furthestOffset = 0.004; // of a baseline from its place; measured ones are within 0.001
 constexpr double rivalShare = 0.35; // of the best score: the next ribbon is worth a try
 
 constexpr std::array heroAttempts{
@@ -47,48 +49,88 @@ constexpr std::array heroAttempts{
     HeroRecipe{.margin = 0.1, .paper = 0, .ink = 0.9},
 };
 
+// Where a reading comes from.
+struct Line {
+    QRectF box;          // of the letters, in pixels of the window
+    NameKinds kinds;     // of cards with such lines
+    bool inPlace = true; // where this game's screens have such lines
+};
+
 // What has been read at one of the three places.
-struct Slot {
-    std::optional<Lexicon::Settled> settled;
-    LineReading reading; // the one that settled, else the surest
-    QRectF box;          // in pixels of the window
-
-    bool isExact() const { return settled && settled->distance == 0; }
-
-    void take(const LineReading& read, const QRectF& area, const std::optional<Lexicon::Settled>& result) {
+class Slot {
+public:
+    // A further reading of a line, and what the names make of it.
+    void take(const LineReading& read, const Line& from, const std::optional<Lexicon::Settled>& result) {
+        if (read.text.isEmpty() || isDone()) {
+            return;
+        }
         const bool better = result ? !settled || result->distance < settled->distance
                                    : !settled && read.confidence >= reading.confidence;
-        if (better && !read.text.isEmpty()) {
+        if (better) {
             settled = result;
             reading = read;
-            box = area;
+            line = from;
+        }
+        // A line that comes out the same from different pictures of it says what is printed there. If that cannot well be
+        // a known name, it is one that is missing from the list, however near another one may be.
+        const QString letters = ReadingDistance::folded(read.text);
+        const bool printed = letters.size() >= fewestLetters && read.confidence >= sureEnough;
+        if (printed && std::ranges::find(seen, letters) != seen.end() && !(result && result->likely)) {
+            unknown = true;
+            settled.reset();
+            reading = read;
+            line = from;
+        } else if (printed) {
+            seen.push_back(letters);
         }
     }
+
+    const std::optional<Lexicon::Settled>& name() const { return settled; }
+
+    // What settled, else what was surest.
+    const LineReading& read() const { return reading; }
+
+    const Line& source() const { return line; }
+
+    // Nothing is gained by reading on.
+    bool isDone() const { return unknown || (settled && settled->distance == 0); }
+
+    // Holds a name, known or not.
+    bool isPrinted() const { return unknown || settled; }
+
+private:
+    static constexpr qsizetype fewestLetters = 4;
+    static constexpr float sureEnough = 0.5F;
+
+    std::optional<Lexicon::Settled> settled;
+    LineReading reading;
+    Line line;
+    std::vector<QString> seen; // letters of earlier readings
+    bool unknown = false;
 };
 
 using Slots = std::array<Slot, 3>;
 
-std::size_t countSettled(const Slots& places) {
-    return std::size_t(std::ranges::count_if(places, [](const Slot& slot) { return slot.settled.has_value(); }));
+std::ptrdiff_t countSettled(const Slots& places) {
+    return std::ranges::count_if(places, [](const Slot& slot) { return slot.name().has_value(); });
 }
 
 OCRToken tokenOf(const QString& text, const Slot& slot, const QSize& window) {
     return {text,
-            slot.reading.confidence,
-            slot.box.center().x() / window.width(),
-            slot.box.center().y() / window.height(),
-            slot.box.width() / window.width(),
-            slot.box.height() / window.height()};
+            slot.read().confidence,
+            slot.source().box.center().x() / window.width(),
+            slot.source().box.center().y() / window.height(),
+            slot.source().box.width() / window.width(),
+            slot.source().box.height() / window.height()};
 }
 
-ReadText textOf(const Slots& places, const std::array<double, 3>& middles, const QSize& window) {
+ReadText textOf(const Slots& places, bool isOffer, const std::array<double, 3>& middles, const QSize& window) {
     ReadText text;
-    const bool isOffer = countSettled(places) >= fewestOffers;
     for (const Slot& slot : places) {
-        if (slot.settled && isOffer) {
-            text.tokens.push_back(tokenOf(slot.settled->text, slot, window));
-        } else if (!slot.reading.text.isEmpty()) {
-            text.unsettled.push_back(tokenOf(slot.reading.text, slot, window));
+        if (slot.name() && isOffer) {
+            text.tokens.push_back(tokenOf(slot.name()->text, slot, window));
+        } else if (!slot.read().text.isEmpty()) {
+            text.unsettled.push_back(tokenOf(slot.read().text, slot, window));
         }
     }
     if (isOffer) {
@@ -100,11 +142,9 @@ ReadText textOf(const Slots& places, const std::array<double, 3>& middles, const
     return text;
 }
 
-// One line to be read for a slot.
 struct Job {
     std::size_t slot;
-    QRectF box;
-    NameKinds kinds;
+    Line line;
 };
 
 void readJobs(ReadingTools& tools, const Lexicon& names, const std::vector<Job>& jobs,
@@ -112,9 +152,7 @@ void readJobs(ReadingTools& tools, const Lexicon& names, const std::vector<Job>&
     const std::vector<LineReading> readings = tools.read(std::move(work));
     for (std::size_t i = 0; i < readings.size(); ++i) {
         const Job& job = jobs[i];
-        const auto dbg = names.settle(readings[i].text, job.kinds);
-        if (getenv("DBG")) fprintf(stderr, "slot %zu read <%s> conf %.2f -> %s %.1f\n", job.slot, readings[i].text.toUtf8().constData(), readings[i].confidence, dbg ? dbg->text.toUtf8().constData() : "-", dbg ? dbg->distance : -1);
-        places[job.slot].take(readings[i], job.box, dbg);
+        places[job.slot].take(readings[i], job.line, names.settle(readings[i].text, job.line.kinds));
     }
 }
 
@@ -146,14 +184,14 @@ public:
             std::vector<LineReader::Work> work;
             for (std::size_t slot = 0; slot < places.size(); ++slot) {
                 const auto& found = lines[slot];
-                if (places[slot].isExact() || attempt.line >= found.size() ||
+                if (places[slot].isDone() || attempt.line >= found.size() ||
                     found[attempt.line].score < rivalShare * found.front().score ||
                     (!isFirst && retries == mostRetries)) {
                     continue;
                 }
                 const RibbonLine& line = found[attempt.line];
                 if (const auto picture = pictureOf(line, plane, frame, attempt.recipe)) {
-                    jobs.push_back({slot, boxOf(line), line.curve->kinds});
+                    jobs.push_back({slot, {boxOf(line), line.curve->kinds, offsetOf(line) <= furthestOffset}});
                     work.push_back({imageOf(*picture), Script::latin});
                     retries += !isFirst;
                 }
@@ -178,10 +216,18 @@ public:
     }
 
 private:
+    static double offsetOf(const RibbonLine& line) {
+        double least = 1;
+        for (const double usual : line.curve->bases) {
+            least = std::min(least, std::abs(line.base - usual));
+        }
+        return least;
+    }
+
     static bool isHopeless(const Slots& places) {
         float surest = 0;
         for (const Slot& slot : places) {
-            surest = std::max(surest, slot.reading.confidence);
+            surest = std::max(surest, slot.read().confidence);
         }
         return countSettled(places) == 0 && surest < hopeless;
     }
@@ -221,23 +267,29 @@ ReadText readCardsAtPlaces(ReadingTools& tools, const QImage& window, const Lexi
     const CardRow row(plane, area.topLeft(), frame, {});
     Slots best = row.read(tools, names);
     std::array<double, 3> middles = row.middles();
-    if (countSettled(best) < fewestOffers) {
+    // Off their places names are probably in a picture that is shifted or of another size, and may have been cut.
+    const bool isClear = std::ranges::all_of(best, &Slot::isPrinted);
+    const bool isInPlace =
+        std::ranges::all_of(best, [](const Slot& slot) { return !slot.name() || slot.source().inPlace; });
+    if (!isClear || !isInPlace) {
         constexpr double roomAbove = 0.010; // of a baseline over the middle of a name's letters
         constexpr double roomBelow = 0.020;
         for (const LetterRow& other : findLetterRows(plane, frame)) {
             const CardRow moved(plane, area.topLeft(), other.frame,
                                 {other.baseline - roomAbove, other.baseline + roomBelow, false});
             const Slots slots = moved.read(tools, names);
-            if (countSettled(slots) > countSettled(best)) {
+            if (countSettled(slots) >= countSettled(best) + isInPlace) {
                 best = slots;
                 middles = moved.middles();
             }
-            if (countSettled(best) == best.size()) {
+            if (countSettled(best) == std::ssize(best)) {
                 break;
             }
         }
     }
-    return textOf(best, middles, window.size());
+    // New cards are missing from the names for a while, so one may be known and the others only be there.
+    const bool isOffer = countSettled(best) > 0 && std::ranges::count_if(best, &Slot::isPrinted) >= fewestOffers;
+    return textOf(best, isOffer, middles, window.size());
 }
 
 ReadText readHeroesAtPlaces(ReadingTools& tools, const QImage& window, const Lexicon& names) {
@@ -255,8 +307,8 @@ ReadText readHeroesAtPlaces(ReadingTools& tools, const QImage& window, const Lex
             std::vector<Job> jobs;
             std::vector<LineReader::Work> work;
             for (std::size_t slot = 0; slot < places.size(); ++slot) {
-                if (!places[slot].settled && index < lines[slot].size()) {
-                    jobs.push_back({slot, lines[slot][index].area, {}});
+                if (!places[slot].name() && index < lines[slot].size()) {
+                    jobs.push_back({slot, {lines[slot][index].area, {}}});
                     work.push_back({imageOf(pictureOf(lines[slot][index], recipe)), Script::latin});
                 }
             }
@@ -270,7 +322,7 @@ ReadText readHeroesAtPlaces(ReadingTools& tools, const QImage& window, const Lex
         for (std::size_t attempt = 1; attempt < heroAttempts.size() && countSettled(places) > 0; ++attempt) {
             readLines(0, heroAttempts[attempt]);
         }
-        const ReadText text = textOf(places, middles, window.size());
+        const ReadText text = textOf(places, countSettled(places) >= fewestOffers, middles, window.size());
         if (text.tokens.size() > best.tokens.size() || best.tokens.empty()) {
             best = text;
         }

@@ -6,8 +6,8 @@
 namespace pelloran {
 
 // Reads the names of offers where this game's screens have them, or where three lines of letters stand as theirs do.
-// Latin letters only; needs the known names. Two of the three names have to settle, or nothing is an offer: a word on its
-// own is a keyword, a button or a row of a deck list.
+// Latin letters only; needs the known names. One known name on its own is no offer: it is a keyword, a button or a row of a
+// deck list. A second one has to stand beside it, known too or read the same twice.
 ReadText readCardsAtPlaces(ReadingTools& tools, const QImage& window, const Lexicon& names);
 ReadText readHeroesAtPlaces(ReadingTools& tools, const QImage& window, const Lexicon& names);
 

@@ -8,11 +8,11 @@
 
 namespace pelloran {
 
-// What the ways to read one image share.
+// What a way to read one image needs.
 struct ReadingTools {
     LineReader& lines;
     std::optional<Script>& remembered; // script that the client was last seen to use
-    std::size_t readingsLeft = 24;     // of lines in this image: whatever it shows, reading it ends
+    std::size_t readingsLeft = 24;     // of lines: whatever the image shows, reading it ends
 
     // At most as many readings as are left, in the order of the work.
     std::vector<LineReading> read(std::vector<LineReader::Work> work) {

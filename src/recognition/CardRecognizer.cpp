@@ -89,6 +89,15 @@ DraftSlot slotOfSingle(double midX) {
     return midX < oneThird ? DraftSlot::left : midX < twoThirds ? DraftSlot::middle : DraftSlot::right;
 }
 
+std::vector<SlotMatch> withoutMatches(const QString& methodPrefix, bool isEmpty) {
+    const QString method = methodPrefix + (isEmpty ? QStringLiteral("-empty") : QStringLiteral("-miss"));
+    std::vector<SlotMatch> matches;
+    for (const DraftSlot slot : DraftSlot::allCases()) {
+        matches.push_back({slot, std::nullopt, 0, method, QString()});
+    }
+    return matches;
+}
+
 std::pair<DraftSlot, DraftSlot> slotsOfPair(double firstX, double secondX) {
     const DraftSlot first = firstX < 0.45 ? DraftSlot::left : DraftSlot::middle;
     const DraftSlot second = secondX > 0.55 ? DraftSlot::right : DraftSlot::middle;
@@ -113,44 +122,42 @@ QRectF CardRecognizer::heroBand() {
 }
 
 ReadingHints CardRecognizer::cardHints() const {
-    return {cardBand(), ReadingHints::Lettering::white, store.knownCardNames()};
+    return {cardBand(), ReadingHints::Offers::cards, {}, store.cardLexicon()};
 }
 
 ReadingHints CardRecognizer::heroHints() const {
-    return {heroBand(), ReadingHints::Lettering::whiteOrGolden, store.knownClassNames()};
+    return {heroBand(), ReadingHints::Offers::heroes, {}, store.classLexicon()};
 }
 
-std::vector<OCRToken> CardRecognizer::ocrTokens(const QImage& image, TextReader& reader, const ReadingHints& hints) {
+ReadText CardRecognizer::ocrTokens(const QImage& image, TextReader& reader, const ReadingHints& hints) {
     if (image.isNull()) {
         return {};
     }
-    std::vector<OCRToken> tokens = runVisionTokens(image, reader, hints);
+    ReadText text = runVisionTokens(image, reader, hints);
     // A reader that finds lines first and scales each to the size it reads best has done what the second look is for.
     if (reader.scalesLinesItself()) {
-        return tokens;
+        return text;
     }
     if (const QImage copy = enlargedCopy(image); !copy.isNull()) {
-        const std::vector<OCRToken> more = runVisionTokens(copy, reader, hints);
-        tokens.insert(tokens.end(), more.begin(), more.end());
+        const ReadText more = runVisionTokens(copy, reader, hints);
+        text.tokens.insert(text.tokens.end(), more.tokens.begin(), more.tokens.end());
+        text.unsettled.insert(text.unsettled.end(), more.unsettled.begin(), more.unsettled.end());
     }
-    return tokens;
+    return text;
 }
 
-std::vector<OCRToken> CardRecognizer::runVisionTokens(const QImage& bitmap, TextReader& reader,
-                                                      const ReadingHints& hints) {
-    std::vector<OCRToken> tokens;
-    for (OCRToken& token : reader.read(bitmap, hints)) {
+ReadText CardRecognizer::runVisionTokens(const QImage& bitmap, TextReader& reader, const ReadingHints& hints) {
+    ReadText text = reader.read(bitmap, hints);
+    for (OCRToken& token : text.tokens) {
         token.text = token.text.trimmed();
-        if (!token.text.isEmpty()) {
-            tokens.push_back(std::move(token));
-        }
     }
-    return tokens;
+    std::erase_if(text.tokens, [](const OCRToken& token) { return token.text.isEmpty(); });
+    return text;
 }
 
-std::vector<SlotMatch> CardRecognizer::recognizeCards(const std::vector<OCRToken>& tokens) const {
+std::vector<SlotMatch> CardRecognizer::recognizeCards(const ReadText& text) const {
     std::vector<RecognitionCandidate> candidates;
-    for (const OCRToken& token : tokens) {
+    for (const OCRToken& token : text.tokens) {
         if (!cards.holds(token)) {
             continue;
         }
@@ -166,12 +173,12 @@ std::vector<SlotMatch> CardRecognizer::recognizeCards(const std::vector<OCRToken
     }
     candidates = mergeCards(candidates);
     std::ranges::stable_sort(candidates, {}, &RecognitionCandidate::midX);
-    return assignToSlots(pickThreeHorizontally(candidates), QStringLiteral("card-layout"));
+    return assign(pickThreeHorizontally(candidates), text, QStringLiteral("card-layout"));
 }
 
-std::vector<SlotMatch> CardRecognizer::recognizeHeroes(const std::vector<OCRToken>& tokens) const {
+std::vector<SlotMatch> CardRecognizer::recognizeHeroes(const ReadText& text) const {
     std::vector<RecognitionCandidate> candidates;
-    for (const OCRToken& token : tokens) {
+    for (const OCRToken& token : text.tokens) {
         if (!heroes.holds(token)) {
             continue;
         }
@@ -180,7 +187,13 @@ std::vector<SlotMatch> CardRecognizer::recognizeHeroes(const std::vector<OCRToke
             candidates.push_back(candidate(match->key, *match, token));
         }
     }
-    return assignToSlots(mergeHeroes(candidates), QStringLiteral("class-layout"));
+    return assign(mergeHeroes(candidates), text, QStringLiteral("class-layout"));
+}
+
+std::vector<SlotMatch> CardRecognizer::assign(const std::vector<RecognitionCandidate>& candidates, const ReadText& text,
+                                              const QString& methodPrefix) const {
+    return text.columns && lengths != NameLengths::limited ? assignToColumns(candidates, *text.columns, methodPrefix)
+                                                           : assignToSlots(candidates, methodPrefix);
 }
 
 std::vector<SlotMatch> CardRecognizer::recognizeCards(const QImage& image, TextReader& reader) const {
@@ -225,12 +238,7 @@ std::vector<RecognitionCandidate> pickThreeHorizontally(const std::vector<Recogn
 std::vector<SlotMatch> assignToSlots(std::vector<RecognitionCandidate> candidates, const QString& methodPrefix) {
     std::ranges::stable_sort(candidates, {}, &RecognitionCandidate::midX);
 
-    const QString withoutMatch =
-        methodPrefix + (candidates.empty() ? QStringLiteral("-empty") : QStringLiteral("-miss"));
-    std::vector<SlotMatch> matches;
-    for (const DraftSlot slot : DraftSlot::allCases()) {
-        matches.push_back({slot, std::nullopt, 0, withoutMatch, QString()});
-    }
+    std::vector<SlotMatch> matches = withoutMatches(methodPrefix, candidates.empty());
     const auto assign = [&](DraftSlot slot, const RecognitionCandidate& candidate) {
         matches[slot] = {slot, candidate.id, candidate.score, methodPrefix, candidate.text};
     };
@@ -243,6 +251,24 @@ std::vector<SlotMatch> assignToSlots(std::vector<RecognitionCandidate> candidate
     } else if (candidates.size() >= 3) {
         for (const DraftSlot slot : DraftSlot::allCases()) {
             assign(slot, candidates[slot]);
+        }
+    }
+    return matches;
+}
+
+std::vector<SlotMatch> assignToColumns(const std::vector<RecognitionCandidate>& candidates,
+                                       const std::array<double, 3>& columns, const QString& methodPrefix) {
+    const double reach = (columns[2] - columns[0]) / 4;
+    std::vector<SlotMatch> matches = withoutMatches(methodPrefix, candidates.empty());
+    for (const DraftSlot slot : DraftSlot::allCases()) {
+        const RecognitionCandidate* best = nullptr;
+        for (const RecognitionCandidate& candidate : candidates) {
+            if (std::abs(candidate.midX - columns[slot]) < reach && (!best || candidate.score > best->score)) {
+                best = &candidate;
+            }
+        }
+        if (best) {
+            matches[slot] = {slot, best->id, best->score, methodPrefix, best->text};
         }
     }
     return matches;

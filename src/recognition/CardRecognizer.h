@@ -7,10 +7,12 @@
 #include <QImage>
 #include <QString>
 
+#include <array>
 #include <vector>
 
 namespace pelloran {
 
+struct RecognitionCandidate;
 class WinrateStore;
 
 // Turns the picture of the game's window into one match per slot. Reading is slow and needs nothing of ours; matching
@@ -19,7 +21,9 @@ class WinrateStore;
 class CardRecognizer {
 public:
     // Lines of more than fourteen characters are mostly rules text and name no card. With `limitedUnlessExact` one that
-    // equals a name in full does, and so do such lines for classes, of which the limit is matchClass's.
+    // equals a name in full does, and so do such lines for classes, of which the limit is matchClass's; and where the
+    // reader knows the places of the three offers, names go by these. With `limited` slots follow from positions alone,
+    // which makes the left offer of the middle one when the left one was not read.
     explicit CardRecognizer(const WinrateStore& winrates, NameLengths lengths = NameLengths::limited);
 
     // Lines with their centre inside these bands, in fractions of the window, can be names of what is offered.
@@ -32,20 +36,23 @@ public:
 
     // All lines of the image: read as it is, then, unless the reader brings lines to its own size anyway, once more
     // enlarged to 1.5 times. On the reader's thread. No image, no lines.
-    static std::vector<OCRToken> ocrTokens(const QImage& image, TextReader& reader, const ReadingHints& hints);
+    static ReadText ocrTokens(const QImage& image, TextReader& reader, const ReadingHints& hints);
 
     // One pass of the reader; tokens without text are dropped. On the reader's thread.
-    static std::vector<OCRToken> runVisionTokens(const QImage& bitmap, TextReader& reader, const ReadingHints& hints);
+    static ReadText runVisionTokens(const QImage& bitmap, TextReader& reader, const ReadingHints& hints);
 
     // One match per slot, in the order left, middle, right.
-    std::vector<SlotMatch> recognizeCards(const std::vector<OCRToken>& tokens) const;
-    std::vector<SlotMatch> recognizeHeroes(const std::vector<OCRToken>& tokens) const;
+    std::vector<SlotMatch> recognizeCards(const ReadText& text) const;
+    std::vector<SlotMatch> recognizeHeroes(const ReadText& text) const;
 
     // Reading and matching in one, for callers on a single thread.
     std::vector<SlotMatch> recognizeCards(const QImage& image, TextReader& reader) const;
     std::vector<SlotMatch> recognizeHeroes(const QImage& image, TextReader& reader) const;
 
 private:
+    std::vector<SlotMatch> assign(const std::vector<RecognitionCandidate>& candidates, const ReadText& text,
+                                  const QString& methodPrefix) const;
+
     const WinrateStore& store;
     const NameLengths lengths;
 };
@@ -75,5 +82,10 @@ std::vector<RecognitionCandidate> pickThreeHorizontally(const std::vector<Recogn
 
 // One match per slot from candidates in any order.
 std::vector<SlotMatch> assignToSlots(std::vector<RecognitionCandidate> candidates, const QString& methodPrefix);
+
+// The same where the middles of the three offers are known, left to right: each candidate goes to the nearest, of several
+// at one place the best. What is further than half the distance between two offers from all of them is none.
+std::vector<SlotMatch> assignToColumns(const std::vector<RecognitionCandidate>& candidates,
+                                       const std::array<double, 3>& columns, const QString& methodPrefix);
 
 } // namespace pelloran

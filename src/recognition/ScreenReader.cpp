@@ -11,8 +11,8 @@ ScreenReader::ScreenReader(MakeWindowServer windowServerMaker, MakeTextReader te
     : makeWindowServer(std::move(windowServerMaker))
     , makeTextReader(std::move(textReaderMaker)) {}
 
-std::expected<std::vector<OCRToken>, WindowCaptureError> ScreenReader::look(const QString& ownerHint,
-                                                                            const std::optional<ReadingHints>& hints) {
+std::expected<ReadText, WindowCaptureError> ScreenReader::look(const QString& ownerHint,
+                                                               const std::optional<ReadingHints>& hints) {
     if (!windows) {
         windows = makeWindowServer();
     }
@@ -26,7 +26,7 @@ std::expected<std::vector<OCRToken>, WindowCaptureError> ScreenReader::look(cons
     }
     TextReader* const available = hints ? textReader() : nullptr;
     if (!available) {
-        return std::vector<OCRToken>();
+        return ReadText();
     }
     return CardRecognizer::ocrTokens(*image, *available, *hints);
 }

@@ -27,8 +27,8 @@ public:
     // Lines on the game's window, as WindowCapture::findHearthstone chooses it; with no `hints` the window is only
     // captured and no text is read. A text reader that cannot be made is logged once, gives no lines, and is tried for
     // again next time: the user may be installing what it lacks.
-    std::expected<std::vector<OCRToken>, WindowCaptureError> look(const QString& ownerHint,
-                                                                  const std::optional<ReadingHints>& hints);
+    std::expected<ReadText, WindowCaptureError> look(const QString& ownerHint,
+                                                     const std::optional<ReadingHints>& hints);
 
 private:
     TextReader* textReader();

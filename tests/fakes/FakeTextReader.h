@@ -7,10 +7,10 @@ namespace pelloran::testing {
 // Reads the same lines from every picture, and remembers what it was asked.
 class FakeTextReader final : public TextReader {
 public:
-    std::vector<OCRToken> read(const QImage& image, const ReadingHints& hints) override {
+    ReadText read(const QImage& image, const ReadingHints& hints) override {
         sizes.push_back(image.size());
         lastHints = hints;
-        return tokens;
+        return {tokens, {}, columns};
     }
 
     bool scalesLinesItself() const override { return scales; }
@@ -18,6 +18,7 @@ public:
     void forget() override { ++forgotten; }
 
     std::vector<OCRToken> tokens;
+    std::optional<std::array<double, 3>> columns;
     bool scales = false;
     std::vector<QSize> sizes;
     ReadingHints lastHints;
