@@ -1,6 +1,6 @@
-#include "platform/tesseract/LineCropper.h"
-#include "platform/tesseract/LineDetector.h"
-#include "platform/tesseract/LineReader.h"
+#include "reading/LineCropper.h"
+#include "reading/LineDetector.h"
+#include "platform/LineReader.h"
 #include "platform/TextReader.h"
 
 #include <QFile>
@@ -82,13 +82,13 @@ QRect bandOf(const QImage& image) {
 void lightnessOfBand(benchmark::State& state, const char* name) {
     const QImage image = screen(state, name);
     for (auto _ : state) {
-        benchmark::DoNotOptimize(lightness(image, bandOf(image), ReadingHints::Lettering::white));
+        benchmark::DoNotOptimize(lightness(image, bandOf(image), Lettering::white));
     }
 }
 
 void detect(benchmark::State& state, const char* name) {
     const QImage image = screen(state, name);
-    const Plane plane = lightness(image, bandOf(image), ReadingHints::Lettering::white);
+    const Plane plane = lightness(image, bandOf(image), Lettering::white);
     for (auto _ : state) {
         benchmark::DoNotOptimize(detectLines(plane, image.height() / 1080.0));
     }
@@ -96,7 +96,7 @@ void detect(benchmark::State& state, const char* name) {
 
 // The most promising line, with its surroundings.
 std::pair<Plane, QRect> bestLine(const QImage& image) {
-    const Plane plane = lightness(image, bandOf(image), ReadingHints::Lettering::white);
+    const Plane plane = lightness(image, bandOf(image), Lettering::white);
     const auto boxes = detectLines(plane, image.height() / 1080.0);
     if (boxes.empty()) {
         return {};
@@ -140,8 +140,8 @@ void readScreen(benchmark::State& state, const char* name, bool cold) {
         return;
     }
     const bool hero = QByteArray(name).startsWith("hero");
-    const ReadingHints hints = hero ? ReadingHints{heroBand, ReadingHints::Lettering::whiteOrGolden, classNames()}
-                                    : ReadingHints{cardBand, ReadingHints::Lettering::white, cardNames()};
+    const ReadingHints hints = hero ? ReadingHints{heroBand, Lettering::whiteOrGolden, classNames()}
+                                    : ReadingHints{cardBand, Lettering::white, cardNames()};
     for (auto _ : state) {
         if (cold) {
             (*reader)->forget();

@@ -79,7 +79,7 @@ std::vector<HeroLine> findHeroLines(const QImage& window, const GameFrame& frame
     const QImage strip = window.copy(area).convertToFormat(QImage::Format_RGB32);
     const auto [red, green, blue] = medianColor(strip);
     const bool parchment = red >= darkestParchmentRed && red >= green && green >= blue && red - blue >= leastWarmth;
-    const bool felt = red <= lightestFeltRed && red >= green && red >= blue;
+    const bool felt = red <= lightestFeltRed && red >= 2 * std::max(green, blue);
     if (!parchment && !felt) {
         return lines;
     }

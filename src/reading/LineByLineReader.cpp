@@ -17,13 +17,17 @@ ReadText LineByLineReader::read(const QImage& image, const ReadingHints& hints) 
         ReadingTools tools{*lineReader, remembered};
         placed = hints.offers == ReadingHints::Offers::cards ? readCardsAtPlaces(tools, image, *hints.names)
                                                              : readHeroesAtPlaces(tools, image, *hints.names);
-        if (!placed.tokens.empty()) {
+        const std::size_t enough = hints.offers == ReadingHints::Offers::cards ? 1 : 3; // classes are all known
+        if (placed.tokens.size() >= enough) {
             remembered = Script::latin;
             return placed;
         }
     }
     ReadingTools tools{*lineReader, remembered};
     ReadText anywhere = readAnywhere(tools, image, hints);
+    if (placed.tokens.size() > anywhere.tokens.size()) {
+        std::swap(placed, anywhere);
+    }
     anywhere.unsettled.insert(anywhere.unsettled.end(), placed.unsettled.begin(), placed.unsettled.end());
     return anywhere;
 }

@@ -1,7 +1,7 @@
 #include "desktop/MenuText.h"
 
 #include "desktop/Picture.h"
-#include "platform/tesseract/LineReader.h"
+#include "platform/LineReader.h"
 
 #include <gtest/gtest.h>
 

@@ -104,8 +104,8 @@ TEST_F(TextReaderTest, ReadsGoldenNamesOfClasses) {
         testing::paintWord(image, QPoint(520 + 420 * i, 575), offers[i], 32, QColor(252, 209, 68));
     }
     const QRectF heroBand(0.08, 0.3, 0.84, 0.55);
-    EXPECT_EQ(textsOf(reader->read(image, {heroBand, ReadingHints::Lettering::whiteOrGolden, known(offers)})), offers);
-    EXPECT_TRUE(reader->read(image, {heroBand, ReadingHints::Lettering::white, known(offers)}).empty())
+    EXPECT_EQ(textsOf(reader->read(image, {heroBand, Lettering::whiteOrGolden, known(offers)})), offers);
+    EXPECT_TRUE(reader->read(image, {heroBand, Lettering::white, known(offers)}).empty())
         << "else nothing is shown by this";
 }
 
@@ -209,7 +209,7 @@ TEST_F(TextReaderTest, OddImagesHaveNoLines) {
         QImage image(row.size, row.format);
         image.fill(1);
         EXPECT_TRUE(reader->read(image, {}).empty());
-        EXPECT_TRUE(reader->read(image, {cardBand, ReadingHints::Lettering::whiteOrGolden, known(offers)}).empty());
+        EXPECT_TRUE(reader->read(image, {cardBand, Lettering::whiteOrGolden, known(offers)}).empty());
     }
 }
 
@@ -334,8 +334,8 @@ TEST_F(TextReaderTest, ReadsTheSharedScreens) {
         ASSERT_FALSE(image.isNull());
         const ReadingHints hints =
             screen.hero
-                ? ReadingHints{QRectF(0.08, 0.3, 0.84, 0.55), ReadingHints::Lettering::whiteOrGolden, known(classNames)}
-                : ReadingHints{cardBand, ReadingHints::Lettering::white, known(cardNames)};
+                ? ReadingHints{QRectF(0.08, 0.3, 0.84, 0.55), Lettering::whiteOrGolden, known(classNames)}
+                : ReadingHints{cardBand, Lettering::white, known(cardNames)};
         reader->forget();
         const auto tokens = reader->read(image, hints);
         for (const Slot& slot : screen.slotList) {

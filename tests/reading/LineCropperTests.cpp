@@ -1,4 +1,4 @@
-#include "platform/tesseract/LineCropper.h"
+#include "reading/LineCropper.h"
 
 #include "PaintedText.h"
 

@@ -1,4 +1,4 @@
-#include "platform/tesseract/LineDetector.h"
+#include "reading/LineDetector.h"
 
 #include "PaintedText.h"
 

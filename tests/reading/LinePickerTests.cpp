@@ -1,4 +1,4 @@
-#include "platform/tesseract/LinePicker.h"
+#include "reading/LinePicker.h"
 
 #include <gtest/gtest.h>
 

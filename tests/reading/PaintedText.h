@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/tesseract/Plane.h"
+#include "reading/Plane.h"
 
 #include <QColor>
 #include <QImage>
@@ -99,7 +99,7 @@ inline QImage wood(int width, int height) {
 }
 
 inline Plane planeOf(const QImage& image) {
-    return lightness(image, image.rect(), ReadingHints::Lettering::white);
+    return lightness(image, image.rect(), Lettering::white);
 }
 
 } // namespace pelloran::testing

@@ -1,4 +1,4 @@
-#include "platform/tesseract/Plane.h"
+#include "reading/Plane.h"
 
 #include <gtest/gtest.h>
 
@@ -70,7 +70,7 @@ TEST(PlaneTest, LightnessIsTheDarkestChannelInEveryFormat) {
     for (const Row& row : table) {
         SCOPED_TRACE(row.why);
         const Plane plane =
-            lightness(image.convertToFormat(row.format), QRect(9, 1, 500, 500), ReadingHints::Lettering::white);
+            lightness(image.convertToFormat(row.format), QRect(9, 1, 500, 500), Lettering::white);
         EXPECT_EQ(plane.width, 61);
         EXPECT_EQ(plane.height, 2);
         EXPECT_TRUE(std::ranges::all_of(plane.pixels, [](int value) { return value == 90; }));
@@ -80,13 +80,13 @@ TEST(PlaneTest, LightnessIsTheDarkestChannelInEveryFormat) {
 TEST(PlaneTest, GoldIsLighterForGoldenLettering) {
     QImage image(4, 4, QImage::Format_RGB32);
     image.fill(QColor(240, 220, 150));
-    EXPECT_EQ(lightness(image, image.rect(), ReadingHints::Lettering::white).at(0, 0), 150);
-    EXPECT_EQ(lightness(image, image.rect(), ReadingHints::Lettering::whiteOrGolden).at(0, 0), 184);
+    EXPECT_EQ(lightness(image, image.rect(), Lettering::white).at(0, 0), 150);
+    EXPECT_EQ(lightness(image, image.rect(), Lettering::whiteOrGolden).at(0, 0), 184);
 }
 
 TEST(PlaneTest, LightnessOutsideTheImageIsEmpty) {
-    EXPECT_TRUE(lightness(QImage(), QRect(0, 0, 5, 5), ReadingHints::Lettering::white).pixels.empty());
-    EXPECT_TRUE(lightness(QImage(4, 4, QImage::Format_RGB32), QRect(9, 9, 5, 5), ReadingHints::Lettering::white)
+    EXPECT_TRUE(lightness(QImage(), QRect(0, 0, 5, 5), Lettering::white).pixels.empty());
+    EXPECT_TRUE(lightness(QImage(4, 4, QImage::Format_RGB32), QRect(9, 9, 5, 5), Lettering::white)
                     .pixels.empty());
 }
 

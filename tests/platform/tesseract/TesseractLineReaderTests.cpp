@@ -1,4 +1,4 @@
-#include "platform/tesseract/LineReader.h"
+#include "platform/LineReader.h"
 
 #include "PaintedText.h"
 #include "support/Printing.h"
