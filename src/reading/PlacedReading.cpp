@@ -75,7 +75,7 @@ public:
         // a known name, it is one that is missing from the list, however near another one may be.
         const QString letters = ReadingDistance::folded(read.text);
         const bool printed = letters.size() >= fewestLetters && read.confidence >= sureEnough;
-        if (printed && std::ranges::find(seen, letters) != seen.end() && !(result && result->likely)) {
+        if (printed && std::ranges::find(seen, letters) != seen.end() && !(result && ReadingDistance::isLikely(letters, ReadingDistance::folded(result->text)))) {
             unknown = true;
             settled.reset();
             reading = read;
