@@ -77,7 +77,7 @@ private:
             return QStringLiteral("\"language\" must be \"en\" or \"zh\"");
         }
         scenario.language = language == u"zh" ? Language::chinese : Language::english;
-        const QString look = head[u"look"].toString(QStringLiteral("new"));
+        const QString look = head.contains(u"look") ? head[u"look"].toString() : QStringLiteral("new");
         if (look != u"old" && look != u"new") {
             return QStringLiteral("\"look\" must be \"old\" or \"new\"");
         }

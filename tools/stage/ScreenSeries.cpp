@@ -8,6 +8,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QPainter>
+#include <QSet>
 
 #include <algorithm>
 #include <array>
@@ -92,6 +93,9 @@ void furnish(Card& card, Random& random) {
     }
     const std::vector<Card>& sample = Catalogue::sample().cards();
     card.rules = sample[below(random, sample.size())].rules;
+    if (card.rules.isEmpty() && card.type != u"MINION") {
+        card.rules = {QStringLiteral("damage:3"), QStringLiteral("draw:1")};
+    }
     card.attack = static_cast<int>(below(random, 9));
     card.health = 1 + static_cast<int>(below(random, 8));
 }
@@ -112,10 +116,13 @@ struct ScreenSeries::Plot {
 std::expected<ScreenSeries, QString> ScreenSeries::create(const SeriesWishes& wishes, std::vector<Card> allCards) {
     ScreenSeries series(wishes);
     for (const Language language : {Language::english, Language::chinese}) {
-        const auto named =
-            std::ranges::count_if(allCards, [&](const Card& card) { return !card.name.in(language).isEmpty(); });
-        if (wishes.language.value_or(language) == language && named < 3) {
-            return std::unexpected(QStringLiteral("three cards with names in the language are the least"));
+        QSet<QString> names;
+        for (const Card& card : allCards) {
+            names.insert(card.name.in(language));
+        }
+        names.remove(QString());
+        if (wishes.language.value_or(language) == language && names.size() < 3) {
+            return std::unexpected(QStringLiteral("the cards have fewer than three different names in the language"));
         }
     }
     Random random(wishes.seed);

@@ -210,6 +210,9 @@ void BoardPainter::paintLowerHalf(QPainter& painter, const QRectF& box) const {
     };
     slab(-0.578, -0.334);
     slab(-0.316, 0.018);
+    if (box.right() > plan.at(groundRight, 0).x() + 1) {
+        slab(0.286, 0.578);
+    }
     const QRectF last = slab(0.036, 0.268);
     QPainterPath disc;
     disc.addEllipse(last.center(), 92 * unit, 92 * unit);
@@ -270,10 +273,7 @@ void BoardPainter::paintTitle(QPainter& painter, const QString& title, double x,
     }
     Lettering::Style style{.caps = 15 * unit};
     if (dim) {
-        style = {.caps = 15 * unit,
-                 .fill = QColor(0x6a, 0x50, 0x2c),
-                 .outline = QColor(0x2c, 0x20, 0x10),
-                 .outlineWidth = 0.08};
+        style = {.caps = 15 * unit, .fill = QColor(0x50, 0x3c, 0x20), .outlineWidth = 0};
     }
     lettering.draw(painter, title, centre, box.width() * 0.66, style);
 }

@@ -13,7 +13,7 @@ const QColor inkBrown(45, 30, 10);
 const QColor salmon(248, 132, 110);
 
 // Of a portrait, from the middle of the line that the hero's name stands on; in units.
-const QRectF portrait(-117, -292, 234, 266);
+const QRectF portrait(-115, -298, 230, 264);
 
 } // namespace
 

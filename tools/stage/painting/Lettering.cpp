@@ -27,19 +27,22 @@ const QStringList plainChineseFamilies{QStringLiteral("Noto Sans CJK SC"), QStri
                                        QStringLiteral("WenQuanYi Zen Hei"), QStringLiteral("PingFang SC")};
 
 // Letters with sharp corners are drawn with a round pen of this width (in heights of a capital), which makes them
-// bolder and their corners soft, as the game's are.
-constexpr double softness = 0.055;
+// bolder and their corners soft, as the game's are; and they are made wider and set apart, as far as the game's are.
+constexpr double softness = 0.08;
+constexpr double widening = 1.1;
+constexpr double tracking = 0.055; // in heights of a capital
 
 // Chinese characters are this much higher than capital letters.
-constexpr double characterHeight = 1.5;
+constexpr double printedHeight = 1.5;
 
-// The lettering of inscriptions: characters squeezed to this height, and set this far apart (in heights of a
-// character).
+// The lettering of inscriptions: characters this high, squeezed to that share of their height, set so far apart (in
+// heights of a character), in grey. Widths are in heights of a capital.
+constexpr double clericalHeight = 1.15;
 constexpr double squeeze = 0.7;
 constexpr double clericalPitch = 1.5;
+constexpr double clericalSoftness = 0.03;
+constexpr double clericalOutline = 2.1 / 13;
 const QColor clericalGrey(200, 195, 190);
-constexpr double clericalStroke = 1.7 / 13; // in heights of a capital
-constexpr double clericalOutline = 2.3 / 13;
 
 QStringList installed(const QStringList& wanted) {
     const QStringList present = QFontDatabase::families();
@@ -134,50 +137,45 @@ Lettering::Line Lettering::lineOf(const QString& text, double caps, double maxim
     // Shapes are taken from a large font and scaled: sizes of fonts are whole numbers, and letters 13 pixels high would
     // otherwise come in few sizes.
     constexpr double drawn = 200;
+    constexpr double filled = 0.92; // of its square, by a character
     const bool chinese = hasCharacters(text);
     const bool clerical = isClerical(text);
-    const QFont large = clerical ? clericalFont(drawn) : font(drawn);
+    QFont large = clerical ? clericalFont(drawn) : font(drawn);
+    const double capitals = QFontMetricsF(large).capHeight();
+    // Letters that are set apart are never joined into one, which the game does not do either.
+    const double apart = chinese ? 0 : tracking * capitals;
+    large.setLetterSpacing(QFont::AbsoluteSpacing, apart);
     const QFontMetricsF metrics(large);
-    // A character fills some nine tenths of its square; the pen for soft corners adds to the height of a capital.
-    double scale = chinese ? characterHeight * caps / (0.92 * drawn) : caps * (1 - softness) / metrics.capHeight();
-    double across = scale;
-    double down = scale;
-    if (clerical) {
-        across = characterHeight * caps / (squeeze * 0.92 * drawn) * 0.92;
-        down = across * squeeze;
-    }
-    const double pitch = clericalPitch * characterHeight * caps * 0.92;
+    const double height = clerical ? clericalHeight * caps : chinese ? printedHeight * caps : caps;
+    // The pen for soft corners adds to the height of a capital.
+    const double down = chinese ? height / (filled * drawn) : height * (1 - softness) / capitals;
+    const double across = clerical ? down / squeeze : chinese ? down : down * widening;
 
     Line line;
     line.caps = caps;
     QTextBoundaryFinder clusters(QTextBoundaryFinder::Grapheme, text);
-    const double lower = chinese ? 0.12 * drawn : 0; // a character's square reaches below the base line
-    std::vector<double> lefts;
     for (qsizetype from = 0, to = clusters.toNextBoundary(); to >= 0; from = to, to = clusters.toNextBoundary()) {
-        const QString cluster = text.mid(from, to - from);
+        const auto index = static_cast<double>(line.letters.size());
         // Widths of beginnings rather than of single letters, so that kerning stays.
-        const double left = metrics.horizontalAdvance(text.left(from)) * across;
-        const double right = metrics.horizontalAdvance(text.left(to)) * across;
+        const double left = metrics.horizontalAdvance(text.left(from));
+        const double right = metrics.horizontalAdvance(text.left(to)) - apart;
         QPainterPath shape;
-        shape.addText(-(right - left) / 2 / across, -lower * 0, large, cluster);
-        double middle = (left + right) / 2;
-        if (clerical) {
-            middle = pitch * (static_cast<double>(line.letters.size()) + 0.5);
-        }
+        shape.addText(-(right - left) / 2, 0, large, text.mid(from, to - from));
+        const double middle = clerical ? clericalPitch * height * (index + 0.5) : (left + right) / 2 * across;
         line.letters.push_back({QTransform::fromScale(across, down).map(shape), middle});
-        line.width = clerical ? pitch * static_cast<double>(line.letters.size()) : right;
+        line.width = clerical ? clericalPitch * height * (index + 1) : right * across;
     }
     // First tighter, then smaller: both by the same factor.
     const double fit = std::min(1.0, maximumWidth / line.width);
     const double smaller = fit < 0.8 ? fit / std::sqrt(0.8) : std::sqrt(fit);
     const double tighter = fit / smaller;
     line.caps *= smaller;
-    // What of the characters hangs below the middle of capital letters is as much as stands above it.
-    const double drop = chinese ? (characterHeight * (clerical ? 0.92 : 1) - 1) / 2 * caps : 0;
-    const double foot = chinese ? 0.07 * drawn * down : 0; // lowest ink of a character, below the base line
+    // Characters have their middle where capital letters have it. In its square, a character hangs a little below the
+    // base line; so do letters, by what the pen for soft corners adds.
+    const double below = chinese ? (height - caps) / 2 - 0.07 * drawn * down : -softness / 2 * caps;
     for (Line::Letter& letter : line.letters) {
         letter.x = (letter.x - line.width / 2) * fit;
-        letter.shape = QTransform::fromScale(smaller * tighter, smaller).map(letter.shape.translated(0, drop - foot));
+        letter.shape = QTransform::fromScale(smaller * tighter, smaller).map(letter.shape.translated(0, below));
     }
     line.width *= fit;
     return line;
@@ -189,12 +187,12 @@ void Lettering::paintOutlined(QPainter& painter, const QPainterPath& letters, co
         return QPen(colour, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
     };
     // Printed characters have strokes that run together when made bolder.
-    const double soft = style.caps * (clerical ? clericalStroke * 0.3 : chinese ? 0.0 : softness);
+    const double soft = style.caps * (clerical ? clericalSoftness : chinese ? 0.0 : softness);
     const bool outlined = style.outlineWidth > 0;
     if (outlined) {
         const double outline = clerical ? std::max(clericalOutline, style.outlineWidth) : style.outlineWidth;
         const double width = soft + 2 * outline * style.caps;
-        painter.strokePath(letters.translated(0, style.caps * 0.07), pen(QColor(0, 0, 0, 120), width * 1.2));
+        painter.strokePath(letters.translated(0, style.caps * 0.06), pen(QColor(0, 0, 0, 100), width * 1.12));
         painter.strokePath(letters, pen(style.outline, width));
     }
     const QColor fill = clerical && outlined ? clericalGrey : style.fill;

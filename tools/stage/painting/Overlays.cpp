@@ -88,9 +88,11 @@ void paintZoomedHero(QPainter& painter, const Lettering& lettering, const Screen
 void paintMenuOver(QImage& scene, const Lettering& lettering, const ScreenPlan& plan, const BoardPainter& board,
                    const Words& words) {
     const double unit = plan.unit();
-    const QSize coarse = (QSizeF(scene.size()) / (14 * unit)).toSize().expandedTo({4, 4});
-    scene = scene.scaled(coarse, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
-                .scaled(scene.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    for (const double grain : {7.0, 11.0}) { // two different ones, so that neither shows
+        const QSize coarse = (QSizeF(scene.size()) / (grain * unit)).toSize().expandedTo({4, 4});
+        scene = scene.scaled(coarse, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
+                    .scaled(scene.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    }
     QPainter painter(&scene);
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
     painter.fillRect(scene.rect(), QColor(0, 0, 0, 110));

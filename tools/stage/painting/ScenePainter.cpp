@@ -153,7 +153,8 @@ void ScenePainter::paintHeroScreen(QPainter& painter, const Screen& screen) {
                         production.language);
         printed.clear();
     } else if (screen.hovered) {
-        light.setGlow(offers, *screen.hovered, hoverWhite);
+        const QPainterPath& hovered = offers[static_cast<std::size_t>(*screen.hovered)];
+        paintGlove(painter, hovered.boundingRect().center(), plan.unit());
     }
 }
 
@@ -211,14 +212,16 @@ void ScenePainter::paintCards(QPainter& painter, const Screen& screen) {
     paintGlove(painter, plan.cardBase(hovered, step.cards[hovered].type) + QPointF(44, 40) * plan.unit(), plan.unit());
 }
 
-// The cards that were not taken burn; the one that was is gone a little earlier.
+// The cards burn and leave their marks on the ground; the one that was taken is gone a little earlier.
 void ScenePainter::paintLeaving(QPainter& painter, const Screen& screen) const {
     const Step& step = screen.situation.step;
     for (std::size_t i = 0; i < step.cards.size(); ++i) {
+        const QPointF base = plan.cardBase(i, step.cards[i].type);
+        castShadow(painter, cards.backOutline(base), 22 * plan.unit(), 0.5 * screen.progress);
+        painter.fillPath(cards.backOutline(base), withAlpha(QColor(0x2c, 0x20, 0x14), 0.8 * screen.progress));
         QImage offer = layer();
         QPainter onLayer(&offer);
         prepare(onLayer);
-        const QPointF base = plan.cardBase(i, step.cards[i].type);
         cards.paintFace(onLayer, step.cards[i], base);
         onLayer.end();
         const double ahead = static_cast<int>(i) == step.chosen.value_or(-1) ? 0.2 : 0;
@@ -228,23 +231,23 @@ void ScenePainter::paintLeaving(QPainter& painter, const Screen& screen) const {
              production.seed + static_cast<quint32>(i));
         painter.setOpacity(1 - 0.5 * screen.progress);
         painter.drawImage(0, 0, offer);
+        painter.setOpacity(1);
     }
-    painter.setOpacity(1);
 }
 
 // They come from the left and from above, turned and too small, and not yet solid.
 void ScenePainter::paintComing(QPainter& painter, const Screen& screen) const {
     const Step& step = screen.situation.step;
     for (std::size_t i = 0; i < step.cards.size(); ++i) {
-        const double arrived = std::clamp(screen.progress * 1.3 - 0.15 * static_cast<double>(i), 0.0, 1.0);
+        const double arrived = std::clamp(screen.progress * 1.2 - 0.12 * static_cast<double>(i), 0.0, 1.0);
         QImage offer = layer();
         QPainter onLayer(&offer);
         prepare(onLayer);
         const QPointF base = plan.cardBase(i, step.cards[i].type);
         const double away = 1 - arrived;
-        onLayer.translate(base + QPointF(-0.3, -0.25) * away * plan.height());
-        onLayer.rotate(-34 * away);
-        onLayer.scale(1 - 0.5 * away, 1 - 0.5 * away);
+        onLayer.translate(base + QPointF(-0.13, -0.1) * away * plan.height());
+        onLayer.rotate(-26 * away);
+        onLayer.scale(1 - 0.45 * away, 1 - 0.45 * away);
         onLayer.translate(-base);
         cards.paintFace(onLayer, step.cards[i], base);
         onLayer.end();
