@@ -280,7 +280,7 @@ void BoardPainter::paintTitle(QPainter& painter, const QString& title, double x,
 
 void BoardPainter::paintFooter(QPainter& painter, Language language) const {
     const double unit = plan.unit();
-    const QRectF strip(QPointF(0, plan.at(0, boxBottom).y()), QPointF(plan.size().width(), plan.size().height()));
+    const QRectF strip(0, plan.at(0, boxBottom).y(), plan.size().width(), (1 - boxBottom) * plan.height() + 1);
     painter.fillRect(strip, QColor(0x12, 0x0d, 0x08));
     painter.fillRect(QRectF(strip.topLeft(), QSizeF(strip.width(), 2 * unit)), QColor(0x4a, 0x38, 0x22));
     const double middle = plan.at(0, 0.978).y();

@@ -3,6 +3,7 @@
 #include "stage/painting/Materials.h"
 
 #include <QHash>
+#include <QImage>
 #include <QLinearGradient>
 #include <QRadialGradient>
 
@@ -26,6 +27,17 @@ QColor rarityColour(const QString& rarity) {
         {QStringLiteral("LEGENDARY"), QColor(0xf4, 0x92, 0x18)},
     };
     return all.value(rarity, QColor());
+}
+
+// Creases and stains, the same on all ribbons.
+void weather(QPainter& painter, const QPainterPath& cloth) {
+    static const QImage creases = mottled({300, 120}, QColor(128, 128, 128), 0.9, 0.55, 5);
+    painter.save();
+    painter.setClipPath(cloth, Qt::IntersectClip);
+    painter.setCompositionMode(QPainter::CompositionMode_SoftLight);
+    painter.setOpacity(0.5);
+    painter.drawImage(QRectF(-150, -60, 300, 120), creases);
+    painter.restore();
 }
 
 } // namespace
@@ -63,6 +75,7 @@ void drawRibbon(QPainter& painter, const Curve& curve, double halfWidth, const Q
         const double above = ribbonAbove - strip * static_cast<double>(i);
         painter.fillPath(curve.band(-halfWidth, halfWidth, above, strip - above), shade(colour, tones[i]));
     }
+    weather(painter, band);
     QLinearGradient folds(-halfWidth, 0, halfWidth, 0);
     folds.setColorAt(0, QColor(0, 0, 0, 70));
     folds.setColorAt(0.07, QColor(255, 255, 255, 34));

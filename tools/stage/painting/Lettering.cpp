@@ -192,7 +192,7 @@ void Lettering::paintOutlined(QPainter& painter, const QPainterPath& letters, co
     if (outlined) {
         const double outline = clerical ? std::max(clericalOutline, style.outlineWidth) : style.outlineWidth;
         const double width = soft + 2 * outline * style.caps;
-        painter.strokePath(letters.translated(0, style.caps * 0.06), pen(QColor(0, 0, 0, 100), width * 1.12));
+        painter.strokePath(letters.translated(0, style.caps * 0.06), pen(QColor(0, 0, 0, 70), width * 1.08));
         painter.strokePath(letters, pen(style.outline, width));
     }
     const QColor fill = clerical && outlined ? clericalGrey : style.fill;

@@ -26,7 +26,7 @@ public:
         double caps = 20; // height of a capital letter; other sizes follow from it
         QColor fill{0xfa, 0xfa, 0xf8};
         QColor outline{0x04, 0x03, 0x02};
-        double outlineWidth = 0.175; // of the height of a capital, on each side; 0: none
+        double outlineWidth = 0.155; // of the height of a capital, on each side; 0: none
     };
 
     // One line whose letters stand on `curve`, its middle at `base`: set tighter and then smaller where it would be

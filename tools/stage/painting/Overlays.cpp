@@ -1,6 +1,7 @@
 #include "stage/painting/Overlays.h"
 
 #include "stage/painting/CardParts.h"
+#include "stage/painting/Emblems.h"
 #include "stage/painting/Materials.h"
 
 #include <QLinearGradient>
@@ -80,6 +81,7 @@ void paintZoomedHero(QPainter& painter, const Lettering& lettering, const Screen
     castShadow(painter, disc, 14 * unit, 0.8);
     painter.fillPath(disc, metal(disc.boundingRect(), shade(steel, 0.5)));
     drawRim(painter, disc, 11 * unit, bronze);
+    drawEmblem(painter, hero.key, power, 44 * unit);
     drawCrystal(painter, power - QPointF(0, 70) * unit, 26 * unit, QColor(0x1f, 0x5c, 0xc8));
     lettering.draw(painter, QStringLiteral("2"), power - QPointF(0, 70) * unit, 40 * unit,
                    {.caps = 24 * unit, .outlineWidth = 0.1});
