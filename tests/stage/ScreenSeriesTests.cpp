@@ -66,10 +66,10 @@ TEST(ScreenSeries, MixesPicksOfBothSortsWithScreensWithoutAny) {
         EXPECT_EQ(truth[u"kinds"].toArray().size(), phase == u"cardPick" ? 3 : 0);
         EXPECT_EQ(truth[u"width"].toInt(), small.width());
         EXPECT_EQ(truth[u"height"].toInt(), small.height());
-        for (const QJsonValue& kind : truth[u"kinds"].toArray()) {
+        for (const auto& kind : truth[u"kinds"].toArray()) {
             kinds.insert(kind.toString());
         }
-        for (const QJsonValue& value : truth[u"golden"].toArray()) {
+        for (const auto& value : truth[u"golden"].toArray()) {
             golden += value.toBool() ? 1 : 0;
         }
     }
@@ -112,7 +112,7 @@ TEST(ScreenSeries, OffersTheCardsItIsGiven) {
     const ScreenSeries series = seriesOf({.size = small, .language = Language::english}, cards);
     for (const int number : {0, 3, 4, 6}) {
         QStringList offered;
-        for (const QJsonValue& name : series.picture(number).truth[u"names"].toArray()) {
+        for (const auto& name : series.picture(number).truth[u"names"].toArray()) {
             offered.append(name.toString());
         }
         offered.sort();
@@ -135,7 +135,7 @@ TEST(ScreenSeries, BoxesHoldTheNames) {
         if (picture.truth[u"phase"].toString() != u"cardPick") {
             continue;
         }
-        for (const QJsonValue& value : picture.truth[u"nameBoxes"].toArray()) {
+        for (const auto& value : picture.truth[u"nameBoxes"].toArray()) {
             const QJsonArray box = value.toArray();
             ASSERT_EQ(box.size(), 4);
             int white = 0;

@@ -22,16 +22,16 @@ std::expected<std::vector<Card>, QString> readCardFile(const QString& path) {
     static const QStringList offered{QStringLiteral("MINION"), QStringLiteral("SPELL"), QStringLiteral("WEAPON"),
                                      QStringLiteral("HERO")};
     std::vector<Card> cards;
-    for (const QJsonValue& value : document.array()) {
-        const QJsonObject object = value.toObject();
-        Card card{
-            .id = object[u"card_id"].toString(),
-            .name = {object[u"name_en"].toString(), object[u"name_zh"].toString()},
-            .cost = object[u"cost"].toInt(),
-            .rarity = object[u"rarity"].toString(),
-            .type = object[u"type"].toString(),
-            .cardClass = object[u"card_class"].toString(QStringLiteral("NEUTRAL")),
-        };
+    const QJsonArray entries = document.array();
+    for (const auto& entry : entries) {
+        const QJsonObject object = entry.toObject();
+        Card card;
+        card.id = object[u"card_id"].toString();
+        card.name = {object[u"name_en"].toString(), object[u"name_zh"].toString()};
+        card.cost = object[u"cost"].toInt();
+        card.rarity = object[u"rarity"].toString();
+        card.type = object[u"type"].toString();
+        card.cardClass = object[u"card_class"].toString(QStringLiteral("NEUTRAL"));
         if (offered.contains(card.type) && (!card.name.english.isEmpty() || !card.name.chinese.isEmpty())) {
             cards.push_back(std::move(card));
         }

@@ -206,6 +206,7 @@ ScreenSeries::Plot ScreenSeries::plotOf(int number) const {
     step.cards = offers(random, language);
     if (chance(random, 0.6)) {
         plot.screen.hovered = static_cast<int>(below(random, 3));
+        plot.screen.glow = std::array{Glow::white, Glow::white, Glow::yellow, Glow::green}[below(random, 4)];
         plot.screen.tooltip = chance(random, 0.5);
     }
 

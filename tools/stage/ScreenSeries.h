@@ -21,9 +21,9 @@ namespace pelloran::stage {
 struct SeriesWishes {
     quint32 seed = 1;
     QSize size{1920, 1080};
-    std::optional<Language> language{};
-    std::optional<Look> look{};
-    std::optional<ChineseLettering> lettering{};
+    std::optional<Language> language = std::nullopt;
+    std::optional<Look> look = std::nullopt;
+    std::optional<ChineseLettering> lettering = std::nullopt;
 };
 
 // Screens as they occur during drafts, in turn: card picks, hero picks, and what comes between and around them. Each

@@ -16,9 +16,18 @@ namespace {
 
 constexpr double offersMiddle = -0.16;
 constexpr double wideMiddle = -0.01;
-const QColor hoverWhite(255, 255, 250);
-const QColor takenYellow(255, 214, 70);
-const QColor takenGreen(120, 255, 60);
+
+QColor colourOf(Glow glow) {
+    switch (glow) {
+    case Glow::white:
+        return {255, 255, 250};
+    case Glow::yellow:
+        return {255, 214, 70};
+    case Glow::green:
+        return {120, 255, 60};
+    }
+    return {};
+}
 
 void prepare(QPainter& painter) {
     painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing | QPainter::SmoothPixmapTransform);
@@ -147,7 +156,7 @@ void ScenePainter::paintHeroScreen(QPainter& painter, const Screen& screen) {
                 painter.fillPath(offers[i], QColor(12, 8, 6, 150));
             }
         }
-        light.setGlow(offers, chosen, takenYellow);
+        light.setGlow(offers, chosen, colourOf(Glow::yellow));
     } else if (step.kind == StepKind::lookAtHero) {
         paintZoomedHero(painter, lettering, plan, heroes, boardPainter, step.heroes[static_cast<std::size_t>(chosen)],
                         production.language);
@@ -202,9 +211,7 @@ void ScenePainter::paintCards(QPainter& painter, const Screen& screen) {
         return;
     }
     const auto hovered = static_cast<std::size_t>(*screen.hovered);
-    const bool taken = chosen == *screen.hovered;
-    const QColor takenColour = production.seed % 2 == 0 ? takenGreen : takenYellow;
-    light.setGlow(offers, *screen.hovered, taken ? takenColour : hoverWhite);
+    light.setGlow(offers, *screen.hovered, colourOf(screen.glow));
     if (screen.tooltip) {
         paintTooltip(painter, lettering, plan, Words::in(production.language), screen.situation.deck.size(),
                      offers[hovered].boundingRect());

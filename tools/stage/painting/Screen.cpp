@@ -3,9 +3,11 @@
 namespace pelloran::stage {
 
 Screen Screen::onStage(const Situation& situation) {
-    Screen screen{.situation = situation};
+    Screen screen;
+    screen.situation = situation;
     if (situation.step.kind == StepKind::choose) {
         screen.hovered = situation.step.chosen;
+        screen.glow = Glow::yellow;
     } else if (situation.step.kind == StepKind::cardPick) {
         // On each of the offers in turn, and every fourth time on none.
         const auto turn = static_cast<int>(situation.deck.size() % 4);

@@ -16,12 +16,16 @@ enum class Moment {
     decks,      // or for the choice of a deck
 };
 
+// The light around the offer under the mouse.
+enum class Glow { white, yellow, green };
+
 // One picture of the game.
 struct Screen {
     Situation situation;
     Moment moment = Moment::steady;
     double progress = 0;          // of burning and arriving, 0 to 1
-    std::optional<int> hovered{}; // the offer under the mouse
+    std::optional<int> hovered; // the offer under the mouse
+    Glow glow = Glow::white;
     bool tooltip = false;         // and what its keyword means
 
     // With the mouse where a player might have it.
