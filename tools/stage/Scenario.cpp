@@ -77,8 +77,13 @@ private:
             return QStringLiteral("\"language\" must be \"en\" or \"zh\"");
         }
         scenario.language = language == u"zh" ? Language::chinese : Language::english;
+        const QString look = head.contains(u"look") ? head[u"look"].toString() : QStringLiteral("new");
+        if (look != u"old" && look != u"new") {
+            return QStringLiteral("\"look\" must be \"old\" or \"new\"");
+        }
+        scenario.look = look == u"old" ? Look::parchment : Look::felt;
         return unknownKey(head, {QStringLiteral("name"), QStringLiteral("about"), QStringLiteral("language"),
-                                 QStringLiteral("steps")});
+                                 QStringLiteral("look"), QStringLiteral("steps")});
     }
 
     Problem readStep(const QJsonValue& value) {
@@ -229,6 +234,7 @@ private:
             .attack = object[u"attack"].toInt(),
             .health = object[u"health"].toInt(1),
             .rules = object[u"rules"].toString().split(u' ', Qt::SkipEmptyParts),
+            .golden = object[u"golden"].toBool(),
         };
         if (card.id.isEmpty() || card.name.english.isEmpty()) {
             return std::unexpected(QStringLiteral(
