@@ -96,7 +96,7 @@ TEST(StageProgram, PaintsEveryKindOfStepInBothLanguagesAndManySizes) {
         }
         painted.insert(kind);
         for (const QString& language : {QStringLiteral("en"), QStringLiteral("zh")}) {
-            const QString size = sizes[(painted.size() + (language == u"zh" ? 1 : 0)) % sizes.size()];
+            const QString& size = sizes[(painted.size() + (language == u"zh" ? 1 : 0)) % sizes.size()];
             SCOPED_TRACE(QStringLiteral("step %1, %2, %3").arg(step).arg(language, size).toStdString());
             const Outcome outcome =
                 run({QStringLiteral("--scenario"), QStringLiteral("demo-zh"), QStringLiteral("--picture"), picture,

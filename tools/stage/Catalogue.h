@@ -30,7 +30,7 @@ struct Card {
     QString cardClass; // class key, or "NEUTRAL"
     int attack = 0;
     int health = 0;      // of a weapon: its durability
-    QStringList rules; // such as "taunt" or "damage:3"; see rulesText()
+    QStringList rules;   // such as "taunt" or "damage:3"; see rulesText()
     bool golden = false; // the precious version of it, with a frame of gold
 
     bool operator==(const Card&) const = default;

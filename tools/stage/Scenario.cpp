@@ -180,7 +180,7 @@ private:
     }
 
     static Problem readHeroes(const QJsonValue& value, Step& step) {
-        for (const QJsonValue& entry : value.toArray()) {
+        for (const auto& entry : value.toArray()) {
             const HeroClass* hero = Catalogue::sample().heroClass(entry.toString());
             if (!hero) {
                 return QStringLiteral("there is no class \"%1\"").arg(entry.toString());
@@ -198,7 +198,7 @@ private:
 
     static Problem readCards(const QJsonValue& value, const QString& key, std::size_t fewest, std::size_t most,
                              Step& step) {
-        for (const QJsonValue& entry : value.toArray()) {
+        for (const auto& entry : value.toArray()) {
             const std::expected<Card, QString> card = readCard(entry);
             if (!card) {
                 return card.error();
@@ -223,7 +223,7 @@ private:
             return *card;
         }
         const QJsonObject object = value.toObject();
-        const Card card{
+        Card card{
             .id = object[u"card_id"].toString(),
             .name = {object[u"name_en"].toString(object[u"name_zh"].toString()),
                      object[u"name_zh"].toString(object[u"name_en"].toString())},

@@ -65,8 +65,9 @@ void paintDecks(QPainter& painter, const ScreenPlan& plan, const Lettering& lett
     const auto& classes = Catalogue::sample().heroClasses();
     for (std::size_t i = 0; i < 9; ++i) {
         const HeroClass& hero = classes[(i + seed) % classes.size()];
-        const QPointF centre =
-            plan.at(-0.46 + 0.31 * static_cast<double>(i % 3), 0.22 + 0.25 * static_cast<double>(i / 3));
+        const auto column = static_cast<double>(i % 3);
+        const std::size_t row = i / 3;
+        const QPointF centre = plan.at(-0.46 + 0.31 * column, 0.22 + 0.25 * static_cast<double>(row));
         const QRectF box(centre - QPointF(128, 92) * unit, QSizeF(256, 184) * unit);
         QPainterPath shape;
         shape.addRoundedRect(box, 14 * unit, 14 * unit);

@@ -26,6 +26,7 @@ std::vector<Row> rowsOf(const std::vector<Card>& deck) {
         ++rows.try_emplace({card.cost, card.id}, Row{&card, 0}).first->second.copies;
     }
     std::vector<Row> sorted;
+    sorted.reserve(rows.size());
     for (const auto& [key, row] : rows) {
         sorted.push_back(row);
     }

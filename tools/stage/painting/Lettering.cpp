@@ -2,8 +2,10 @@
 
 #include <QFontDatabase>
 #include <QFontMetricsF>
+#include <QGlyphRun>
 #include <QRawFont>
 #include <QTextBoundaryFinder>
+#include <QTextLayout>
 
 #include <algorithm>
 #include <cmath>
@@ -244,19 +246,43 @@ void Lettering::drawFrom(QPainter& painter, const QString& text, QPointF left, d
 
 void Lettering::drawParagraph(QPainter& painter, const QString& text, const QRectF& box, double pixelSize,
                               const QColor& colour) const {
-    painter.setPen(colour);
-    for (double size = pixelSize;; size *= 0.92) {
-        QFont plain;
-        plain.setFamilies(plainFamilies);
-        plain.setPixelSize(std::max(4, static_cast<int>(std::lround(size))));
-        plain.setWeight(QFont::Medium);
-        plain.setHintingPreference(QFont::PreferNoHinting);
-        painter.setFont(plain);
-        const QRectF needed = painter.boundingRect(box, Qt::AlignCenter | Qt::TextWordWrap, text);
-        if (needed.height() <= box.height() || size < 6) {
-            painter.drawText(box, Qt::AlignCenter | Qt::TextWordWrap, text);
-            return;
+    // As shapes, like all other letters: text that Qt draws itself under a transformation leaves the typeface in a
+    // state in which the next shapes taken from it differ by a hundredth of a pixel, and equal pictures would not be
+    // equal.
+    constexpr double drawn = 100;
+    QFont plain;
+    plain.setFamilies(plainFamilies);
+    plain.setPixelSize(static_cast<int>(drawn));
+    plain.setWeight(QFont::Medium);
+    plain.setHintingPreference(QFont::PreferNoHinting);
+    QTextOption wrapping(Qt::AlignHCenter);
+    wrapping.setWrapMode(QTextOption::WordWrap);
+    for (double scale = pixelSize / drawn;; scale *= 0.92) {
+        QTextLayout layout(text, plain);
+        layout.setTextOption(wrapping);
+        layout.beginLayout();
+        double height = 0;
+        for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+            line.setLineWidth(box.width() / scale);
+            line.setPosition({0, height});
+            height += line.height();
         }
+        layout.endLayout();
+        if (height * scale > box.height() && scale * drawn > 6) {
+            continue;
+        }
+        QPainterPath letters;
+        letters.setFillRule(Qt::WindingFill);
+        for (const QGlyphRun& run : layout.glyphRuns()) {
+            const QList<quint32> glyphs = run.glyphIndexes();
+            const QList<QPointF> places = run.positions();
+            for (qsizetype i = 0; i < glyphs.size(); ++i) {
+                letters.addPath(run.rawFont().pathForGlyph(glyphs[i]).translated(places[i]));
+            }
+        }
+        QTransform placed = QTransform::fromTranslate(box.left(), box.center().y() - height * scale / 2);
+        painter.fillPath(placed.scale(scale, scale).map(letters), colour);
+        return;
     }
 }
 

@@ -23,10 +23,10 @@ enum class Glow { white, yellow, green };
 struct Screen {
     Situation situation;
     Moment moment = Moment::steady;
-    double progress = 0;          // of burning and arriving, 0 to 1
+    double progress = 0;        // of burning and arriving, 0 to 1
     std::optional<int> hovered; // the offer under the mouse
     Glow glow = Glow::white;
-    bool tooltip = false;         // and what its keyword means
+    bool tooltip = false; // and what its keyword means
 
     // With the mouse where a player might have it.
     static Screen onStage(const Situation& situation);
