@@ -16,7 +16,7 @@ constexpr double stripBottom = 0.565;
 constexpr double halfStrip = 0.122;
 
 constexpr double searchScale = 1080; // pixels a height; those that follow are such
-constexpr int lowestLetter = 5;
+constexpr int shortestStroke = 5;
 constexpr int tallestLetter = 26;
 constexpr int widestLetter = 46;
 constexpr double leastInkOfRow = 1.5; // pixels
@@ -101,8 +101,9 @@ std::vector<HeroLine> findHeroLines(const QImage& window, const GameFrame& frame
     std::vector<std::uint8_t> isLetter(components.groups.size() + 1);
     for (std::size_t i = 0; i < components.groups.size(); ++i) {
         const QRect& box = components.groups[i].box;
-        isLetter[i + 1] =
-            box.height() >= lowestLetter && box.height() <= tallestLetter && box.width() <= widestLetter;
+        // The strokes of a Chinese character may be low on their own, but not short as well.
+        isLetter[i + 1] = std::max(box.height(), box.width()) >= shortestStroke && box.height() <= tallestLetter &&
+                          box.width() <= widestLetter;
     }
     std::vector<int> inkOfRow(std::size_t(mask.height) + 1); // and an empty one after the last
     for (int y = 0; y < mask.height; ++y) {
@@ -112,9 +113,16 @@ std::vector<HeroLine> findHeroLines(const QImage& window, const GameFrame& frame
             inkOfRow[std::size_t(y)] += mask.pixels[place];
         }
     }
-    const Plane around = lightestAround(mask, 1); // letters keep their soft edges
+    // Strokes that are too faint for the mask stay; what is too large for a letter goes, with its soft edges.
+    Plane large(mask.width, mask.height);
+    for (std::size_t i = 0; i < large.pixels.size(); ++i) {
+        const int number = components.numbers[i];
+        large.pixels[i] = number > 0 && (components.groups[std::size_t(number) - 1].box.height() > tallestLetter ||
+                                         components.groups[std::size_t(number) - 1].box.width() > widestLetter);
+    }
+    const Plane around = lightestAround(large, 1);
     for (std::size_t i = 0; i < ink.pixels.size(); ++i) {
-        ink.pixels[i] = around.pixels[i] ? ink.pixels[i] : std::uint8_t(0);
+        ink.pixels[i] = around.pixels[i] ? std::uint8_t(0) : ink.pixels[i];
     }
     int begin = -1;
     for (int y = 0; y <= mask.height; ++y) {
@@ -149,14 +157,17 @@ std::vector<HeroLine> findHeroLines(const QImage& window, const GameFrame& frame
 }
 
 Plane pictureOf(const HeroLine& line, const HeroRecipe& recipe) {
+    constexpr double edge = 1.5; // pixels; beyond it other lines begin
     const double margin = recipe.margin * line.letters.height();
     const double scale = recipe.height / (line.letters.height() + 2 * margin);
     Plane result(std::max(1, int((line.letters.width() + 2 * margin) * scale)), recipe.height);
     for (int y = 0; y < result.height; ++y) {
         for (int x = 0; x < result.width; ++x) {
-            const double ink = sampleAt(line.ink, line.letters.left() - margin + (x + 0.5) / scale - 0.5,
-                                      line.letters.top() - margin + (y + 0.5) / scale - 0.5) /
-                               255;
+            const double row = line.letters.top() - margin + (y + 0.5) / scale - 0.5;
+            const bool isOther = row < line.letters.top() - edge || row > line.letters.bottom() + edge;
+            const double ink =
+                isOther ? 0
+                        : sampleAt(line.ink, line.letters.left() - margin + (x + 0.5) / scale - 0.5, row) / 255;
             const double amount = std::clamp((ink - recipe.paper) / (recipe.ink - recipe.paper), 0.0, 1.0);
             result.row(y)[x] = std::uint8_t(std::lround(255 - 255 * amount));
         }

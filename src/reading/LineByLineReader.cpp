@@ -5,10 +5,45 @@
 #include "PlacedHeroes.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 #include <vector>
 
 namespace pelloran {
+
+namespace {
+
+constexpr double sameColumn = 0.05; // of the window's width; offers stand further apart in any window
+
+// Nothing more is to be found elsewhere.
+bool isEnough(const ReadText& text, const ReadingHints& hints) {
+    // Chinese readings stand as they are, and another way to find and clean the line may read it better.
+    const bool allKnown = std::ranges::all_of(
+        text.tokens, [&](const OCRToken& token) { return hints.names->contains(token.text); });
+    // A card may be missing from the names or hidden; classes are all known.
+    const std::size_t fewest = hints.offers == ReadingHints::Offers::cards ? 1 : 3;
+    return allKnown && text.tokens.size() >= fewest;
+}
+
+// Of two ways to read an image the one that found more, with the better readings of the other.
+ReadText merged(ReadText first, ReadText second, const ReadingHints& hints) {
+    if (second.tokens.size() > first.tokens.size()) {
+        std::swap(first, second);
+    }
+    for (OCRToken& token : first.tokens) {
+        for (const OCRToken& other : second.tokens) {
+            if (std::abs(other.midX - token.midX) < sameColumn && hints.names &&
+                hints.names->resemblance(other.text) > hints.names->resemblance(token.text)) {
+                token.text = other.text;
+                token.confidence = other.confidence;
+            }
+        }
+    }
+    first.unsettled.insert(first.unsettled.end(), second.unsettled.begin(), second.unsettled.end());
+    return first;
+}
+
+} // namespace
 
 LineByLineReader::LineByLineReader(std::unique_ptr<LineReader> lines)
     : lineReader(std::move(lines)) {}
@@ -20,19 +55,12 @@ ReadText LineByLineReader::read(const QImage& image, const ReadingHints& hints) 
     ReadText placed;
     if (hints.names) {
         placed = readAtPlaces(image, hints);
-        // A card may be missing from the names or hidden; classes are all known.
-        const std::size_t enough = hints.offers == ReadingHints::Offers::cards ? 1 : 3;
-        if (placed.tokens.size() >= enough) {
+        if (isEnough(placed, hints)) {
             return placed;
         }
     }
     ReadingTools tools{*lineReader};
-    ReadText anywhere = readAnywhere(tools, remembered, image, hints);
-    if (placed.tokens.size() > anywhere.tokens.size()) {
-        std::swap(placed, anywhere);
-    }
-    anywhere.unsettled.insert(anywhere.unsettled.end(), placed.unsettled.begin(), placed.unsettled.end());
-    return anywhere;
+    return merged(std::move(placed), readAnywhere(tools, remembered, image, hints), hints);
 }
 
 // In the script that the client was last seen to use; in the other one where that finds nothing.

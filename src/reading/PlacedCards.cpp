@@ -42,10 +42,11 @@ constexpr double rivalShare = 0.35; // of the best score: the next ribbon is wor
 
 // Characters are as tall as capitals or a little taller, and stand on the same line.
 constexpr std::array chineseAttempts{
-    Attempt{0, {.above = 0.0195, .below = 0.0075, .height = 48}},
-    Attempt{0, {.above = 0.0175, .below = 0.0060, .paper = 0.3, .ink = 0.7, .height = 48}},
-    Attempt{0, {.above = 0.0220, .below = 0.0100, .paper = 0.1, .ink = 0.9, .height = 48}},
-    Attempt{1, {.above = 0.0195, .below = 0.0075, .height = 48}},
+    Attempt{0, {.above = 0.0235, .below = 0.0065, .paper = 0.1, .ink = 0.5, .height = 56}},
+    Attempt{0, {.above = 0.0210, .below = 0.0050, .paper = 0.1, .ink = 0.5, .height = 48}},
+    Attempt{0, {.above = 0.0235, .below = 0.0065, .height = 48}},
+    Attempt{0, {.above = 0.0260, .below = 0.0090, .paper = 0.1, .ink = 0.6, .height = 56}},
+    Attempt{1, {.above = 0.0235, .below = 0.0065, .paper = 0.1, .ink = 0.5, .height = 56}},
 };
 
 constexpr double roomAbove = 0.010; // of a baseline over the middle of a name's letters, where that is all that is known
@@ -190,7 +191,8 @@ ReadText PlacedCards::read(Script script, ReadingTools& tools, const Lexicon& na
             }
         }
     }
-    const bool isOffer = countSettled(best) > 0 && std::ranges::count_if(best, &PlacedSlot::isPrinted) >= fewestOffers;
+    const bool isOffer = std::ranges::any_of(best, &PlacedSlot::isNearName) &&
+                         std::ranges::count_if(best, &PlacedSlot::isPrinted) >= fewestOffers;
     return textOf(best, isOffer, middles, window.size());
 }
 

@@ -33,6 +33,9 @@ public:
 
     bool isSettled() const { return settled.has_value(); }
 
+    // Settled, or a Chinese reading of which few letters can be wrong.
+    bool isNearName() const { return settled || (offer() && worth >= nearName); }
+
     // Holds a name, known or not.
     bool isPrinted() const { return unknown || offer(); }
 
@@ -45,6 +48,8 @@ public:
     const PlacedLine& source() const { return line; }
 
 private:
+    static constexpr double nearName = 0.74; // resemblance: one of four letters is wrong
+
     std::optional<Lexicon::Settled> settled;
     LineReading reading;
     double worth = -1; // of a reading that does not settle
