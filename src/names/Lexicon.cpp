@@ -30,17 +30,6 @@ constexpr double enough = 1 << 20; // characters: more than any distance that is
 constexpr NameKinds allKinds =
     NameKind::minion | NameKind::spell | NameKind::weapon | NameKind::hero | NameKind::location;
 
-// Upright strokes within a line that were read as marks: an l at the end of a word often is.
-QString withLettersForMarks(const QString& line) {
-    QString corrected = line;
-    for (qsizetype i = 1; i + 1 < line.size(); ++i) {
-        if ((line[i] == u'!' || line[i] == u'|') && line[i - 1].isLetter()) {
-            corrected[i] = u'l';
-        }
-    }
-    return corrected;
-}
-
 bool isIdeograph(QChar character) {
     return character.unicode() >= 0x4E00 && character.unicode() <= 0x9FFF;
 }
@@ -349,7 +338,7 @@ std::optional<Lexicon::Settled> Lexicon::settle(const QString& line, NameKinds f
     if (folded.isEmpty() || hasIdeographs(folded)) {
         return std::nullopt;
     }
-    if (const QString corrected = withLettersForMarks(line); corrected != line) {
+    if (const QString corrected = ReadingDistance::withLettersForMarks(line); corrected != line) {
         const auto same = index.byFolded.constFind(ReadingDistance::folded(corrected));
         if (same != index.byFolded.cend() && *same != Index::several) {
             return Settled{index.entries[*same].name->text, inCharacters(ReadingDistance::ofConfused)};

@@ -36,6 +36,27 @@ constexpr auto costs = [] {
 // Beyond any limit, and far from overflow when costs are added.
 constexpr Halves unreachable = 1 << 20;
 
+// Of folded texts.
+bool canBe(const QString& reading, const QString& name) {
+    // reachable(i, j): the first i characters of the reading can be the first j of the name, after some junk.
+    const qsizetype width = name.size() + 1;
+    QVarLengthArray<bool, 1024> reachable((reading.size() + 1) * width);
+    std::ranges::fill(reachable, false);
+    const auto at = [&](qsizetype i, qsizetype j) -> bool& { return reachable[i * width + j]; };
+    const auto read = [&](qsizetype i) { return reading[i].unicode(); };
+    at(0, 0) = true;
+    for (qsizetype i = 1; i <= reading.size(); ++i) {
+        at(i, 0) = true;
+        for (qsizetype j = 1; j <= name.size(); ++j) {
+            const char16_t meant = name[j - 1].unicode();
+            at(i, j) = (at(i - 1, j - 1) && betweenCharacters(read(i - 1), meant) <= ofConfused) ||
+                       (i > 1 && at(i - 2, j - 1) && isReadAsTwo(read(i - 2), read(i - 1), meant)) ||
+                       (j == name.size() && at(i - 1, j));
+        }
+    }
+    return at(reading.size(), name.size());
+}
+
 } // namespace
 
 QString folded(const QString& text) {
@@ -152,24 +173,19 @@ std::optional<Halves> between(std::u16string_view reading, std::u16string_view n
     return distance <= limit ? std::optional(distance) : std::nullopt;
 }
 
-bool isLikely(QStringView reading, QStringView name) {
-    // reachable(i, j): the first i characters of the reading can be the first j of the name, after some junk.
-    const qsizetype width = name.size() + 1;
-    QVarLengthArray<bool, 1024> reachable((reading.size() + 1) * width);
-    std::ranges::fill(reachable, false);
-    const auto at = [&](qsizetype i, qsizetype j) -> bool& { return reachable[i * width + j]; };
-    const auto read = [&](qsizetype i) { return reading[i].unicode(); };
-    at(0, 0) = true;
-    for (qsizetype i = 1; i <= reading.size(); ++i) {
-        at(i, 0) = true;
-        for (qsizetype j = 1; j <= name.size(); ++j) {
-            const char16_t meant = name[j - 1].unicode();
-            at(i, j) = (at(i - 1, j - 1) && betweenCharacters(read(i - 1), meant) <= ofConfused) ||
-                       (i > 1 && at(i - 2, j - 1) && isReadAsTwo(read(i - 2), read(i - 1), meant)) ||
-                       (j == name.size() && at(i - 1, j));
+QString withLettersForMarks(const QString& line) {
+    QString corrected = line;
+    for (qsizetype i = 1; i + 1 < line.size(); ++i) {
+        if ((line[i] == u'!' || line[i] == u'|') && line[i - 1].isLetter()) {
+            corrected[i] = u'l';
         }
     }
-    return at(reading.size(), name.size());
+    return corrected;
+}
+
+bool isLikely(const QString& line, const QString& name) {
+    const QString letters = folded(name);
+    return canBe(folded(line), letters) || canBe(folded(withLettersForMarks(line)), letters);
 }
 
 } // namespace pelloran::ReadingDistance

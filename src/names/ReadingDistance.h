@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QString>
-#include <QStringView>
 
 #include <optional>
 #include <string_view>
@@ -33,9 +32,12 @@ bool isReadAsTwo(char16_t first, char16_t second, char16_t meant);
 // time by the name's length times the limit, as far as lengths allow for a distance within the limit at all.
 std::optional<Halves> between(std::u16string_view reading, std::u16string_view name, Halves limit);
 
-// True where every difference is one that counts less: the reading can be this name without anything unusual having
-// happened. Where it cannot, and the line is read the same again, another name is printed there. Of folded texts.
-bool isLikely(QStringView reading, QStringView name);
+// The line with an l for each exclamation mark and upright stroke that ends a word within it: they are often read so.
+QString withLettersForMarks(const QString& line);
+
+// True where every difference is one that counts less: the line can be this name without anything unusual having
+// happened. Where it cannot, and the line is read the same again, another name is printed there. Of texts as they are.
+bool isLikely(const QString& line, const QString& name);
 
 // What a name that much longer or shorter than the reading is away at least.
 constexpr Halves leastOfLengths(std::size_t readingLength, std::size_t nameLength) {

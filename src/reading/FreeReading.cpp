@@ -351,10 +351,10 @@ std::optional<QString> Reading::offered(const LineReading& reading) const {
     return countChineseLetters(reading.text) > 0 ? std::optional(reading.text) : std::nullopt;
 }
 
-// Three beside each other, or two where one was not found, at the height at which cards have their names and heroes their
-// classes.
+// Three beside each other at the height at which cards have their names and heroes their classes; of cards also two, where
+// one was not found.
 bool Reading::canBeOffers(const LineRow& row) const {
-    if (row.size() < fewestOffers) {
+    if (row.size() < (hints.offers == ReadingHints::Offers::cards ? fewestOffers : 3)) {
         return false;
     }
     const auto [highest, lowest] = hints.offers == ReadingHints::Offers::cards ? cardLevels : heroLevels;

@@ -20,9 +20,10 @@ constexpr int shortestStroke = 5;
 constexpr int tallestLetter = 26;
 constexpr int widestLetter = 46;
 constexpr double leastInkOfRow = 1.5; // pixels
+constexpr double leastShareOfRow = 0.08; // of the fullest row's ink
 constexpr int lowestLine = 7;
 constexpr int tallestLine = 32;
-constexpr int narrowestLine = 24;
+constexpr int narrowestLine = 18; // two Chinese characters
 constexpr std::size_t mostLines = 3;
 
 constexpr double paperRank = 0.80; // of the brightest channel's values: letters cover less than a fifth
@@ -124,9 +125,11 @@ std::vector<HeroLine> findHeroLines(const QImage& window, const GameFrame& frame
     for (std::size_t i = 0; i < ink.pixels.size(); ++i) {
         ink.pixels[i] = around.pixels[i] ? std::uint8_t(0) : ink.pixels[i];
     }
+    // A single descender may reach down to the next line.
+    const double most = *std::ranges::max_element(inkOfRow);
     int begin = -1;
     for (int y = 0; y <= mask.height; ++y) {
-        if (inkOfRow[std::size_t(y)] > leastInkOfRow) {
+        if (inkOfRow[std::size_t(y)] > std::max(leastInkOfRow, leastShareOfRow * most)) {
             begin = begin < 0 ? y : begin;
             continue;
         }

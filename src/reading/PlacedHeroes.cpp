@@ -49,7 +49,8 @@ public:
         for (std::size_t attempt = 1; attempt < attempts.size() && countSettled(slots) > 0; ++attempt) {
             readLines(slots, 0, attempts[attempt], script, tools, names);
         }
-        return textOf(slots, countSettled(slots) >= fewestOffers, middles, window.size());
+        const bool isRow = std::ranges::none_of(lines, &std::vector<HeroLine>::empty);
+        return textOf(slots, isRow && countSettled(slots) >= fewestOffers, middles, window.size());
     }
 
 private:

@@ -45,7 +45,7 @@ void PlacedSlot::take(const LineReading& read, const PlacedLine& from, const Lex
         return;
     }
     const bool again = std::ranges::find(seen, letters) != seen.end();
-    if (again && !(result && ReadingDistance::isLikely(letters, ReadingDistance::folded(result->text)))) {
+    if (again && !(result && ReadingDistance::isLikely(read.text, result->text))) {
         unknown = true;
         settled.reset();
         reading = read;
