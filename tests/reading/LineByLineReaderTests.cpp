@@ -1,6 +1,5 @@
-#include "platform/TextReader.h"
-
 #include "PaintedText.h"
+#include "platform/TextReader.h"
 #include "support/Printing.h"
 #include "support/SharedData.h"
 
@@ -27,13 +26,17 @@ QString lettersOf(const QString& text) {
     return letters;
 }
 
-std::shared_ptr<const KnownNames> known(const QStringList& names) {
-    auto result = std::make_shared<KnownNames>();
-    result->normalize = lettersOf;
+std::shared_ptr<const Lexicon> known(const QStringList& names, Lexicon::Tolerance tolerance = Lexicon::forCards) {
+    std::vector<KnownName> list;
     for (const QString& name : names) {
-        result->normalized.insert(lettersOf(name));
+        list.push_back({name, {}});
     }
-    return result;
+    return std::make_shared<const Lexicon>(std::move(list), tolerance);
+}
+
+ReadingHints hintsFor(const QRectF& band, std::shared_ptr<const Lexicon> names,
+                      ReadingHints::Offers offers = ReadingHints::Offers::cards) {
+    return {band, offers, std::nullopt, std::move(names)};
 }
 
 const QRectF cardBand(0.08, 0.28, 0.64, 0.5);
@@ -73,7 +76,8 @@ TEST_F(TextReaderTest, ReadsNamesAtEverySizeOfTheWindow) {
     for (const QSize size : {QSize(1280, 720), QSize(1920, 1080), QSize(2560, 1440), QSize(3840, 2160)}) {
         SCOPED_TRACE(size.height());
         reader->forget();
-        const auto tokens = reader->read(paintedPick(size.width(), size.height()), {cardBand, {}, known(offers)});
+        const auto tokens =
+            reader->read(paintedPick(size.width(), size.height()), hintsFor(cardBand, known(offers))).tokens;
         EXPECT_EQ(textsOf(tokens), offers);
         const double middles[] = {446 / 1920.0, 767 / 1920.0, 1097 / 1920.0};
         for (std::size_t i = 0; i < tokens.size(); ++i) {
@@ -92,91 +96,138 @@ TEST_F(TextReaderTest, ReadsChineseNamesWithoutBeingToldTheScript) {
     for (int i = 0; i < 3; ++i) {
         testing::paintWord(image, QPoint(446 + 325 * i, 450), names[i], 36);
     }
-    EXPECT_EQ(textsOf(reader->read(image, {cardBand, {}, known(names)})), names) << "cold";
-    EXPECT_EQ(textsOf(reader->read(image, {cardBand, {}, known(names)})), names) << "warm";
-    EXPECT_EQ(textsOf(reader->read(paintedPick(1920, 1080), {cardBand, {}, known(offers)})), offers)
+    EXPECT_EQ(textsOf(reader->read(image, hintsFor(cardBand, known(names))).tokens), names) << "cold";
+    EXPECT_EQ(textsOf(reader->read(image, hintsFor(cardBand, known(names))).tokens), names) << "warm";
+    EXPECT_EQ(textsOf(reader->read(paintedPick(1920, 1080), hintsFor(cardBand, known(offers))).tokens), offers)
         << "after the client's language was changed";
 }
 
 TEST_F(TextReaderTest, ReadsGoldenNamesOfClasses) {
+    const QRectF heroBand(0.08, 0.3, 0.84, 0.55);
+
+    struct Row {
+        QColor letters;
+        ReadingHints::Offers asked;
+        bool areRead;
+        const char* why;
+    };
+
+    const QColor gold(252, 209, 68);
+    const Row table[] = {
+        {gold, ReadingHints::Offers::heroes, true, "classes may be golden"},
+        {gold, ReadingHints::Offers::cards, false, "names of cards are white"},
+        {Qt::white, ReadingHints::Offers::cards, true, "else nothing is shown by the row above"},
+    };
+    for (const Row& row : table) {
+        SCOPED_TRACE(row.why);
+        reader->forget();
+        QImage image = testing::wood(1920, 1080);
+        for (int i = 0; i < 3; ++i) {
+            testing::paintWord(image, QPoint(520 + 420 * i, 450), offers[i], 32, row.letters);
+        }
+        EXPECT_EQ(textsOf(reader->read(image, hintsFor(heroBand, known(offers), row.asked)).tokens),
+                  row.areRead ? offers : QStringList());
+    }
+}
+
+TEST_F(TextReaderTest, ReadsClassesBelowHeroes) {
     QImage image = testing::wood(1920, 1080);
     for (int i = 0; i < 3; ++i) {
-        testing::paintWord(image, QPoint(520 + 420 * i, 575), offers[i], 32, QColor(252, 209, 68));
+        testing::paintWord(image, QPoint(520 + 420 * i, 575), offers[i], 32);
     }
     const QRectF heroBand(0.08, 0.3, 0.84, 0.55);
-    EXPECT_EQ(textsOf(reader->read(image, {heroBand, Lettering::whiteOrGolden, known(offers)})), offers);
-    EXPECT_TRUE(reader->read(image, {heroBand, Lettering::white, known(offers)}).empty())
-        << "else nothing is shown by this";
+    EXPECT_EQ(textsOf(reader->read(image, hintsFor(heroBand, known(offers), ReadingHints::Offers::heroes)).tokens),
+              offers);
+    EXPECT_TRUE(reader->read(image, hintsFor(heroBand, known(offers))).tokens.empty())
+        << "cards have their names higher up; what stands here are choices in battle";
 }
 
 TEST_F(TextReaderTest, ReadsWithoutKnowingTheNames) {
-    QStringList texts = textsOf(reader->read(paintedPick(1920, 1080), {cardBand, {}, nullptr}));
+    QStringList texts = textsOf(reader->read(paintedPick(1920, 1080), hintsFor(cardBand, nullptr)).tokens);
     QStringList expected = offers;
     texts.sort();
     expected.sort();
     EXPECT_EQ(texts, expected);
 }
 
-TEST_F(TextReaderTest, AKnownWordOfTheRulesHidesNoMisreadName) {
+TEST_F(TextReaderTest, AKnownWordOfTheRulesIsNoOfferAndHidesNone) {
     struct Row {
         QStringList names;
-        QStringList expected;
+        QStringList tokens;
+        QStringList unsettled;
         const char* why;
     };
 
+    const QStringList none;
+    const QString felt = QStringLiteral("Felt");
     const Row table[] = {
-        {{QStringLiteral("Titles"), QStringLiteral("Lifes"), QStringLiteral("Hilts"), QStringLiteral("Felt")},
-         {QStringLiteral("FELT"), QStringLiteral("HILT"), QStringLiteral("LIFE"), QStringLiteral("TITLE")},
-         "three names a letter away, a known word below them"},
-        {{QStringLiteral("Title"), QStringLiteral("Lifes"), QStringLiteral("Hilts"), QStringLiteral("Felt")},
-         {QStringLiteral("HILT"), QStringLiteral("LIFE"), QStringLiteral("TITLE")},
-         "one name right, which tells the row"},
-        {offers + QStringList{QStringLiteral("Felt")},
-         {QStringLiteral("HILT"), QStringLiteral("LIFE"), QStringLiteral("TITLE")},
-         "all names right, nothing else matters"},
+        {{QStringLiteral("Titles"), QStringLiteral("Lifes"), QStringLiteral("Hilts"), felt},
+         none,
+         offers,
+         "three names a letter away are none of those, nor is the known word below them"},
+        {{QStringLiteral("TITLE"), QStringLiteral("Lifes"), QStringLiteral("Hilts"), felt},
+         none,
+         offers,
+         "one name on its own is no offer"},
+        {{QStringLiteral("TITLE"), QStringLiteral("Lifes"), QStringLiteral("HILT"), felt},
+         {offers[0], offers[2]},
+         {offers[1]},
+         "two are, and the third is a card that the list lacks"},
+        {offers + QStringList{felt}, offers, none, "all names right, nothing else matters"},
     };
     QImage image = paintedPick(1920, 1080);
     testing::paintWord(image, QPoint(767, 600), QStringLiteral("FELT"), 22);
     for (const Row& row : table) {
         SCOPED_TRACE(row.why);
         reader->forget();
-        QStringList texts = textsOf(reader->read(image, {cardBand, {}, known(row.names)}));
-        texts.sort();
-        EXPECT_EQ(texts, row.expected);
+        const ReadText text = reader->read(image, hintsFor(cardBand, known(row.names)));
+        EXPECT_EQ(textsOf(text.tokens), row.tokens);
+        EXPECT_EQ(textsOf(text.unsettled), row.unsettled);
     }
 }
 
-TEST_F(TextReaderTest, ALineIsOneToken) {
+TEST_F(TextReaderTest, ReadingsBecomeTheNamesTheySettleTo) {
+    const QStringList names{QStringLiteral("Title!"), QStringLiteral("Life"), QStringLiteral("Hilt")};
+    EXPECT_EQ(textsOf(reader->read(paintedPick(1920, 1080), hintsFor(cardBand, known(names))).tokens), names);
+}
+
+TEST_F(TextReaderTest, ALineIsReportedOnce) {
     // Unknown names are read several times, not always alike.
     QImage image = testing::wood(1920, 1080);
     for (const int middle : {446, 767, 1097}) {
         testing::paintLetters(image, QRect(middle - 60, 440, 120, 26));
     }
-    const auto tokens = reader->read(image, {cardBand, {}, known(offers)});
-    ASSERT_EQ(tokens.size(), 3U);
-    for (std::size_t i = 0; i < tokens.size(); ++i) {
-        for (std::size_t k = 0; k < i; ++k) {
-            EXPECT_GT(std::abs(tokens[i].midX - tokens[k].midX), 0.1);
+    const auto expectOneEach = [](const std::vector<OCRToken>& lines) {
+        ASSERT_EQ(lines.size(), 3U);
+        for (std::size_t i = 0; i < lines.size(); ++i) {
+            for (std::size_t k = 0; k < i; ++k) {
+                EXPECT_GT(std::abs(lines[i].midX - lines[k].midX), 0.1);
+            }
         }
-    }
+    };
+    const ReadText text = reader->read(image, hintsFor(cardBand, known(offers)));
+    EXPECT_TRUE(text.tokens.empty());
+    expectOneEach(text.unsettled);
+    expectOneEach(reader->read(image, hintsFor(cardBand, nullptr)).tokens);
 }
 
 TEST_F(TextReaderTest, LeavesOutWhatLiesOutsideTheBand) {
     const QRectF below(0.08, 0.5, 0.64, 0.28);
-    EXPECT_TRUE(reader->read(paintedPick(1920, 1080), {below, {}, nullptr}).empty());
+    EXPECT_TRUE(reader->read(paintedPick(1920, 1080), hintsFor(below, nullptr)).tokens.empty());
     const QRectF leftOnly(0, 0, 0.3, 1);
-    EXPECT_EQ(textsOf(reader->read(paintedPick(1920, 1080), {leftOnly, {}, nullptr})), QStringList{offers[0]});
+    EXPECT_EQ(textsOf(reader->read(paintedPick(1920, 1080), hintsFor(leftOnly, nullptr)).tokens),
+              QStringList{offers[0]});
 }
 
 TEST_F(TextReaderTest, FormatsAndStridesDoNotMatter) {
     const QImage image = paintedPick(1280, 720);
-    const ReadingHints hints{cardBand, {}, known(offers)};
+    const ReadingHints hints = hintsFor(cardBand, known(offers));
     const auto expected = reader->read(image, hints);
-    ASSERT_EQ(expected.size(), 3U);
+    ASSERT_EQ(expected.tokens.size(), 3U);
     for (const QImage::Format format : {QImage::Format_ARGB32, QImage::Format_RGB888, QImage::Format_RGBA8888,
                                         QImage::Format_RGBA64, QImage::Format_Grayscale8}) {
         SCOPED_TRACE(format);
-        EXPECT_EQ(textsOf(reader->read(image.convertToFormat(format), hints)), offers);
+        EXPECT_EQ(textsOf(reader->read(image.convertToFormat(format), hints).tokens), offers);
     }
     QImage larger(1300, 740, QImage::Format_RGB32);
     larger.fill(Qt::white);
@@ -208,30 +259,19 @@ TEST_F(TextReaderTest, OddImagesHaveNoLines) {
         SCOPED_TRACE(row.why);
         QImage image(row.size, row.format);
         image.fill(1);
-        EXPECT_TRUE(reader->read(image, {}).empty());
-        EXPECT_TRUE(reader->read(image, {cardBand, Lettering::whiteOrGolden, known(offers)}).empty());
+        EXPECT_TRUE(reader->read(image, {}).tokens.empty());
+        for (const auto asked : {ReadingHints::Offers::cards, ReadingHints::Offers::heroes}) {
+            EXPECT_EQ(reader->read(image, hintsFor(cardBand, known(offers), asked)), ReadText());
+        }
     }
 }
 
 TEST_F(TextReaderTest, OddBandsAreNoHarm) {
     const QImage image = paintedPick(1280, 720);
     for (const QRectF band : {QRectF(), QRectF(2, 2, 1, 1), QRectF(0.5, 0.5, 0, 0), QRectF(-3, -3, 9, 9)}) {
-        const auto tokens = reader->read(image, {band, {}, nullptr});
+        const auto tokens = reader->read(image, hintsFor(band, nullptr)).tokens;
         EXPECT_EQ(tokens.size(), band.width() > 8 ? 3U : 0U);
     }
-}
-
-TEST_F(TextReaderTest, AnEntryWithoutLettersMakesNoNameOfNumbers) {
-    auto names = std::make_shared<KnownNames>();
-    names->normalize = [](const QString& text) { return text == QStringLiteral("LIFE") ? text : QString(); };
-    names->normalized = {QString(), QStringLiteral("LIFE")};
-    QImage image = testing::wood(1920, 1080);
-    for (int i = 0; i < 3; ++i) {
-        testing::paintWord(image, QPoint(446 + 325 * i, 400), QStringLiteral("TITLE"), 34); // nothing to normalize
-        testing::paintWord(image, QPoint(446 + 325 * i, 560), QStringLiteral("LIFE"), 26);
-    }
-    const QStringList texts = textsOf(reader->read(image, {cardBand, {}, names}));
-    EXPECT_EQ(texts.count(QStringLiteral("LIFE")), 3) << texts.join(QStringLiteral(", ")).toStdString();
 }
 
 TEST_F(TextReaderTest, BringsLinesToTheirSizeItself) {
@@ -240,7 +280,7 @@ TEST_F(TextReaderTest, BringsLinesToTheirSizeItself) {
 
 TEST_F(TextReaderTest, SameImageSameTokens) {
     const QImage image = paintedPick(1280, 720);
-    const ReadingHints hints{cardBand, {}, known(offers)};
+    const ReadingHints hints = hintsFor(cardBand, known(offers));
     const auto cold = reader->read(image, hints);
     EXPECT_EQ(reader->read(image, hints), cold) << "warm";
     reader->forget();
@@ -325,6 +365,9 @@ TEST_F(TextReaderTest, ReadsTheSharedScreens) {
         classNames << QString::fromUtf8(name);
     }
 
+    const auto knownCards = known(cardNames);
+    const auto knownClasses = known(classNames, Lexicon::forClasses);
+
     int chineseSlots = 0;
     int chineseClose = 0;
     QStringList missed;
@@ -333,11 +376,10 @@ TEST_F(TextReaderTest, ReadsTheSharedScreens) {
         const QImage image(screen.file);
         ASSERT_FALSE(image.isNull());
         const ReadingHints hints =
-            screen.hero
-                ? ReadingHints{QRectF(0.08, 0.3, 0.84, 0.55), Lettering::whiteOrGolden, known(classNames)}
-                : ReadingHints{cardBand, Lettering::white, known(cardNames)};
+            screen.hero ? hintsFor(QRectF(0.08, 0.3, 0.84, 0.55), knownClasses, ReadingHints::Offers::heroes)
+                        : hintsFor(cardBand, knownCards);
         reader->forget();
-        const auto tokens = reader->read(image, hints);
+        const auto tokens = reader->read(image, hints).tokens;
         for (const Slot& slot : screen.slotList) {
             const double share = bestShare(tokens, slot);
             if (screen.chinese) {
