@@ -39,7 +39,7 @@ constexpr std::array cardAttempts{
     CardAttempt{1, {.above = 0.0145, .below = 0.0055}},
 };
 constexpr double furthestOffset = 0.004; // of a baseline from its place; measured ones are within 0.001
-constexpr double rivalShare = 0.35; // of the best score: the next ribbon is worth a try
+constexpr double runnerUpShare = 0.35; // of the best score: the next ribbon is worth a try
 
 constexpr std::array heroAttempts{
     HeroRecipe{},
@@ -185,7 +185,7 @@ public:
             for (std::size_t slot = 0; slot < places.size(); ++slot) {
                 const auto& found = lines[slot];
                 if (places[slot].isDone() || attempt.line >= found.size() ||
-                    found[attempt.line].score < rivalShare * found.front().score ||
+                    found[attempt.line].score < runnerUpShare * found.front().score ||
                     (!isFirst && retries == mostRetries)) {
                     continue;
                 }
