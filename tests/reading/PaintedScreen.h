@@ -161,12 +161,13 @@ inline QImage paintedHeroes(const QSize& size, HeroGround ground, const std::arr
     QImage image = emptyScreen(size);
     QPainter painter(&image);
     const Ink ink{fills[int(ground)], Qt::transparent, 0};
+    const BarLetters letters{.stroke = 0.0029}; // without an outline they are heavier
     for (std::size_t i = 0; i < centres.size(); ++i) {
         painter.fillRect(QRectF(QPointF(frame.pixelX(centres[i] - 0.125), frame.pixelY(0.47)),
                                 QPointF(frame.pixelX(centres[i] + 0.125), frame.pixelY(0.58))),
                          grounds[int(ground)]);
-        paintAlong(painter, frame, straight(), centres[i], HeroText::nameBase, heroName, ink);
-        paintAlong(painter, frame, straight(), centres[i], HeroText::classBase, classes[i], ink);
+        paintAlong(painter, frame, straight(), centres[i], HeroText::nameBase, heroName, ink, letters);
+        paintAlong(painter, frame, straight(), centres[i], HeroText::classBase, classes[i], ink, letters);
     }
     return image;
 }
