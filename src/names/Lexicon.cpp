@@ -302,9 +302,7 @@ std::optional<Lexicon::Settled> Lexicon::Index::nearest(const QString& folded, N
             }
         }
     }
-    const QString& name = entries[bestEntry].name->text;
-    return Settled{name, inCharacters(best),
-                   ReadingDistance::isLikely(reading, view(ReadingDistance::folded(name)))};
+    return Settled{entries[bestEntry].name->text, inCharacters(best)};
 }
 
 // Made at the first question: whoever loads the names need not wait, nor whoever never asks.

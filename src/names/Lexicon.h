@@ -52,9 +52,6 @@ public:
     struct Settled {
         QString text;        // of the known name
         double distance = 0; // 0: read exactly
-        // Every difference is a mistake that the recogniser is prone to. Where one is not, and the line is read the same
-        // again and again, it is more likely to be a name that is not in the list.
-        bool likely = true;
 
         bool operator==(const Settled&) const = default;
     };

@@ -152,20 +152,20 @@ std::optional<Halves> between(std::u16string_view reading, std::u16string_view n
     return distance <= limit ? std::optional(distance) : std::nullopt;
 }
 
-bool isLikely(std::u16string_view reading, std::u16string_view name) {
+bool isLikely(QStringView reading, QStringView name) {
     // reachable(i, j): the first i characters of the reading can be the first j of the name, after some junk.
-    const std::size_t width = name.size() + 1;
-    QVarLengthArray<bool, 1024> reachable(static_cast<qsizetype>((reading.size() + 1) * width));
+    const qsizetype width = name.size() + 1;
+    QVarLengthArray<bool, 1024> reachable((reading.size() + 1) * width);
     std::ranges::fill(reachable, false);
-    const auto at = [&](std::size_t i, std::size_t j) -> bool& {
-        return reachable[static_cast<qsizetype>(i * width + j)];
-    };
+    const auto at = [&](qsizetype i, qsizetype j) -> bool& { return reachable[i * width + j]; };
+    const auto read = [&](qsizetype i) { return reading[i].unicode(); };
     at(0, 0) = true;
-    for (std::size_t i = 1; i <= reading.size(); ++i) {
+    for (qsizetype i = 1; i <= reading.size(); ++i) {
         at(i, 0) = true;
-        for (std::size_t j = 1; j <= name.size(); ++j) {
-            at(i, j) = (at(i - 1, j - 1) && betweenCharacters(reading[i - 1], name[j - 1]) <= ofConfused) ||
-                       (i > 1 && at(i - 2, j - 1) && isReadAsTwo(reading[i - 2], reading[i - 1], name[j - 1])) ||
+        for (qsizetype j = 1; j <= name.size(); ++j) {
+            const char16_t meant = name[j - 1].unicode();
+            at(i, j) = (at(i - 1, j - 1) && betweenCharacters(read(i - 1), meant) <= ofConfused) ||
+                       (i > 1 && at(i - 2, j - 1) && isReadAsTwo(read(i - 2), read(i - 1), meant)) ||
                        (j == name.size() && at(i - 1, j));
         }
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringView>
 
 #include <optional>
 #include <string_view>
@@ -33,8 +34,8 @@ bool isReadAsTwo(char16_t first, char16_t second, char16_t meant);
 std::optional<Halves> between(std::u16string_view reading, std::u16string_view name, Halves limit);
 
 // True where every difference is one that counts less: the reading can be this name without anything unusual having
-// happened. Of folded texts.
-bool isLikely(std::u16string_view reading, std::u16string_view name);
+// happened. Where it cannot, and the line is read the same again, another name is printed there. Of folded texts.
+bool isLikely(QStringView reading, QStringView name);
 
 // What a name that much longer or shorter than the reading is away at least.
 constexpr Halves leastOfLengths(std::size_t readingLength, std::size_t nameLength) {

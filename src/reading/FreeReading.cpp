@@ -43,13 +43,10 @@ constexpr std::array attempts{
 };
 
 constexpr std::size_t fewestOffers = 2;
-// Middles of the names of cards, in heights of the picture. Names of choices in battle stand from 0.48 on.
-constexpr double highestCardName = 0.33;
-constexpr double lowestCardName = 0.45;
-
-bool isChinese(const QString& text) {
-    return std::ranges::any_of(text, [](QChar character) { return character.script() == QChar::Script_Han; });
-}
+// Where the middles of names can stand, in heights of the picture: of cards, below which names of choices in battle
+// stand from 0.48 on, and of classes.
+constexpr std::pair cardLevels{0.33, 0.45};
+constexpr std::pair heroLevels{0.45, 0.60};
 
 // The game keeps its proportions and is as tall as the window, unless that is narrower than 4:3.
 double unitOf(const QImage& image) {
@@ -84,8 +81,10 @@ struct Line {
 // The lines of one image, read row by row.
 class Reading {
 public:
-    Reading(ReadingTools& readingTools, const QImage& picture, const ReadingHints& readingHints)
+    Reading(ReadingTools& readingTools, std::optional<Script>& rememberedScript, const QImage& picture,
+            const ReadingHints& readingHints)
         : tools(readingTools)
+        , remembered(rememberedScript)
         , image(picture)
         , hints(readingHints)
         , unit(unitOf(picture))
@@ -132,6 +131,7 @@ private:
     bool isKnown(const QString& text) const { return hints.names && hints.names->contains(text); }
 
     ReadingTools& tools;
+    std::optional<Script>& remembered;
     const QImage& image;
     const ReadingHints& hints;
     const double unit;
@@ -272,7 +272,7 @@ void Reading::readOnce(const LineRow& row, const Attempt& attempt) {
     if (row.empty()) {
         return;
     }
-    Script chosen = script ? *script : tools.remembered.value_or(guess(row));
+    Script chosen = script ? *script : remembered.value_or(guess(row));
     std::vector<LineReading> results = readWith(chosen, row, attempt.margin);
     double value = worth(results);
     if (!script && value < double(sureEnough)) {
@@ -284,7 +284,7 @@ void Reading::readOnce(const LineRow& row, const Attempt& attempt) {
         }
     }
     if (value >= double(sureEnough)) {
-        tools.remembered = chosen;
+        remembered = chosen;
     }
     if (value >= double(sureEnough) || row.size() > 1) { // a single line may be a number
         script = chosen;
@@ -348,18 +348,19 @@ std::optional<QString> Reading::offered(const LineReading& reading) const {
     if (const auto settled = hints.names->settle(reading.text)) {
         return settled->text;
     }
-    return isChinese(reading.text) ? std::optional(reading.text) : std::nullopt;
+    return countChineseLetters(reading.text) > 0 ? std::optional(reading.text) : std::nullopt;
 }
 
-// Three beside each other, or two where one was not found, at the height at which cards have their names; heroes stand
-// at different heights from year to year.
+// Three beside each other, or two where one was not found, at the height at which cards have their names and heroes their
+// classes.
 bool Reading::canBeOffers(const LineRow& row) const {
     if (row.size() < fewestOffers) {
         return false;
     }
-    return hints.offers == ReadingHints::Offers::heroes || std::ranges::all_of(row, [this](std::size_t index) {
+    const auto [highest, lowest] = hints.offers == ReadingHints::Offers::cards ? cardLevels : heroLevels;
+    return std::ranges::all_of(row, [&](std::size_t index) {
         const double middle = QRectF(lines[index].box.area).center().y() / (1080 * unit);
-        return middle >= highestCardName && middle <= lowestCardName;
+        return middle >= highest && middle <= lowest;
     });
 }
 
@@ -423,8 +424,9 @@ ReadText Reading::everything() const {
 
 } // namespace
 
-ReadText readAnywhere(ReadingTools& tools, const QImage& window, const ReadingHints& hints) {
-    return Reading(tools, window, hints).text();
+ReadText readAnywhere(ReadingTools& tools, std::optional<Script>& remembered, const QImage& window,
+                      const ReadingHints& hints) {
+    return Reading(tools, remembered, window, hints).text();
 }
 
 } // namespace pelloran

@@ -8,7 +8,7 @@
 namespace pelloran {
 
 // Finds the names in a picture of the game's window, brings each into the form that a reader of lines reads best, and
-// takes its text for the name that it can be. Tries where names usually stand first, in Latin letters, and then
+// takes its text for the name that it can be. Tries where names usually stand first, and then
 // everywhere.
 class LineByLineReader final : public TextReader {
 public:
@@ -22,6 +22,8 @@ public:
     void forget() override { remembered.reset(); }
 
 private:
+    ReadText readAtPlaces(const QImage& image, const ReadingHints& hints);
+
     std::unique_ptr<LineReader> lineReader;
     std::optional<Script> remembered; // which the client uses
 };

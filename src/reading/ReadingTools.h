@@ -4,14 +4,17 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <optional>
 
 namespace pelloran {
+
+// Han characters of a text.
+inline qsizetype countChineseLetters(const QString& text) {
+    return std::ranges::count_if(text, [](QChar character) { return character.script() == QChar::Script_Han; });
+}
 
 // What a way to read one image needs.
 struct ReadingTools {
     LineReader& lines;
-    std::optional<Script>& remembered; // script that the client was last seen to use
     std::size_t readingsLeft = 24;     // of lines: whatever the image shows, reading it ends
 
     // At most as many readings as are left, in the order of the work.

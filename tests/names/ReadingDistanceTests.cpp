@@ -85,6 +85,36 @@ TEST(ReadingDistance, WeighsMistakes) {
     }
 }
 
+TEST(ReadingDistance, TellsWhatIsAUsualMistake) {
+    struct Case {
+        const char* why;
+        QString reading;
+        QString name;
+        bool likely;
+    };
+
+    const Case cases[] = {
+        {"the same", u"fireball"_s, u"fireball"_s, true},
+        {"nothing for nothing", u""_s, u""_s, true},
+        {"nothing for a name", u""_s, u"fireball"_s, false},
+        {"another letter", u"ancientoflore"_s, u"ancientofyore"_s, false},
+        {"a confused one", u"swampdragonegy"_s, u"swampdragonegg"_s, true},
+        {"many confused ones", u"fjrebatt"_s, u"fireball"_s, true},
+        {"two for one", u"rnogor"_s, u"mogor"_s, true},
+        {"junk before and after", u"xxfireballyy"_s, u"fireball"_s, true},
+        {"junk within", u"firexball"_s, u"fireball"_s, false},
+        {"a letter that was not read", u"firball"_s, u"fireball"_s, false},
+        {"the end that was not read", u"fireba"_s, u"fireball"_s, false},
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.why);
+        EXPECT_EQ(ReadingDistance::isLikely(row.reading, row.name), row.likely);
+        // Nothing but halves for the letters that are there.
+        const auto distance = ReadingDistance::between(view(row.reading), view(row.name), 100);
+        EXPECT_TRUE(!row.likely || (distance && *distance <= row.reading.size()));
+    }
+}
+
 TEST(ReadingDistance, AgreesWithTheReferenceWithinAnyLimit) {
     std::mt19937 random(23);
     const QString alphabet = u"rnmiucldvwhtfae1é球"_s; // so that every rule has its turn

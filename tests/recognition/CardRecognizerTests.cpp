@@ -41,6 +41,10 @@ OCRToken token(const char* text, double midX, double midY = 0.5) {
     return {QString::fromUtf8(text), 0.9F, midX, midY, 0.1, 0.03};
 }
 
+ReadText lines(std::vector<OCRToken> tokens) {
+    return {std::move(tokens), {}, {}};
+}
+
 QStringList idsBySlot(const std::vector<SlotMatch>& matches) {
     QStringList ids;
     for (const SlotMatch& match : matches) {
@@ -117,6 +121,35 @@ TEST(AssignToSlots, NamesTheMethodBySlot) {
     EXPECT_EQ(one[2], (SlotMatch{DraftSlot::right, std::nullopt, 0, QStringLiteral("class-layout-miss"), QString()}));
 }
 
+TEST(AssignToColumns, PlacesByTheNearestOffer) {
+    const std::array columns{0.26, 0.41, 0.56};
+    struct Case {
+        const char* why;
+        std::vector<RecognitionCandidate> candidates;
+        const char* expected;
+    };
+    const Case cases[] = {
+        {"all three, in any order", {candidate("c", 0.55), candidate("a", 0.27), candidate("b", 0.41)}, "a b c"},
+        {"the left one missing: positions alone would take the middle one for it",
+         {candidate("b", 0.41), candidate("c", 0.56)},
+         "- b c"},
+        {"the right one missing", {candidate("a", 0.26), candidate("b", 0.42)}, "a b -"},
+        {"one alone, in the middle third of the window, but the right offer", {candidate("c", 0.56)}, "- - c"},
+        {"two at one place: the better one", {candidate("a", 0.25, 0.9), candidate("x", 0.27, 0.95)}, "x - -"},
+        {"equally good: the first", {candidate("a", 0.25, 0.9), candidate("x", 0.27, 0.9)}, "a - -"},
+        {"further off than half the distance between offers", {candidate("x", 0.18)}, "- - -"},
+        {"beside all of them", {candidate("x", 0.9)}, "- - -"},
+        {"nothing", {}, "- - -"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        EXPECT_EQ(idsBySlot(assignToColumns(c.candidates, columns, QStringLiteral("prefix"))), words(c.expected));
+    }
+    EXPECT_EQ(assignToColumns({}, columns, QStringLiteral("prefix"))[0].method, QStringLiteral("prefix-empty"));
+    EXPECT_EQ(assignToColumns({candidate("a", 0.26)}, columns, QStringLiteral("prefix"))[1].method,
+              QStringLiteral("prefix-miss"));
+}
+
 TEST(PickThreeHorizontally, TakesTheBestOfEachThird) {
     struct Case {
         const char* why;
@@ -188,7 +221,7 @@ TEST(MergeCards, TakesTheHigherScoreOnly) {
 
 TEST_F(CardRecognizerTest, ReadsThreeCardsLeftToRight) {
     const auto matches =
-        recognizer.recognizeCards({token("寒冰箭", 0.4), token("Chillwind Yeti", 0.57), token("Fireball", 0.23)});
+        recognizer.recognizeCards(lines({token("寒冰箭", 0.4), token("Chillwind Yeti", 0.57), token("Fireball", 0.23)}));
     ASSERT_EQ(matches.size(), 3U);
     EXPECT_EQ(matches[0], (SlotMatch{DraftSlot::left, QStringLiteral("FIREBALL"), 1.0, QStringLiteral("card-layout"),
                                      QStringLiteral("Fireball")}));
@@ -223,7 +256,7 @@ TEST_F(CardRecognizerTest, KeepsOnlyCardTokensThatCanBeNames) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
-        EXPECT_EQ(idsBySlot(recognizer.recognizeCards({c.token})) != words("- - -"), c.kept);
+        EXPECT_EQ(idsBySlot(recognizer.recognizeCards(lines({c.token}))) != words("- - -"), c.kept);
     }
 }
 
@@ -253,7 +286,7 @@ TEST_F(CardRecognizerTest, LongLinesNeedToEqualANameInFull) {
     const CardRecognizer exactOnly(sample.store, NameLengths::limitedUnlessExact);
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
-        const std::vector<OCRToken> tokens{token(c.text, 0.2)};
+        const ReadText tokens = lines({token(c.text, 0.2)});
         EXPECT_EQ(idsBySlot(recognizer.recognizeCards(tokens)).first(), QString::fromUtf8(c.strict));
         EXPECT_EQ(idsBySlot(exactOnly.recognizeCards(tokens)).first(), QString::fromUtf8(c.exactOnly));
     }
@@ -276,7 +309,7 @@ TEST_F(CardRecognizerTest, LongClassesNeedToBeReadExactly) {
     const CardRecognizer exactOnly(sample.store, NameLengths::limitedUnlessExact);
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
-        const std::vector<OCRToken> tokens{token(c.text, 0.2)};
+        const ReadText tokens = lines({token(c.text, 0.2)});
         EXPECT_EQ(idsBySlot(recognizer.recognizeHeroes(tokens)).first(), QString::fromUtf8(c.strict));
         EXPECT_EQ(idsBySlot(exactOnly.recognizeHeroes(tokens)).first(), QString::fromUtf8(c.exactOnly));
     }
@@ -305,29 +338,41 @@ TEST_F(CardRecognizerTest, KeepsOnlyHeroTokensInTheirBand) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
-        EXPECT_EQ(idsBySlot(recognizer.recognizeHeroes({c.token})) != words("- - -"), c.kept);
+        EXPECT_EQ(idsBySlot(recognizer.recognizeHeroes(lines({c.token}))) != words("- - -"), c.kept);
     }
 }
 
 TEST_F(CardRecognizerTest, IgnoresTheRightmostOfFourHeroes) {
-    const auto matches = recognizer.recognizeHeroes(
-        {token("Warlock", 0.9), token("Mage", 0.1), token("德鲁伊", 0.3), token("Rogue", 0.6)});
+    const auto matches = recognizer.recognizeHeroes(lines({token("Warlock", 0.9), token("Mage", 0.1), token("德鲁伊", 0.3), token("Rogue", 0.6)}));
     EXPECT_EQ(idsBySlot(matches), words("MAGE DRUID ROGUE"));
 }
 
 TEST_F(CardRecognizerTest, ThinsFourCardsToOnePerThird) {
-    const auto matches = recognizer.recognizeCards(
-        {token("Fireboll", 0.10), token("Frostbolt", 0.12), token("Polymorph", 0.40), token("Chillwind Yeti", 0.70)});
+    const auto matches = recognizer.recognizeCards(lines({token("Fireboll", 0.10), token("Frostbolt", 0.12), token("Polymorph", 0.40), token("Chillwind Yeti", 0.70)}));
     EXPECT_EQ(idsBySlot(matches), words("FROSTBOLT POLYMORPH YETI"));
 }
 
 TEST_F(CardRecognizerTest, GivesEmptySlotsForAPictureWithoutNames) {
-    for (const SlotMatch& match : recognizer.recognizeCards({token("Fireball", 0.9)})) {
+    for (const SlotMatch& match : recognizer.recognizeCards(lines({token("Fireball", 0.9)}))) {
         EXPECT_EQ(match.method, QStringLiteral("card-layout-empty"));
     }
-    for (const SlotMatch& match : recognizer.recognizeHeroes(std::vector<OCRToken>())) {
+    for (const SlotMatch& match : recognizer.recognizeHeroes(ReadText())) {
         EXPECT_EQ(match.method, QStringLiteral("class-layout-empty"));
     }
+}
+
+TEST_F(CardRecognizerTest, GoesByTheKnownPlacesUnlessPositionsAloneCount) {
+    ReadText text = lines({token("Frostbolt", 0.41), token("Fireball", 0.56)});
+    text.columns = {0.26, 0.41, 0.56};
+    const CardRecognizer withPlaces(sample.store, NameLengths::limitedUnlessExact);
+    EXPECT_EQ(idsBySlot(withPlaces.recognizeCards(text)), words("- FROSTBOLT FIREBALL"));
+    EXPECT_EQ(idsBySlot(recognizer.recognizeCards(text)), words("FROSTBOLT - FIREBALL"));
+    text.columns.reset();
+    EXPECT_EQ(idsBySlot(withPlaces.recognizeCards(text)), words("FROSTBOLT - FIREBALL")) << "the reader does not know";
+
+    ReadText heroes = lines({token("Mage", 0.41), token("Druid", 0.56)});
+    heroes.columns = {0.26, 0.41, 0.56};
+    EXPECT_EQ(idsBySlot(withPlaces.recognizeHeroes(heroes)), words("- MAGE DRUID"));
 }
 
 TEST_F(CardRecognizerTest, ReadsTheImageTwiceUnlessTheReaderScalesItself) {
@@ -335,18 +380,18 @@ TEST_F(CardRecognizerTest, ReadsTheImageTwiceUnlessTheReaderScalesItself) {
     reader.tokens = {token("Fireboll", 0.2), token("  ", 0.3), token(" Fireball\n", 0.2)};
     const QImage image(101, 51, QImage::Format_RGB32);
 
-    EXPECT_EQ(CardRecognizer::ocrTokens(image, reader, {}).size(), 4U) << "blank lines are dropped from both passes";
+    EXPECT_EQ(CardRecognizer::ocrTokens(image, reader, {}).tokens.size(), 4U) << "blank lines are dropped from both passes";
     EXPECT_EQ(reader.sizes, (std::vector<QSize>{{101, 51}, {151, 76}})) << "whole pixels, cut off";
 
     reader.sizes.clear();
     reader.scales = true;
-    const auto tokens = CardRecognizer::ocrTokens(image, reader, {});
+    const auto tokens = CardRecognizer::ocrTokens(image, reader, {}).tokens;
     EXPECT_EQ(reader.sizes, (std::vector<QSize>{{101, 51}}));
     ASSERT_EQ(tokens.size(), 2U);
     EXPECT_EQ(tokens[1].text, QStringLiteral("Fireball")) << "trimmed";
 
     reader.sizes.clear();
-    EXPECT_TRUE(CardRecognizer::ocrTokens(QImage(), reader, {}).empty());
+    EXPECT_EQ(CardRecognizer::ocrTokens(QImage(), reader, {}), ReadText());
     EXPECT_TRUE(reader.sizes.empty()) << "no picture, nothing to read";
 }
 

@@ -57,6 +57,8 @@ TEST(Scenario, SaysWhatIsWrong) {
         {"steps of the wrong type", R"({"steps": "idle"})", "at least one step"},
         {"no step in it", R"({"steps": []})", "at least one step"},
         {"a language nobody speaks", R"({"language": "de", "steps": [{"kind": "idle"}]})", "\"en\" or \"zh\""},
+        {"a look it never had", R"({"look": "newest", "steps": [{"kind": "idle"}]})", "\"old\" or \"new\""},
+        {"a look that is no text", R"({"look": 2024, "steps": [{"kind": "idle"}]})", "\"old\" or \"new\""},
         {"a misspelt key", R"({"step": [], "steps": [{"kind": "idle"}]})", "\"step\" has no meaning"},
         {"a misspelt key in a step", scenarioOf({R"({"kind": "idle", "second": 3})"}), "step 0: \"second\""},
         {"a step that is none", scenarioOf({"3"}), "step 0: must be an object"},
@@ -100,11 +102,19 @@ TEST(Scenario, SaysWhatIsWrong) {
     }
 }
 
+TEST(Scenario, ChoosesTheLook) {
+    EXPECT_EQ(Scenario::parse(scenarioOf({R"({"kind": "idle"})"}))->look, Look::felt)
+        << "today's, when nothing is said";
+    EXPECT_EQ(Scenario::parse(R"({"look": "old", "steps": [{"kind": "idle"}]})")->look, Look::parchment);
+    EXPECT_EQ(Scenario::parse(R"({"look": "new", "steps": [{"kind": "idle"}]})")->look, Look::felt);
+}
+
 TEST(Scenario, TakesCardsThatAreNotInTheSampleData) {
     const auto scenario = Scenario::parse(
         scenarioOf({heroPick, chooseMage,
                     R"({"kind": "cardPick", "offers": ["CS2_029", {"card_id": "X_1", "name_en": "Own Card", "cost": 7},
-             {"card_id": "X_2", "name_zh": "自己的牌", "type": "MINION", "attack": 2, "health": 3}]})",
+             {"card_id": "X_2", "name_zh": "自己的牌", "type": "MINION", "attack": 2, "health": 3,
+              "golden": true}]})",
                     R"({"kind": "choose", "choice": "X_2"})"}));
     ASSERT_TRUE(scenario.has_value()) << scenario.error().toStdString();
     const std::vector<Card>& offers = scenario->steps[2].cards;
@@ -112,6 +122,8 @@ TEST(Scenario, TakesCardsThatAreNotInTheSampleData) {
     EXPECT_EQ(offers[1].name.in(Language::chinese), QStringLiteral("Own Card"))
         << "the only name serves both languages";
     EXPECT_EQ(offers[2].health, 3);
+    EXPECT_TRUE(offers[2].golden);
+    EXPECT_FALSE(offers[1].golden);
     EXPECT_EQ(scenario->steps[3].chosen, 2);
 }
 

@@ -20,6 +20,10 @@ TEST(StageOptions, HasDefaultsForEverything) {
     EXPECT_EQ(options->scenario, QStringLiteral("demo"));
     EXPECT_EQ(options->size, QSize(1920, 1080));
     EXPECT_FALSE(options->language.has_value());
+    EXPECT_FALSE(options->look.has_value());
+    EXPECT_FALSE(options->lettering.has_value());
+    EXPECT_EQ(options->paintScreens, QString());
+    EXPECT_EQ(options->count, 24);
     EXPECT_EQ(options->speed, 1);
     EXPECT_FALSE(options->help || options->loop || options->fullScreen || options->stepsOnStdin || options->exitAtEnd);
 }
@@ -40,6 +44,19 @@ TEST(StageOptions, ReadsEveryOptionWithAndWithoutAnEqualsSign) {
     EXPECT_EQ(options->picture, QStringLiteral("p.png"));
     EXPECT_EQ(options->step, 3);
     EXPECT_TRUE(options->stepsOnStdin);
+}
+
+TEST(StageOptions, ReadsWhatBelongsToASeriesOfScreens) {
+    const auto options = StageOptions::parse(
+        words("--paint-screens out --count 3 --cards c.json --seed 9 --look old --lettering clerical --language zh"));
+    ASSERT_TRUE(options.has_value()) << options.error().toStdString();
+    EXPECT_EQ(options->paintScreens, QStringLiteral("out"));
+    EXPECT_EQ(options->count, 3);
+    EXPECT_EQ(options->cards, QStringLiteral("c.json"));
+    EXPECT_EQ(options->look, Look::parchment);
+    EXPECT_EQ(options->lettering, ChineseLettering::clerical);
+    EXPECT_EQ(StageOptions::parse(words("--look new --lettering printed"))->look, Look::felt);
+    EXPECT_EQ(StageOptions::parse(words("--look new --lettering printed"))->lettering, ChineseLettering::printed);
 }
 
 TEST(StageOptions, RefusesWhatDoesNotFit) {
@@ -66,6 +83,12 @@ TEST(StageOptions, RefusesWhatDoesNotFit) {
         {"a broken seed", "--seed 1.5", "whole number"},
         {"a step before the first", "--picture p.png --step -1", "from 0"},
         {"a step without a picture", "--step 1", "--picture"},
+        {"a look it never had", "--look newest", "old or new"},
+        {"a lettering nobody cut", "--lettering gothic", "printed or clerical"},
+        {"no screens at all", "--paint-screens out --count 0", "from 1"},
+        {"a count without a folder", "--count 3", "--paint-screens"},
+        {"cards without a folder", "--cards c.json", "--paint-screens"},
+        {"a step and a series", "--paint-screens out --picture p.png", "not both"},
         {"an end that never comes", "--loop --exit-at-end", "no end"},
     };
     for (const Row& row : rows) {

@@ -1,3 +1,4 @@
+#include "stage/Contents.h"
 #include "stage/Scenario.h"
 #include "support/Printing.h"
 
@@ -95,7 +96,7 @@ TEST(StageProgram, PaintsEveryKindOfStepInBothLanguagesAndManySizes) {
         }
         painted.insert(kind);
         for (const QString& language : {QStringLiteral("en"), QStringLiteral("zh")}) {
-            const QString size = sizes[(painted.size() + (language == u"zh" ? 1 : 0)) % sizes.size()];
+            const QString& size = sizes[(painted.size() + (language == u"zh" ? 1 : 0)) % sizes.size()];
             SCOPED_TRACE(QStringLiteral("step %1, %2, %3").arg(step).arg(language, size).toStdString());
             const Outcome outcome =
                 run({QStringLiteral("--scenario"), QStringLiteral("demo-zh"), QStringLiteral("--picture"), picture,
@@ -114,6 +115,60 @@ TEST(StageProgram, PaintsEveryKindOfStepInBothLanguagesAndManySizes) {
         }
     }
     EXPECT_EQ(painted.size(), 9) << "the scenario shows every kind of step";
+}
+
+TEST(StageProgram, LooksAsItIsTold) {
+    const QTemporaryDir folder;
+    QList<QByteArray> pictures;
+    for (const QStringList& arguments : {QStringList{}, QStringList{QStringLiteral("--look"), QStringLiteral("new")},
+                                         QStringList{QStringLiteral("--look"), QStringLiteral("old")},
+                                         QStringList{QStringLiteral("--lettering"), QStringLiteral("clerical")}}) {
+        const QString path = folder.filePath(QStringLiteral("p.png"));
+        const Outcome outcome =
+            run(QStringList{QStringLiteral("--scenario"), QStringLiteral("demo-zh"), QStringLiteral("--picture"), path,
+                            QStringLiteral("--step"), QStringLiteral("1"), QStringLiteral("--size"),
+                            QStringLiteral("640x360")} +
+                arguments);
+        ASSERT_EQ(outcome.exitCode, 0) << outcome.errors.toStdString();
+        pictures.append(contents(path));
+    }
+    EXPECT_TRUE(pictures[0] == pictures[1]) << "the new look is the default";
+    EXPECT_FALSE(pictures[0] == pictures[2]);
+    EXPECT_FALSE(pictures[0] == pictures[3]);
+}
+
+TEST(StageProgram, PaintsASeriesOfScreensWithTheTruthAboutEach) {
+    const QTemporaryDir folder;
+    const QString cards = folder.filePath(QStringLiteral("cards.json"));
+    QFile file(cards);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(
+        R"([{"card_id": "1", "name_en": "One", "type": "MINION"}, {"card_id": "2", "name_en": "Two", "type": "SPELL"},
+                   {"card_id": "3", "name_en": "Three", "type": "WEAPON"}])");
+    file.close();
+    const QString target = folder.filePath(QStringLiteral("screens"));
+    const QStringList arguments{QStringLiteral("--paint-screens"), target,
+                                QStringLiteral("--count"),         QStringLiteral("2"),
+                                QStringLiteral("--size"),          QStringLiteral("400x300"),
+                                QStringLiteral("--language"),      QStringLiteral("en"),
+                                QStringLiteral("--cards"),         cards};
+    const Outcome outcome = run(arguments);
+    ASSERT_EQ(outcome.exitCode, 0) << outcome.errors.toStdString();
+    const QJsonObject first =
+        QJsonDocument::fromJson(contents(target + QStringLiteral("/0000-cards-en.json"))).object();
+    EXPECT_EQ(first[u"phase"].toString(), QStringLiteral("cardPick"));
+    EXPECT_EQ(first[u"names"].toArray().size(), 3);
+    EXPECT_GT(QFile(target + QStringLiteral("/0000-cards-en.png")).size(), 10000);
+    const QJsonObject second =
+        QJsonDocument::fromJson(contents(target + QStringLiteral("/0001-heroes-en.json"))).object();
+    EXPECT_EQ(second[u"phase"].toString(), QStringLiteral("heroPick"));
+
+    QStringList chinese = arguments;
+    chinese[7] = QStringLiteral("zh");
+    EXPECT_EQ(run(chinese).exitCode, 1) << "none of those cards has a Chinese name";
+    QStringList missing = arguments;
+    missing.last() += u'x';
+    EXPECT_EQ(run(missing).exitCode, 1);
 }
 
 TEST(StageProgram, ReportsOffersAndChoicesWithTheNamesOnScreen) {

@@ -29,8 +29,9 @@ struct Card {
     QString type;      // "MINION", "SPELL", "WEAPON", "HERO"
     QString cardClass; // class key, or "NEUTRAL"
     int attack = 0;
-    int health = 0;    // of a weapon: its durability
-    QStringList rules; // such as "taunt" or "damage:3"; see rulesText()
+    int health = 0;      // of a weapon: its durability
+    QStringList rules;   // such as "taunt" or "damage:3"; see rulesText()
+    bool golden = false; // the precious version of it, with a frame of gold
 
     bool operator==(const Card&) const = default;
 };

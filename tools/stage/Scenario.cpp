@@ -77,8 +77,13 @@ private:
             return QStringLiteral("\"language\" must be \"en\" or \"zh\"");
         }
         scenario.language = language == u"zh" ? Language::chinese : Language::english;
+        const QString look = head.contains(u"look") ? head[u"look"].toString() : QStringLiteral("new");
+        if (look != u"old" && look != u"new") {
+            return QStringLiteral("\"look\" must be \"old\" or \"new\"");
+        }
+        scenario.look = look == u"old" ? Look::parchment : Look::felt;
         return unknownKey(head, {QStringLiteral("name"), QStringLiteral("about"), QStringLiteral("language"),
-                                 QStringLiteral("steps")});
+                                 QStringLiteral("look"), QStringLiteral("steps")});
     }
 
     Problem readStep(const QJsonValue& value) {
@@ -175,7 +180,7 @@ private:
     }
 
     static Problem readHeroes(const QJsonValue& value, Step& step) {
-        for (const QJsonValue& entry : value.toArray()) {
+        for (const auto& entry : value.toArray()) {
             const HeroClass* hero = Catalogue::sample().heroClass(entry.toString());
             if (!hero) {
                 return QStringLiteral("there is no class \"%1\"").arg(entry.toString());
@@ -193,7 +198,7 @@ private:
 
     static Problem readCards(const QJsonValue& value, const QString& key, std::size_t fewest, std::size_t most,
                              Step& step) {
-        for (const QJsonValue& entry : value.toArray()) {
+        for (const auto& entry : value.toArray()) {
             const std::expected<Card, QString> card = readCard(entry);
             if (!card) {
                 return card.error();
@@ -218,7 +223,7 @@ private:
             return *card;
         }
         const QJsonObject object = value.toObject();
-        const Card card{
+        Card card{
             .id = object[u"card_id"].toString(),
             .name = {object[u"name_en"].toString(object[u"name_zh"].toString()),
                      object[u"name_zh"].toString(object[u"name_en"].toString())},
@@ -229,6 +234,7 @@ private:
             .attack = object[u"attack"].toInt(),
             .health = object[u"health"].toInt(1),
             .rules = object[u"rules"].toString().split(u' ', Qt::SkipEmptyParts),
+            .golden = object[u"golden"].toBool(),
         };
         if (card.id.isEmpty() || card.name.english.isEmpty()) {
             return std::unexpected(QStringLiteral(

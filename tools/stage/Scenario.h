@@ -1,6 +1,7 @@
 #pragma once
 
 #include "stage/Catalogue.h"
+#include "stage/Look.h"
 
 #include <QByteArray>
 #include <QString>
@@ -44,6 +45,7 @@ struct Scenario {
     QString name;
     QString about;
     Language language = Language::english;
+    Look look = Look::felt;
     std::vector<Step> steps; // at least one
 
     // From JSON as tools/stage/README.md describes it. The error says which step is wrong and why.

@@ -36,6 +36,30 @@ Problem readLanguage(StageOptions& options, const QString& value) {
     return std::nullopt;
 }
 
+Problem readLook(StageOptions& options, const QString& value) {
+    if (value != u"old" && value != u"new") {
+        return QStringLiteral("must be old or new");
+    }
+    options.look = value == u"old" ? Look::parchment : Look::felt;
+    return std::nullopt;
+}
+
+Problem readLettering(StageOptions& options, const QString& value) {
+    if (value != u"printed" && value != u"clerical") {
+        return QStringLiteral("must be printed or clerical");
+    }
+    options.lettering = value == u"clerical" ? ChineseLettering::clerical : ChineseLettering::printed;
+    return std::nullopt;
+}
+
+Problem readCount(StageOptions& options, const QString& value) {
+    bool isNumber = false;
+    options.count = value.toInt(&isNumber);
+    return isNumber && options.count >= 1 && options.count <= 100000
+               ? Problem()
+               : QStringLiteral("must be a whole number from 1 to 100000");
+}
+
 Problem readSpeed(StageOptions& options, const QString& value) {
     bool isNumber = false;
     options.speed = value.toDouble(&isNumber);
@@ -79,6 +103,11 @@ const std::map<QString, std::variant<Flag, Setting>>& knownOptions() {
         {QStringLiteral("--scenario"), text(&StageOptions::scenario)},
         {QStringLiteral("--logs-dir"), text(&StageOptions::logsDir)},
         {QStringLiteral("--picture"), text(&StageOptions::picture)},
+        {QStringLiteral("--paint-screens"), text(&StageOptions::paintScreens)},
+        {QStringLiteral("--cards"), text(&StageOptions::cards)},
+        {QStringLiteral("--count"), readCount},
+        {QStringLiteral("--look"), readLook},
+        {QStringLiteral("--lettering"), readLettering},
         {QStringLiteral("--size"), readSize},
         {QStringLiteral("--language"), readLanguage},
         {QStringLiteral("--speed"), readSpeed},
@@ -119,6 +148,14 @@ std::expected<StageOptions, QString> StageOptions::parse(const QStringList& argu
     if (given.contains(QStringLiteral("--step")) && options.picture.isEmpty()) {
         return std::unexpected(QStringLiteral("--step goes with --picture"));
     }
+    for (const QString& name : {QStringLiteral("--count"), QStringLiteral("--cards")}) {
+        if (given.contains(name) && options.paintScreens.isEmpty()) {
+            return std::unexpected(QStringLiteral("%1 goes with --paint-screens").arg(name));
+        }
+    }
+    if (!options.paintScreens.isEmpty() && !options.picture.isEmpty()) {
+        return std::unexpected(QStringLiteral("--picture paints one step, --paint-screens a series: not both"));
+    }
     if (options.loop && options.exitAtEnd) {
         return std::unexpected(QStringLiteral("--loop has no end to exit at"));
     }
@@ -137,6 +174,8 @@ written as the game writes them. Prints one JSON line for every step begun.
   --size WxH            of the window (default: 1920x1080)
   --full-screen         fill the screen instead
   --language en|zh      of the texts (default: the scenario's own)
+  --look old|new        how the game looked until 2024 or has since (default: the scenario's own, else new)
+  --lettering printed|clerical  of Chinese: as in a book (default), or wide, flat and thin as on old inscriptions
   --speed FACTOR        2 is twice as fast
   --loop                begin again after the last step
   --exit-at-end         leave after the last step instead of staying on it
@@ -145,6 +184,10 @@ written as the game writes them. Prints one JSON line for every step begun.
                         the input leaves
   --picture FILE        paint one step to a PNG file, without a display, and leave
   --step N              which step that is, counted from 0
+  --paint-screens DIR   paint a series of screens of an Arena draft into a folder, each a PNG file and a JSON file that
+                        says what is on it, without a display, and leave
+  --count N             how many (default: 24)
+  --cards FILE          with the cards of that JSON file instead of the sample data
   --help                say this
 
 A line on standard output is written once the step's log lines are in the files and its picture is in the window:

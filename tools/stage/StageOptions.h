@@ -1,6 +1,7 @@
 #pragma once
 
 #include "stage/Catalogue.h"
+#include "stage/Look.h"
 
 #include <QSize>
 #include <QString>
@@ -17,13 +18,18 @@ struct StageOptions {
     QString scenario = QStringLiteral("demo");
     QString logsDir; // "": no logs are written
     QSize size{1920, 1080};
-    std::optional<Language> language; // absent: the scenario's own
+    std::optional<Language> language;          // absent: the scenario's own
+    std::optional<Look> look;                  // absent: the scenario's own
+    std::optional<ChineseLettering> lettering; // absent: printed
     double speed = 1;
     bool loop = false;
     quint32 seed = 1;
     bool fullScreen = false;
-    QString picture; // "": a window
-    int step = 0;    // of the picture
+    QString picture;      // "": a window
+    int step = 0;         // of the picture
+    QString paintScreens; // folder for a series of screens; "": none
+    int count = 24;       // of that series
+    QString cards;        // file of cards for it; "": the sample data
     bool stepsOnStdin = false;
     bool exitAtEnd = false;
 

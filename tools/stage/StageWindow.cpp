@@ -23,7 +23,7 @@ void StageWindow::show(const Situation& newSituation, std::function<void()> when
     situation = newSituation;
     shown = std::move(whenShown);
     if (painter) {
-        painter->show(situation);
+        painter->show(Screen::onStage(situation));
     }
     if (isExposed()) {
         update();
@@ -57,7 +57,7 @@ void StageWindow::prepare() {
     const QSize pixels = size() * devicePixelRatio();
     if (!painter || painter->size() != pixels) {
         painter = makePainter(pixels);
-        painter->show(situation);
+        painter->show(Screen::onStage(situation));
     }
 }
 

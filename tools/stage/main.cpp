@@ -1,5 +1,7 @@
+#include "stage/CardFile.h"
 #include "stage/LogScript.h"
 #include "stage/Scenario.h"
+#include "stage/ScreenSeries.h"
 #include "stage/SessionFolder.h"
 #include "stage/StageOptions.h"
 #include "stage/StageWindow.h"
@@ -154,11 +156,12 @@ private:
     QByteArray pending;
 };
 
-int paintPicture(const StageOptions& options, const Scenario& scenario, Language language, const Lettering& lettering) {
+int paintPicture(const StageOptions& options, const Scenario& scenario, const Production& production,
+                 const Lettering& lettering) {
     const auto step = static_cast<std::size_t>(options.step);
     const Situation situation = situationAt(scenario, step);
-    ScenePainter painter(options.size, language, options.seed, lettering);
-    painter.show(situation);
+    ScenePainter painter(options.size, production, lettering);
+    painter.show(Screen::onStage(situation));
     QImage picture(options.size, QImage::Format_RGB32);
     QPainter canvas(&picture);
     painter.paint(canvas, 2.4);
@@ -167,11 +170,36 @@ int paintPicture(const StageOptions& options, const Scenario& scenario, Language
         say(stderr, QStringLiteral("pelloran-stage: cannot write %1\n").arg(options.picture));
         return failed;
     }
-    say(stdout, report(situation, step, language, {}));
+    say(stdout, report(situation, step, production.language, {}));
     return done;
 }
 
-int playInWindow(const StageOptions& options, const Scenario& scenario, Language language, const Lettering& lettering) {
+int paintSeries(const StageOptions& options) {
+    std::vector<Card> cards = Catalogue::sample().cards();
+    if (!options.cards.isEmpty()) {
+        std::expected<std::vector<Card>, QString> read = readCardFile(options.cards);
+        if (!read) {
+            say(stderr, QStringLiteral("pelloran-stage: %1\n").arg(read.error()));
+            return failed;
+        }
+        cards = *std::move(read);
+    }
+    const std::expected<ScreenSeries, QString> series = ScreenSeries::create({.seed = options.seed,
+                                                                              .size = options.size,
+                                                                              .language = options.language,
+                                                                              .look = options.look,
+                                                                              .lettering = options.lettering},
+                                                                             std::move(cards));
+    const std::optional<QString> problem =
+        series ? series->write(options.paintScreens, options.count) : std::optional(series.error());
+    if (problem) {
+        say(stderr, QStringLiteral("pelloran-stage: %1\n").arg(*problem));
+    }
+    return problem ? failed : done;
+}
+
+int playInWindow(const StageOptions& options, const Scenario& scenario, const Production& production,
+                 const Lettering& lettering) {
     std::optional<SessionFolder> session;
     if (!options.logsDir.isEmpty()) {
         std::expected<SessionFolder, QString> made =
@@ -182,11 +210,10 @@ int playInWindow(const StageOptions& options, const Scenario& scenario, Language
         }
         session = std::move(*made);
     }
-    StageWindow window(
-        [&](QSize size) { return std::make_unique<ScenePainter>(size, language, options.seed, lettering); });
+    StageWindow window([&](QSize size) { return std::make_unique<ScenePainter>(size, production, lettering); });
     window.resize(options.size / window.devicePixelRatio());
     options.fullScreen ? window.showFullScreen() : window.QWindow::show();
-    Play play(options, scenario, language, window, std::move(session));
+    Play play(options, scenario, production.language, window, std::move(session));
     play.start();
     return QGuiApplication::exec();
 }
@@ -223,7 +250,7 @@ int run(int argc, char** argv) {
     }
 
     // Decided before the application object is made, which opens the display.
-    if (!options->picture.isEmpty()) {
+    if (!options->picture.isEmpty() || !options->paintScreens.isEmpty()) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     } else if (QSysInfo::kernelType() == u"linux" && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
         if (qEnvironmentVariableIsEmpty("DISPLAY")) {
@@ -240,14 +267,20 @@ int run(int argc, char** argv) {
     int noArguments = 1;
     const QGuiApplication application(noArguments, argv);
 
-    const Language language = options->language.value_or(scenario->language);
-    const std::expected<Lettering, QString> lettering = Lettering::create(language);
+    if (!options->paintScreens.isEmpty()) {
+        return paintSeries(*options);
+    }
+    const Production production{.language = options->language.value_or(scenario->language),
+                                .look = options->look.value_or(scenario->look),
+                                .seed = options->seed};
+    const std::expected<Lettering, QString> lettering =
+        Lettering::create(production.language, options->lettering.value_or(ChineseLettering::printed));
     if (!lettering) {
         say(stderr, QStringLiteral("pelloran-stage: %1\n").arg(lettering.error()));
         return failed;
     }
-    return options->picture.isEmpty() ? playInWindow(*options, *scenario, language, *lettering)
-                                      : paintPicture(*options, *scenario, language, *lettering);
+    return options->picture.isEmpty() ? playInWindow(*options, *scenario, production, *lettering)
+                                      : paintPicture(*options, *scenario, production, *lettering);
 }
 
 } // namespace

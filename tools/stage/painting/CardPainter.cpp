@@ -1,10 +1,11 @@
 #include "stage/painting/CardPainter.h"
 
 #include "stage/painting/Art.h"
+#include "stage/painting/CardParts.h"
 #include "stage/painting/Emblems.h"
 #include "stage/painting/Materials.h"
+#include "stage/painting/ScreenPlan.h"
 
-#include <QHash>
 #include <QRadialGradient>
 
 #include <vector>
@@ -13,28 +14,21 @@ namespace pelloran::stage {
 
 namespace {
 
-const QColor manaBlue(0x1f, 0x62, 0xd6);
+const QColor manaBlue(0x1f, 0x5c, 0xc8);
 const QColor attackGold(0xd8, 0x9c, 0x1c);
 const QColor healthRed(0xb8, 0x1c, 0x20);
 const QColor shieldGrey(0x70, 0x78, 0x84);
-const QColor parchment(0xd8, 0xc0, 0x94);
+const QColor goldenDark(62, 52, 40);
+const QColor cream(0xff, 0xf6, 0xe4);
 
-QColor rarityColour(const QString& rarity) {
-    static const QHash<QString, QColor> all{
-        {QStringLiteral("COMMON"), QColor(0xc8, 0xcc, 0xd2)},
-        {QStringLiteral("RARE"), QColor(0x2c, 0x7c, 0xe8)},
-        {QStringLiteral("EPIC"), QColor(0xa0, 0x3c, 0xd8)},
-        {QStringLiteral("LEGENDARY"), QColor(0xf4, 0x92, 0x18)},
-    };
-    return all.value(rarity, QColor());
-}
-
-// Places on a card, from the middle of its name.
-const QRectF body(-148, -226, 296, 438);
-constexpr QPointF manaPlace(-120, -196);
-constexpr QPointF attackPlace(-122, 182);
-constexpr QPointF healthPlace(122, 182);
-constexpr double jewelRadius = 36;
+// Places on a card, from the point that the name is placed by.
+const QRectF body(-114, -172, 228, 330);
+constexpr QPointF manaPlace(-98, -158);
+constexpr QPointF attackPlace(-96, 136);
+constexpr QPointF healthPlace(96, 136);
+constexpr double jewelRadius = 28;
+constexpr double nameWidth = 200;
+constexpr double arcNameWidth = 176; // on the steep ribbon of hero cards
 
 bool hasStrength(const Card& card) {
     return card.type == u"MINION" || card.type == u"WEAPON";
@@ -46,67 +40,46 @@ QPainterPath rounded(const QRectF& box, double radius) {
     return path;
 }
 
-// The window through which the picture is seen.
+// The window through which the picture is seen. Its foot is behind the ribbon.
 QPainterPath artWindow(const Card& card) {
     QPainterPath path;
     if (card.type == u"SPELL") {
-        path.moveTo(-106, 4);
-        path.lineTo(-106, -176);
-        path.quadTo(-100, -196, -78, -198);
-        path.quadTo(0, -212, 78, -198);
-        path.quadTo(100, -196, 106, -176);
-        path.lineTo(106, 4);
+        path.moveTo(-90, 4);
+        path.lineTo(-90, -134);
+        path.quadTo(0, -166, 90, -134);
+        path.lineTo(90, 4);
         path.closeSubpath();
     } else if (card.type == u"WEAPON") {
-        path.addEllipse(QPointF(0, -102), 102, 102);
+        path.addEllipse(QPointF(0, -86), 84, 84);
+    } else if (card.type == u"HERO") {
+        path = archway({-82, -196, 164, 206});
     } else {
-        path.addEllipse(QPointF(0, -102), 96, 112);
+        path.addEllipse(QPointF(0, -94), 76, 100);
     }
     return path;
 }
 
+// About half of the minions belong to a tribe. Which one does not matter to anybody here.
+QString tribeOf(const Card& card, Language language) {
+    static const std::vector<Name> tribes{
+        {QStringLiteral("Beast"), QStringLiteral("野兽")},  {QStringLiteral("Dragon"), QStringLiteral("龙")},
+        {QStringLiteral("Demon"), QStringLiteral("恶魔")},  {QStringLiteral("Elemental"), QStringLiteral("元素")},
+        {QStringLiteral("Murloc"), QStringLiteral("鱼人")}, {QStringLiteral("Mech"), QStringLiteral("机械")},
+        {QStringLiteral("Undead"), QStringLiteral("亡灵")}, {QStringLiteral("Pirate"), QStringLiteral("海盗")},
+        {QStringLiteral("Totem"), QStringLiteral("图腾")},
+    };
+    quint32 sum = 0;
+    for (const QChar c : card.id) {
+        sum = sum * 31 + c.unicode();
+    }
+    const std::size_t pick = sum % (2 * tribes.size());
+    return card.type == u"MINION" && pick < tribes.size() ? tribes[pick].in(language) : QString();
+}
+
 } // namespace
 
-void drawRibbon(QPainter& painter, const Curve& curve, QPointF centre, double height, const QColor& colour,
-                double unit) {
-    const QPainterPath band = curve.band(centre, height);
-    castShadow(painter, band, 7 * unit, 0.8);
-    painter.strokePath(band, QPen(QColor(0x14, 0x0a, 0x06), 4 * unit, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
-    const QRectF box = band.boundingRect();
-    QLinearGradient cloth(box.topLeft(), box.bottomLeft());
-    cloth.setColorAt(0, shade(colour, 1.25));
-    cloth.setColorAt(0.45, colour);
-    cloth.setColorAt(1, shade(colour, 0.6));
-    painter.fillPath(band, cloth);
-    QLinearGradient folds(box.topLeft(), box.topRight());
-    for (int i = 0; i <= 8; ++i) {
-        folds.setColorAt(i / 8.0, i % 2 == 0 ? QColor(0, 0, 0, 90) : QColor(255, 255, 255, 8));
-    }
-    painter.fillPath(band, folds);
-    const QColor thread(0xb4, 0x86, 0x38);
-    for (const double side : {-1.0, 1.0}) {
-        const QPainterPath edge = curve.band(centre + QPointF(0, side * (height / 2 - 4.5 * unit)), 1.6 * unit);
-        painter.fillPath(edge, withAlpha(thread, 0.85));
-    }
-}
-
-void drawJewel(QPainter& painter, QPointF centre, double radius, const QColor& colour) {
-    QPainterPath round;
-    round.addEllipse(centre, radius, radius);
-    castShadow(painter, round, radius * 0.25, 0.8);
-    QRadialGradient depth(centre - QPointF(radius * 0.25, radius * 0.35), radius * 1.45);
-    depth.setColorAt(0, shade(colour, 1.45));
-    depth.setColorAt(0.45, colour);
-    depth.setColorAt(1, shade(colour, 0.28));
-    painter.fillPath(round, depth);
-    QPainterPath shine;
-    shine.addEllipse(centre - QPointF(0, radius * 0.5), radius * 0.62, radius * 0.3);
-    painter.fillPath(shine, QColor(255, 255, 255, 46));
-    drawRim(painter, round, radius * 0.13, gold);
-}
-
-QPainterPath CardPainter::outline(const Card& card, QPointF nameCentre) const {
-    QPainterPath shape = rounded(body, 24);
+QPainterPath CardPainter::outline(const Card& card, QPointF base) const {
+    QPainterPath shape = rounded(body, 16).united(artWindow(card));
     std::vector<QPointF> jewels{manaPlace};
     if (hasStrength(card)) {
         jewels.insert(jewels.end(), {attackPlace, healthPlace});
@@ -116,75 +89,88 @@ QPainterPath CardPainter::outline(const Card& card, QPointF nameCentre) const {
         round.addEllipse(jewel, jewelRadius + 3, jewelRadius + 3);
         shape = shape.united(round);
     }
-    return QTransform::fromTranslate(nameCentre.x(), nameCentre.y()).scale(unit, unit).map(shape);
+    return QTransform::fromTranslate(base.x(), base.y()).scale(unit, unit).map(shape);
 }
 
-QPainterPath CardPainter::backOutline(QPointF nameCentre) const {
-    return QTransform::fromTranslate(nameCentre.x(), nameCentre.y()).scale(unit, unit).map(rounded(body, 24));
+QPainterPath CardPainter::backOutline(QPointF base) const {
+    return QTransform::fromTranslate(base.x(), base.y()).scale(unit, unit).map(rounded(body, 16));
 }
 
-void CardPainter::paintFace(QPainter& painter, const Card& card, QPointF nameCentre) const {
+QPainterPath CardPainter::paintFace(QPainter& painter, const Card& card, QPointF base) const {
     painter.save();
-    painter.translate(nameCentre);
+    painter.translate(base);
     painter.scale(unit, unit);
     paintBody(painter, card);
     paintArt(painter, card);
     paintRules(painter, card);
-    paintName(painter, card);
-    paintRarity(painter, card);
+    const QPainterPath letters = paintName(painter, card);
+    drawRarityGem(painter, {0, card.type == u"SPELL" ? 30.0 : 26.0}, card.rarity);
+    paintTribe(painter, card);
     paintNumbers(painter, card);
+    const QTransform toWindow = QTransform::fromTranslate(base.x(), base.y()).scale(unit, unit);
     painter.restore();
+    return toWindow.map(letters);
 }
 
-void CardPainter::paintBack(QPainter& painter, QPointF nameCentre) const {
+void CardPainter::paintBack(QPainter& painter, QPointF base) const {
     painter.save();
-    painter.translate(nameCentre);
+    painter.translate(base);
     painter.scale(unit, unit);
-    const QPainterPath shape = rounded(body, 24);
-    castShadow(painter, shape, 20, 0.8);
+    const QPainterPath shape = rounded(body, 16);
+    castShadow(painter, shape, 16, 0.8);
     painter.save();
     painter.setClipPath(shape);
-    painter.drawImage(body, mottled(body.size().toSize(), QColor(0x26, 0x36, 0x6a), 1.0, 1, seed));
+    painter.drawImage(body, mottled((body.size() * unit).toSize(), QColor(0x26, 0x36, 0x6a), 1.0, unit, seed));
     painter.restore();
-    drawRim(painter, rounded({-140, -218, 280, 422}, 18), 9, gold);
-    drawRim(painter, rounded({-112, -190, 224, 366}, 100), 5, bronze);
-    QTransform placed = QTransform::fromTranslate(0, -7).scale(84, 84);
+    drawRim(painter, rounded(body.adjusted(5, 5, -5, -5), 13), 7, gold);
+    drawRim(painter, rounded(body.adjusted(26, 26, -26, -26), 80), 4, bronze);
+    QTransform placed = QTransform::fromTranslate(0, -7).scale(64, 64);
     for (const double turn : {0.0, 22.5}) {
         const QPainterPath sign = placed.map(QTransform().rotate(turn).map(star(8, 0.5)));
         painter.fillPath(sign, metal(sign.boundingRect(), turn == 0 ? bronze : gold));
         painter.strokePath(sign, QPen(QColor(0x1a, 0x10, 0x08), 2));
         placed.scale(0.72, 0.72);
     }
-    drawJewel(painter, {0, -7}, 24, manaBlue);
+    drawJewel(painter, {0, -7}, 18, manaBlue);
     painter.restore();
 }
 
 void CardPainter::paintBody(QPainter& painter, const Card& card) const {
-    const QPainterPath shape = rounded(body, 24);
-    castShadow(painter, shape, 22, 0.85);
+    const QPainterPath shape = rounded(body, 16);
+    castShadow(painter, shape, 14, 0.8);
     painter.save();
     painter.setClipPath(shape);
-    const QColor colour = classColour(card.cardClass);
-    painter.drawImage(body, mottled(body.size().toSize(), shade(colour, 0.95), 0.85, 1, seed + 3));
+    const QColor own = card.cardClass == u"NEUTRAL" ? QColor(0x78, 0x70, 0x66) : classColour(card.cardClass);
+    const QColor colour = card.golden ? QColor(0xc8, 0x98, 0x38) : card.type == u"WEAPON" ? shade(own, 0.6) : own;
+    const QSize pixels = (body.size() * unit).toSize().expandedTo({16, 16});
+    painter.drawImage(body, mottled(pixels, shade(colour, 0.95), 0.85, unit * 0.8, seed + 3));
     QLinearGradient light(0, body.top(), 0, body.bottom());
-    light.setColorAt(0, QColor(255, 255, 255, 70));
+    light.setColorAt(0, QColor(255, 255, 255, 60));
     light.setColorAt(0.35, QColor(255, 255, 255, 0));
-    light.setColorAt(1, QColor(0, 0, 0, 150));
+    light.setColorAt(1, QColor(0, 0, 0, 140));
     painter.fillRect(body, light);
     painter.restore();
-    // A frame of dark metal with a bright inner edge.
-    drawRim(painter, rounded(body.adjusted(5, 5, -5, -5), 20), 10, mix(steel, colour, 0.55));
-    painter.strokePath(rounded(body.adjusted(13, 13, -13, -13), 14), QPen(QColor(0, 0, 0, 150), 3));
-    painter.strokePath(rounded(body.adjusted(15, 15, -15, -15), 13), QPen(withAlpha(shade(colour, 1.8), 0.5), 1.4));
+    const QColor rim = card.golden ? gold : mix(steel, colour, 0.55);
+    drawRim(painter, rounded(body.adjusted(4, 4, -4, -4), 13), 7.5, rim);
+    painter.strokePath(rounded(body.adjusted(10, 10, -10, -10), 9), QPen(QColor(0, 0, 0, 150), 2.4));
+    painter.strokePath(rounded(body.adjusted(12, 12, -12, -12), 8), QPen(withAlpha(shade(colour, 1.8), 0.5), 1.1));
+    // Rivets where the frame is held together.
+    for (const double side : {-1.0, 1.0}) {
+        for (const double y : {-34.0, 44.0, 92.0}) {
+            QPainterPath rivet;
+            rivet.addEllipse(QPointF(side * 104, y), 3.4, 3.4);
+            painter.fillPath(rivet, metal(rivet.boundingRect(), shade(rim, 1.2)));
+            painter.strokePath(rivet, QPen(QColor(0, 0, 0, 150), 1));
+        }
+    }
     if (card.rarity == u"LEGENDARY") {
-        drawRim(painter, rounded(body.adjusted(5, 5, -5, -5), 20), 6, gold);
         for (const double side : {-1.0, 1.0}) {
             QPainterPath horn;
-            horn.moveTo(side * 40, -222);
-            horn.cubicTo(side * 90, -262, side * 132, -244, side * 152, -206);
-            horn.cubicTo(side * 128, -226, side * 96, -226, side * 40, -212);
+            horn.moveTo(side * 34, -192);
+            horn.cubicTo(side * 74, -214, side * 104, -200, side * 120, -164);
+            horn.cubicTo(side * 102, -182, side * 76, -184, side * 34, -182);
             painter.fillPath(horn, metal(horn.boundingRect(), gold));
-            painter.strokePath(horn, QPen(QColor(0x2a, 0x18, 0x06), 2.4));
+            painter.strokePath(horn, QPen(QColor(0x2a, 0x18, 0x06), 2));
         }
     }
 }
@@ -192,75 +178,73 @@ void CardPainter::paintBody(QPainter& painter, const Card& card) const {
 void CardPainter::paintArt(QPainter& painter, const Card& card) const {
     const QPainterPath window = artWindow(card);
     const QRectF box = window.boundingRect();
-    const double finest = unit > 0 ? unit : 1;
-    const QSize pixels = (box.size() * finest).toSize().expandedTo({16, 16});
+    const QSize pixels = (box.size() * unit).toSize().expandedTo({16, 16});
     painter.save();
     painter.setClipPath(window);
     painter.drawImage(box, paintCardArt(card, pixels, seed));
     painter.restore();
-    castShadow(painter, window, 9, 0.5);
-    drawRim(painter, window, 9,
-            card.type == u"SPELL"    ? mix(bronze, steel, 0.4)
-            : card.type == u"WEAPON" ? steel
-                                     : gold);
+    castShadow(painter, window, 7, 0.5);
+    const QColor rim = card.golden              ? gold
+                       : card.type == u"SPELL"  ? mix(bronze, steel, 0.4)
+                       : card.type == u"WEAPON" ? steel
+                                                : mix(steel, bronze, 0.35);
+    drawRim(painter, window, 7, rim);
 }
 
 void CardPainter::paintRules(QPainter& painter, const Card& card) const {
-    const QRectF box(-114, 36, 228, 142);
-    const bool dark = card.type == u"WEAPON";
-    const QPainterPath sheet = rounded(box, 8);
+    const QRectF box(-90, 34, 180, 106);
+    const bool dark = card.type == u"WEAPON" || card.golden;
+    const QPainterPath sheet = rounded(box, 7);
     painter.save();
     painter.setClipPath(sheet);
-    painter.drawImage(box,
-                      mottled(box.size().toSize(), dark ? QColor(0x38, 0x36, 0x3a) : parchment, 0.32, 1, seed + 17));
+    painter.drawImage(box, mottled((box.size() * unit).toSize().expandedTo({16, 16}),
+                                   dark ? QColor(0x38, 0x34, 0x30) : QColor(0xae, 0x9f, 0x88), 0.28, unit, seed + 17));
     painter.restore();
-    painter.strokePath(sheet, QPen(QColor(0x22, 0x14, 0x08), 5));
-    painter.strokePath(sheet, QPen(withAlpha(gold, 0.65), 1.6));
-    const double lowest = card.type == u"SPELL" ? 14 : 30; // room for the jewels at the lower corners
-    lettering.drawParagraph(painter, rulesText(card, language), box.adjusted(12, 18, -12, -lowest),
-                            language == Language::english ? 23 : 22,
-                            dark ? QColor(0xe8, 0xe0, 0xd0) : QColor(0x2c, 0x1c, 0x0c));
+    painter.strokePath(sheet, QPen(QColor(0x22, 0x18, 0x10), 4));
+    painter.strokePath(sheet, QPen(withAlpha(card.golden ? gold : QColor(0xd0, 0xc4, 0xac), 0.7), 1.3));
+    const double lowest = tribeOf(card, language).isEmpty() ? 8 : 20; // room for the plate at the foot
+    lettering.drawParagraph(painter, rulesText(card, language), box.adjusted(10, 12, -10, -lowest), 18,
+                            dark ? QColor(0xf2, 0xea, 0xdc) : QColor(0x2a, 0x1c, 0x10));
 }
 
-void CardPainter::paintName(QPainter& painter, const Card& card) const {
-    const bool spell = card.type == u"SPELL";
-    const Curve curve(spell                    ? Curve::arch
-                      : card.type == u"WEAPON" ? Curve::straight
-                                               : Curve::wave,
-                      300, spell ? 13 : 9);
-    const QColor cloth = card.type == u"WEAPON" ? QColor(0x38, 0x32, 0x30)
-                         : spell                ? QColor(0x5c, 0x34, 0x26)
-                                                : QColor(0x54, 0x3a, 0x24);
-    const QPointF centre(0, spell ? -5 : 0);
-    drawRibbon(painter, curve, centre, 50, cloth, 1);
-    lettering.drawAlong(painter, card.name.in(language), centre, 252, curve,
-                        {.pixelSize = language == Language::english ? 34.0 : 36.0});
+QPainterPath CardPainter::paintName(QPainter& painter, const Card& card) const {
+    const Curve curve = ScreenPlan::nameCurve(card.type);
+    if (card.type == u"WEAPON") {
+        drawPlate(painter, {-102, -22, 204, 31}, card.golden ? goldenDark : QColor(95, 95, 97));
+    } else {
+        const QColor cloth = card.golden             ? goldenDark
+                             : card.type == u"SPELL" ? QColor(155, 130, 85)
+                                                     : QColor(155, 133, 105);
+        drawRibbon(painter, curve, 110, cloth, card.golden ? QColor(0xb8, 0x8a, 0x34) : QColor(0x3c, 0x2c, 0x1c));
+    }
+    return lettering.drawAlong(painter, card.name.in(language), {0, 0}, card.type == u"HERO" ? arcNameWidth : nameWidth,
+                               curve, {.caps = cardNameCaps, .fill = card.golden ? cream : QColor(0xfc, 0xfa, 0xf7)});
 }
 
-void CardPainter::paintRarity(QPainter& painter, const Card& card) const {
-    const QColor colour = rarityColour(card.rarity);
-    if (!colour.isValid()) {
+void CardPainter::paintTribe(QPainter& painter, const Card& card) const {
+    const QString tribe = tribeOf(card, language);
+    if (tribe.isEmpty()) {
         return;
     }
-    QPainterPath gem;
-    gem.moveTo(0, 28);
-    gem.lineTo(14, 40);
-    gem.lineTo(0, 54);
-    gem.lineTo(-14, 40);
-    gem.closeSubpath();
-    drawRim(painter, gem, 6, gold);
-    painter.fillPath(gem, metal(gem.boundingRect(), colour));
+    drawPointedPlate(painter, {-48, 128, 96, 22}, card.golden ? goldenDark : QColor(0xb0, 0x92, 0x60), bronze);
+    lettering.draw(painter, tribe, {0, 139}, 84, {.caps = 10});
 }
 
 void CardPainter::paintNumbers(QPainter& painter, const Card& card) const {
-    const auto number = [&](QPointF centre, const QColor& colour, int value) {
-        drawJewel(painter, centre, jewelRadius, colour);
-        lettering.draw(painter, QString::number(value), centre, 60, {.pixelSize = 50, .outlineWidth = 0.09});
+    const auto number = [&](QPointF centre, int value) {
+        lettering.draw(painter, QString::number(value), centre, 50, {.caps = 29, .outlineWidth = 0.1});
     };
-    number(manaPlace, manaBlue, card.cost);
+    drawCrystal(painter, manaPlace, jewelRadius + 3, manaBlue);
+    number(manaPlace, card.cost);
     if (hasStrength(card)) {
-        number(attackPlace, attackGold, card.attack);
-        number(healthPlace, card.type == u"WEAPON" ? shieldGrey : healthRed, card.health);
+        drawJewel(painter, attackPlace, jewelRadius - 2, attackGold);
+        number(attackPlace, card.attack);
+        if (card.type == u"WEAPON") {
+            drawJewel(painter, healthPlace, jewelRadius - 2, shieldGrey);
+        } else {
+            drawDrop(painter, healthPlace, jewelRadius - 2, healthRed);
+        }
+        number(healthPlace, card.health);
     }
 }
 

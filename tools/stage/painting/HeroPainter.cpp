@@ -1,7 +1,7 @@
 #include "stage/painting/HeroPainter.h"
 
 #include "stage/painting/Art.h"
-#include "stage/painting/CardPainter.h"
+#include "stage/painting/CardParts.h"
 #include "stage/painting/Emblems.h"
 #include "stage/painting/Materials.h"
 
@@ -9,72 +9,59 @@ namespace pelloran::stage {
 
 namespace {
 
-// A window with a round top.
-QPainterPath archway(double halfWidth, double top, double bottom) {
-    QPainterPath path;
-    path.moveTo(-halfWidth, bottom);
-    path.lineTo(-halfWidth, top + halfWidth);
-    path.arcTo(QRectF(-halfWidth, top, 2 * halfWidth, 2 * halfWidth), 180, -180);
-    path.lineTo(halfWidth, bottom);
-    path.closeSubpath();
-    return path;
-}
+const QColor inkBrown(45, 30, 10);
+const QColor salmon(248, 132, 110);
+
+// Of a portrait, from the middle of the line that the hero's name stands on; in units.
+const QRectF portrait(-115, -298, 230, 264);
 
 } // namespace
 
-QPainterPath HeroPainter::outline(QPointF nameCentre) const {
-    QPainterPath plaque;
-    plaque.addRect(QRectF(-112, -40, 224, 68));
-    const QTransform placed = QTransform::fromTranslate(nameCentre.x(), nameCentre.y()).scale(unit, unit);
-    return placed.map(archway(172, -410, -38).united(plaque));
+QString printedClassName(const HeroClass& hero, Language language) {
+    return hero.name.in(language).toUpper();
 }
 
-void HeroPainter::paint(QPainter& painter, const HeroClass& hero, QPointF nameCentre) const {
-    painter.save();
-    painter.translate(nameCentre);
-    painter.scale(unit, unit);
+QPainterPath HeroPainter::outline(std::size_t column) const {
+    const QPointF base = plan.heroNameBase(column);
+    return QTransform::fromTranslate(base.x(), base.y()).scale(plan.unit(), plan.unit()).map(archway(portrait));
+}
 
-    const QPainterPath frame = archway(172, -410, -38);
-    const QPainterPath window = archway(144, -382, -60);
-    castShadow(painter, frame, 24, 0.85);
+QPainterPath HeroPainter::paint(QPainter& painter, const HeroClass& hero, std::size_t column) const {
+    const double unit = plan.unit();
+    painter.save();
+    painter.translate(plan.heroNameBase(column));
+    painter.scale(unit, unit);
+    paintPortrait(painter, hero, portrait, unit);
+    painter.restore();
+
+    // Plain letters without an outline, unlike everything else on the screen. The game's new screen was seen without
+    // the line of the class; it stands here all the same, because without it nobody can tell the class.
+    const QColor ink = plan.look() == Look::parchment ? inkBrown : salmon;
+    lettering.drawAlong(painter, hero.heroName.in(language), plan.heroNameBase(column), 240 * unit, Curve(),
+                        {.caps = heroNameCaps * unit, .fill = ink, .outlineWidth = 0});
+    return lettering.drawAlong(painter, printedClassName(hero, language), plan.classNameBase(column), 220 * unit,
+                               Curve(), {.caps = classNameCaps * unit, .fill = ink, .outlineWidth = 0});
+}
+
+void HeroPainter::paintPortrait(QPainter& painter, const HeroClass& hero, const QRectF& box, double pixels) const {
+    const double scale = box.width() / portrait.width();
+    const QPainterPath frame = archway(box);
+    const double border = 20 * scale;
+    const QRectF inside = box.adjusted(border, border * 1.35, -border, -border);
+    const QPainterPath window = archway(inside);
+    castShadow(painter, frame, 18 * scale, 0.75);
     painter.save();
     painter.setClipPath(frame);
-    painter.drawImage(QRectF(-172, -410, 344, 372), mottled({344, 372}, QColor(0x6e, 0x58, 0x38), 0.8, 1, seed + 29));
+    const auto inPixels = [&](const QSizeF& size) { return (size * pixels).toSize().expandedTo({16, 16}); };
+    painter.drawImage(box, mottled(inPixels(box.size()), QColor(0x3c, 0x36, 0x34), 0.6, pixels * scale, seed + 29));
     painter.setClipPath(window, Qt::IntersectClip);
-    const QSize pixels = (QSizeF(288, 322) * unit).toSize().expandedTo({16, 16});
-    painter.drawImage(QRectF(-144, -382, 288, 322), paintClassArt(hero.key, pixels, seed));
+    painter.drawImage(inside, paintClassArt(hero.key, inPixels(inside.size()), seed));
     painter.restore();
-    castShadow(painter, window, 14, 0.6);
-    drawRim(painter, frame, 9, mix(gold, bronze, 0.4));
-    drawRim(painter, window, 8, gold);
-    drawEmblem(painter, hero.key, {0, -236}, 92);
-    drawJewel(painter, {0, -404}, 17, classColour(hero.key));
-
-    const Curve arch(Curve::arch, 340, 6);
-    drawRibbon(painter, arch, {0, -78}, 44, QColor(0x46, 0x34, 0x26), 1);
-    lettering.drawAlong(painter, hero.heroName.in(language), {0, -78}, 300, arch, {.pixelSize = 25});
-
-    QPainterPath plaque;
-    plaque.addRoundedRect(QRectF(-112, -27, 224, 54), 10, 10);
-    castShadow(painter, plaque, 9, 0.7);
-    painter.fillPath(plaque, QColor(0x1c, 0x14, 0x10));
-    painter.strokePath(plaque, QPen(metal(plaque.boundingRect(), bronze), 3));
-    lettering.draw(painter, hero.name.in(language), {0, 0}, 205,
-                   {.pixelSize = language == Language::english ? 38.0 : 39.0, .fill = QColor(0xfb, 0xee, 0xc6)});
-    painter.restore();
-}
-
-void HeroPainter::paintMedallion(QPainter& painter, const HeroClass& hero, QPointF centre, double radius) const {
-    QPainterPath round;
-    round.addEllipse(centre, radius, radius);
-    castShadow(painter, round, radius * 0.2, 0.85);
-    painter.save();
-    painter.setClipPath(round);
-    const int pixels = static_cast<int>(2 * radius) + 1;
-    painter.drawImage(centre - QPointF(radius, radius), paintClassArt(hero.key, {pixels, pixels}, seed));
-    painter.restore();
-    drawRim(painter, round, radius * 0.1, gold);
-    drawEmblem(painter, hero.key, centre, radius * 0.55);
+    castShadow(painter, window, 8 * scale, 0.6);
+    drawRim(painter, frame, 9 * scale, mix(gold, bronze, 0.3));
+    drawRim(painter, window, 4.5 * scale, mix(gold, steel, 0.5));
+    drawEmblem(painter, hero.key, inside.center() + QPointF(0, 8 * scale), 66 * scale);
+    drawJewel(painter, {box.center().x(), box.top() + 8 * scale}, 11 * scale, classColour(hero.key));
 }
 
 } // namespace pelloran::stage

@@ -2,6 +2,7 @@
 
 #include "stage/Catalogue.h"
 #include "stage/painting/Lettering.h"
+#include "stage/painting/ScreenPlan.h"
 
 #include <QPainter>
 #include <QPainterPath>
@@ -9,28 +10,33 @@
 
 namespace pelloran::stage {
 
-// Paints the classes on offer. All lengths are in `unit`s; places are given as the middle of the class's name.
+// Paints the classes on offer.
 class HeroPainter {
 public:
-    HeroPainter(const Lettering& heroLettering, Language heroLanguage, double heroUnit, quint32 artSeed)
+    HeroPainter(const Lettering& heroLettering, Language heroLanguage, const ScreenPlan& screenPlan, quint32 artSeed)
         : lettering(heroLettering)
         , language(heroLanguage)
-        , unit(heroUnit)
+        , plan(screenPlan)
         , seed(artSeed) {}
 
-    // What a portrait and its name cover.
-    QPainterPath outline(QPointF nameCentre) const;
+    // What a portrait covers, without its names.
+    QPainterPath outline(std::size_t column) const;
 
-    void paint(QPainter& painter, const HeroClass& hero, QPointF nameCentre) const;
+    // A portrait with the hero's name and the class below it. Answers the letters of the class as they stand in the
+    // window.
+    QPainterPath paint(QPainter& painter, const HeroClass& hero, std::size_t column) const;
 
-    // A round portrait without a name.
-    void paintMedallion(QPainter& painter, const HeroClass& hero, QPointF centre, double radius) const;
+    // A portrait without names that fills `box`, in the painter's own lengths; `pixels` are those of one of them.
+    void paintPortrait(QPainter& painter, const HeroClass& hero, const QRectF& box, double pixels) const;
 
 private:
     const Lettering& lettering;
     Language language;
-    double unit;
+    const ScreenPlan& plan;
     quint32 seed;
 };
+
+// As the line below a hero's name has it.
+QString printedClassName(const HeroClass& hero, Language language);
 
 } // namespace pelloran::stage

@@ -1,22 +1,23 @@
 #pragma once
 
+#include <QColor>
 #include <QImage>
 #include <QPainter>
 #include <QPainterPath>
-#include <QRectF>
+#include <QPoint>
 
 #include <vector>
 
 namespace pelloran::stage {
 
-// What moves over the painted scene: a pulsing glow around the offers, a beam that sweeps across, and drifting motes.
-// Everything is drawn from small pictures made beforehand, so that a frame costs little.
+// What moves over the painted scene: the glow around an offer under the mouse, and drifting motes. Everything is drawn
+// from small pictures made beforehand, so that a frame costs little.
 class Light {
 public:
     Light(QSize size, double unit, quint32 seed);
 
-    // The things that glow from now on, by their outlines in the window; `chosen` shines golden (-1: none).
-    void setGlows(std::vector<QPainterPath> outlines, int chosen);
+    // The offer of those outlines (in the window) that glows from now on, in that colour; -1: none of them.
+    void setGlow(const std::vector<QPainterPath>& offers, int glowing, const QColor& colour);
 
     // The light `seconds` after the start, over a scene that has been painted already.
     void paint(QPainter& painter, double seconds) const;
@@ -29,16 +30,12 @@ private:
         double size;
     };
 
-    QImage halo(const QPainterPath& outline, const QColor& colour) const;
-
     QSize size;
     double unit;
-    QImage beam;
     QImage spark;
     std::vector<Mote> motes;
-    std::vector<QPainterPath> glowing;
-    std::vector<QImage> halos; // one for each of them
-    int chosen = -1;
+    QPoint haloPlace;
+    QImage halo; // null: nothing glows
 };
 
 } // namespace pelloran::stage

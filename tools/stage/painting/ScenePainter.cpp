@@ -1,223 +1,110 @@
 #include "stage/painting/ScenePainter.h"
 
 #include "stage/painting/Art.h"
-#include "stage/painting/Emblems.h"
+#include "stage/painting/CardParts.h"
+#include "stage/painting/CollectionPainter.h"
 #include "stage/painting/Materials.h"
-
-#include <QRadialGradient>
+#include "stage/painting/Overlays.h"
+#include "stage/painting/Words.h"
 
 #include <algorithm>
-#include <array>
-#include <map>
 #include <utility>
 
 namespace pelloran::stage {
 
-// What the game says outside of cards.
-struct ScenePainter::Words {
-    QString mainMenu;
-    QString chooseHero;
-    QString chooseCard;
-    QString redraft;
-    QString deckComplete;
-    QString play;
-    QString arena;
-    QString collection;
-    QString wins;
-    QString back;
-};
-
 namespace {
 
-constexpr std::array<double, 3> cardColumns{0.233, 0.402, 0.571};
-constexpr double cardNameHeight = 0.415;
-constexpr std::array<double, 3> heroColumns{0.27, 0.488, 0.71};
-constexpr double heroNameHeight = 0.535;
-constexpr double cardBoardRight = 0.725; // leaves room for the deck
-constexpr double heroBoardRight = 0.87;
+constexpr double offersMiddle = -0.16;
+constexpr double wideMiddle = -0.01;
 
-const QColor leather(0x5a, 0x40, 0x2a);
-const QColor pale(0xf2, 0xe8, 0xd2);
-
-struct DeckRow {
-    const Card* card;
-    int copies;
-};
-
-std::vector<DeckRow> deckRows(const std::vector<Card>& deck) {
-    std::map<std::pair<int, QString>, DeckRow> rows;
-    for (const Card& card : deck) {
-        ++rows.try_emplace({card.cost, card.id}, DeckRow{&card, 0}).first->second.copies;
+QColor colourOf(Glow glow) {
+    switch (glow) {
+    case Glow::white:
+        return {255, 255, 250};
+    case Glow::yellow:
+        return {255, 214, 70};
+    case Glow::green:
+        return {120, 255, 60};
     }
-    std::vector<DeckRow> sorted;
-    for (const auto& [key, row] : rows) {
-        sorted.push_back(row);
-    }
-    return sorted;
+    return {};
+}
+
+void prepare(QPainter& painter) {
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing | QPainter::SmoothPixmapTransform);
 }
 
 } // namespace
 
-ScenePainter::ScenePainter(QSize size, Language stageLanguage, quint32 stageSeed, Lettering stageLettering)
-    : windowSize(size)
-    , language(stageLanguage)
-    , seed(stageSeed)
-    , unit(std::min(size.width() / 1920.0, size.height() / 1080.0))
-    , lettering(std::move(stageLettering))
-    , cards(lettering, language, unit, seed)
-    , heroes(lettering, language, unit, seed)
-    , light(size, unit, seed)
-    , table(woodenTable(size, unit, seed + 1)) {}
+ScenePainter::ScenePainter(QSize size, const Production& newProduction, Lettering newLettering)
+    : production(newProduction)
+    , plan(size, production.look)
+    , lettering(std::move(newLettering))
+    , cards(lettering, production.language, plan.unit(), production.seed)
+    , heroes(lettering, production.language, plan, production.seed)
+    , boardPainter(lettering, plan, production.seed)
+    , deckPainter(lettering, production.language, plan, production.seed)
+    , light(size, plan.unit(), production.seed) {}
 
-const ScenePainter::Words& ScenePainter::words() const {
-    static const Words english{
-        .mainMenu = QStringLiteral("Main Menu"),
-        .chooseHero = QStringLiteral("Choose your Hero"),
-        .chooseCard = QStringLiteral("Choose a Card"),
-        .redraft = QStringLiteral("Change your Deck"),
-        .deckComplete = QStringLiteral("Deck Complete"),
-        .play = QStringLiteral("Play"),
-        .arena = QStringLiteral("Arena"),
-        .collection = QStringLiteral("Collection"),
-        .wins = QStringLiteral("Wins"),
-        .back = QStringLiteral("Back"),
-    };
-    static const Words chinese{
-        .mainMenu = QStringLiteral("主菜单"),
-        .chooseHero = QStringLiteral("选择你的英雄"),
-        .chooseCard = QStringLiteral("选择一张卡牌"),
-        .redraft = QStringLiteral("重选卡牌"),
-        .deckComplete = QStringLiteral("套牌完成"),
-        .play = QStringLiteral("开始"),
-        .arena = QStringLiteral("竞技场"),
-        .collection = QStringLiteral("我的收藏"),
-        .wins = QStringLiteral("胜利"),
-        .back = QStringLiteral("返回"),
-    };
-    return language == Language::english ? english : chinese;
-}
-
-QPointF ScenePainter::at(double x, double y) const {
-    return {x * windowSize.width(), y * windowSize.height()};
-}
-
-QRectF ScenePainter::area(double left, double top, double right, double bottom) const {
-    return {at(left, top), at(right, bottom)};
-}
-
-void ScenePainter::show(const Situation& situation) {
-    const StepKind kind = situation.step.kind;
+void ScenePainter::show(const Screen& screen) {
+    const StepKind kind = screen.situation.step.kind;
+    const Words& words = Words::in(production.language);
+    printed.clear();
+    light.setGlow({}, -1, {});
     const bool heroesOffered =
         kind == StepKind::heroPick || kind == StepKind::lookAtHero || kind == StepKind::chooseHero;
-    if (kind == StepKind::idle) {
-        scene = table;
+    const bool elsewhere =
+        kind == StepKind::idle || screen.moment == Moment::collection || screen.moment == Moment::decks;
+    if (elsewhere) {
+        scene = boardPainter.table();
     } else {
-        startFrom(heroesOffered ? heroBoardRight : cardBoardRight);
+        startFrom(!heroesOffered || production.look == Look::parchment);
     }
     QPainter painter(&scene);
-    painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing | QPainter::SmoothPixmapTransform);
-    light.setGlows({}, -1);
-    switch (kind) {
-    case StepKind::idle:
+    prepare(painter);
+    if (screen.moment == Moment::collection) {
+        paintCollection(painter, plan, lettering, boardPainter, screen.situation.deck, production.language,
+                        production.seed);
+    } else if (screen.moment == Moment::decks) {
+        paintDecks(painter, plan, lettering, boardPainter, production.language, production.seed);
+    } else if (kind == StepKind::idle) {
         paintMenu(painter);
-        return;
-    case StepKind::heroPick:
-    case StepKind::lookAtHero:
-    case StepKind::chooseHero:
-        paintTitle(painter, words().chooseHero, heroColumns[1]);
-        paintHeroes(painter, situation);
-        return;
-    case StepKind::cardPick:
-    case StepKind::choose:
-        paintTitle(painter, words().chooseCard, cardColumns[1]);
-        paintCards(painter, situation);
-        break;
-    case StepKind::skipAhead:
-        paintTitle(painter, words().chooseCard, cardColumns[1]);
-        paintFaceDown(painter);
-        break;
-    case StepKind::redraft:
-        paintTitle(painter, words().redraft, cardColumns[1]);
-        paintFaceDown(painter);
-        break;
-    case StepKind::end:
-        paintTitle(painter, words().deckComplete, cardColumns[1]);
-        paintComplete(painter, situation);
-        break;
+    } else if (heroesOffered) {
+        paintHeroScreen(painter, screen);
+    } else {
+        paintDraft(painter, screen);
     }
-    paintProgress(painter, situation);
-    paintDeck(painter, situation);
+    boardPainter.paintFooter(painter, production.language);
+    painter.end();
+    if (screen.moment == Moment::menu) {
+        paintMenuOver(scene, lettering, plan, boardPainter, words);
+        light.setGlow({}, -1, {});
+        printed.clear();
+    }
 }
 
 void ScenePainter::paint(QPainter& painter, double seconds) const {
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.setCompositionMode(QPainter::CompositionMode_Source);
     painter.drawImage(0, 0, scene);
-    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
     light.paint(painter, seconds);
 }
 
-void ScenePainter::startFrom(double boardRight) {
-    QImage& board = boards[boardRight];
+void ScenePainter::startFrom(bool withDeck) {
+    QImage& board = boards[withDeck];
     if (board.isNull()) {
-        board = table;
-        QPainter painter(&board);
-        painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
-        paintBoard(painter, boardRight);
-        if (boardRight == cardBoardRight) {
-            paintDeckPanel(painter);
-        }
+        board = boardPainter.board(withDeck);
     }
     scene = board;
 }
 
-void ScenePainter::paintBoard(QPainter& painter, double right) const {
-    const QRectF box = area(0.085, 0.09, right, 0.83);
-    QPainterPath frame;
-    frame.addRoundedRect(box, 10 * unit, 10 * unit);
-    castShadow(painter, frame, 40 * unit, 0.9);
-    painter.drawImage(box, mottled(box.size().toSize(), leather, 0.75, unit, seed + 2));
-    QRadialGradient dim(box.center(), box.width() * 0.62);
-    dim.setColorAt(0.3, QColor(255, 214, 150, 26));
-    dim.setColorAt(0.7, QColor(20, 8, 0, 40));
-    dim.setColorAt(1, QColor(10, 4, 0, 170));
-    painter.fillRect(box, dim);
-    drawRim(painter, frame, 15 * unit, shade(gold, 0.82));
-    QPainterPath inner;
-    inner.addRoundedRect(box.adjusted(16 * unit, 16 * unit, -16 * unit, -16 * unit), 6 * unit, 6 * unit);
-    painter.strokePath(inner, QPen(QColor(0, 0, 0, 120), 4 * unit));
-    painter.strokePath(inner, QPen(withAlpha(bronze, 0.7), 1.6 * unit));
-    for (const QPointF& corner : {box.topLeft(), box.topRight(), box.bottomLeft(), box.bottomRight()}) {
-        QTransform placed = QTransform::fromTranslate(corner.x(), corner.y()).scale(34 * unit, 34 * unit);
-        const QPainterPath mount = placed.map(star(4, 0.62));
-        castShadow(painter, mount, 8 * unit, 0.7);
-        painter.fillPath(mount, metal(mount.boundingRect(), gold));
-        painter.strokePath(mount, QPen(QColor(0x24, 0x14, 0x06), 2 * unit));
-        drawJewel(painter, corner, 13 * unit, QColor(0x2a, 0x6a, 0xd8));
-    }
-}
-
-void ScenePainter::paintTitle(QPainter& painter, const QString& title, double x) const {
-    const QPointF centre = at(x, 0.083);
-    const Curve arch(Curve::arch, 600 * unit, 16 * unit);
-    for (const double side : {-1.0, 1.0}) { // the ends, folded back
-        QPolygonF tail;
-        tail << centre + QPointF(side * 250, 4) * unit << centre + QPointF(side * 372, 18) * unit
-             << centre + QPointF(side * 338, 50) * unit << centre + QPointF(side * 372, 84) * unit
-             << centre + QPointF(side * 250, 70) * unit;
-        QPainterPath path;
-        path.addPolygon(tail);
-        path.closeSubpath();
-        castShadow(painter, path, 10 * unit, 0.7);
-        painter.fillPath(path, metal(path.boundingRect(), QColor(0x3a, 0x18, 0x18)));
-        painter.strokePath(path, QPen(QColor(0x14, 0x08, 0x06), 3 * unit));
-    }
-    drawRibbon(painter, arch, centre, 82 * unit, QColor(0x6e, 0x22, 0x24), unit);
-    lettering.drawAlong(painter, title, centre, 480 * unit, arch, {.pixelSize = 46 * unit});
+QImage ScenePainter::layer() const {
+    QImage image(plan.size(), QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    return image;
 }
 
 void ScenePainter::paintMenu(QPainter& painter) const {
-    const QPointF centre = at(0.5, 0.52);
+    const Words& words = Words::in(production.language);
+    const double unit = plan.unit();
+    const QPointF centre = plan.at(0, 0.5);
     const double radius = 390 * unit;
     QPainterPath round;
     round.addEllipse(centre, radius, radius);
@@ -225,7 +112,7 @@ void ScenePainter::paintMenu(QPainter& painter) const {
     painter.save();
     painter.setClipPath(round);
     const int pixels = static_cast<int>(2 * radius);
-    painter.drawImage(centre - QPointF(radius, radius), paintValley({pixels, pixels}, seed));
+    painter.drawImage(centre - QPointF(radius, radius), paintValley({pixels, pixels}, production.seed));
     painter.restore();
     castShadow(painter, round, 30 * unit, 0.6);
     drawRim(painter, round, 44 * unit, bronze);
@@ -237,180 +124,184 @@ void ScenePainter::paintMenu(QPainter& painter) const {
         drawJewel(painter, place, (i % 2 == 0 ? 24 : 15) * unit,
                   i % 2 == 0 ? QColor(0x2a, 0x6a, 0xd8) : QColor(0xb8, 0x30, 0x22));
     }
-    paintTitle(painter, words().mainMenu, 0.5);
+    boardPainter.paintTitle(painter, words.mainMenu, 0, 0.19, false);
     const QSizeF button(330 * unit, 84 * unit);
-    paintButton(painter, words().play, centre + QPointF(0, -110) * unit, button, false);
-    paintButton(painter, words().arena, centre, button, true);
-    paintButton(painter, words().collection, centre + QPointF(0, 110) * unit, button, false);
+    boardPainter.paintButton(painter, words.play, centre + QPointF(0, -110) * unit, button, false);
+    boardPainter.paintButton(painter, words.arena, centre, button, true);
+    boardPainter.paintButton(painter, words.collection, centre + QPointF(0, 110) * unit, button, false);
 }
 
-void ScenePainter::paintHeroes(QPainter& painter, const Situation& situation) {
+void ScenePainter::paintHeroScreen(QPainter& painter, const Screen& screen) {
+    const Words& words = Words::in(production.language);
+    const Step& step = screen.situation.step;
+    const bool wide = production.look == Look::felt;
+    const double middle = wide ? wideMiddle : offersMiddle;
+    boardPainter.paintTitle(painter, words.theArena, middle, 0.19, false);
+    if (!wide) {
+        boardPainter.paintTitle(painter, words.deck, 0.486, 0.117, true);
+    }
+    boardPainter.paintHeading(painter, words.chooseHero, middle);
+    deckPainter.paintCosts(painter, {});
     std::vector<QPainterPath> offers;
-    for (std::size_t i = 0; i < situation.step.heroes.size(); ++i) {
-        const QPointF place = at(heroColumns[i], heroNameHeight);
-        heroes.paint(painter, situation.step.heroes[i], place);
-        offers.push_back(heroes.outline(place));
+    for (std::size_t i = 0; i < step.heroes.size(); ++i) {
+        const QPainterPath letters = heroes.paint(painter, step.heroes[i], i);
+        printed.push_back({printedClassName(step.heroes[i], production.language), letters.boundingRect()});
+        offers.push_back(heroes.outline(i));
     }
-    const int chosen = situation.step.chosen.value_or(-1);
-    if (situation.step.kind == StepKind::chooseHero) {
-        paintVeil(painter, offers, chosen);
-    } else if (situation.step.kind == StepKind::lookAtHero) {
-        paintButton(painter, words().play, at(heroColumns[1], 0.72), {260 * unit, 76 * unit}, true);
+    boardPainter.paintButton(painter, words.back, plan.at(0.588, 0.926), {140 * plan.unit(), 52 * plan.unit()}, false);
+    const int chosen = step.chosen.value_or(-1);
+    if (step.kind == StepKind::chooseHero) {
+        for (std::size_t i = 0; i < offers.size(); ++i) {
+            if (static_cast<int>(i) != chosen) {
+                painter.fillPath(offers[i], QColor(12, 8, 6, 150));
+            }
+        }
+        light.setGlow(offers, chosen, colourOf(Glow::yellow));
+    } else if (step.kind == StepKind::lookAtHero) {
+        paintZoomedHero(painter, lettering, plan, heroes, boardPainter, step.heroes[static_cast<std::size_t>(chosen)],
+                        production.language);
+        printed.clear();
+    } else if (screen.hovered) {
+        const QPainterPath& hovered = offers[static_cast<std::size_t>(*screen.hovered)];
+        paintGlove(painter, hovered.boundingRect().center(), plan.unit());
     }
-    light.setGlows(std::move(offers), chosen);
-    paintButton(painter, words().back, at(0.925, 0.93), {150 * unit, 56 * unit}, false);
 }
 
-void ScenePainter::paintCards(QPainter& painter, const Situation& situation) {
+// Everything with a deck at its right.
+void ScenePainter::paintDraft(QPainter& painter, const Screen& screen) {
+    const Words& words = Words::in(production.language);
+    const StepKind kind = screen.situation.step.kind;
+    boardPainter.paintTitle(painter, words.theArena, offersMiddle, 0.19, false);
+    boardPainter.paintTitle(painter, words.deck, 0.486, 0.117, true);
+    paintProgress(painter, screen.situation);
+    if (kind == StepKind::end) {
+        boardPainter.paintHeading(painter, words.deckComplete, offersMiddle);
+        paintComplete(painter, screen.situation);
+        return;
+    }
+    boardPainter.paintHeading(painter, kind == StepKind::redraft ? words.redraft : words.chooseCard, offersMiddle);
+    if (kind == StepKind::skipAhead || kind == StepKind::redraft) {
+        paintFaceDown(painter);
+    } else if (screen.moment == Moment::burning) {
+        paintLeaving(painter, screen);
+    } else if (screen.moment == Moment::arriving) {
+        paintComing(painter, screen);
+    } else {
+        paintCards(painter, screen);
+    }
+}
+
+void ScenePainter::paintCards(QPainter& painter, const Screen& screen) {
+    const Step& step = screen.situation.step;
     std::vector<QPainterPath> offers;
-    for (std::size_t i = 0; i < situation.step.cards.size(); ++i) {
-        const QPointF place = at(cardColumns[i], cardNameHeight);
-        cards.paintFace(painter, situation.step.cards[i], place);
-        offers.push_back(cards.outline(situation.step.cards[i], place));
+    for (std::size_t i = 0; i < step.cards.size(); ++i) {
+        const Card& card = step.cards[i];
+        const QPointF base = plan.cardBase(i, card.type);
+        const QPainterPath letters = cards.paintFace(painter, card, base);
+        printed.push_back({card.name.in(production.language), letters.boundingRect()});
+        offers.push_back(cards.outline(card, base));
     }
-    const int chosen = situation.step.chosen.value_or(-1);
-    paintVeil(painter, offers, chosen);
-    light.setGlows(std::move(offers), chosen);
-}
-
-void ScenePainter::paintFaceDown(QPainter& painter) {
-    std::vector<QPainterPath> backs;
-    for (const double column : cardColumns) {
-        const QPointF place = at(column, cardNameHeight);
-        cards.paintBack(painter, place);
-        backs.push_back(cards.backOutline(place));
-    }
-    light.setGlows(std::move(backs), -1);
-}
-
-// Darkens the offers that were not taken.
-void ScenePainter::paintVeil(QPainter& painter, const std::vector<QPainterPath>& offers, int chosen) {
+    const int chosen = step.chosen.value_or(-1);
     for (std::size_t i = 0; chosen >= 0 && i < offers.size(); ++i) {
         if (static_cast<int>(i) != chosen) {
             painter.fillPath(offers[i], QColor(12, 8, 6, 130));
         }
     }
+    if (!screen.hovered) {
+        return;
+    }
+    const auto hovered = static_cast<std::size_t>(*screen.hovered);
+    light.setGlow(offers, *screen.hovered, colourOf(screen.glow));
+    if (screen.tooltip) {
+        paintTooltip(painter, lettering, plan, Words::in(production.language), screen.situation.deck.size(),
+                     offers[hovered].boundingRect());
+    }
+    paintGlove(painter, plan.cardBase(hovered, step.cards[hovered].type) + QPointF(44, 40) * plan.unit(), plan.unit());
+}
+
+// The cards burn and leave their marks on the ground; the one that was taken is gone a little earlier.
+void ScenePainter::paintLeaving(QPainter& painter, const Screen& screen) const {
+    const Step& step = screen.situation.step;
+    for (std::size_t i = 0; i < step.cards.size(); ++i) {
+        const QPointF base = plan.cardBase(i, step.cards[i].type);
+        castShadow(painter, cards.backOutline(base), 22 * plan.unit(), 0.5 * screen.progress);
+        painter.fillPath(cards.backOutline(base), withAlpha(QColor(0x2c, 0x20, 0x14), 0.8 * screen.progress));
+        QImage offer = layer();
+        QPainter onLayer(&offer);
+        prepare(onLayer);
+        cards.paintFace(onLayer, step.cards[i], base);
+        onLayer.end();
+        const double ahead = static_cast<int>(i) == step.chosen.value_or(-1) ? 0.2 : 0;
+        const double reach = 60 * plan.unit();
+        const QRectF box = cards.outline(step.cards[i], base).boundingRect().adjusted(-reach, -reach, reach, reach);
+        burn(offer, box.toAlignedRect(), std::min(1.0, screen.progress + ahead), plan.unit(),
+             production.seed + static_cast<quint32>(i));
+        painter.setOpacity(1 - 0.5 * screen.progress);
+        painter.drawImage(0, 0, offer);
+        painter.setOpacity(1);
+    }
+}
+
+// They come from the left and from above, turned and too small, and not yet solid.
+void ScenePainter::paintComing(QPainter& painter, const Screen& screen) const {
+    const Step& step = screen.situation.step;
+    for (std::size_t i = 0; i < step.cards.size(); ++i) {
+        const double arrived = std::clamp(screen.progress * 1.2 - 0.12 * static_cast<double>(i), 0.0, 1.0);
+        QImage offer = layer();
+        QPainter onLayer(&offer);
+        prepare(onLayer);
+        const QPointF base = plan.cardBase(i, step.cards[i].type);
+        const double away = 1 - arrived;
+        onLayer.translate(base + QPointF(-0.13, -0.1) * away * plan.height());
+        onLayer.rotate(-26 * away);
+        onLayer.scale(1 - 0.45 * away, 1 - 0.45 * away);
+        onLayer.translate(-base);
+        cards.paintFace(onLayer, step.cards[i], base);
+        onLayer.end();
+        painter.setOpacity(0.25 + 0.5 * arrived);
+        painter.drawImage(0, 0, offer);
+    }
+    painter.setOpacity(1);
+}
+
+void ScenePainter::paintFaceDown(QPainter& painter) const {
+    for (std::size_t column = 0; column < 3; ++column) {
+        cards.paintBack(painter, plan.cardBack(column));
+    }
 }
 
 void ScenePainter::paintComplete(QPainter& painter, const Situation& situation) const {
+    const double unit = plan.unit();
     if (situation.hero) {
-        heroes.paintMedallion(painter, *situation.hero, at(0.402, 0.37), 190 * unit);
+        const QPointF centre = plan.at(offersMiddle, 0.35);
+        heroes.paintPortrait(painter, *situation.hero,
+                             {centre.x() - 130 * unit, centre.y() - 148 * unit, 260 * unit, 296 * unit}, 1);
     }
-    paintButton(painter, words().play, at(0.402, 0.61), {300 * unit, 88 * unit}, true);
+    boardPainter.paintButton(painter, Words::in(production.language).play, plan.at(offersMiddle, 0.555),
+                             {270 * unit, 82 * unit}, true);
 }
 
-// Along the lower edge of the board: who is playing, and what the deck is made of so far.
-void ScenePainter::paintProgress(QPainter& painter, const Situation& situation) const {
-    if (situation.hero && situation.step.kind != StepKind::end) {
-        heroes.paintMedallion(painter, *situation.hero, at(0.165, 0.727), 74 * unit);
+// Who is playing, and what the deck is made of so far.
+void ScenePainter::paintProgress(QPainter& painter, const Situation& situation) {
+    const Words& words = Words::in(production.language);
+    const double unit = plan.unit();
+    if (situation.hero) {
+        const QPointF centre = plan.at(-0.456, 0.768);
+        heroes.paintPortrait(painter, *situation.hero,
+                             {centre.x() - 104 * unit, centre.y() - 122 * unit, 208 * unit, 238 * unit}, 1);
     }
-    paintManaCurve(painter, situation);
-    drawJewel(painter, at(0.165, 0.905), 34 * unit, QColor(0x7a, 0x54, 0x20));
-    lettering.draw(painter, QString::number(situation.redrafting ? 3 : 0), at(0.165, 0.905), 60 * unit,
-                   {.pixelSize = 40 * unit});
-    lettering.drawFrom(painter, words().wins, at(0.19, 0.905), 200 * unit, {.pixelSize = 30 * unit, .fill = pale});
-    paintButton(painter, words().back, at(0.925, 0.955), {150 * unit, 56 * unit}, false);
-}
-
-void ScenePainter::paintManaCurve(QPainter& painter, const Situation& situation) const {
-    std::array<int, 8> byCost{};
-    for (const Card& card : situation.deck) {
-        ++byCost[static_cast<std::size_t>(std::clamp(card.cost, 0, 7))];
+    deckPainter.paintCosts(painter, situation.deck);
+    deckPainter.paintRows(painter, situation.deck, boardPainter.deckColumn());
+    const QPointF count = plan.at(0.435, 0.926);
+    drawPlate(painter, QRectF(count - QPointF(66, 24) * unit, QSizeF(132, 48) * unit), QColor(0x30, 0x26, 0x34));
+    lettering.draw(painter, QStringLiteral("%1/%2").arg(situation.deck.size()).arg(deckSize),
+                   count - QPointF(0, 7) * unit, 110 * unit, {.caps = 16 * unit});
+    lettering.draw(painter, words.cards, count + QPointF(0, 14) * unit, 110 * unit, {.caps = 9 * unit});
+    boardPainter.paintButton(painter, words.back, plan.at(0.588, 0.926), {140 * unit, 52 * unit}, false);
+    if (situation.redrafting) {
+        lettering.draw(painter, QStringLiteral("3 ") + words.wins, plan.at(0.152, 0.87), 150 * unit,
+                       {.caps = 13 * unit});
     }
-    const double tallest = std::max(6, *std::ranges::max_element(byCost));
-    for (std::size_t cost = 0; cost < byCost.size(); ++cost) {
-        const QPointF foot = at(0.27 + 0.0445 * static_cast<double>(cost), 0.775);
-        const QRectF slot(foot.x() - 24 * unit, foot.y() - 118 * unit, 48 * unit, 110 * unit);
-        painter.fillRect(slot, QColor(0, 0, 0, 90));
-        const double height = slot.height() * byCost[cost] / tallest;
-        const QRectF bar(slot.left(), slot.bottom() - height, slot.width(), height);
-        QLinearGradient blue(bar.topLeft(), bar.topRight());
-        blue.setColorAt(0, QColor(0x1c, 0x4a, 0xa4));
-        blue.setColorAt(0.4, QColor(0x3e, 0x86, 0xe0));
-        blue.setColorAt(1, QColor(0x12, 0x2c, 0x6c));
-        painter.fillRect(bar, blue);
-        QPainterPath edge;
-        edge.addRect(slot);
-        painter.strokePath(edge, QPen(withAlpha(bronze, 0.8), 2 * unit));
-        drawJewel(painter, foot + QPointF(0, 6) * unit, 19 * unit, QColor(0x1f, 0x62, 0xd6));
-        lettering.draw(painter, cost == 7 ? QStringLiteral("7+") : QString::number(cost), foot + QPointF(0, 6) * unit,
-                       34 * unit, {.pixelSize = 24 * unit});
-    }
-}
-
-QRectF ScenePainter::deckPanel() const {
-    return area(0.75, 0.065, 0.978, 0.885);
-}
-
-void ScenePainter::paintDeckPanel(QPainter& painter) const {
-    const QRectF panel = deckPanel();
-    QPainterPath frame;
-    frame.addRoundedRect(panel, 12 * unit, 12 * unit);
-    castShadow(painter, frame, 30 * unit, 0.85);
-    painter.drawImage(panel, mottled(panel.size().toSize(), QColor(0x3c, 0x2c, 0x1e), 0.7, unit, seed + 8));
-    drawRim(painter, frame, 10 * unit, bronze);
-}
-
-void ScenePainter::paintDeck(QPainter& painter, const Situation& situation) {
-    const QRectF inside = deckPanel().adjusted(20 * unit, 26 * unit, -20 * unit, -24 * unit);
-    const std::vector<DeckRow> rows = deckRows(situation.deck);
-    const double pitch =
-        std::min(40 * unit, inside.height() / static_cast<double>(std::max<std::size_t>(rows.size(), 1)));
-    double top = inside.top();
-    for (const DeckRow& row : rows) {
-        paintDeckRow(painter, *row.card, row.copies, {inside.left(), top, inside.width(), pitch - 3 * unit});
-        top += pitch;
-    }
-    lettering.draw(painter, QStringLiteral("%1 / %2").arg(situation.deck.size()).arg(deckSize), at(0.835, 0.93),
-                   200 * unit, {.pixelSize = 32 * unit, .fill = pale});
-}
-
-void ScenePainter::paintDeckRow(QPainter& painter, const Card& card, int copies, const QRectF& row) {
-    const QColor dark(0x1a, 0x16, 0x16);
-    painter.fillRect(row, dark);
-    const QRectF art(row.right() - 190 * unit, row.top(), 160 * unit, row.height());
-    const QRectF whole(art.left(), art.center().y() - 45 * unit, art.width(), 90 * unit);
-    QImage& strip = strips[card.id];
-    if (strip.isNull()) {
-        strip = paintCardArt(card, whole.size().toSize().expandedTo({8, 8}), seed);
-    }
-    painter.setClipRect(art);
-    painter.drawImage(whole, strip);
-    painter.setClipping(false);
-    QLinearGradient fade(art.topLeft(), art.topRight());
-    fade.setColorAt(0, dark);
-    fade.setColorAt(0.8, withAlpha(dark, 0.12));
-    painter.fillRect(art.adjusted(-1, 0, 0, 0), fade);
-
-    const double middle = row.center().y();
-    const double letters = std::min(23 * unit, row.height() * 0.72);
-    painter.fillRect(QRectF(row.topLeft(), QSizeF(34 * unit, row.height())), metal(row, QColor(0x1f, 0x52, 0xb4)));
-    lettering.draw(painter, QString::number(card.cost), {row.left() + 17 * unit, middle}, 30 * unit,
-                   {.pixelSize = letters * 1.1});
-    lettering.drawFrom(painter, card.name.in(language), {row.left() + 44 * unit, middle}, 270 * unit,
-                       {.pixelSize = letters, .fill = pale});
-    if (copies > 1) {
-        lettering.draw(painter, QString::number(copies), {row.right() - 15 * unit, middle}, 30 * unit,
-                       {.pixelSize = letters * 1.1, .fill = QColor(0xff, 0xd2, 0x4a)});
-    }
-    QPainterPath edge;
-    edge.addRect(row);
-    painter.strokePath(edge, QPen(withAlpha(bronze, 0.55), 1.5 * unit));
-}
-
-void ScenePainter::paintButton(QPainter& painter, const QString& text, QPointF centre, QSizeF size, bool lit) const {
-    const QRectF box(centre - QPointF(size.width(), size.height()) / 2, size);
-    QPainterPath shape;
-    shape.addRoundedRect(box, size.height() * 0.22, size.height() * 0.22);
-    castShadow(painter, shape, 16 * unit, 0.8);
-    const QColor colour = lit ? QColor(0x9a, 0x5c, 0x1c) : QColor(0x4a, 0x30, 0x20);
-    QLinearGradient face(box.topLeft(), box.bottomLeft());
-    face.setColorAt(0, shade(colour, 1.4));
-    face.setColorAt(0.5, colour);
-    face.setColorAt(1, shade(colour, 0.5));
-    painter.fillPath(shape, face);
-    drawRim(painter, shape, size.height() * 0.07, lit ? gold : bronze);
-    lettering.draw(painter, text, centre, size.width() * 0.85, {.pixelSize = size.height() * 0.46, .fill = pale});
 }
 
 } // namespace pelloran::stage

@@ -1,70 +1,77 @@
 #pragma once
 
+#include "stage/painting/BoardPainter.h"
 #include "stage/painting/CardPainter.h"
+#include "stage/painting/DeckPainter.h"
 #include "stage/painting/HeroPainter.h"
 #include "stage/painting/Lettering.h"
 #include "stage/painting/Light.h"
-#include "stage/Scenario.h"
+#include "stage/painting/Screen.h"
+#include "stage/painting/ScreenPlan.h"
 
-#include <QHash>
 #include <QImage>
 #include <QPainter>
 
 #include <map>
+#include <vector>
 
 namespace pelloran::stage {
 
-// Paints the whole window. The scene of a step is painted once, by show(); every frame adds only the light.
+// What the painter needs to know besides the screens it is to paint.
+struct Production {
+    Language language = Language::english;
+    Look look = Look::felt;
+    quint32 seed = 1;
+};
+
+// A name as it stands on the screen.
+struct PrintedName {
+    QString text;
+    QRectF box; // of its letters, without their outlines
+};
+
+// Paints the whole window. The scene is painted once, by show(); every frame adds only the light.
 class ScenePainter {
 public:
-    ScenePainter(QSize size, Language language, quint32 seed, Lettering lettering);
+    ScenePainter(QSize size, const Production& production, Lettering lettering);
 
     ScenePainter(const ScenePainter&) = delete;
     ScenePainter& operator=(const ScenePainter&) = delete;
 
     // Takes up to some tenths of a second.
-    void show(const Situation& situation);
+    void show(const Screen& screen);
 
     // The scene shown last, with the light as it is `seconds` after the start. `painter` paints on the whole window.
     void paint(QPainter& painter, double seconds) const;
 
-    QSize size() const { return windowSize; }
+    // The names of what is on offer on the scene shown last, left to right; empty when nothing is.
+    const std::vector<PrintedName>& names() const { return printed; }
+
+    QSize size() const { return plan.size(); }
 
 private:
-    struct Words;
-
-    QPointF at(double x, double y) const;
-    QRectF area(double left, double top, double right, double bottom) const;
-    const Words& words() const;
-
-    void startFrom(double boardRight);
-    void paintBoard(QPainter& painter, double right) const;
-    void paintTitle(QPainter& painter, const QString& title, double x) const;
+    void startFrom(bool withDeck);
     void paintMenu(QPainter& painter) const;
-    void paintHeroes(QPainter& painter, const Situation& situation);
-    void paintCards(QPainter& painter, const Situation& situation);
-    void paintFaceDown(QPainter& painter);
+    void paintHeroScreen(QPainter& painter, const Screen& screen);
+    void paintDraft(QPainter& painter, const Screen& screen);
+    void paintCards(QPainter& painter, const Screen& screen);
+    void paintLeaving(QPainter& painter, const Screen& screen) const;
+    void paintComing(QPainter& painter, const Screen& screen) const;
+    void paintFaceDown(QPainter& painter) const;
     void paintComplete(QPainter& painter, const Situation& situation) const;
-    void paintProgress(QPainter& painter, const Situation& situation) const;
-    void paintManaCurve(QPainter& painter, const Situation& situation) const;
-    QRectF deckPanel() const;
-    void paintDeckPanel(QPainter& painter) const;
-    void paintDeck(QPainter& painter, const Situation& situation);
-    void paintDeckRow(QPainter& painter, const Card& card, int copies, const QRectF& row);
-    void paintButton(QPainter& painter, const QString& text, QPointF centre, QSizeF size, bool lit) const;
-    static void paintVeil(QPainter& painter, const std::vector<QPainterPath>& offers, int chosen);
+    void paintProgress(QPainter& painter, const Situation& situation);
+    QImage layer() const;
 
-    QSize windowSize;
-    Language language;
-    quint32 seed;
-    double unit;
+    Production production;
+    ScreenPlan plan;
     Lettering lettering;
     CardPainter cards;
     HeroPainter heroes;
+    BoardPainter boardPainter;
+    DeckPainter deckPainter;
     Light light;
-    QImage table;
-    std::map<double, QImage> boards; // table and board, by the board's right edge: they cost more than all else
-    QHash<QString, QImage> strips;   // pictures for the rows of the deck, by card
+    std::map<bool, QImage> boards; // by whether they have room for a deck: they cost more than all else
+    std::vector<PrintedName> printed;
     QImage scene;
 };
 
