@@ -1,7 +1,7 @@
-#include "reading/PlacedReading.h"
-
 #include "PaintedScreen.h"
 #include "reading/HeroLines.h"
+#include "reading/PlacedCards.h"
+#include "reading/PlacedHeroes.h"
 #include "support/Printing.h"
 #include "WordsByWidth.h"
 
@@ -64,10 +64,9 @@ Outcome readCards(const Readings& readings, float confidence = 0.9F, const QImag
     FakeLineReader::Told told;
     told.answer = std::ref(script);
     FakeLineReader lines(told);
-    std::optional<Script> remembered;
-    ReadingTools tools{lines, remembered};
+    ReadingTools tools{lines};
     Outcome outcome;
-    outcome.text = readCardsAtPlaces(tools, image, lexiconOf(known));
+    outcome.text = PlacedCards(image).read(Script::latin, tools, lexiconOf(known));
     outcome.counts = script.counts;
     outcome.readings = told.readings;
     for (const LineReader::Work& work : told.seen) {
@@ -203,9 +202,8 @@ ReadText readHeroes(const std::function<LineReading(const LineReader::Work&)>& a
     FakeLineReader::Told told;
     told.answer = answer;
     FakeLineReader lines(told);
-    std::optional<Script> remembered;
-    ReadingTools tools{lines, remembered};
-    return readHeroesAtPlaces(tools, image, lexiconOf(known, Lexicon::forClasses));
+    ReadingTools tools{lines};
+    return readHeroesAtPlaces(image, Script::latin, tools, lexiconOf(known, Lexicon::forClasses));
 }
 
 TEST(PlacedReadingTest, HeroesNeedTwoNames) {
@@ -296,11 +294,11 @@ TEST(PlacedReadingTest, WhateverIsReadTokensAreNamesAndReadingEnds) {
             FakeLineReader::Told told;
             told.answer = Babbler(seed);
             FakeLineReader lines(told);
-            std::optional<Script> remembered;
-            ReadingTools tools{lines, remembered};
-            const ReadText read = &image == &images[2]
-                                      ? readHeroesAtPlaces(tools, image, lexiconOf(known, Lexicon::forClasses))
-                                      : readCardsAtPlaces(tools, image, lexiconOf(known));
+            ReadingTools tools{lines};
+            const ReadText read =
+                &image == &images[2]
+                    ? readHeroesAtPlaces(image, Script::latin, tools, lexiconOf(known, Lexicon::forClasses))
+                    : PlacedCards(image).read(Script::latin, tools, lexiconOf(known));
             EXPECT_LE(told.readings, cap);
             EXPECT_EQ(tools.readingsLeft, cap - told.readings);
             EXPECT_LE(read.tokens.size() + read.unsettled.size(), 3U);
@@ -320,10 +318,9 @@ TEST(PlacedReadingTest, ReadsNoMoreThanIsLeft) {
             FakeLineReader::Told told;
             told.answer = Babbler(3);
             FakeLineReader lines(told);
-            std::optional<Script> remembered;
-            ReadingTools tools{lines, remembered, left};
-            forHeroes ? readHeroesAtPlaces(tools, heroes(), lexiconOf(known))
-                      : readCardsAtPlaces(tools, cards(), lexiconOf(known));
+            ReadingTools tools{lines, left};
+            forHeroes ? readHeroesAtPlaces(heroes(), Script::latin, tools, lexiconOf(known))
+                      : PlacedCards(cards()).read(Script::latin, tools, lexiconOf(known));
             EXPECT_LE(told.readings, left);
         }
     }

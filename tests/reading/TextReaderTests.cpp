@@ -103,44 +103,38 @@ TEST_F(TextReaderTest, ReadsChineseNamesWithoutBeingToldTheScript) {
         << "after the client's language was changed";
 }
 
-TEST_F(TextReaderTest, ReadsGoldenNamesOfClasses) {
+TEST_F(TextReaderTest, ReadsWhatIsAskedForWhereItStandsAndInItsColours) {
     const QRectF heroBand(0.08, 0.3, 0.84, 0.55);
 
     struct Row {
         QColor letters;
+        int middle;
         ReadingHints::Offers asked;
         bool areRead;
         const char* why;
     };
 
     const QColor gold(252, 209, 68);
+    const int classes = 575;
+    const int cards = 450;
     const Row table[] = {
-        {gold, ReadingHints::Offers::heroes, true, "classes may be golden"},
-        {gold, ReadingHints::Offers::cards, false, "names of cards are white"},
-        {Qt::white, ReadingHints::Offers::cards, true, "else nothing is shown by the row above"},
+        {gold, classes, ReadingHints::Offers::heroes, true, "classes may be golden"},
+        {gold, cards, ReadingHints::Offers::cards, false, "names of cards are white"},
+        {Qt::white, cards, ReadingHints::Offers::cards, true, "else nothing is shown by the row above"},
+        {Qt::white, classes, ReadingHints::Offers::cards, false, "what stands below cards are choices in battle"},
+        {Qt::white, classes, ReadingHints::Offers::heroes, true, "classes may be white"},
+        {Qt::white, cards, ReadingHints::Offers::heroes, false, "what stands where cards have names is no class"},
     };
     for (const Row& row : table) {
         SCOPED_TRACE(row.why);
         reader->forget();
         QImage image = testing::wood(1920, 1080);
         for (int i = 0; i < 3; ++i) {
-            testing::paintWord(image, QPoint(520 + 420 * i, 450), offers[i], 32, row.letters);
+            testing::paintWord(image, QPoint(520 + 420 * i, row.middle), offers[i], 32, row.letters);
         }
         EXPECT_EQ(textsOf(reader->read(image, hintsFor(heroBand, known(offers), row.asked)).tokens),
                   row.areRead ? offers : QStringList());
     }
-}
-
-TEST_F(TextReaderTest, ReadsClassesBelowHeroes) {
-    QImage image = testing::wood(1920, 1080);
-    for (int i = 0; i < 3; ++i) {
-        testing::paintWord(image, QPoint(520 + 420 * i, 575), offers[i], 32);
-    }
-    const QRectF heroBand(0.08, 0.3, 0.84, 0.55);
-    EXPECT_EQ(textsOf(reader->read(image, hintsFor(heroBand, known(offers), ReadingHints::Offers::heroes)).tokens),
-              offers);
-    EXPECT_TRUE(reader->read(image, hintsFor(heroBand, known(offers))).tokens.empty())
-        << "cards have their names higher up; what stands here are choices in battle";
 }
 
 TEST_F(TextReaderTest, ReadsWithoutKnowingTheNames) {
