@@ -49,8 +49,9 @@ std::shared_ptr<const Lexicon> lexicon() {
 
 // Rectangles in any colours on any ground: letters where names stand if the bytes say so, else anywhere.
 QImage paintedFrom(Bytes& bytes) {
-    const int width = 1 + bytes.take();
-    const int height = 1 + bytes.take();
+    // Smaller ones are enlarged a lot, which takes long and shows nothing that they do not.
+    const int width = std::min(256, 24 + bytes.take());
+    const int height = std::min(256, 24 + bytes.take());
     constexpr QImage::Format formats[] = {QImage::Format_RGB32, QImage::Format_RGB888, QImage::Format_Grayscale8,
                                           QImage::Format_RGBA64};
     const QRgb grounds[] = {qRgb(96, 68, 42), qRgb(60, 5, 3), qRgb(200, 175, 135), qRgb(0, 0, 0), qRgb(255, 255, 255)};
