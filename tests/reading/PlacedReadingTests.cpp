@@ -59,20 +59,21 @@ struct Outcome {
 
 using Readings = std::array<QStringList, 3>;
 
-Outcome readCards(const Readings& readings, float confidence = 0.9F, const QImage& image = cards()) {
-    testing::WordScript script(readings, confidence);
+Outcome readCards(const Readings& readings, float confidence = 0.9F, const QImage& image = cards(),
+                  Script script = Script::latin, const QStringList& names = known) {
+    testing::WordScript answers(readings, confidence);
     FakeLineReader::Told told;
-    told.answer = std::ref(script);
+    told.answer = std::ref(answers);
     FakeLineReader lines(told);
     ReadingTools tools{lines};
     Outcome outcome;
-    outcome.text = PlacedCards(image).read(Script::latin, tools, lexiconOf(known));
-    outcome.counts = script.counts;
+    outcome.text = PlacedCards(image).read(script, tools, lexiconOf(names));
+    outcome.counts = answers.counts;
     outcome.readings = told.readings;
     for (const LineReader::Work& work : told.seen) {
         EXPECT_EQ(work.picture.format(), QImage::Format_Grayscale8);
         EXPECT_FALSE(work.picture.isNull());
-        EXPECT_EQ(work.script, Script::latin);
+        EXPECT_EQ(work.script, script);
     }
     return outcome;
 }
@@ -131,6 +132,41 @@ TEST(PlacedReadingTest, WhatOfThreeReadingsIsOffered) {
         for (std::size_t i = 0; read.columns && i < 3; ++i) {
             EXPECT_NEAR((*read.columns)[i], 0.5 + cardCentres[i] * 1080 / 1920, 0.001);
         }
+    }
+}
+
+TEST(PlacedReadingTest, ChineseReadingsStandAsTheyAreBesideAKnownName) {
+    struct Row {
+        Readings readings;
+        QStringList tokens;
+        QStringList unsettled;
+        const char* why;
+    };
+
+    const QString stone = QStringLiteral("石头守卫");
+    const QString river = QStringLiteral("河流之歌");
+    const QString misread = QStringLiteral("河流之软");
+    const QString other = QStringLiteral("石夹守卫");
+    const QString letter = QStringLiteral("口");
+    const Row table[] = {
+        {{{{stone}, {river}, {}}}, {stone, river}, nothing, "two names"},
+        {{{{stone}, {misread}, {}}},
+         {stone, misread},
+         nothing,
+         "a letter is misread: whoever compares it with the names forgives that"},
+        {{{{other}, {misread}, {}}}, nothing, {other, misread}, "none is a known name, so these may be anything"},
+        {{{{stone}, {letter}, {}}}, nothing, {stone, letter}, "a single letter is soon read into a picture"},
+        {{{{stone}, {misread, river}, {}}}, {stone, river}, nothing, "read right at a second try"},
+        {{{{stone}, {letter, misread, letter}, {}}},
+         {stone, misread},
+         nothing,
+         "what comes nearest to a name is taken"},
+    };
+    for (const Row& row : table) {
+        SCOPED_TRACE(row.why);
+        const ReadText read = readCards(row.readings, 0.9F, cards(), Script::chinese, {stone, river}).text;
+        EXPECT_EQ(textsOf(read.tokens), row.tokens);
+        EXPECT_EQ(textsOf(read.unsettled), row.unsettled);
     }
 }
 

@@ -22,7 +22,9 @@ public:
         , confidence(sure) {}
 
     LineReading operator()(const LineReader::Work& work) {
-        const double shape = double(work.picture.width()) / work.picture.height();
+        // Pictures for the network of Chinese letters have more above and below the line.
+        const double lineHeight = work.picture.height() * (work.script == Script::latin ? 1 : 1 / 1.2);
+        const double shape = work.picture.width() / lineHeight;
         const std::size_t word = shape < 4.2 ? 0 : shape < 6.8 ? 1 : 2;
         const QStringList& list = texts[word];
         const auto turn = qsizetype(counts[word]++);
