@@ -69,6 +69,7 @@ struct Strip {
     double below;     // the baseline
     double halfWidth; // to both sides of the centre
     double scale;     // pixels of the result a height
+    double pivot = 0; // under the base: here letters, which are turned with the curve, keep their places
 };
 
 Plane unbent(const Plane& plane, const GameFrame& frame, const NameCurve& curve, const Strip& strip) {
@@ -87,9 +88,10 @@ Plane unbent(const Plane& plane, const GameFrame& frame, const NameCurve& curve,
     const int lastY = plane.height - 1;
     for (int row = 0; row < rows; ++row) {
         const double v = (row + 0.5) / strip.scale - strip.above;
+        const double depth = v - strip.pivot;
         std::uint8_t* out = result.row(row);
         for (int column = 0; column < columns; ++column) {
-            const double x = (column + 0.5) / strip.scale - strip.halfWidth - v * lean[std::size_t(column)];
+            const double x = (column + 0.5) / strip.scale - strip.halfWidth - depth * lean[std::size_t(column)];
             const double pixelX = std::clamp(frame.pixelX(strip.centre + x) - 0.5, -1.0, double(plane.width));
             const double pixelY =
                 std::clamp(frame.pixelY(shift[std::size_t(column)] + v) - 0.5, -1.0, double(plane.height));
@@ -158,7 +160,9 @@ struct Search {
 Search searchAlong(const Plane& plane, const GameFrame& frame, const NameCurve& curve, double centre, double from,
                    double to) {
     Search found;
-    const Strip strip{centre, from, roomAbove, to - from + roomBelow, halfStrip, searchScale};
+    // The search begins far above most baselines. Turned about its beginning, letters would move outwards on the way.
+    const double likely = std::clamp((curve.bases[0] + curve.bases[1]) / 2, from, to);
+    const Strip strip{centre, from, roomAbove, to - from + roomBelow, halfStrip, searchScale, likely - from};
     found.letters = lettersIn(unbent(plane, frame, curve, strip));
     std::vector<int> inkAbove(std::size_t(found.letters.height) + 1); // each row, in all rows over it
     for (int y = 0; y < found.letters.height; ++y) {

@@ -76,12 +76,13 @@ QString read(const QImage& picture, const QRect& words, int background, Letters 
         return {};
     }
     const Script script = letters == Letters::english ? Script::latin : Script::chinese;
-    const PictureShape shape = pictureShape(script);
-    const double letterHeight = shape.height / (1 + 2 * shape.margin);
-    const int margin = (shape.height - static_cast<int>(letterHeight)) / 2;
+    // As its network was trained: pixels of the whole picture, and of the letters in it.
+    const int height = letters == Letters::english ? 36 : 48;
+    const int letterHeight = letters == Letters::english ? 27 : 33;
+    const int margin = (height - letterHeight) / 2;
     const QImage scaled = picture.copy(words)
                               .convertToFormat(QImage::Format_Grayscale8)
-                              .scaledToHeight(static_cast<int>(letterHeight), Qt::SmoothTransformation);
+                              .scaledToHeight(letterHeight, Qt::SmoothTransformation);
     // Black on white, whatever the desktop's colours.
     int strongest = 1;
     for (int y = 0; y < scaled.height(); ++y) {
@@ -89,14 +90,15 @@ QString read(const QImage& picture, const QRect& words, int background, Letters 
             strongest = std::max(strongest, std::abs(qGray(scaled.pixel(x, y)) - background));
         }
     }
-    Plane plane(scaled.width() + 2 * margin, shape.height, 255);
+    QImage line(scaled.width() + 2 * margin, height, QImage::Format_Grayscale8);
+    line.fill(Qt::white);
     for (int y = 0; y < scaled.height(); ++y) {
         for (int x = 0; x < scaled.width(); ++x) {
             const int ink = std::abs(qGray(scaled.pixel(x, y)) - background) * 255 / strongest;
-            plane.row(y + margin)[x + margin] = static_cast<std::uint8_t>(255 - ink);
+            line.scanLine(y + margin)[x + margin] = static_cast<std::uint8_t>(255 - ink);
         }
     }
-    return (*reader)->read({{plane, script}}).front().text;
+    return (*reader)->read({{line, script}}).front().text;
 }
 
 } // namespace

@@ -1,53 +1,33 @@
-#include "platform/TextReader.h"
+#include "reading/LineByLineReader.h"
 
+#include "PaintedScreen.h"
 #include "PaintedText.h"
 #include "support/Printing.h"
-#include "support/SharedData.h"
-
-#include <QDir>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
+#include "WordsByWidth.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <set>
 
 namespace pelloran {
 
 namespace {
 
-QString lettersOf(const QString& text) {
-    QString letters;
-    for (const QChar character : text.toLower()) {
-        if (character.isLetter()) {
-            letters.append(character);
-        }
-    }
-    return letters;
-}
+using testing::FakeLineReader;
+using testing::wordsByWidth;
 
-std::shared_ptr<const KnownNames> known(const QStringList& names) {
-    auto result = std::make_shared<KnownNames>();
-    result->normalize = lettersOf;
-    for (const QString& name : names) {
-        result->normalized.insert(lettersOf(name));
-    }
-    return result;
-}
-
+const QStringList names{QStringLiteral("Amber Wolf"), QStringLiteral("Copper Kettle"), QStringLiteral("Quiet Orchard")};
 const QRectF cardBand(0.08, 0.28, 0.64, 0.5);
-const QStringList offers{QStringLiteral("TITLE"), QStringLiteral("LIFE"), QStringLiteral("HILT")};
+// In one look: at the places in either script, and everywhere.
+constexpr std::size_t cap = 3 * 24;
 
-// Three names of bars where cards have them.
-QImage paintedPick(int width, int height) {
-    QImage image = testing::wood(width, height);
-    const double unit = height / 1080.0;
-    const int middles[] = {446, 767, 1097};
-    for (int i = 0; i < 3; ++i) {
-        testing::paintWord(image, QPoint(int(middles[i] * unit), int(450 * unit)), offers[i], int(30 * unit));
+std::shared_ptr<const Lexicon> lexiconOf(const QStringList& texts) {
+    std::vector<KnownName> list;
+    for (const QString& text : texts) {
+        list.push_back({text, {}});
     }
-    return image;
+    return std::make_shared<const Lexicon>(std::move(list), Lexicon::forCards);
 }
 
 QStringList textsOf(const std::vector<OCRToken>& tokens) {
@@ -58,301 +38,259 @@ QStringList textsOf(const std::vector<OCRToken>& tokens) {
     return texts;
 }
 
-class TextReaderTest : public ::testing::Test {
+class LineByLineReaderTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        auto made = TextReader::create();
-        ASSERT_TRUE(made) << made.error().reason.toStdString();
-        reader = std::move(*made);
+    std::set<Script> scriptsSeen() const {
+        std::set<Script> scripts;
+        for (const LineReader::Work& work : told.seen) {
+            scripts.insert(work.script);
+        }
+        return scripts;
     }
 
-    std::unique_ptr<TextReader> reader;
+    void clear() {
+        told.seen.clear();
+        told.readings = 0;
+    }
+
+    FakeLineReader::Told told;
+    LineByLineReader reader{std::make_unique<FakeLineReader>(told)};
 };
 
-TEST_F(TextReaderTest, ReadsNamesAtEverySizeOfTheWindow) {
-    for (const QSize size : {QSize(1280, 720), QSize(1920, 1080), QSize(2560, 1440), QSize(3840, 2160)}) {
-        SCOPED_TRACE(size.height());
-        reader->forget();
-        const auto tokens = reader->read(paintedPick(size.width(), size.height()), {cardBand, {}, known(offers)});
-        EXPECT_EQ(textsOf(tokens), offers);
-        const double middles[] = {446 / 1920.0, 767 / 1920.0, 1097 / 1920.0};
-        for (std::size_t i = 0; i < tokens.size(); ++i) {
-            EXPECT_NEAR(tokens[i].midX, middles[i], 0.01);
-            EXPECT_NEAR(tokens[i].midY, 450 / 1080.0, 0.01);
-            EXPECT_NEAR(tokens[i].height, 30 / 1080.0, 0.006);
-            EXPECT_GT(tokens[i].confidence, 0);
-            EXPECT_LE(tokens[i].confidence, 1);
-        }
-    }
-}
-
-TEST_F(TextReaderTest, ReadsChineseNamesWithoutBeingToldTheScript) {
-    const QStringList names{QStringLiteral("王日"), QStringLiteral("田王"), QStringLiteral("日田")};
+// Where the game's screens have no names, so that they are read wherever they stand.
+QImage elsewhere(const std::array<QString, 3>& words, int height = 30) {
     QImage image = testing::wood(1920, 1080);
     for (int i = 0; i < 3; ++i) {
-        testing::paintWord(image, QPoint(446 + 325 * i, 450), names[i], 36);
+        testing::paintWord(image, QPoint(446 + 325 * i, 450), words[std::size_t(i)], height);
     }
-    EXPECT_EQ(textsOf(reader->read(image, {cardBand, {}, known(names)})), names) << "cold";
-    EXPECT_EQ(textsOf(reader->read(image, {cardBand, {}, known(names)})), names) << "warm";
-    EXPECT_EQ(textsOf(reader->read(paintedPick(1920, 1080), {cardBand, {}, known(offers)})), offers)
-        << "after the client's language was changed";
+    return image;
 }
 
-TEST_F(TextReaderTest, ReadsGoldenNamesOfClasses) {
-    QImage image = testing::wood(1920, 1080);
-    for (int i = 0; i < 3; ++i) {
-        testing::paintWord(image, QPoint(520 + 420 * i, 575), offers[i], 32, QColor(252, 209, 68));
-    }
-    const QRectF heroBand(0.08, 0.3, 0.84, 0.55);
-    EXPECT_EQ(textsOf(reader->read(image, {heroBand, Lettering::whiteOrGolden, known(offers)})), offers);
-    EXPECT_TRUE(reader->read(image, {heroBand, Lettering::white, known(offers)}).empty())
-        << "else nothing is shown by this";
-}
+const std::array<QString, 3> latinWords{QStringLiteral("TITLE"), QStringLiteral("LIFE"), QStringLiteral("HILTEEL")};
 
-TEST_F(TextReaderTest, ReadsWithoutKnowingTheNames) {
-    QStringList texts = textsOf(reader->read(paintedPick(1920, 1080), {cardBand, {}, nullptr}));
-    QStringList expected = offers;
-    texts.sort();
-    expected.sort();
-    EXPECT_EQ(texts, expected);
-}
+TEST_F(LineByLineReaderTest, ReadsNothingWhereNothingCanCome) {
+    told.answer = [](const LineReader::Work&) { return LineReading{names[0], 0.9F}; };
+    const QImage image = testing::paintedCards(QSize(1920, 1080), wordsByWidth);
 
-TEST_F(TextReaderTest, AKnownWordOfTheRulesHidesNoMisreadName) {
     struct Row {
-        QStringList names;
-        QStringList expected;
+        QImage image;
+        std::shared_ptr<const Lexicon> known;
         const char* why;
     };
 
     const Row table[] = {
-        {{QStringLiteral("Titles"), QStringLiteral("Lifes"), QStringLiteral("Hilts"), QStringLiteral("Felt")},
-         {QStringLiteral("FELT"), QStringLiteral("HILT"), QStringLiteral("LIFE"), QStringLiteral("TITLE")},
-         "three names a letter away, a known word below them"},
-        {{QStringLiteral("Title"), QStringLiteral("Lifes"), QStringLiteral("Hilts"), QStringLiteral("Felt")},
-         {QStringLiteral("HILT"), QStringLiteral("LIFE"), QStringLiteral("TITLE")},
-         "one name right, which tells the row"},
-        {offers + QStringList{QStringLiteral("Felt")},
-         {QStringLiteral("HILT"), QStringLiteral("LIFE"), QStringLiteral("TITLE")},
-         "all names right, nothing else matters"},
+        {QImage(), lexiconOf(names), "no image"},
+        {QImage(), nullptr, "no image and no names"},
+        {image, std::make_shared<const Lexicon>(), "a lexicon without names: no reading could be one"},
+        {image, lexiconOf({QStringLiteral("!?"), QString()}), "entries of which nothing is left are no names"},
     };
-    QImage image = paintedPick(1920, 1080);
-    testing::paintWord(image, QPoint(767, 600), QStringLiteral("FELT"), 22);
     for (const Row& row : table) {
         SCOPED_TRACE(row.why);
-        reader->forget();
-        QStringList texts = textsOf(reader->read(image, {cardBand, {}, known(row.names)}));
-        texts.sort();
-        EXPECT_EQ(texts, row.expected);
-    }
-}
-
-TEST_F(TextReaderTest, ALineIsOneToken) {
-    // Unknown names are read several times, not always alike.
-    QImage image = testing::wood(1920, 1080);
-    for (const int middle : {446, 767, 1097}) {
-        testing::paintLetters(image, QRect(middle - 60, 440, 120, 26));
-    }
-    const auto tokens = reader->read(image, {cardBand, {}, known(offers)});
-    ASSERT_EQ(tokens.size(), 3U);
-    for (std::size_t i = 0; i < tokens.size(); ++i) {
-        for (std::size_t k = 0; k < i; ++k) {
-            EXPECT_GT(std::abs(tokens[i].midX - tokens[k].midX), 0.1);
+        for (const auto asked : {ReadingHints::Offers::cards, ReadingHints::Offers::heroes}) {
+            EXPECT_EQ(reader.read(row.image, {cardBand, asked, std::nullopt, row.known}), ReadText());
         }
     }
+    EXPECT_EQ(told.readings, 0U);
 }
 
-TEST_F(TextReaderTest, LeavesOutWhatLiesOutsideTheBand) {
-    const QRectF below(0.08, 0.5, 0.64, 0.28);
-    EXPECT_TRUE(reader->read(paintedPick(1920, 1080), {below, {}, nullptr}).empty());
-    const QRectF leftOnly(0, 0, 0.3, 1);
-    EXPECT_EQ(textsOf(reader->read(paintedPick(1920, 1080), {leftOnly, {}, nullptr})), QStringList{offers[0]});
+TEST_F(LineByLineReaderTest, NamesAtTheirPlacesAreReadNowhereElse) {
+    testing::WordScript script({{{names[0]}, {names[1]}, {names[2]}}});
+    told.answer = std::ref(script);
+    const QImage image = testing::paintedCards(QSize(1920, 1080), wordsByWidth);
+    const ReadText read = reader.read(image, {cardBand, ReadingHints::Offers::cards, std::nullopt, lexiconOf(names)});
+    EXPECT_EQ(textsOf(read.tokens), names);
+    EXPECT_EQ(told.readings, 3U);
 }
 
-TEST_F(TextReaderTest, FormatsAndStridesDoNotMatter) {
-    const QImage image = paintedPick(1280, 720);
-    const ReadingHints hints{cardBand, {}, known(offers)};
-    const auto expected = reader->read(image, hints);
-    ASSERT_EQ(expected.size(), 3U);
-    for (const QImage::Format format : {QImage::Format_ARGB32, QImage::Format_RGB888, QImage::Format_RGBA8888,
-                                        QImage::Format_RGBA64, QImage::Format_Grayscale8}) {
-        SCOPED_TRACE(format);
-        EXPECT_EQ(textsOf(reader->read(image.convertToFormat(format), hints)), offers);
+TEST_F(LineByLineReaderTest, WithoutNamesEveryLineIsAToken) {
+    told.answer = [](const LineReader::Work&) { return LineReading{QStringLiteral("Whatever"), 0.9F}; };
+    QImage image = elsewhere(latinWords);
+    testing::paintWord(image, QPoint(800, 700), QStringLiteral("FELT"), 22);
+    const ReadText read = reader.read(image, {});
+    EXPECT_EQ(read.tokens.size(), 4U);
+    EXPECT_TRUE(read.unsettled.empty());
+    EXPECT_FALSE(read.columns);
+}
+
+TEST_F(LineByLineReaderTest, AnEntryWithoutLettersMakesNoNameOfNumbers) {
+    told.answer = [](const LineReader::Work&) { return LineReading{QStringLiteral("3/4"), 0.9F}; };
+    const auto known = lexiconOf({QStringLiteral("!?"), names[0]});
+    EXPECT_TRUE(reader.read(elsewhere(latinWords), {cardBand, {}, std::nullopt, known}).tokens.empty());
+    EXPECT_GT(told.readings, 0U) << "else nothing is shown";
+}
+
+TEST_F(LineByLineReaderTest, TheScriptThatIsToldIsReadAlone) {
+    // Unsure, so that it would try the other one.
+    told.answer = [](const LineReader::Work&) { return LineReading{QStringLiteral("Wvqx"), 0.3F}; };
+    for (const auto& known : {lexiconOf(names), std::shared_ptr<const Lexicon>()}) {
+        for (const Script script : {Script::latin, Script::chinese}) {
+            clear();
+            reader.forget();
+            reader.read(elsewhere(latinWords), {cardBand, {}, script, known});
+            EXPECT_EQ(scriptsSeen(), std::set{script});
+        }
+        clear();
+        reader.forget();
+        reader.read(elsewhere(latinWords), {cardBand, {}, std::nullopt, known});
+        EXPECT_EQ(scriptsSeen(), (std::set{Script::latin, Script::chinese})) << "else nothing is shown";
     }
-    QImage larger(1300, 740, QImage::Format_RGB32);
-    larger.fill(Qt::white);
-    for (int y = 0; y < 720; ++y) {
-        std::copy_n(image.constScanLine(y), 1280 * 4, larger.scanLine(y + 7) + 3 * 4);
-    }
-    const QImage window(larger.constScanLine(7) + 3 * 4, 1280, 720, larger.bytesPerLine(), QImage::Format_RGB32);
-    EXPECT_EQ(reader->read(window, hints), expected);
 }
 
-TEST_F(TextReaderTest, OddImagesHaveNoLines) {
+TEST_F(LineByLineReaderTest, RemembersTheScriptUntilToldToForget) {
+    const QStringList chinese{QStringLiteral("王日"), QStringLiteral("田王"), QStringLiteral("日田")};
+    // A Chinese client: its names are read by the network for them, and by the other one as rubbish.
+    told.answer = [&, turn = 0](const LineReader::Work& work) mutable {
+        return work.script == Script::chinese ? LineReading{chinese[turn++ % 3], 0.9F}
+                                              : LineReading{QStringLiteral("EAR"), 0.4F};
+    };
+    const ReadingHints hints{cardBand, {}, std::nullopt, lexiconOf(names + chinese)};
+
     struct Row {
-        QSize size;
-        QImage::Format format;
+        QImage image;
         const char* why;
     };
 
     const Row table[] = {
-        {QSize(0, 0), QImage::Format_RGB32, "null"},
-        {QSize(1, 1), QImage::Format_RGB32, "a single pixel"},
-        {QSize(1, 3000), QImage::Format_RGB32, "a column"},
-        {QSize(16384, 1), QImage::Format_RGB32, "a row"},
-        {QSize(16384, 1080), QImage::Format_RGB32, "sixteen thousand pixels wide"},
-        {QSize(9000, 9000), QImage::Format_Grayscale8, "large"},
-        {QSize(333, 777), QImage::Format_Mono, "one bit a pixel"},
-        {QSize(640, 480), QImage::Format_Indexed8, "colours by number, without a table"},
+        {testing::paintedCards(QSize(1920, 1080), wordsByWidth), "at their places"},
+        {elsewhere({chinese[0], chinese[1], chinese[2]}, 36), "anywhere"},
     };
     for (const Row& row : table) {
         SCOPED_TRACE(row.why);
-        QImage image(row.size, row.format);
-        image.fill(1);
-        EXPECT_TRUE(reader->read(image, {}).empty());
-        EXPECT_TRUE(reader->read(image, {cardBand, Lettering::whiteOrGolden, known(offers)}).empty());
+        reader.forget();
+        EXPECT_EQ(textsOf(reader.read(row.image, hints).tokens), chinese) << "cold";
+        clear();
+        EXPECT_EQ(textsOf(reader.read(row.image, hints).tokens), chinese) << "warm";
+        EXPECT_EQ(scriptsSeen(), std::set{Script::chinese});
+        EXPECT_EQ(told.readings, 3U);
     }
+    const auto firstScriptAtPlaces = [&] {
+        clear();
+        reader.read(table[0].image, hints);
+        return told.seen.empty() ? std::nullopt : std::optional(told.seen.front().script);
+    };
+    EXPECT_EQ(firstScriptAtPlaces(), Script::chinese);
+    reader.forget();
+    EXPECT_EQ(firstScriptAtPlaces(), Script::latin);
 }
 
-TEST_F(TextReaderTest, OddBandsAreNoHarm) {
-    const QImage image = paintedPick(1280, 720);
-    for (const QRectF band : {QRectF(), QRectF(2, 2, 1, 1), QRectF(0.5, 0.5, 0, 0), QRectF(-3, -3, 9, 9)}) {
-        const auto tokens = reader->read(image, {band, {}, nullptr});
-        EXPECT_EQ(tokens.size(), band.width() > 8 ? 3U : 0U);
-    }
+TEST_F(LineByLineReaderTest, NamesReadAtTheirPlacesTellTheScript) {
+    testing::WordScript script({{{names[0]}, {names[1]}, {names[2]}}});
+    told.answer = std::ref(script);
+    const ReadingHints hints{cardBand, {}, std::nullopt, lexiconOf(names)};
+    ASSERT_EQ(textsOf(reader.read(testing::paintedCards(QSize(1920, 1080), wordsByWidth), hints).tokens), names);
+    // Lines of dense letters, which nothing told would be tried as Chinese first.
+    const QImage dense = elsewhere({QStringLiteral("田田"), QStringLiteral("王王"), QStringLiteral("日田")}, 36);
+    told.answer = [](const LineReader::Work&) { return LineReading{QStringLiteral("Wvqx"), 0.9F}; };
+    clear();
+    reader.read(dense, {cardBand, {}, std::nullopt, nullptr});
+    ASSERT_FALSE(told.seen.empty());
+    EXPECT_EQ(told.seen.front().script, Script::latin);
+    reader.forget();
+    clear();
+    reader.read(dense, {cardBand, {}, std::nullopt, nullptr});
+    ASSERT_FALSE(told.seen.empty());
+    EXPECT_EQ(told.seen.front().script, Script::chinese) << "else nothing is shown";
 }
 
-TEST_F(TextReaderTest, AnEntryWithoutLettersMakesNoNameOfNumbers) {
-    auto names = std::make_shared<KnownNames>();
-    names->normalize = [](const QString& text) { return text == QStringLiteral("LIFE") ? text : QString(); };
-    names->normalized = {QString(), QStringLiteral("LIFE")};
+QImage plain(const QSize& size, QColor color) {
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(color);
+    return image;
+}
+
+QImage hundredLines() {
     QImage image = testing::wood(1920, 1080);
-    for (int i = 0; i < 3; ++i) {
-        testing::paintWord(image, QPoint(446 + 325 * i, 400), QStringLiteral("TITLE"), 34); // nothing to normalize
-        testing::paintWord(image, QPoint(446 + 325 * i, 560), QStringLiteral("LIFE"), 26);
-    }
-    const QStringList texts = textsOf(reader->read(image, {cardBand, {}, names}));
-    EXPECT_EQ(texts.count(QStringLiteral("LIFE")), 3) << texts.join(QStringLiteral(", ")).toStdString();
-}
-
-TEST_F(TextReaderTest, BringsLinesToTheirSizeItself) {
-    EXPECT_TRUE(reader->scalesLinesItself());
-}
-
-TEST_F(TextReaderTest, SameImageSameTokens) {
-    const QImage image = paintedPick(1280, 720);
-    const ReadingHints hints{cardBand, {}, known(offers)};
-    const auto cold = reader->read(image, hints);
-    EXPECT_EQ(reader->read(image, hints), cold) << "warm";
-    reader->forget();
-    EXPECT_EQ(reader->read(image, hints), cold) << "cold again";
-}
-
-struct Slot {
-    QString name;
-    QRectF box;
-};
-
-struct Screen {
-    QString file;
-    bool hero = false;
-    bool chinese = false;
-    std::vector<Slot> slotList;
-};
-
-std::vector<Screen> screens() {
-    std::vector<Screen> result;
-    const QDir folder(testing::sharedData(QStringLiteral("screens")));
-    for (const QString& file : folder.entryList({QStringLiteral("*.json")}, QDir::Files, QDir::Name)) {
-        QFile truth(folder.filePath(file));
-        if (!truth.open(QIODevice::ReadOnly)) {
-            continue;
-        }
-        const QJsonObject object = QJsonDocument::fromJson(truth.readAll()).object();
-        Screen screen;
-        screen.file = folder.filePath(file.chopped(5) + QStringLiteral(".png"));
-        screen.hero = object[QStringLiteral("phase")].toString() == QStringLiteral("heroPick");
-        screen.chinese = object[QStringLiteral("lang")].toString() == QStringLiteral("zh");
-        for (const QJsonValue& value : object[QStringLiteral("slots")].toObject()) {
-            const QJsonArray box = value[QStringLiteral("box")].toArray();
-            screen.slotList.push_back(
-                {value[QStringLiteral("name")].toString(),
-                 QRectF(QPointF(box[0].toDouble(), box[1].toDouble()), QPointF(box[2].toDouble(), box[3].toDouble()))});
-        }
-        result.push_back(screen);
-    }
-    return result;
-}
-
-int commonLetters(const QString& a, const QString& b) {
-    std::vector<int> row(std::size_t(b.size()) + 1);
-    for (const QChar letter : a) {
-        int diagonal = 0;
-        for (int i = 0; i < b.size(); ++i) {
-            const int above = row[std::size_t(i) + 1];
-            row[std::size_t(i) + 1] = letter == b[i] ? diagonal + 1 : std::max(row[std::size_t(i)], above);
-            diagonal = above;
+    for (int row = 0; row < 20; ++row) {
+        for (int column = 0; column < 5; ++column) {
+            testing::paintWord(image, QPoint(200 + 380 * column, 30 + 53 * row), latinWords[std::size_t(row % 3)], 22);
         }
     }
-    return row.back();
+    return image;
 }
 
-// The largest part of the slot's name that some token within the slot has, in order.
-double bestShare(const std::vector<OCRToken>& tokens, const Slot& slot) {
-    double best = 0;
-    const QString name = lettersOf(slot.name);
-    for (const OCRToken& token : tokens) {
-        if (slot.box.adjusted(-0.02, -0.02, 0.02, 0.02).contains(QPointF(token.midX, token.midY))) {
-            best = std::max(best, double(commonLetters(lettersOf(token.text), name)) / double(name.size()));
-        }
-    }
-    return best;
-}
+TEST_F(LineByLineReaderTest, WhateverTheImageReadingEnds) {
+    struct Row {
+        QImage image;
+        const char* why;
+    };
 
-TEST_F(TextReaderTest, ReadsTheSharedScreens) {
-    SKIP_WITHOUT_SHARED_DATA("screens");
-    SKIP_WITHOUT_SHARED_DATA("cards.json");
-    QFile cards(testing::sharedData(QStringLiteral("cards.json")));
-    ASSERT_TRUE(cards.open(QIODevice::ReadOnly));
-    QStringList cardNames;
-    for (const QJsonValue& card : QJsonDocument::fromJson(cards.readAll()).array()) {
-        cardNames << card[QStringLiteral("name_en")].toString() << card[QStringLiteral("name_zh")].toString();
-    }
-    QStringList classNames;
-    for (const char* name :
-         {"死亡骑士", "恶魔猎手", "德鲁伊", "猎人",         "法师",         "圣骑士", "牧师",   "潜行者",
-          "萨满祭司", "术士",     "战士",   "Death Knight", "Demon Hunter", "Druid",  "Hunter", "Mage",
-          "Paladin",  "Priest",   "Rogue",  "Shaman",       "Warlock",      "Warrior"}) {
-        classNames << QString::fromUtf8(name);
-    }
+    const Row table[] = {
+        {plain(QSize(1920, 1080), Qt::black), "black"},
+        {plain(QSize(1920, 1080), Qt::white), "white"},
+        {plain(QSize(1920, 1080), QColor(200, 175, 135)), "parchment everywhere"},
+        {plain(QSize(1, 1), Qt::white), "a single pixel"},
+        {plain(QSize(1, 2000), Qt::white), "a column"},
+        {plain(QSize(2, 2), QColor(60, 5, 3)), "four pixels of felt"},
+        {plain(QSize(5000, 40), Qt::white), "a strip"},
+        {testing::noise(QSize(1280, 720), 11), "noise"},
+        {testing::noise(QSize(5000, 40), 12), "a strip of noise"},
+        {testing::noise(QSize(1, 2000), 13), "a column of noise"},
+        {testing::noise(QSize(97, 61), 14), "a little noise"},
+        {hundredLines(), "a hundred lines of text"},
+        {testing::paintedCards(QSize(1920, 1080), wordsByWidth), "a pick"},
+        {testing::paintedHeroes(QSize(1920, 1080), testing::HeroGround::felt, heroCentres[0], wordsByWidth,
+                                QStringLiteral("Hou")),
+         "heroes"},
+    };
 
-    int chineseSlots = 0;
-    int chineseClose = 0;
-    QStringList missed;
-    for (const Screen& screen : screens()) {
-        SCOPED_TRACE(screen.file.toStdString());
-        const QImage image(screen.file);
-        ASSERT_FALSE(image.isNull());
-        const ReadingHints hints =
-            screen.hero
-                ? ReadingHints{QRectF(0.08, 0.3, 0.84, 0.55), Lettering::whiteOrGolden, known(classNames)}
-                : ReadingHints{cardBand, Lettering::white, known(cardNames)};
-        reader->forget();
-        const auto tokens = reader->read(image, hints);
-        for (const Slot& slot : screen.slotList) {
-            const double share = bestShare(tokens, slot);
-            if (screen.chinese) {
-                ++chineseSlots;
-                chineseClose += share >= 0.75;
-                if (share < 0.75) {
-                    missed << slot.name << textsOf(tokens);
+    const LineReading answers[] = {{{}, 0}, {QStringLiteral("Wvqx"), 0.9F}, {names[0], 0.9F}, {names[1], 0.1F}};
+    for (const Row& row : table) {
+        SCOPED_TRACE(row.why);
+        for (const LineReading& answer : answers) {
+            told.answer = [&answer](const LineReader::Work&) { return answer; };
+            for (const auto asked : {ReadingHints::Offers::cards, ReadingHints::Offers::heroes}) {
+                for (const auto& known : {lexiconOf(names), std::shared_ptr<const Lexicon>()}) {
+                    clear();
+                    reader.forget();
+                    const ReadText read = reader.read(row.image, {QRectF(0, 0, 1, 1), asked, std::nullopt, known});
+                    EXPECT_LE(told.readings, cap);
+                    for (const LineReader::Work& work : told.seen) {
+                        ASSERT_EQ(work.picture.format(), QImage::Format_Grayscale8);
+                        ASSERT_FALSE(work.picture.isNull());
+                    }
+                    for (const OCRToken& token : read.tokens) {
+                        EXPECT_TRUE(!known || names.contains(token.text)) << token.text.toStdString();
+                        EXPECT_FALSE(token.text.isEmpty());
+                    }
                 }
-            } else {
-                EXPECT_EQ(share, 1) << slot.name.toStdString();
             }
         }
     }
-    EXPECT_EQ(chineseSlots, 18);
-    EXPECT_GE(chineseClose, 15) << missed.join(QStringLiteral(", ")).toStdString();
+}
+
+TEST_F(LineByLineReaderTest, TakesEveryFormat) {
+    const QImage image = testing::paintedCards(QSize(1280, 720), wordsByWidth);
+    for (int format = QImage::Format_Mono; format < QImage::NImageFormats; ++format) {
+        SCOPED_TRACE(format);
+        testing::WordScript script({{{names[0]}, {names[1]}, {names[2]}}});
+        told.answer = std::ref(script);
+        const QImage converted = image.convertToFormat(QImage::Format(format));
+        const ReadText read = reader.read(converted, {cardBand, {}, std::nullopt, lexiconOf(names)});
+        reader.read(converted, {cardBand, ReadingHints::Offers::heroes, std::nullopt, lexiconOf(names)});
+        const bool keepsColors = converted.depth() > 8 || format == QImage::Format_Grayscale8;
+        if (keepsColors) {
+            EXPECT_EQ(textsOf(read.tokens), names);
+        }
+    }
+}
+
+TEST_F(LineByLineReaderTest, AFailureOfTheLineReaderIsNoText) {
+    // It may give fewer answers than it was asked for, when it is broken.
+    class Broken final : public LineReader {
+    public:
+        std::vector<LineReading> read(const std::vector<Work>&) override { return {}; }
+    };
+
+    LineByLineReader broken(std::make_unique<Broken>());
+    for (const auto& known : {lexiconOf(names), std::shared_ptr<const Lexicon>()}) {
+        for (const QImage& image : {elsewhere(latinWords), testing::paintedCards(QSize(1920, 1080), wordsByWidth)}) {
+            EXPECT_EQ(broken.read(image, {cardBand, {}, std::nullopt, known}), ReadText());
+        }
+    }
+}
+
+TEST_F(LineByLineReaderTest, ScalesLinesItself) {
+    EXPECT_TRUE(reader.scalesLinesItself());
 }
 
 } // namespace

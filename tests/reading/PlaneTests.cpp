@@ -69,8 +69,7 @@ TEST(PlaneTest, LightnessIsTheDarkestChannelInEveryFormat) {
     };
     for (const Row& row : table) {
         SCOPED_TRACE(row.why);
-        const Plane plane =
-            lightness(image.convertToFormat(row.format), QRect(9, 1, 500, 500), Lettering::white);
+        const Plane plane = lightness(image.convertToFormat(row.format), QRect(9, 1, 500, 500), Lettering::white);
         EXPECT_EQ(plane.width, 61);
         EXPECT_EQ(plane.height, 2);
         EXPECT_TRUE(std::ranges::all_of(plane.pixels, [](int value) { return value == 90; }));
@@ -86,8 +85,7 @@ TEST(PlaneTest, GoldIsLighterForGoldenLettering) {
 
 TEST(PlaneTest, LightnessOutsideTheImageIsEmpty) {
     EXPECT_TRUE(lightness(QImage(), QRect(0, 0, 5, 5), Lettering::white).pixels.empty());
-    EXPECT_TRUE(lightness(QImage(4, 4, QImage::Format_RGB32), QRect(9, 9, 5, 5), Lettering::white)
-                    .pixels.empty());
+    EXPECT_TRUE(lightness(QImage(4, 4, QImage::Format_RGB32), QRect(9, 9, 5, 5), Lettering::white).pixels.empty());
 }
 
 TEST(PlaneTest, ShrinkingTakesMeansAndDropsOddEdges) {

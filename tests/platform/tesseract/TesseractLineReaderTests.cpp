@@ -1,6 +1,7 @@
-#include "platform/LineReader.h"
+#include "platform/tesseract/TesseractLineReader.h"
 
-#include "PaintedText.h"
+#include "reading/LineCropper.h"
+#include "reading/PaintedText.h"
 #include "support/Printing.h"
 
 #include <QFile>
@@ -12,16 +13,24 @@ namespace pelloran {
 
 namespace {
 
-Plane pictureOf(const QString& word, Script script) {
+PictureShape shapeFor(Script script) {
+    return script == Script::latin ? PictureShape{36, 0.16} : PictureShape{48, 0.22};
+}
+
+QImage pictureOf(const QString& word, Script script) {
     QImage image = testing::wood(400, 100);
     testing::paintWord(image, QPoint(200, 50), word, 32);
     const auto line = cleanLine(testing::planeOf(image), QRect(20, 30, 360, 40), 1, {});
-    return line ? picture(*line, pictureShape(script)) : Plane(16, 16, 255);
+    return imageOf(line ? picture(*line, shapeFor(script)) : Plane(16, 16, 255));
+}
+
+QImage grey(int width, int height, int value) {
+    return imageOf(Plane(width, height, std::uint8_t(value)));
 }
 
 TEST(LineReaderTest, MissingDataNamesThePackagesToInstall) {
     const QTemporaryDir empty;
-    const auto reader = LineReader::create(empty.path());
+    const auto reader = TesseractLineReader::createFrom(empty.path());
     ASSERT_FALSE(reader);
     EXPECT_TRUE(reader.error().contains(QStringLiteral("tesseract-ocr-eng"))) << reader.error().toStdString();
     EXPECT_TRUE(reader.error().contains(QStringLiteral("tesseract-ocr-chi-sim"))) << reader.error().toStdString();
@@ -32,9 +41,9 @@ TEST(LineReaderTest, MissingDataIsToldOnceAndOnlyByTheError) {
     QFile half(folder.filePath(QStringLiteral("eng.traineddata")));
     ASSERT_TRUE(half.open(QIODevice::WriteOnly));
     ::testing::internal::CaptureStderr();
-    const auto oneMissing = LineReader::create(folder.path());
+    const auto oneMissing = TesseractLineReader::createFrom(folder.path());
     half.copy(folder.filePath(QStringLiteral("chi_sim.traineddata")));
-    const auto unusable = LineReader::create(folder.path());
+    const auto unusable = TesseractLineReader::createFrom(folder.path());
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
     ASSERT_FALSE(oneMissing);
     EXPECT_FALSE(oneMissing.error().contains(QStringLiteral("tesseract-ocr-eng")));
@@ -67,9 +76,9 @@ TEST(LineReaderTest, OddPicturesAreReadAsLittle) {
     const auto reader = LineReader::create();
     ASSERT_TRUE(reader) << reader.error().toStdString();
     for (const Script script : {Script::latin, Script::chinese}) {
-        const int height = pictureShape(script).height;
+        const int height = shapeFor(script).height;
         const auto readings = (*reader)->read(
-            {{Plane(16, height, 255), script}, {Plane(16, height, 0), script}, {Plane(4000, height, 255), script}});
+            {{grey(16, height, 255), script}, {grey(16, height, 0), script}, {grey(4000, height, 255), script}});
         EXPECT_EQ(readings.size(), 3U);
         EXPECT_LE(readings[0].text.size(), 1) << "blank paper";
     }

@@ -1,0 +1,146 @@
+// Any picture, and any reading of its lines. The reader has to come to an end, and what it offers has to be names.
+
+#include "fakes/FakeLineReader.h"
+#include "reading/LineByLineReader.h"
+#include "reading/NamePlaces.h"
+#include "Require.h"
+
+#include <algorithm>
+#include <cstdint>
+
+namespace {
+
+using namespace pelloran;
+
+constexpr std::size_t mostReadings = 72; // 24 at the places in either script, 24 everywhere
+
+// The input from front to back, then zeros.
+class Bytes {
+public:
+    Bytes(const std::uint8_t* data, std::size_t size)
+        : next(data)
+        , end(data + size) {}
+
+    int take() { return next == end ? 0 : *next++; }
+
+    bool isEmpty() const { return next == end; }
+
+private:
+    const std::uint8_t* next;
+    const std::uint8_t* end;
+};
+
+const QStringList& names() {
+    static const QStringList list{QStringLiteral("Amber Wolf"), QStringLiteral("Copper Kettle"),
+                                  QStringLiteral("Quiet Orchard"), QStringLiteral("王日田"), QStringLiteral("Ox")};
+    return list;
+}
+
+std::shared_ptr<const Lexicon> lexicon() {
+    static const auto made = [] {
+        std::vector<KnownName> list;
+        for (const QString& name : names()) {
+            list.push_back({name, {}});
+        }
+        return std::make_shared<const Lexicon>(std::move(list), Lexicon::forCards);
+    }();
+    return made;
+}
+
+// Rectangles in any colours on any ground: letters where names stand if the bytes say so, else anywhere.
+QImage paintedFrom(Bytes& bytes) {
+    // Smaller ones are enlarged a lot, which takes long and shows nothing that they do not.
+    const int width = std::min(256, 24 + bytes.take());
+    const int height = std::min(256, 24 + bytes.take());
+    constexpr QImage::Format formats[] = {QImage::Format_RGB32, QImage::Format_RGB888, QImage::Format_Grayscale8,
+                                          QImage::Format_RGBA64};
+    const QRgb grounds[] = {qRgb(96, 68, 42), qRgb(60, 5, 3), qRgb(200, 175, 135), qRgb(0, 0, 0), qRgb(255, 255, 255)};
+    const QImage::Format format = formats[bytes.take() % 4];
+    QImage image(width, height, QImage::Format_RGB32);
+    image.fill(grounds[bytes.take() % 5]);
+    const GameFrame frame = frameOf(image.size());
+    const auto fill = [&image](QRect area, QRgb color) {
+        area = area.intersected(image.rect());
+        for (int y = area.top(); y <= area.bottom(); ++y) {
+            auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
+            std::fill_n(row + area.left(), area.width(), color);
+        }
+    };
+    for (int shapes = bytes.take(); shapes > 0; --shapes) {
+        const int place = bytes.take();
+        const int x = bytes.take();
+        const int y = bytes.take();
+        const QSize size(1 + bytes.take() % 16, 1 + bytes.take() % 16);
+        const int shade = bytes.take();
+        QPoint corner(x * width / 256, y * height / 256);
+        if (place < 192) {
+            const auto slot = std::size_t(place % 3);
+            const bool isHero = place >= 96;
+            const double centre = isHero ? heroCentres[std::size_t(place / 3 % 2)][slot] : cardCentres[slot];
+            const double base =
+                isHero ? 0.53 : nameCurves[std::size_t(place / 3 % 4)].bases[std::size_t(place / 12 % 2)];
+            corner =
+                QPoint(int(frame.pixelX(centre + (x - 128) / 1280.0)), int(frame.pixelY(base + (y - 192) / 9600.0)));
+        }
+        if (shade & 1) { // an outline
+            fill(QRect(corner, size).adjusted(-1, -1, 1, 1), qRgb(0, 0, 0));
+        }
+        fill(QRect(corner, size), qRgb(shade, shade, shade < 240 ? shade / 2 : shade));
+    }
+    return image.convertToFormat(format);
+}
+
+LineReading readingFrom(Bytes& bytes) {
+    const int what = bytes.take();
+    QString text = what % 8 < int(names().size()) ? names()[what % 8] : QString();
+    for (int changes = what / 8 % 8; changes > 0; --changes) {
+        const int place = bytes.take();
+        const auto character = QChar(char16_t(bytes.take() << (place & 128 ? 7 : 0)));
+        if (text.isEmpty() || place % 3 == 0) {
+            text.append(character);
+        } else {
+            text[place % text.size()] = character;
+        }
+    }
+    return {text.trimmed(), float(what / 64 + 1) / 4};
+}
+
+} // namespace
+
+// NOLINTNEXTLINE(readability-identifier-naming): the name is libFuzzer's.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using fuzzing::require;
+    Bytes bytes(data, size);
+    const int how = bytes.take();
+    const QImage image = paintedFrom(bytes);
+    testing::FakeLineReader::Told told;
+    told.answer = [&bytes](const LineReader::Work& work) {
+        require(!work.picture.isNull() && work.picture.format() == QImage::Format_Grayscale8);
+        return readingFrom(bytes);
+    };
+    LineByLineReader reader(std::make_unique<testing::FakeLineReader>(told));
+    ReadingHints hints;
+    hints.offers = how & 1 ? ReadingHints::Offers::heroes : ReadingHints::Offers::cards;
+    hints.names = how & 2 ? nullptr : lexicon();
+    if (how & 4) {
+        hints.script = how & 8 ? Script::latin : Script::chinese;
+    }
+    if (how & 16) {
+        hints.band = QRectF(0.08, 0.28, 0.64, 0.5);
+    }
+    const int looks = how & 32 ? 2 : 1; // the second with what the first one taught it
+    for (int look = 0; look < looks; ++look) {
+        told.readings = 0;
+        const ReadText text = reader.read(image, hints);
+        require(told.readings <= mostReadings);
+        require(!text.columns || std::ranges::is_sorted(*text.columns));
+        for (const OCRToken& token : text.tokens) {
+            require(!token.text.isEmpty());
+            // Chinese lines stand as they were read.
+            const bool isLatin = std::ranges::none_of(
+                token.text, [](QChar character) { return character.script() == QChar::Script_Han; });
+            require(!hints.names || !isLatin || names().contains(token.text));
+        }
+    }
+    return 0;
+}
