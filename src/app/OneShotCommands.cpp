@@ -140,10 +140,8 @@ public:
         const double cpuBefore = processCpuMilliseconds();
         QElapsedTimer wall;
         wall.start();
-        made.text =
-            CardRecognizer::ocrTokens(image, *reader, heroes ? recognizer.heroHints() : recognizer.cardHints());
-        made.outcome.matches =
-            heroes ? recognizer.recognizeHeroes(made.text) : recognizer.recognizeCards(made.text);
+        made.text = CardRecognizer::ocrTokens(image, *reader, heroes ? recognizer.heroHints() : recognizer.cardHints());
+        made.outcome.matches = heroes ? recognizer.recognizeHeroes(made.text) : recognizer.recognizeCards(made.text);
         made.outcome.milliseconds = static_cast<double>(wall.nsecsElapsed()) / 1e6;
         made.outcome.cpuMilliseconds = processCpuMilliseconds() - cpuBefore;
         made.outcome.rules = phase;

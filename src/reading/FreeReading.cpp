@@ -16,16 +16,16 @@ namespace {
 // Lengths are pixels of a window 1080 pixels high.
 constexpr double halfTallestLine = 37; // a line centred on the band's edge reaches this far out of it
 constexpr double halfLongestLine = 210;
-constexpr double cropMargin = 9;         // around a box, to see what runs out of it
-constexpr double widestSpacing = 500;    // with the middle one missing, 620 and more
-constexpr double nameWidth = 250;        // the longest names; ribbons are 280 wide
-constexpr double nameHeight = 46;        // of most names, arch included
-constexpr double narrowestName = 24;     // one Chinese character
-constexpr double largestUnit = 1.6;      // finer pictures are halved before lines are looked for
-constexpr float sureEnough = 0.75F;      // mean confidence of a script that is the right one
-constexpr double denseLetters = 1.88;    // strokes down a column: 1.4 to 1.8 in Latin names, 1.9 to 3.1 in Chinese ones
-constexpr double guessBonus = 0.3;       // in confidence, for the script that the shape of the letters suggests
-constexpr double fullestLine = 0.62;     // part of a line's box that is ink; more is the paper between dark letters
+constexpr double cropMargin = 9;      // around a box, to see what runs out of it
+constexpr double widestSpacing = 500; // with the middle one missing, 620 and more
+constexpr double nameWidth = 250;     // the longest names; ribbons are 280 wide
+constexpr double nameHeight = 46;     // of most names, arch included
+constexpr double narrowestName = 24;  // one Chinese character
+constexpr double largestUnit = 1.6;   // finer pictures are halved before lines are looked for
+constexpr float sureEnough = 0.75F;   // mean confidence of a script that is the right one
+constexpr double denseLetters = 1.88; // strokes down a column: 1.4 to 1.8 in Latin names, 1.9 to 3.1 in Chinese ones
+constexpr double guessBonus = 0.3;    // in confidence, for the script that the shape of the letters suggests
+constexpr double fullestLine = 0.62;  // part of a line's box that is ink; more is the paper between dark letters
 
 // What to try on a line, one after the other, until its text is a known name. The network is easily thrown off: the
 // same letters a little larger or thinner are often read right.
@@ -342,8 +342,8 @@ const LineReading& Reading::bestOf(const Line& line) const {
     });
 }
 
-// What becomes of a reading, if anything. Chinese ones stand as they are read: their letters are misread one by one, and
-// whoever compares them with the names forgives that.
+// What becomes of a reading, if anything. Chinese ones stand as they are read: their letters are misread one by one,
+// and whoever compares them with the names forgives that.
 std::optional<QString> Reading::offered(const LineReading& reading) const {
     if (const auto settled = hints.names->settle(reading.text)) {
         return settled->text;
@@ -351,8 +351,8 @@ std::optional<QString> Reading::offered(const LineReading& reading) const {
     return countChineseLetters(reading.text) > 0 ? std::optional(reading.text) : std::nullopt;
 }
 
-// Three beside each other at the height at which cards have their names and heroes their classes; of cards also two, where
-// one was not found.
+// Three beside each other at the height at which cards have their names and heroes their classes; of cards also two,
+// where one was not found.
 bool Reading::canBeOffers(const LineRow& row) const {
     if (row.size() < (hints.offers == ReadingHints::Offers::cards ? fewestOffers : 3)) {
         return false;
@@ -374,8 +374,8 @@ OCRToken Reading::tokenOf(const Line& line, const LineReading& reading) const {
             box.height() / image.height()};
 }
 
-// The row in which most lines can be names, if it has two of them: a known word on its own is a keyword or a button. With
-// them all other lines, for whoever asks.
+// The row in which most lines can be names, if it has two of them: a known word on its own is a keyword or a button.
+// With them all other lines, for whoever asks.
 ReadText Reading::offer() const {
     ReadText best;
     std::vector<OCRToken> others;

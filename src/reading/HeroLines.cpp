@@ -19,7 +19,7 @@ constexpr double searchScale = 1080; // pixels a height; those that follow are s
 constexpr int shortestStroke = 5;
 constexpr int tallestLetter = 26;
 constexpr int widestLetter = 46;
-constexpr double leastInkOfRow = 1.5; // pixels
+constexpr double leastInkOfRow = 1.5;    // pixels
 constexpr double leastShareOfRow = 0.08; // of the fullest row's ink
 constexpr int lowestLine = 7;
 constexpr int tallestLine = 32;
@@ -146,7 +146,8 @@ std::vector<HeroLine> findHeroLines(const QImage& window, const GameFrame& frame
             }
             if (right - left + 1 >= narrowestLine) {
                 const QRectF letters(left, begin - 1, right - left + 1, y - begin + 2);
-                lines.push_back({{}, letters, QRectF(letters.topLeft() / scale + area.topLeft(), letters.size() / scale)});
+                lines.push_back(
+                    {{}, letters, QRectF(letters.topLeft() / scale + area.topLeft(), letters.size() / scale)});
             }
         }
         begin = -1;
@@ -169,8 +170,7 @@ Plane pictureOf(const HeroLine& line, const HeroRecipe& recipe) {
             const double row = line.letters.top() - margin + (y + 0.5) / scale - 0.5;
             const bool isOther = row < line.letters.top() - edge || row > line.letters.bottom() + edge;
             const double ink =
-                isOther ? 0
-                        : sampleAt(line.ink, line.letters.left() - margin + (x + 0.5) / scale - 0.5, row) / 255;
+                isOther ? 0 : sampleAt(line.ink, line.letters.left() - margin + (x + 0.5) / scale - 0.5, row) / 255;
             const double amount = std::clamp((ink - recipe.paper) / (recipe.ink - recipe.paper), 0.0, 1.0);
             result.row(y)[x] = std::uint8_t(std::lround(255 - 255 * amount));
         }

@@ -12,9 +12,9 @@ namespace pelloran {
 
 // A straight line of text below a hero: dark on parchment or light on felt, without outlines.
 struct HeroLine {
-    Plane ink;     // of all that stands below the hero, 0 (none) to 255, 1080 pixels a height of the game's picture
+    Plane ink;      // of all that stands below the hero, 0 (none) to 255, 1080 pixels a height of the game's picture
     QRectF letters; // box of this line's letters in `ink`
-    QRectF area;   // the same in pixels of the window
+    QRectF area;    // the same in pixels of the window
 };
 
 // The lines below the hero with its middle at `centre` (see NamePlaces), the lowest first: the class stands below the

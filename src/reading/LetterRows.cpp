@@ -27,7 +27,7 @@ constexpr std::size_t mostLines = 40;
 constexpr std::size_t mostRows = 3;
 
 // Letters of one line.
-constexpr double widestGap = 1.15;    // of the taller one's height
+constexpr double widestGap = 1.15; // of the taller one's height
 constexpr double deepestOverlap = 0.5;
 constexpr double steepestStep = 0.55; // between middles
 constexpr double largestRatio = 2.4;  // of heights
@@ -124,7 +124,8 @@ std::vector<LetterLine> linesOf(const std::vector<QRect>& letters) {
         std::ranges::nth_element(heights, heights.begin() + std::ssize(heights) / 2);
         line.letterHeight = heights[heights.size() / 2];
         line.letters = int(group.size());
-        if (line.box.width() >= narrowestLine * line.letterHeight && line.box.height() <= tallestLine * line.letterHeight) {
+        if (line.box.width() >= narrowestLine * line.letterHeight &&
+            line.box.height() <= tallestLine * line.letterHeight) {
             lines.push_back(line);
         }
     }

@@ -18,8 +18,8 @@ constexpr double sameColumn = 0.05; // of the window's width; offers stand furth
 // Nothing more is to be found elsewhere.
 bool isEnough(const ReadText& text, const ReadingHints& hints) {
     // Chinese readings stand as they are, and another way to find and clean the line may read it better.
-    const bool allKnown = std::ranges::all_of(
-        text.tokens, [&](const OCRToken& token) { return hints.names->contains(token.text); });
+    const bool allKnown =
+        std::ranges::all_of(text.tokens, [&](const OCRToken& token) { return hints.names->contains(token.text); });
     // A card may be missing from the names or hidden; classes are all known.
     const std::size_t fewest = hints.offers == ReadingHints::Offers::cards ? 1 : 3;
     return allKnown && text.tokens.size() >= fewest;
@@ -78,8 +78,8 @@ ReadText LineByLineReader::readAtPlaces(const QImage& image, const ReadingHints&
     ReadText best;
     for (const Script script : scripts) {
         ReadingTools tools{*lineReader};
-        ReadText text = cards ? cards->read(script, tools, *hints.names)
-                              : readHeroesAtPlaces(image, script, tools, *hints.names);
+        ReadText text =
+            cards ? cards->read(script, tools, *hints.names) : readHeroesAtPlaces(image, script, tools, *hints.names);
         if (!text.tokens.empty()) {
             remembered = script;
         }

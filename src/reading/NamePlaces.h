@@ -13,7 +13,7 @@ namespace pelloran {
 
 // The game's picture within a plane of pixels.
 struct GameFrame {
-    double height = 1; // of the picture, in pixels
+    double height = 1;  // of the picture, in pixels
     double centreX = 0; // of the picture, in pixels from the plane's left edge
     double top = 0;     // pixels from the plane's top edge
 
@@ -30,8 +30,8 @@ struct GameFrame {
 // The picture of a window without borders: as tall as the window, unless that is narrower than 4:3.
 GameFrame frameOf(const QSize& window);
 
-// The way of a name's baseline over its ribbon: below the baseline at the middle of the card by a cubic of u, the distance from that
-// middle in tenths of the height. One for each kind of card.
+// The way of a name's baseline over its ribbon: below the baseline at the middle of the card by a cubic of u, the
+// distance from that middle in tenths of the height. One for each kind of card.
 struct NameCurve {
     NameKinds kinds; // of the cards with such ribbons
     double slope;

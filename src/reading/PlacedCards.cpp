@@ -13,15 +13,15 @@ namespace pelloran {
 namespace {
 
 constexpr std::ptrdiff_t fewestOffers = 2; // beside each other
-constexpr std::size_t mostRetries = 6; // in one frame of reference, after one reading of each line
-constexpr float hopeless = 0.45F;      // mean confidence: no line of these is a name, another try would not make it one
+constexpr std::size_t mostRetries = 6;     // in one frame of reference, after one reading of each line
+constexpr float hopeless = 0.45F; // mean confidence: no line of these is a name, another try would not make it one
 
 // Part of the window that can hold the names of cards, in heights of the picture: with room for the strips.
 constexpr double bandTop = 0.30;
 constexpr double bandBottom = 0.48;
 constexpr double bandLeft = -0.60; // from the middle
 constexpr double bandRight = 0.26;
-constexpr double capitals = 0.012; // their height
+constexpr double capitals = 0.012;     // their height
 constexpr double largestHeight = 1500; // pixels of the picture; finer ones are halved for the search
 
 struct Attempt {
@@ -38,7 +38,7 @@ constexpr std::array latinAttempts{
     Attempt{1, {.above = 0.0145, .below = 0.0055}},
 };
 constexpr double furthestOffset = 0.004; // of a baseline from its place; measured ones are within 0.001
-constexpr double rivalShare = 0.35; // of the best score: the next ribbon is worth a try
+constexpr double rivalShare = 0.35;      // of the best score: the next ribbon is worth a try
 
 // Characters are as tall as capitals or a little taller, and stand on the same line.
 constexpr std::array chineseAttempts{
@@ -49,7 +49,8 @@ constexpr std::array chineseAttempts{
     Attempt{1, {.above = 0.0235, .below = 0.0065, .paper = 0.1, .ink = 0.5, .height = 56}},
 };
 
-constexpr double roomAbove = 0.010; // of a baseline over the middle of a name's letters, where that is all that is known
+constexpr double roomAbove =
+    0.010; // of a baseline over the middle of a name's letters, where that is all that is known
 constexpr double roomBelow = 0.020;
 
 } // namespace
@@ -67,9 +68,9 @@ public:
         }
         const Plane small = halvings ? shrunk(plane, halvings) : Plane();
         for (std::size_t slot = 0; slot < lines.size(); ++slot) {
-            lines[slot] = halvings ? findRibbonLines(small, frame.seenFrom({}, 1.0 / (1 << halvings)),
-                                                     cardCentres[slot], range)
-                                   : findRibbonLines(plane, frame, cardCentres[slot], range);
+            lines[slot] =
+                halvings ? findRibbonLines(small, frame.seenFrom({}, 1.0 / (1 << halvings)), cardCentres[slot], range)
+                         : findRibbonLines(plane, frame, cardCentres[slot], range);
         }
     }
 
@@ -90,9 +91,8 @@ public:
                 }
                 const RibbonLine& line = found[attempt.line];
                 if (const auto picture = pictureOf(line, plane, frame, attempt.recipe)) {
-                    work.push_back({slot,
-                                    {boxOf(line), line.curve->kinds, offsetOf(line) <= furthestOffset},
-                                    imageOf(*picture)});
+                    work.push_back(
+                        {slot, {boxOf(line), line.curve->kinds, offsetOf(line) <= furthestOffset}, imageOf(*picture)});
                     retries += !isFirst;
                 }
             }
@@ -142,7 +142,7 @@ private:
     }
 
     const Plane& plane;
-    const QPoint origin; // of the plane in the window
+    const QPoint origin;   // of the plane in the window
     const GameFrame frame; // in the plane
     std::array<std::vector<RibbonLine>, 3> lines;
 };

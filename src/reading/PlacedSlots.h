@@ -27,8 +27,8 @@ public:
     // A further reading of a line.
     void take(const LineReading& read, const PlacedLine& from, const Lexicon& names);
 
-    // What is offered here: the known name that the readings can only be. A Chinese reading that is no known name stands as
-    // it is: letters of it may be misread, and whoever compares it with the names forgives that.
+    // What is offered here: the known name that the readings can only be. A Chinese reading that is no known name
+    // stands as it is: letters of it may be misread, and whoever compares it with the names forgives that.
     std::optional<QString> offer() const;
 
     bool isSettled() const { return settled.has_value(); }

@@ -15,7 +15,7 @@ inline qsizetype countChineseLetters(const QString& text) {
 // What a way to read one image needs.
 struct ReadingTools {
     LineReader& lines;
-    std::size_t readingsLeft = 24;     // of lines: whatever the image shows, reading it ends
+    std::size_t readingsLeft = 24; // of lines: whatever the image shows, reading it ends
 
     // At most as many readings as are left, in the order of the work.
     std::vector<LineReading> read(std::vector<LineReader::Work> work) {

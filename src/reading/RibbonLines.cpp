@@ -42,7 +42,8 @@ constexpr double baseTolerance = 0.004; // at which a line is half as likely as 
 constexpr double leastScore = 60;       // three small letters
 constexpr double widestGap = 0.023;     // between words; beyond it stands something else
 constexpr int leastColumns = 8;         // with ink
-constexpr double recentreFrom = 0.003;  // names are centred on their cards; what is further off is found anew around itself
+constexpr double recentreFrom =
+    0.003; // names are centred on their cards; what is further off is found anew around itself
 constexpr double furthestCentre = 0.025;
 constexpr double recentreRange = 0.006;
 
@@ -103,8 +104,8 @@ Plane unbent(const Plane& plane, const GameFrame& frame, const NameCurve& curve,
             if (left >= 1 && left + 2 <= lastX && top >= 1 && top + 2 <= lastY) {
                 const std::uint8_t* from = plane.row(top - 1) + left - 1;
                 for (std::size_t j = 0; j < 4; ++j, from += plane.width) {
-                    sum += weightY[j] * (weightX[0] * from[0] + weightX[1] * from[1] + weightX[2] * from[2] +
-                                         weightX[3] * from[3]);
+                    sum += weightY[j] *
+                           (weightX[0] * from[0] + weightX[1] * from[1] + weightX[2] * from[2] + weightX[3] * from[3]);
                 }
             } else {
                 for (int j = 0; j < 4; ++j) {
@@ -135,9 +136,9 @@ Plane lettersIn(const Plane& strip) {
     std::vector<std::uint8_t> isLetter(components.groups.size() + 1);
     for (std::size_t i = 0; i < components.groups.size(); ++i) {
         const QRect& box = components.groups[i].box;
-        isLetter[i + 1] = box.height() >= lowestLetter && box.height() <= tallestLetter && box.width() <= widestLetter &&
-                          components.groups[i].area >= leastLetterArea && box.left() > 0 &&
-                          box.right() < strip.width - 1;
+        isLetter[i + 1] = box.height() >= lowestLetter && box.height() <= tallestLetter &&
+                          box.width() <= widestLetter && components.groups[i].area >= leastLetterArea &&
+                          box.left() > 0 && box.right() < strip.width - 1;
     }
     for (std::size_t i = 0; i < mask.pixels.size(); ++i) {
         mask.pixels[i] = isLetter[std::size_t(components.numbers[i])];
@@ -257,7 +258,8 @@ std::vector<RibbonLine> findRibbonLines(const Plane& plane, const GameFrame& fra
         const double middle = (ends->first + ends->second) / 2;
         if (std::abs(middle) > recentreFrom) {
             line.centre += std::clamp(middle, -furthestCentre, furthestCentre);
-            search = searchAlong(plane, frame, curve, line.centre, line.base - recentreRange, line.base + recentreRange);
+            search =
+                searchAlong(plane, frame, curve, line.centre, line.base - recentreRange, line.base + recentreRange);
             ends = search.score > 0 ? extentOf(search) : std::nullopt;
             if (!ends) {
                 continue;

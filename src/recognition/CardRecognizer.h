@@ -83,8 +83,8 @@ std::vector<RecognitionCandidate> pickThreeHorizontally(const std::vector<Recogn
 // One match per slot from candidates in any order.
 std::vector<SlotMatch> assignToSlots(std::vector<RecognitionCandidate> candidates, const QString& methodPrefix);
 
-// The same where the middles of the three offers are known, left to right: each candidate goes to the nearest, of several
-// at one place the best. What is further than half the distance between two offers from all of them is none.
+// The same where the middles of the three offers are known, left to right: each candidate goes to the nearest, of
+// several at one place the best. What is further than half the distance between two offers from all of them is none.
 std::vector<SlotMatch> assignToColumns(const std::vector<RecognitionCandidate>& candidates,
                                        const std::array<double, 3>& columns, const QString& methodPrefix);
 

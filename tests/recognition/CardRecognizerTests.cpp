@@ -123,11 +123,13 @@ TEST(AssignToSlots, NamesTheMethodBySlot) {
 
 TEST(AssignToColumns, PlacesByTheNearestOffer) {
     const std::array columns{0.26, 0.41, 0.56};
+
     struct Case {
         const char* why;
         std::vector<RecognitionCandidate> candidates;
         const char* expected;
     };
+
     const Case cases[] = {
         {"all three, in any order", {candidate("c", 0.55), candidate("a", 0.27), candidate("b", 0.41)}, "a b c"},
         {"the left one missing: positions alone would take the middle one for it",
@@ -220,8 +222,8 @@ TEST(MergeCards, TakesTheHigherScoreOnly) {
 }
 
 TEST_F(CardRecognizerTest, ReadsThreeCardsLeftToRight) {
-    const auto matches =
-        recognizer.recognizeCards(lines({token("寒冰箭", 0.4), token("Chillwind Yeti", 0.57), token("Fireball", 0.23)}));
+    const auto matches = recognizer.recognizeCards(
+        lines({token("寒冰箭", 0.4), token("Chillwind Yeti", 0.57), token("Fireball", 0.23)}));
     ASSERT_EQ(matches.size(), 3U);
     EXPECT_EQ(matches[0], (SlotMatch{DraftSlot::left, QStringLiteral("FIREBALL"), 1.0, QStringLiteral("card-layout"),
                                      QStringLiteral("Fireball")}));
@@ -343,12 +345,14 @@ TEST_F(CardRecognizerTest, KeepsOnlyHeroTokensInTheirBand) {
 }
 
 TEST_F(CardRecognizerTest, IgnoresTheRightmostOfFourHeroes) {
-    const auto matches = recognizer.recognizeHeroes(lines({token("Warlock", 0.9), token("Mage", 0.1), token("德鲁伊", 0.3), token("Rogue", 0.6)}));
+    const auto matches = recognizer.recognizeHeroes(
+        lines({token("Warlock", 0.9), token("Mage", 0.1), token("德鲁伊", 0.3), token("Rogue", 0.6)}));
     EXPECT_EQ(idsBySlot(matches), words("MAGE DRUID ROGUE"));
 }
 
 TEST_F(CardRecognizerTest, ThinsFourCardsToOnePerThird) {
-    const auto matches = recognizer.recognizeCards(lines({token("Fireboll", 0.10), token("Frostbolt", 0.12), token("Polymorph", 0.40), token("Chillwind Yeti", 0.70)}));
+    const auto matches = recognizer.recognizeCards(lines(
+        {token("Fireboll", 0.10), token("Frostbolt", 0.12), token("Polymorph", 0.40), token("Chillwind Yeti", 0.70)}));
     EXPECT_EQ(idsBySlot(matches), words("FROSTBOLT POLYMORPH YETI"));
 }
 
@@ -380,7 +384,8 @@ TEST_F(CardRecognizerTest, ReadsTheImageTwiceUnlessTheReaderScalesItself) {
     reader.tokens = {token("Fireboll", 0.2), token("  ", 0.3), token(" Fireball\n", 0.2)};
     const QImage image(101, 51, QImage::Format_RGB32);
 
-    EXPECT_EQ(CardRecognizer::ocrTokens(image, reader, {}).tokens.size(), 4U) << "blank lines are dropped from both passes";
+    EXPECT_EQ(CardRecognizer::ocrTokens(image, reader, {}).tokens.size(), 4U)
+        << "blank lines are dropped from both passes";
     EXPECT_EQ(reader.sizes, (std::vector<QSize>{{101, 51}, {151, 76}})) << "whole pixels, cut off";
 
     reader.sizes.clear();
