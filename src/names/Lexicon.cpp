@@ -23,6 +23,9 @@ using ReadingDistance::Halves;
 namespace {
 
 constexpr double greatestDistance = 4.0;
+// Of Chinese names, for each character: one in three misread, whatever the lexicon's own tolerance. Characters say more
+// than letters, and few names share most of theirs.
+constexpr double chineseTolerance = 0.34;
 constexpr Halves ofMisfit = 2; // what a name of kinds that do not fit is taken to be farther away
 constexpr Halves endless = std::numeric_limits<Halves>::max() / 2;
 constexpr double enough = 1 << 20; // characters: more than any distance that is looked for
@@ -155,8 +158,10 @@ struct Lexicon::Index {
 
     std::vector<Entry> entries;
     QHash<QString, std::size_t> byNormalized;
-    QHash<QString, std::size_t> byFolded;        // or `several`
-    std::map<std::size_t, FoldedNames> byLength; // of the folded form; those without ideographs
+    QHash<QString, std::size_t> byFolded; // or `several`
+    // Of the folded form: those without ideographs, those with.
+    std::map<std::size_t, FoldedNames> byLength;
+    std::map<std::size_t, FoldedNames> chineseByLength;
 
     // The normalised forms, as numbers dense from 0 so that tables by character are small, by their length.
     std::unordered_map<char16_t, std::uint32_t> numbers;
@@ -169,8 +174,9 @@ struct Lexicon::Index {
     // Of the name at that place, a misfit's with what it is taken to be farther away.
     std::optional<Halves> distance(const Query& query, const FoldedNames& names, std::size_t place, Halves limit) const;
 
-    // For a folded reading that is no name's.
-    std::optional<Settled> nearest(const QString& folded, NameKinds fitting, const Tolerance& nearEnough) const;
+    // For a folded reading that is no name's, among one of the groups.
+    std::optional<Settled> nearest(const QString& folded, const std::map<std::size_t, FoldedNames>& among,
+                                   NameKinds fitting, const Tolerance& nearEnough) const;
 };
 
 Lexicon::Index::Index(const std::vector<KnownName>& names) {
@@ -205,13 +211,12 @@ Lexicon::Index::Index(const std::vector<KnownName>& names) {
         } else {
             byFolded.insert(folded, entry);
         }
-        if (!hasIdeographs(folded)) {
-            FoldedNames& group = byLength[static_cast<std::size_t>(folded.size())];
-            group.length = static_cast<std::size_t>(folded.size());
-            group.sketches.push_back(sketchOf(view(folded)));
-            group.characters += view(folded);
-            group.entries.push_back(entry);
-        }
+        auto& groups = hasIdeographs(folded) ? chineseByLength : byLength;
+        FoldedNames& group = groups[static_cast<std::size_t>(folded.size())];
+        group.length = static_cast<std::size_t>(folded.size());
+        group.sketches.push_back(sketchOf(view(folded)));
+        group.characters += view(folded);
+        group.entries.push_back(entry);
     }
 }
 
@@ -247,8 +252,9 @@ std::optional<Halves> Lexicon::Index::distance(const Query& query, const FoldedN
     return found ? std::optional(*found + misfit) : std::nullopt;
 }
 
-std::optional<Lexicon::Settled> Lexicon::Index::nearest(const QString& folded, NameKinds fitting,
-                                                        const Tolerance& nearEnough) const {
+std::optional<Lexicon::Settled> Lexicon::Index::nearest(const QString& folded,
+                                                        const std::map<std::size_t, FoldedNames>& among,
+                                                        NameKinds fitting, const Tolerance& nearEnough) const {
     // Names near enough for their own length. Those about as long as the reading first: they set the mark that the
     // others have to reach. A line much longer than all names ends here, whatever its length.
     const auto greatest = [&](std::size_t nameLength) {
@@ -256,7 +262,7 @@ std::optional<Lexicon::Settled> Lexicon::Index::nearest(const QString& folded, N
     };
     const std::u16string_view reading = view(folded);
     std::vector<std::pair<Halves, const FoldedNames*>> groups;
-    for (const auto& [length, names] : byLength) {
+    for (const auto& [length, names] : among) {
         const Halves least = ReadingDistance::leastOfLengths(reading.size(), length);
         if (least <= greatest(length)) {
             groups.emplace_back(least, &names);
@@ -284,7 +290,7 @@ std::optional<Lexicon::Settled> Lexicon::Index::nearest(const QString& folded, N
 
     // Any name at all that is nearer, or too little farther: also one that itself would be too far away for its length.
     const Halves tooNear = best + static_cast<Halves>(std::ceil(std::clamp(nearEnough.margin, 0.0, enough) * 2)) - 1;
-    for (const auto& [length, names] : byLength) {
+    for (const auto& [length, names] : among) {
         for (std::size_t i = 0; i < names.entries.size() && query.leastFrom(length) <= tooNear; ++i) {
             if (names.entries[i] != bestEntry && distance(query, names, i, tooNear)) {
                 return std::nullopt;
@@ -335,8 +341,12 @@ std::optional<Lexicon::Settled> Lexicon::settle(const QString& line, NameKinds f
     if (const auto same = index.byFolded.constFind(folded); same != index.byFolded.cend()) {
         return *same == Index::several ? std::nullopt : std::optional(Settled{index.entries[*same].name->text, 0});
     }
-    if (folded.isEmpty() || hasIdeographs(folded)) {
+    if (folded.isEmpty()) {
         return std::nullopt;
+    }
+    if (hasIdeographs(folded)) {
+        const Tolerance forgiving{std::max(tolerance.perCharacter, chineseTolerance), tolerance.margin};
+        return index.nearest(folded, index.chineseByLength, fitting, forgiving);
     }
     if (const QString corrected = ReadingDistance::withLettersForMarks(line); corrected != line) {
         const auto same = index.byFolded.constFind(ReadingDistance::folded(corrected));
@@ -344,7 +354,7 @@ std::optional<Lexicon::Settled> Lexicon::settle(const QString& line, NameKinds f
             return Settled{index.entries[*same].name->text, inCharacters(ReadingDistance::ofConfused)};
         }
     }
-    return index.nearest(folded, fitting, tolerance);
+    return index.nearest(folded, index.byLength, fitting, tolerance);
 }
 
 double Lexicon::resemblance(const QString& line) const {

@@ -26,6 +26,7 @@ constexpr int tallestLine = 32;
 constexpr int narrowestLine = 18; // two Chinese characters
 constexpr std::size_t mostLines = 3;
 
+constexpr int leastInk = 30;       // 0 to 255; less is the grain of the paper
 constexpr double paperRank = 0.80; // of the brightest channel's values: letters cover less than a fifth
 constexpr double inkRank = 0.03;
 constexpr int leastContrast = 60;
@@ -114,16 +115,18 @@ std::vector<HeroLine> findHeroLines(const QImage& window, const GameFrame& frame
             inkOfRow[std::size_t(y)] += mask.pixels[place];
         }
     }
-    // Strokes that are too faint for the mask stay; what is too large for a letter goes, with its soft edges.
+    // What is too large for a letter goes, with its soft edges. Strokes too small or too faint for the mask stay:
+    // Chinese characters have them.
     Plane large(mask.width, mask.height);
     for (std::size_t i = 0; i < large.pixels.size(); ++i) {
-        const int number = components.numbers[i];
-        large.pixels[i] = number > 0 && (components.groups[std::size_t(number) - 1].box.height() > tallestLetter ||
-                                         components.groups[std::size_t(number) - 1].box.width() > widestLetter);
+        if (const int number = components.numbers[i]; number > 0) {
+            const QRect& box = components.groups[std::size_t(number) - 1].box;
+            large.pixels[i] = box.height() > tallestLetter || box.width() > widestLetter;
+        }
     }
     const Plane around = lightestAround(large, 1);
     for (std::size_t i = 0; i < ink.pixels.size(); ++i) {
-        ink.pixels[i] = around.pixels[i] ? std::uint8_t(0) : ink.pixels[i];
+        ink.pixels[i] = around.pixels[i] || ink.pixels[i] < leastInk ? std::uint8_t(0) : ink.pixels[i];
     }
     // A single descender may reach down to the next line.
     const double most = *std::ranges::max_element(inkOfRow);

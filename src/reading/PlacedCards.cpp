@@ -13,7 +13,7 @@ namespace pelloran {
 namespace {
 
 constexpr std::ptrdiff_t fewestOffers = 2; // beside each other
-constexpr std::size_t mostRetries = 6;     // in one frame of reference, after one reading of each line
+constexpr std::size_t mostRetries = 12;    // in one frame of reference, after one reading of each line
 constexpr float hopeless = 0.45F; // mean confidence: no line of these is a name, another try would not make it one
 
 // Part of the window that can hold the names of cards, in heights of the picture: with room for the strips.

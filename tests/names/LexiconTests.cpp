@@ -106,7 +106,12 @@ TEST(Lexicon, SettlesWhatCanBeOnlyOneName) {
         {"the rival is shorter", {u"Whirlwind"_s, u"Whirlwin"_s}, u"Whjrlwind"_s, {}},
         {"a name missing from the list is not another", {u"Frostbolt"_s, u"Ice Barrier"_s}, u"Fireball"_s, {}},
         {"Chinese, exact", {u"火球术"_s, u"炎枪术"_s}, u"火球术 "_s, Settled{u"火球术"_s, 0}},
-        {"Chinese with a slip waits for a reader of its own", {u"考达拉的幼龙"_s}, u"考达拉的纺龙"_s, {}},
+        {"Chinese, one of six misread", {u"考达拉的幼龙"_s}, u"考达拉的纺龙"_s, Settled{u"考达拉的幼龙"_s, 1}},
+        {"Chinese, one of three", {u"护魂者"_s}, u"护玩者"_s, Settled{u"护魂者"_s, 1}},
+        {"Chinese, one of two is too many", {u"嗜血"_s}, u"嗜皿"_s, {}},
+        {"Chinese, two of five are", {u"卑劣窃蛋者"_s}, u"四劣镭蛋者"_s, {}},
+        {"Chinese, two names as near", {u"护魂者"_s, u"护卫者"_s}, u"护玩者"_s, {}},
+        {"Latin names are not asked for a Chinese line", {u"Fireball"_s}, u"火ireball"_s, {}},
         {"one ideograph among letters is Chinese", {u"Fireball"_s}, u"Fireb火ll"_s, {}},
         {"Latin letters for a Chinese name", {u"火球术abcdefghijklmnopqr"_s}, u"abcdefghijklmnopqr"_s, {}},
         {"a number is no name", {u"4"_s, u"1 2"_s}, u"4"_s, {}},
@@ -328,12 +333,11 @@ public:
             const auto first = std::ranges::find(candidates, folded, &Candidate::folded);
             return alike > 1 ? std::nullopt : std::optional(Settled{first->text, 0});
         }
-        if (hasIdeograph(folded)) {
-            return std::nullopt;
-        }
+        const bool chinese = hasIdeograph(folded);
+        const double perCharacter = chinese ? std::max(tolerance.perCharacter, 0.34) : tolerance.perCharacter;
         std::vector<std::pair<double, const Candidate*>> distances;
         for (const Candidate& candidate : candidates) {
-            if (candidate.folded.isEmpty() || hasIdeograph(candidate.folded)) {
+            if (candidate.folded.isEmpty() || hasIdeograph(candidate.folded) != chinese) {
                 continue;
             }
             const bool misfit = fitting && !candidate.anyKind && !(candidate.kinds & fitting);
@@ -345,7 +349,7 @@ public:
         }
         const auto& [distance, nearest] = distances.front();
         const auto length = static_cast<double>(nearest->folded.size());
-        const bool near = distance <= 4 && distance <= tolerance.perCharacter * length;
+        const bool near = distance <= 4 && distance <= perCharacter * length;
         const bool alone = distances.size() == 1 || distances[1].first - distance >= tolerance.margin;
         return near && alone ? std::optional(Settled{nearest->text, distance}) : std::nullopt;
     }

@@ -98,10 +98,10 @@ TEST(HeroLinesTest, ThePictureIsBlackOnWhiteWithAMargin) {
             const Plane picture = pictureOf(lines[0], row.recipe);
             EXPECT_EQ(picture.height, row.recipe.height);
             EXPECT_LT(*std::ranges::min_element(picture.pixels), 20) << "ink";
-            EXPECT_EQ(percentile(picture, 0.6), 255) << "paper";
+            EXPECT_GE(percentile(picture, 0.6), row.recipe.paper > 0 ? 255 : 200) << "paper";
             const int margin = int(row.recipe.margin * lines[0].letters.height() * row.recipe.height /
                                    (lines[0].letters.height() * (1 + 2 * row.recipe.margin))) -
-                               1;
+                               4; // letters have soft edges
             for (int x = 0; x < picture.width; ++x) {
                 for (int y = 0; y < margin; ++y) {
                     ASSERT_EQ(picture.at(x, y), 255) << "the hero's own name stands above, and is left out";

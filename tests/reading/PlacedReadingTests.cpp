@@ -135,7 +135,7 @@ TEST(PlacedReadingTest, WhatOfThreeReadingsIsOffered) {
     }
 }
 
-TEST(PlacedReadingTest, ChineseReadingsStandAsTheyAreBesideAKnownName) {
+TEST(PlacedReadingTest, ChineseReadingsStandAsTheyAreBesideANearName) {
     struct Row {
         Readings readings;
         QStringList tokens;
@@ -147,20 +147,21 @@ TEST(PlacedReadingTest, ChineseReadingsStandAsTheyAreBesideAKnownName) {
     const QString river = QStringLiteral("河流之歌");
     const QString misread = QStringLiteral("河流之软");
     const QString other = QStringLiteral("石夹守卫");
+    const QString far = QStringLiteral("石夹守王");
+    const QString farther = QStringLiteral("河王之软");
     const QString letter = QStringLiteral("口");
     const Row table[] = {
         {{{{stone}, {river}, {}}}, {stone, river}, nothing, "two names"},
-        {{{{stone}, {misread}, {}}},
-         {stone, misread},
+        {{{{stone}, {misread}, {}}}, {stone, river}, nothing, "a letter is misread, and it can be no other name"},
+        {{{{other}, {misread}, {}}}, {stone, river}, nothing, "one letter in four is misread in both"},
+        {{{{stone}, {far}, {}}},
+         {stone, far},
          nothing,
-         "a letter is misread: whoever compares it with the names forgives that"},
-        {{{{other}, {misread}, {}}}, nothing, {other, misread}, "none is a known name, so these may be anything"},
+         "too far to settle: whoever compares it with the names may forgive it"},
+        {{{{far}, {farther}, {}}}, nothing, {far, farther}, "neither is near a name, so these may be anything"},
         {{{{stone}, {letter}, {}}}, nothing, {stone, letter}, "a single letter is soon read into a picture"},
         {{{{stone}, {misread, river}, {}}}, {stone, river}, nothing, "read right at a second try"},
-        {{{{stone}, {letter, misread, letter}, {}}},
-         {stone, misread},
-         nothing,
-         "what comes nearest to a name is taken"},
+        {{{{stone}, {letter, misread, letter}, {}}}, {stone, river}, nothing, "what comes nearest to a name is taken"},
     };
     for (const Row& row : table) {
         SCOPED_TRACE(row.why);

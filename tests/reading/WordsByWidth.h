@@ -23,7 +23,7 @@ public:
 
     LineReading operator()(const LineReader::Work& work) {
         // Pictures for the network of Chinese letters have more above and below the line.
-        const double lineHeight = work.picture.height() * (work.script == Script::latin ? 1 : 1 / 1.2);
+        const double lineHeight = work.picture.height() * (work.script == Script::latin ? 1 : 1 / 1.4);
         const double shape = work.picture.width() / lineHeight;
         const std::size_t word = shape < 4.2 ? 0 : shape < 6.8 ? 1 : 2;
         const QStringList& list = texts[word];
