@@ -34,8 +34,8 @@ void search(const ClassWinrateFile& file) {
         classes.push_back({row.playerClass.toUpper(), {row.nameZh, row.displayName(AppLanguage::en)}});
     }
     const ClassNameIndex index(classes);
-    for (const QString& line : index.exactLines()) {
-        require(index.bestMatch({line}).has_value());
+    for (const QString& line : index.texts()) {
+        require(index.bestMatch({line}, NameLengths::limitedUnlessExact).has_value());
     }
 }
 

@@ -32,7 +32,8 @@ bool isReadAsTwo(char16_t first, char16_t second, char16_t meant);
 // time by the name's length times the limit, as far as lengths allow for a distance within the limit at all.
 std::optional<Halves> between(std::u16string_view reading, std::u16string_view name, Halves limit);
 
-// The line with an l for each exclamation mark and upright stroke that ends a word within it: they are often read so.
+// The line with an l for each exclamation mark and upright stroke that follows a letter within it: they are often read
+// so.
 QString withLettersForMarks(const QString& line);
 
 // True where every difference is one that counts less: the line can be this name without anything unusual having

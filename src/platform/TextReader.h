@@ -45,7 +45,8 @@ struct ReadingHints {
 // What a reader made of an image.
 struct ReadText {
     std::vector<OCRToken> tokens;
-    // Lines that looked like names but that no known name settles. For whoever asks why; nothing is to be made of them.
+    // Lines that were read and are no offer: no known name settles them, or nothing stands beside them. For whoever
+    // asks why; nothing is to be made of them.
     std::vector<OCRToken> unsettled;
     // The middles of the three places offered, left to right, as fractions of the image's width, where the reader knows
     // them: with a name missing, positions alone do not tell which.

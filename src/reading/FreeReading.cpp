@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <numeric>
 
 namespace pelloran {
 
@@ -17,7 +16,7 @@ namespace {
 constexpr double halfTallestLine = 37; // a line centred on the band's edge reaches this far out of it
 constexpr double halfLongestLine = 210;
 constexpr double cropMargin = 9;      // around a box, to see what runs out of it
-constexpr double widestSpacing = 500; // with the middle one missing, 620 and more
+constexpr double widestSpacing = 500; // with the middle one missing, 550 and more
 constexpr double nameWidth = 250;     // the longest names; ribbons are 280 wide
 constexpr double nameHeight = 46;     // of most names, arch included
 constexpr double narrowestName = 24;  // one Chinese character
@@ -342,8 +341,8 @@ const LineReading& Reading::bestOf(const Line& line) const {
     });
 }
 
-// What becomes of a reading, if anything. Chinese ones stand as they are read: their letters are misread one by one,
-// and whoever compares them with the names forgives that.
+// What becomes of a reading, if anything. Chinese ones that do not settle stand as they are: their letters are misread
+// one by one, and whoever compares them with the names may forgive that.
 std::optional<QString> Reading::offered(const LineReading& reading) const {
     if (const auto settled = hints.names->settle(reading.text)) {
         return settled->text;

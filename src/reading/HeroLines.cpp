@@ -33,6 +33,7 @@ constexpr int leastContrast = 60;
 // Parchment is (200, 175, 135), felt (60, 5, 3).
 constexpr int darkestParchmentRed = 150;
 constexpr int leastWarmth = 25; // red over blue
+constexpr int darkestFeltRed = 30;
 constexpr int lightestFeltRed = 110;
 
 // The middle one of the values of each channel.
@@ -81,7 +82,7 @@ std::vector<HeroLine> findHeroLines(const QImage& window, const GameFrame& frame
     const QImage strip = window.copy(area).convertToFormat(QImage::Format_RGB32);
     const auto [red, green, blue] = medianColor(strip);
     const bool parchment = red >= darkestParchmentRed && red >= green && green >= blue && red - blue >= leastWarmth;
-    const bool felt = red <= lightestFeltRed && red >= 2 * std::max(green, blue);
+    const bool felt = red >= darkestFeltRed && red <= lightestFeltRed && red >= 2 * std::max(green, blue);
     if (!parchment && !felt) {
         return lines;
     }

@@ -1,6 +1,7 @@
 #include "LetterRows.h"
 
 #include "Components.h"
+#include "OutlinedInk.h"
 
 #include <algorithm>
 #include <cmath>
@@ -10,13 +11,7 @@ namespace pelloran {
 
 namespace {
 
-constexpr double searchScale = 900; // pixels a height of the picture
-
-// Pixels at that scale; lightness from 0 to 255, as in the search on ribbons.
-constexpr int inkRadius = 3;
-constexpr int leastLightness = 150;
-constexpr int mostOfOutline = 105;
-constexpr int leastContrast = 90;
+// Pixels of the search.
 constexpr int lowestLetter = 5;
 constexpr int tallestLetter = 28;
 constexpr int widestLetter = 48;
@@ -44,8 +39,8 @@ constexpr double widestName = 0.215;
 // Against the usual frame. Mulligans and choices in battle stand at 0.48 to 0.52.
 constexpr double largestScaling = 0.09;
 constexpr double largestShift = 0.035;
-constexpr double highestBaseline = 0.345;
-constexpr double lowestBaseline = 0.425;
+constexpr double highestLevel = 0.345;
+constexpr double lowestLevel = 0.425;
 // What says the same as an earlier row.
 constexpr double sameHeight = 0.03;
 constexpr double sameMiddle = 20;
@@ -61,25 +56,24 @@ struct LetterLine {
 };
 
 std::vector<QRect> lettersOf(const Plane& plane) {
-    const Plane floor = darkestAround(plane, inkRadius);
-    Plane mask(plane.width, plane.height);
-    for (std::size_t i = 0; i < mask.pixels.size(); ++i) {
-        const int value = plane.pixels[i];
-        const int outline = floor.pixels[i];
-        mask.pixels[i] = value > leastLightness && outline < mostOfOutline && value - outline > leastContrast;
-    }
-    std::vector<QRect> letters;
-    for (const Components::Group& group : componentsOf(mask).groups) {
+    std::vector<Components::Group> letters;
+    for (const Components::Group& group : componentsOf(outlinedInk(plane)).groups) {
         const QRect& box = group.box;
         if (box.height() >= lowestLetter && box.height() <= tallestLetter && box.width() <= widestLetter &&
             group.area >= leastLetterArea && group.area <= mostFilled * box.width() * box.height() + 6 &&
             box.width() >= 0.3 * box.height()) {
-            letters.push_back(box);
+            letters.push_back(group);
         }
     }
-    std::ranges::sort(letters, {}, [](const QRect& box) { return std::pair(box.left(), box.top()); });
+    // Of too many the largest: letters of names are larger than those of rules.
+    std::ranges::stable_sort(letters, std::greater{}, &Components::Group::area);
     letters.resize(std::min(letters.size(), mostLetters));
-    return letters;
+    std::vector<QRect> boxes;
+    for (const Components::Group& letter : letters) {
+        boxes.push_back(letter.box);
+    }
+    std::ranges::sort(boxes, {}, [](const QRect& box) { return std::pair(box.left(), box.top()); });
+    return boxes;
 }
 
 bool areNeighbours(const QRect& a, const QRect& b) {
@@ -138,7 +132,7 @@ struct Triple {
     int letters = 0;
     double height = 0; // of the frame, in pixels of the search
     double middle = 0; // of the middle name
-    double baseline = 0;
+    double level = 0;  // of the letters' middles: the middle one of the three
 };
 
 std::vector<Triple> triplesOf(const std::vector<LetterLine>& lines) {
@@ -180,10 +174,10 @@ std::vector<LetterRow> findLetterRows(const Plane& plane, const GameFrame& usual
     std::vector<LetterRow> rows;
     std::vector<Triple> seen;
     for (const Triple& triple : triples) {
-        const double baseline = (triple.baseline / scale - usual.top) / usual.height;
+        const double level = (triple.level / scale - usual.top) / usual.height;
         const bool isElsewhere = std::abs(triple.height / searchScale - 1) > largestScaling ||
                                  std::abs(triple.middle - usualMiddle) > largestShift * searchScale ||
-                                 baseline < highestBaseline || baseline > lowestBaseline;
+                                 level < highestLevel || level > lowestLevel;
         const bool isKnown = std::ranges::any_of(seen, [&](const Triple& other) {
             return std::abs(other.height - triple.height) < sameHeight * other.height &&
                    std::abs(other.middle - triple.middle) < sameMiddle;
@@ -195,7 +189,7 @@ std::vector<LetterRow> findLetterRows(const Plane& plane, const GameFrame& usual
         const double height = triple.height / scale;
         const double middle = triple.middle / scale;
         rows.push_back({GameFrame{height, middle - cardCentres[1] * height, usual.top},
-                        (triple.baseline / scale - usual.top) / height});
+                        (triple.level / scale - usual.top) / height});
         if (rows.size() == mostRows) {
             break;
         }

@@ -9,8 +9,8 @@ namespace pelloran {
 
 // Where three lines of letters stand evenly side by side as the names of three cards would.
 struct LetterRow {
-    GameFrame frame;     // in which they stand at the usual distance from each other
-    double baseline = 0; // of the middle name, in heights of that frame from the top
+    GameFrame frame;  // in which they stand at the usual distance from each other
+    double level = 0; // of the letters' middles, the middle one of the three, in heights of that frame from the top
 };
 
 // For windows whose picture is not where and as large as it should be: frames in which `plane`, the upper part of a

@@ -13,11 +13,12 @@ namespace pelloran {
 
 namespace {
 
-constexpr double sameColumn = 0.05; // of the window's width; offers stand further apart in any window
+constexpr double sameColumn =
+    0.05; // of the window's width; offers stand further apart in windows up to five times as wide as high
 
 // Nothing more is to be found elsewhere.
 bool isEnough(const ReadText& text, const ReadingHints& hints) {
-    // Chinese readings stand as they are, and another way to find and clean the line may read it better.
+    // Chinese readings that did not settle stand as they are, and another way to find the line may read it better.
     const bool allKnown =
         std::ranges::all_of(text.tokens, [&](const OCRToken& token) { return hints.names->contains(token.text); });
     // A card may be missing from the names or hidden; classes are all known.
@@ -38,6 +39,9 @@ ReadText merged(ReadText first, ReadText second, const ReadingHints& hints) {
                 token.confidence = other.confidence;
             }
         }
+    }
+    if (!first.columns) {
+        first.columns = second.columns;
     }
     first.unsettled.insert(first.unsettled.end(), second.unsettled.begin(), second.unsettled.end());
     return first;

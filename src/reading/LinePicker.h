@@ -16,7 +16,7 @@ enum class RowOrder {
 using LineRow = std::vector<std::size_t>;
 
 // The least distance between the middles of names side by side, in pixels of a window 1080 pixels high: offers stand
-// 310 to 430 apart.
+// 280 to 430 apart.
 inline constexpr double leastSpacing = 200;
 
 // The offers of a pick stand side by side and evenly apart, so their names make a row of three; whatever else looks

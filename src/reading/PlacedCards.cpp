@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::ptrdiff_t fewestOffers = 2; // beside each other
 constexpr std::size_t mostRetries = 12;    // in one frame of reference, after one reading of each line
-constexpr float hopeless = 0.45F; // mean confidence: no line of these is a name, another try would not make it one
+constexpr float hopeless = 0.45F; // greatest confidence: no line of these is a name, another try would not make it one
 
 // Part of the window that can hold the names of cards, in heights of the picture: with room for the strips.
 constexpr double bandTop = 0.30;
@@ -166,7 +166,7 @@ const std::vector<PlacedCards::Row>& PlacedCards::movedRows() {
         moved.emplace();
         for (const LetterRow& row : findLetterRows(plane, frame)) {
             moved->emplace_back(plane, area.topLeft(), row.frame,
-                                BaseRange{row.baseline - roomAbove, row.baseline + roomBelow, false});
+                                BaseRange{row.level - roomAbove, row.level + roomBelow, false});
         }
     }
     return *moved;

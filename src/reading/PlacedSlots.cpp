@@ -28,6 +28,7 @@ void PlacedSlot::take(const LineReading& read, const PlacedLine& from, const Lex
     if (read.text.isEmpty() || isDone()) {
         return;
     }
+    const bool wasSettled = settled.has_value();
     const auto result = names.settle(read.text, from.kinds);
     const bool chinese = countChineseLetters(read.text) > 0;
     // Confidence is a poor judge of misread Chinese names; how close they come to a name that exists is a good one.
@@ -44,14 +45,17 @@ void PlacedSlot::take(const LineReading& read, const PlacedLine& from, const Lex
     if (chinese || letters.size() < fewestLetters || read.confidence < sureEnough) {
         return;
     }
-    const bool again = std::ranges::find(seen, letters) != seen.end();
+    // Where a reading along another curve has settled, only one along the same curve says the same again.
+    const std::pair sight(letters, from.kinds.toInt());
+    const bool again = std::ranges::any_of(
+        seen, [&](const auto& earlier) { return wasSettled ? earlier == sight : earlier.first == letters; });
     if (again && !(result && ReadingDistance::isLikely(read.text, result->text))) {
         unknown = true;
         settled.reset();
         reading = read;
         line = from;
     }
-    seen.push_back(letters);
+    seen.push_back(sight);
 }
 
 std::optional<QString> PlacedSlot::offer() const {

@@ -52,10 +52,10 @@ private:
 
     std::optional<Lexicon::Settled> settled;
     LineReading reading;
-    double worth = -1; // of a reading that does not settle
+    double worth = -1; // of the reading, to tell which of several that do not settle is best
     PlacedLine line;
-    std::vector<QString> seen; // letters of earlier readings
-    bool unknown = false;      // the line holds a name that is not known
+    std::vector<std::pair<QString, NameKinds::Int>> seen; // letters of earlier readings, and of which curve
+    bool unknown = false;                                 // the line holds a name that is not known
 };
 
 using PlacedSlots = std::array<PlacedSlot, 3>;

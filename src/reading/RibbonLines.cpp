@@ -1,6 +1,7 @@
 #include "RibbonLines.h"
 
 #include "Components.h"
+#include "OutlinedInk.h"
 
 #include <algorithm>
 #include <array>
@@ -11,31 +12,26 @@ namespace pelloran {
 namespace {
 
 // Lengths in heights of the game's picture, unless said otherwise.
-constexpr double searchScale = 900; // pixels a height: capitals are 11 tall then
 constexpr double roomAbove = 0.022; // of the strip searched, over the highest baseline
 constexpr double roomBelow = 0.012; // under the lowest
 constexpr double halfStrip = 0.105; // names reach 0.1 from the middle of the card
 constexpr double halfPicture = 0.108;
 
-// Letters are white with something much darker within three pixels. Lightness, 0 to 255.
-constexpr int inkRadius = 3;
-constexpr int leastLightness = 150;
-constexpr int mostOfOutline = 105;
-constexpr int leastContrast = 90;
 // Pixels of the strip. Smaller are grain, larger are ribbon, art and frames.
 constexpr int lowestLetter = 5;
 constexpr int tallestLetter = 21;
 constexpr int widestLetter = 40; // a few that touch
 constexpr int leastLetterArea = 10;
 
-// From the baseline, downwards: letters stand between the first two; nothing of the outline's upper side and below the
-// descenders is ink.
+// From the baseline, downwards: small letters stand from `bodyTop` to it; the outline's upper side and what is below
+// the baseline, but for descenders, are no ink.
 constexpr double bodyTop = -0.0095;
 constexpr double aboveTop = -0.020;
 constexpr double aboveBottom = -0.0145;
 constexpr double belowTop = 0.0012;
 constexpr double belowBottom = 0.006;
-constexpr double penaltyAbove = 1; // capitals and accents of neighbours reach there
+constexpr double capitalHeight = 0.0135; // of the tallest
+constexpr double penaltyAbove = 1;       // capitals and accents of neighbours reach there
 constexpr double penaltyBelow = 2;
 
 constexpr double baseTolerance = 0.004; // at which a line is half as likely as at its usual place
@@ -125,13 +121,7 @@ Plane unbent(const Plane& plane, const GameFrame& frame, const NameCurve& curve,
 
 // What of a strip is letters: 1, elsewhere 0.
 Plane lettersIn(const Plane& strip) {
-    const Plane floor = darkestAround(strip, inkRadius);
-    Plane mask(strip.width, strip.height);
-    for (std::size_t i = 0; i < mask.pixels.size(); ++i) {
-        const int value = strip.pixels[i];
-        const int outline = floor.pixels[i];
-        mask.pixels[i] = value > leastLightness && outline < mostOfOutline && value - outline > leastContrast;
-    }
+    Plane mask = outlinedInk(strip);
     const Components components = componentsOf(mask);
     std::vector<std::uint8_t> isLetter(components.groups.size() + 1);
     for (std::size_t i = 0; i < components.groups.size(); ++i) {
@@ -193,7 +183,7 @@ Search searchAlong(const Plane& plane, const GameFrame& frame, const NameCurve& 
 
 // Ends of the name on a baseline, from the middle of the strip; the longest run where something else stands beside it.
 std::optional<std::pair<double, double>> extentOf(const Search& search) {
-    const int top = std::max(0, search.row - searchPixels(0.0135));
+    const int top = std::max(0, search.row - searchPixels(capitalHeight));
     const int width = search.letters.width;
     int bestStart = 0;
     int bestEnd = 0;
@@ -308,7 +298,7 @@ std::optional<Plane> pictureOf(const RibbonLine& line, const Plane& plane, const
         mask.pixels[i] = ink.pixels[i] > 127;
     }
     // The ribbon's edge, the art above and the gem below: what touches the edge without reaching into the letters.
-    const int top = int((recipe.above - 0.0095) * scale);
+    const int top = int((recipe.above + bodyTop) * scale);
     const int bottom = int(recipe.above * scale);
     const Components components = componentsOf(mask);
     std::vector<std::uint8_t> isJunk(components.groups.size() + 1);

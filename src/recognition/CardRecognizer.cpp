@@ -260,15 +260,14 @@ std::vector<SlotMatch> assignToColumns(const std::vector<RecognitionCandidate>& 
                                        const std::array<double, 3>& columns, const QString& methodPrefix) {
     const double reach = (columns[2] - columns[0]) / 4;
     std::vector<SlotMatch> matches = withoutMatches(methodPrefix, candidates.empty());
-    for (const DraftSlot slot : DraftSlot::allCases()) {
-        const RecognitionCandidate* best = nullptr;
-        for (const RecognitionCandidate& candidate : candidates) {
-            if (std::abs(candidate.midX - columns[slot]) < reach && (!best || candidate.score > best->score)) {
-                best = &candidate;
-            }
-        }
-        if (best) {
-            matches[slot] = {slot, best->id, best->score, methodPrefix, best->text};
+    for (const RecognitionCandidate& candidate : candidates) {
+        const auto slots = DraftSlot::allCases();
+        const DraftSlot nearest = *std::ranges::min_element(
+            slots, {}, [&](DraftSlot slot) { return std::abs(candidate.midX - columns[slot]); });
+        SlotMatch& match = matches[nearest];
+        if (std::abs(candidate.midX - columns[nearest]) < reach &&
+            (!match.cardId || candidate.score > match.confidence)) {
+            match = {nearest, candidate.id, candidate.score, methodPrefix, candidate.text};
         }
     }
     return matches;

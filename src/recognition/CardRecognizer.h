@@ -61,7 +61,7 @@ private:
 struct RecognitionCandidate {
     QString id;
     double score = 0; // 0 to 1
-    QString text;     // the line as read
+    QString text;     // the line as the reader gave it: as read, or the known name that it settled on
     double midX = 0;  // fractions of the window
     double midY = 0;
 

@@ -148,13 +148,13 @@ std::vector<QRect> alertButtons(const QImage& alert) {
 }
 
 std::vector<QRect> alertLines(const QImage& alert) {
-    constexpr int wideGap = 5; // pixels; what parts the symbol from the text
+    constexpr int symbolGap = 5; // pixels; what parts the symbol from the text
     const auto rows = textLines(alert);
     if (rows.size() < 2) {
         return {};
     }
     const QRect above(frame, frame, alert.width() - 2 * frame, rows.back().top() - 2 * frame);
-    const auto parts = inkAlong(alert, above, wideGap);
+    const auto parts = inkAlong(alert, above, symbolGap);
     if (parts.size() < 2) {
         return {};
     }

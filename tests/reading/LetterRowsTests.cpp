@@ -48,7 +48,7 @@ TEST(LetterRowsTest, FindsThePictureByItsNames) {
         EXPECT_NEAR(rows[0].frame.height, row.frame.height, 0.01 * row.frame.height);
         EXPECT_NEAR(rows[0].frame.centreX, row.frame.centreX, 0.01 * row.frame.height);
         // The middle of the letters stands above their baseline.
-        EXPECT_NEAR(rows[0].baseline, row.base - 0.006, 0.003);
+        EXPECT_NEAR(rows[0].level, row.base - 0.006, 0.003);
         EXPECT_LE(rows.size(), 3U);
     }
 }

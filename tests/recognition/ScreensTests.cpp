@@ -13,6 +13,9 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <optional>
+
 namespace pelloran {
 
 namespace {
@@ -37,16 +40,33 @@ QByteArray contentsOf(const QString& path) {
 }
 
 // From pixels to slots, with everything but the window itself.
-TEST(ScreensTest, EverySlotHoldsWhatIsOffered) {
-    SKIP_WITHOUT_SHARED_DATA("screens");
-    SKIP_WITHOUT_SHARED_DATA("cards.json");
-    const auto reader = TextReader::create();
-    if (!reader) {
-        GTEST_SKIP() << reader.error().reason.toStdString();
+class ScreensTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        SKIP_WITHOUT_SHARED_DATA("cards.json");
+        auto made = TextReader::create();
+        if (!made) {
+            GTEST_SKIP() << made.error().reason.toStdString();
+        }
+        reader = std::move(*made);
+        cards = contentsOf(testing::sharedData(QStringLiteral("cards.json")));
+        sample.emplace(R"({"cards": )" + cards + '}', classFile);
     }
-    const QByteArray cards = contentsOf(testing::sharedData(QStringLiteral("cards.json")));
-    const testing::SampleStore sample(R"({"cards": )" + cards + '}', classFile);
-    const CardRecognizer recognizer(sample.store, NameLengths::limitedUnlessExact);
+
+    // As a picture that nothing was seen before.
+    std::vector<SlotMatch> recognize(const QImage& image, bool heroes) const {
+        reader->forget();
+        const CardRecognizer recognizer(sample->store, NameLengths::limitedUnlessExact);
+        return heroes ? recognizer.recognizeHeroes(image, *reader) : recognizer.recognizeCards(image, *reader);
+    }
+
+    QByteArray cards;
+    std::unique_ptr<TextReader> reader;
+    std::optional<testing::SampleStore> sample;
+};
+
+TEST_F(ScreensTest, EverySlotHoldsWhatIsOffered) {
+    SKIP_WITHOUT_SHARED_DATA("screens");
     QHash<QString, QJsonObject> cardsById;
     for (const QJsonValue& card : QJsonDocument::fromJson(cards).array()) {
         cardsById[card[QStringLiteral("card_id")].toString()] = card.toObject();
@@ -63,9 +83,7 @@ TEST(ScreensTest, EverySlotHoldsWhatIsOffered) {
         const bool chinese = truth[QStringLiteral("lang")].toString() == QStringLiteral("zh");
         const bool hero = truth[QStringLiteral("phase")].toString() == QStringLiteral("heroPick");
         const QString nameKey = chinese ? QStringLiteral("name_zh") : QStringLiteral("name_en");
-        (*reader)->forget();
-        const auto matches =
-            hero ? recognizer.recognizeHeroes(image, **reader) : recognizer.recognizeCards(image, **reader);
+        const auto matches = recognize(image, hero);
         ASSERT_EQ(matches.size(), 3U);
         for (const SlotMatch& match : matches) {
             const QJsonObject offer = truth[QStringLiteral("slots")][match.slot.rawValue()].toObject();
@@ -93,16 +111,8 @@ TEST(ScreensTest, EverySlotHoldsWhatIsOffered) {
 }
 
 // What the game itself draws: names and classes in either look, and screens that offer nothing.
-TEST(ScreensTest, TheGamesOwnScreensAreRead) {
+TEST_F(ScreensTest, TheGamesOwnScreensAreRead) {
     SKIP_WITHOUT_SHARED_DATA("real/screens");
-    SKIP_WITHOUT_SHARED_DATA("cards.json");
-    const auto reader = TextReader::create();
-    if (!reader) {
-        GTEST_SKIP() << reader.error().reason.toStdString();
-    }
-    const QByteArray cards = contentsOf(testing::sharedData(QStringLiteral("cards.json")));
-    const testing::SampleStore sample(R"({"cards": )" + cards + '}', classFile);
-    const CardRecognizer recognizer(sample.store, NameLengths::limitedUnlessExact);
 
     const QDir folder(testing::sharedData(QStringLiteral("real/screens")));
     int offers = 0;
@@ -116,10 +126,8 @@ TEST(ScreensTest, TheGamesOwnScreensAreRead) {
         ASSERT_FALSE(image.isNull());
         const QString phase = truth[QStringLiteral("phase")].toString();
         const QJsonArray names = truth[QStringLiteral("names")].toArray();
-        (*reader)->forget();
-        const auto heroes = recognizer.recognizeHeroes(image, **reader);
-        (*reader)->forget();
-        const auto picks = recognizer.recognizeCards(image, **reader);
+        const auto heroes = recognize(image, true);
+        const auto picks = recognize(image, false);
         for (const DraftSlot slot : DraftSlot::allCases()) {
             const QString name = names[slot].toString();
             if (phase == QStringLiteral("none")) {
@@ -128,7 +136,7 @@ TEST(ScreensTest, TheGamesOwnScreensAreRead) {
                 EXPECT_EQ(heroes[slot].cardId.value_or(QString()), name.simplified().remove(u' ').toUpper());
                 ++offers;
             } else {
-                const auto stats = sample.store.stats(picks[slot].cardId.value_or(QString()));
+                const auto stats = sample->store.stats(picks[slot].cardId.value_or(QString()));
                 EXPECT_EQ(stats ? stats->nameEn.value_or(QString()) : QString(), name);
                 ++offers;
             }
