@@ -14,11 +14,15 @@ namespace {
 constexpr double stripTop = 0.485; // hero names stand at 0.509, classes at 0.530
 constexpr double stripBottom = 0.565;
 constexpr double halfStrip = 0.122;
+constexpr double furthestOffCentre = 0.04; // lines are centred below their heroes
 
 constexpr double searchScale = 1080; // pixels a height; those that follow are such
 constexpr int shortestStroke = 5;
 constexpr int tallestLetter = 26;
 constexpr int widestLetter = 46;
+// Letters run together in small windows; frames are as wide, but thinner or taller.
+constexpr int widestWord = 160;
+constexpr int lowestWord = 8;
 constexpr double leastInkOfRow = 1.5;    // pixels
 constexpr double leastShareOfRow = 0.08; // of the fullest row's ink
 constexpr int lowestLine = 7;
@@ -35,6 +39,11 @@ constexpr int darkestParchmentRed = 150;
 constexpr int leastWarmth = 25; // red over blue
 constexpr int darkestFeltRed = 30;
 constexpr int lightestFeltRed = 110;
+
+bool isTooLarge(const QRect& box) {
+    const bool isWord = box.width() <= widestWord && box.height() >= lowestWord;
+    return box.height() > tallestLetter || (box.width() > widestLetter && !isWord);
+}
 
 // The middle one of the values of each channel.
 std::array<int, 3> medianColor(const QImage& strip) {
@@ -105,8 +114,7 @@ std::vector<HeroLine> findHeroLines(const QImage& window, const GameFrame& frame
     for (std::size_t i = 0; i < components.groups.size(); ++i) {
         const QRect& box = components.groups[i].box;
         // The strokes of a Chinese character may be low on their own, but not short as well.
-        isLetter[i + 1] = std::max(box.height(), box.width()) >= shortestStroke && box.height() <= tallestLetter &&
-                          box.width() <= widestLetter;
+        isLetter[i + 1] = std::max(box.height(), box.width()) >= shortestStroke && !isTooLarge(box);
     }
     std::vector<int> inkOfRow(std::size_t(mask.height) + 1); // and an empty one after the last
     for (int y = 0; y < mask.height; ++y) {
@@ -122,7 +130,7 @@ std::vector<HeroLine> findHeroLines(const QImage& window, const GameFrame& frame
     for (std::size_t i = 0; i < large.pixels.size(); ++i) {
         if (const int number = components.numbers[i]; number > 0) {
             const QRect& box = components.groups[std::size_t(number) - 1].box;
-            large.pixels[i] = box.height() > tallestLetter || box.width() > widestLetter;
+            large.pixels[i] = isTooLarge(box);
         }
     }
     const Plane around = lightestAround(large, 1);
@@ -148,7 +156,8 @@ std::vector<HeroLine> findHeroLines(const QImage& window, const GameFrame& frame
                     }
                 }
             }
-            if (right - left + 1 >= narrowestLine) {
+            const double offCentre = std::abs((left + right + 1) / 2.0 - area.width() * scale / 2);
+            if (right - left + 1 >= narrowestLine && offCentre <= furthestOffCentre * searchScale) {
                 const QRectF letters(left, begin - 1, right - left + 1, y - begin + 2);
                 lines.push_back(
                     {{}, letters, QRectF(letters.topLeft() / scale + area.topLeft(), letters.size() / scale)});
