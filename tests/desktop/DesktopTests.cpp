@@ -97,6 +97,12 @@ TEST_F(PublishedDraft, PublishesAnEnglishDraftAsItIsPlayed) {
     follow();
 }
 
+TEST_F(PublishedDraft, PublishesADraftInTheLookOfEarlierYears) {
+    startHeadless(QStringLiteral("en"));
+    startStage({QStringLiteral("--scenario"), QStringLiteral("demo"), QStringLiteral("--look"), QStringLiteral("old")});
+    follow();
+}
+
 TEST_F(PublishedDraft, PublishesAChineseDraftWithARedraftAsItIsPlayed) {
     startHeadless(QStringLiteral("zh"));
     // In smaller windows the game's Chinese characters are too small for the network.
