@@ -199,30 +199,86 @@ TEST(NamesOnScreen, GroundsAreThoseOfTheTwoLooks) {
     expectNear(median(paint({.look = Look::felt}, screen), between), QColor(60, 5, 3), 30);
 }
 
-TEST(NamesOnScreen, ClericalLettersAreGreyWideAndFarApart) {
-    const Card card = cardOf(QStringLiteral("WEAPON"), QStringLiteral("I"));
-    const Screen screen = pickOf({card, card, card});
-    const Production production{.language = Language::chinese, .look = Look::felt, .seed = 1};
-    ScenePainter printed({1920, 1080}, production, lettering(Language::chinese));
-    ScenePainter clerical({1920, 1080}, production, lettering(Language::chinese, ChineseLettering::clerical));
-    const QImage bold = paint(printed, screen);
-    const QImage thin = paint(clerical, screen);
-    const QRectF boldBox = printed.names().front().box;
-    const QRectF thinBox = clerical.names().front().box;
-    const auto brightest = [](const QImage& image, const QRectF& box) {
-        int found = 0;
-        for (int y = static_cast<int>(box.top()); y <= box.bottom(); ++y) {
-            for (int x = static_cast<int>(box.left()); x <= box.right(); ++x) {
-                found = std::max(found, luma(image.pixel(x, y)));
+// What is grey in a column of pixels around `middle`, in pixels of full grey, and the black on either side of it.
+struct Stroke {
+    double width = 0;
+    double above = 0;
+    double below = 0;
+};
+
+Stroke strokeAt(const QImage& image, int x, int middle) {
+    constexpr int reach = 7;
+    int brightest = middle;
+    for (int y = middle - reach; y <= middle + reach; ++y) {
+        brightest = luma(image.pixel(x, y)) > luma(image.pixel(x, brightest)) ? y : brightest;
+    }
+    Stroke stroke;
+    for (int y = brightest - 2; y <= brightest + 2; ++y) {
+        stroke.width += luma(image.pixel(x, y)) / 204.0;
+    }
+    const auto isBlack = [&](int y) { return luma(image.pixel(x, y)) < 40; };
+    for (int y = brightest - 1; y > brightest - reach; --y) {
+        stroke.above += isBlack(y);
+    }
+    for (int y = brightest + 1; y < brightest + reach; ++y) {
+        stroke.below += isBlack(y);
+    }
+    return stroke;
+}
+
+TEST(NamesOnScreen, ClericalLettersAreGreyFlatAndFarApart) {
+    const auto weapon = [](const QString& id, const QString& chinese) {
+        Card card = cardOf(QStringLiteral("WEAPON"), id);
+        card.name.chinese = chinese;
+        return card;
+    };
+    // Names of one, four and sixteen characters, cut by the same hand, as the identifier is the same.
+    std::vector<double> pitches;
+    std::vector<double> heights;
+    for (const char* id : {"a", "b", "c", "d", "e"}) {
+        SCOPED_TRACE(id);
+        const auto named = [&](const QString& chinese) { return weapon(QString::fromLatin1(id), chinese); };
+        const QString usual = QStringLiteral("魔");
+        ScenePainter painter({1920, 1080}, {.language = Language::chinese, .look = Look::felt, .seed = 1},
+                             lettering(Language::chinese, ChineseLettering::clerical));
+        const QImage image =
+            paint(painter, pickOf({named(usual), named(usual.repeated(4)), named(usual.repeated(16))}));
+        const QRectF one = painter.names()[0].box;
+        const QRectF four = painter.names()[1].box;
+        const QRectF many = painter.names()[2].box;
+        pitches.push_back((four.width() - one.width()) / 3);
+        heights.push_back(one.height());
+        EXPECT_GT(one.width() / one.height(), 1.05) << "wider than high";
+        EXPECT_LT(one.width() / one.height(), 1.45);
+        EXPECT_LT((many.width() - one.width()) / 15, pitches.back()) << "long ones tighter";
+        EXPECT_LT(many.width(), 0.19 * 1080) << "on the plate";
+
+        const QImage line = paint(painter, pickOf({named(QStringLiteral("一")), named(usual), named(usual)}));
+        const QPoint middle = painter.names()[0].box.center().toPoint();
+        const Stroke stroke = strokeAt(line, middle.x(), middle.y());
+        EXPECT_GT(stroke.width, 1.0) << "thin";
+        EXPECT_LT(stroke.width, 2.0);
+        EXPECT_GE(stroke.above + stroke.below, 3) << "the outline is wider than the stroke";
+
+        int brightest = 0;
+        for (int x = static_cast<int>(four.left()); x <= four.right(); ++x) {
+            for (int y = static_cast<int>(four.top()); y <= four.bottom(); ++y) {
+                brightest = std::max(brightest, luma(image.pixel(x, y)));
             }
         }
-        return found;
-    };
-    EXPECT_GT(brightest(bold, boldBox), 240);
-    EXPECT_NEAR(brightest(thin, thinBox), 196, 12) << "light grey, nowhere white";
-    EXPECT_LT(thinBox.height(), boldBox.height());
-    // Four characters: three steps from the first to the last, and the width of one.
-    EXPECT_GT(thinBox.width() / thinBox.height(), 3 * 1.5 + 1) << "wide and apart";
+        EXPECT_GT(brightest, 185) << "light grey";
+        EXPECT_LT(brightest, 216) << "nowhere white";
+    }
+    for (const double pitch : pitches) {
+        EXPECT_GT(pitch, 1.2 * 0.0135 * 1080 - 0.1);
+        EXPECT_LT(pitch, 1.5 * 0.0145 * 1080 + 0.1);
+    }
+    for (const double height : heights) {
+        EXPECT_GT(height, 0.0125 * 1080);
+        EXPECT_LT(height, 0.0160 * 1080);
+    }
+    EXPECT_GT(std::ranges::max(pitches) - std::ranges::min(pitches), 2) << "not all alike";
+    EXPECT_GT(std::ranges::max(heights) - std::ranges::min(heights), 0.3);
 }
 
 TEST(NamesOnScreen, ClassesStandBelowHeroesWithoutAnOutline) {

@@ -2,6 +2,7 @@
 #include "stage/Scenario.h"
 #include "support/Printing.h"
 
+#include <QHash>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -21,9 +22,12 @@ struct Outcome {
     QByteArray errors;
 };
 
-Outcome run(const QStringList& arguments) {
+Outcome run(const QStringList& arguments, const QHash<QString, QString>& variables = {}) {
     QProcess program;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const auto& [name, value] : variables.asKeyValueRange()) {
+        environment.insert(name, value);
+    }
     for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
         environment.remove(QString::fromLatin1(name));
     }
@@ -135,6 +139,45 @@ TEST(StageProgram, LooksAsItIsTold) {
     EXPECT_TRUE(pictures[0] == pictures[1]) << "the new look is the default";
     EXPECT_FALSE(pictures[0] == pictures[2]);
     EXPECT_FALSE(pictures[0] == pictures[3]);
+}
+
+TEST(StageProgram, LettersLikeInscriptionsWithoutATypefaceOfRegularScript) {
+#ifdef Q_OS_MACOS
+    GTEST_SKIP() << "fonts are hidden by means of fontconfig";
+#endif
+    const QTemporaryDir folder;
+    const QString fonts = folder.filePath(QStringLiteral("fonts.conf"));
+    QFile file(fonts);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(R"(<?xml version="1.0"?><!DOCTYPE fontconfig SYSTEM "fonts.dtd"><fontconfig>
+        <include>/etc/fonts/fonts.conf</include><selectfont><rejectfont>
+        <glob>*/arphic/ukai*</glob><glob>*LXGW*</glob><glob>*[Kk]aiti*</glob></rejectfont></selectfont></fontconfig>)");
+    file.close();
+    const auto screen = [&folder](const char* name, const char* lettering, const QHash<QString, QString>& variables) {
+        const QString target = folder.filePath(QString::fromLatin1(name));
+        const Outcome outcome =
+            run({QStringLiteral("--paint-screens"), target, QStringLiteral("--count"), QStringLiteral("1"),
+                 QStringLiteral("--size"), QStringLiteral("640x360"), QStringLiteral("--language"),
+                 QStringLiteral("zh"), QStringLiteral("--lettering"), QString::fromLatin1(lettering)},
+                variables);
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.errors.toStdString();
+        const QString picture = target + QStringLiteral("/0000-cards-zh");
+        return std::pair(contents(picture + QStringLiteral(".png")),
+                         QJsonDocument::fromJson(contents(picture + QStringLiteral(".json"))).object());
+    };
+    const QHash<QString, QString> hidden{{QStringLiteral("FONTCONFIG_FILE"), fonts}};
+    const auto plain = screen("plain", "clerical", hidden);
+    const auto brush = screen("brush", "clerical", {});
+    EXPECT_FALSE(plain.first == screen("printed", "printed", hidden).first) << "still not as in a book";
+    EXPECT_FALSE(plain.first == brush.first) << "scripts/setup installs a typeface of regular script";
+    EXPECT_EQ(plain.second[u"names"], brush.second[u"names"]);
+    for (qsizetype i = 0; i < 3; ++i) {
+        const QJsonArray box = plain.second[u"nameBoxes"][i].toArray();
+        const QJsonArray wanted = brush.second[u"nameBoxes"][i].toArray();
+        for (qsizetype edge = 0; edge < 4; ++edge) {
+            EXPECT_NEAR(box[edge].toInt(), wanted[edge].toInt(), 3) << "of the same size in the same place";
+        }
+    }
 }
 
 TEST(StageProgram, PaintsASeriesOfScreensWithTheTruthAboutEach) {

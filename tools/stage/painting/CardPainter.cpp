@@ -59,6 +59,14 @@ QPainterPath artWindow(const Card& card) {
     return path;
 }
 
+quint32 checksum(const QString& text) {
+    quint32 sum = 0;
+    for (const QChar c : text) {
+        sum = sum * 31 + c.unicode();
+    }
+    return sum;
+}
+
 // About half of the minions belong to a tribe. Which one does not matter to anybody here.
 QString tribeOf(const Card& card, Language language) {
     static const std::vector<Name> tribes{
@@ -68,12 +76,21 @@ QString tribeOf(const Card& card, Language language) {
         {QStringLiteral("Undead"), QStringLiteral("亡灵")}, {QStringLiteral("Pirate"), QStringLiteral("海盗")},
         {QStringLiteral("Totem"), QStringLiteral("图腾")},
     };
-    quint32 sum = 0;
-    for (const QChar c : card.id) {
-        sum = sum * 31 + c.unicode();
-    }
-    const std::size_t pick = sum % (2 * tribes.size());
+    const std::size_t pick = checksum(card.id) % (2 * tribes.size());
     return card.type == u"MINION" && pick < tribes.size() ? tribes[pick].in(language) : QString();
+}
+
+// The game cuts all clerical names alike, but it was measured on a few of them only: a reader is tried on the whole
+// range that it may be. Strokes were measured on larger cards, as shares of a character's height.
+Lettering::Hand handFor(const Card& card, quint32 seed) {
+    Random random(seed * 31 + checksum(card.id));
+    Lettering::Hand hand;
+    const int lighter = static_cast<int>(between(random, 0, 16));
+    hand.grey = QColor(200 + lighter, 195 + lighter, 190 + lighter);
+    hand.height = between(random, 0.0135, 0.0145) * 1080 / cardNameCaps;
+    hand.pitch = between(random, 1.2, 1.5);
+    hand.stroke = between(random, 1.2, 1.7) / cardNameCaps;
+    return hand;
 }
 
 } // namespace
@@ -217,8 +234,9 @@ QPainterPath CardPainter::paintName(QPainter& painter, const Card& card) const {
                                                      : QColor(155, 133, 105);
         drawRibbon(painter, curve, 110, cloth, card.golden ? QColor(0xb8, 0x8a, 0x34) : QColor(0x3c, 0x2c, 0x1c));
     }
-    return lettering.drawAlong(painter, card.name.in(language), {0, 0}, card.type == u"HERO" ? arcNameWidth : nameWidth,
-                               curve, {.caps = cardNameCaps, .fill = card.golden ? cream : QColor(0xfc, 0xfa, 0xf7)});
+    return lettering.drawAlong(
+        painter, card.name.in(language), {0, 0}, card.type == u"HERO" ? arcNameWidth : nameWidth, curve,
+        {.caps = cardNameCaps, .fill = card.golden ? cream : QColor(0xfc, 0xfa, 0xf7), .hand = handFor(card, seed)});
 }
 
 void CardPainter::paintTribe(QPainter& painter, const Card& card) const {

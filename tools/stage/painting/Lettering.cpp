@@ -1,5 +1,7 @@
 #include "stage/painting/Lettering.h"
 
+#include "stage/painting/Centreline.h"
+
 #include <QFontDatabase>
 #include <QFontMetricsF>
 #include <QGlyphRun>
@@ -28,6 +30,12 @@ const QStringList chineseFamilies{QStringLiteral("Noto Serif CJK SC"), QStringLi
 const QStringList plainChineseFamilies{QStringLiteral("Noto Sans CJK SC"), QStringLiteral("Source Han Sans SC"),
                                        QStringLiteral("WenQuanYi Zen Hei"), QStringLiteral("PingFang SC")};
 
+// Regular script, written with a brush: of the free typefaces those that come closest to the letters of inscriptions,
+// whose strokes part and join in the same places. Where none is installed the plain ones serve.
+const QStringList brushFamilies{QStringLiteral("AR PL UKai CN"), QStringLiteral("LXGW WenKai"),
+                                QStringLiteral("LXGW WenKai Light"), QStringLiteral("Kaiti SC"),
+                                QStringLiteral("STKaiti")};
+
 // Letters with sharp corners are drawn with a round pen of this width (in heights of a capital), which makes them
 // bolder and their corners soft, as the game's are; and they are made wider and set apart, as far as the game's are.
 constexpr double softness = 0.08;
@@ -37,14 +45,15 @@ constexpr double tracking = 0.055; // in heights of a capital
 // Chinese characters are this much higher than capital letters.
 constexpr double printedHeight = 1.5;
 
-// The lettering of inscriptions: characters this high, squeezed to that share of their height, set so far apart (in
-// heights of a character), in grey. Widths are in heights of a capital.
-constexpr double clericalHeight = 1.15;
-constexpr double squeeze = 0.7;
-constexpr double clericalPitch = 1.5;
-constexpr double clericalSoftness = 0.03;
-constexpr double clericalOutline = 2.1 / 13;
-const QColor clericalGrey(200, 195, 190);
+// The lettering of inscriptions: characters so much wider than high, unless they would then touch when set tightly;
+// and the tightest that they are set, in heights of a character.
+constexpr double flatness = 1.3;
+constexpr double leastGap = 0.04;
+constexpr double tightestPitch = 1.15;
+
+// Shapes are taken from a large font and scaled: sizes of fonts are whole numbers, and letters 13 pixels high would
+// otherwise come in few sizes.
+constexpr double drawn = 200;
 
 QStringList installed(const QStringList& wanted) {
     const QStringList present = QFontDatabase::families();
@@ -112,6 +121,10 @@ std::expected<Lettering, QString> Lettering::create(Language language, ChineseLe
     if (lettering.plainFamilies.isEmpty()) {
         lettering.plainFamilies = {QStringLiteral("sans")};
     }
+    lettering.thinFamilies = installed(brushFamilies) + lettering.plainFamilies;
+    if (chineseLettering == ChineseLettering::clerical) {
+        lettering.thinBuild = buildOf(lettering.clericalFont());
+    }
     return lettering;
 }
 
@@ -124,48 +137,64 @@ QFont Lettering::font(double pixelSize) const {
     return font;
 }
 
-QFont Lettering::clericalFont(double pixelSize) const {
-    QFont thin = font(pixelSize);
-    thin.setFamilies(plainFamilies);
-    thin.setWeight(QFont::Light); // with strokes as thin as there are; their width is made equal in lineOf()
+QFont Lettering::clericalFont() const {
+    QFont thin = font(drawn);
+    thin.setFamilies(thinFamilies);
+    thin.setWeight(QFont::Light); // the middles of thin strokes are better defined
     return thin;
+}
+
+Lettering::Build Lettering::buildOf(const QFont& font) {
+    Build build;
+    // As thick with strokes as most; those of few are often smaller.
+    const QString usual = QStringLiteral("战龙法师魔术暗影");
+    for (const QChar character : usual) {
+        QPainterPath shape;
+        shape.addText(0, 0, font, character);
+        const QRectF box = shape.boundingRect();
+        build.width += box.width() / static_cast<double>(usual.size());
+        build.height += box.height() / static_cast<double>(usual.size());
+        build.middle += box.center().y() / static_cast<double>(usual.size());
+    }
+    // A typeface without outlines has none to paint either.
+    build.width = std::max(1.0, build.width);
+    build.height = std::max(1.0, build.height);
+    return build;
 }
 
 bool Lettering::isClerical(const QString& text) const {
     return chineseLettering == ChineseLettering::clerical && hasCharacters(text);
 }
 
-Lettering::Line Lettering::lineOf(const QString& text, double caps, double maximumWidth) const {
-    // Shapes are taken from a large font and scaled: sizes of fonts are whole numbers, and letters 13 pixels high would
-    // otherwise come in few sizes.
-    constexpr double drawn = 200;
+Lettering::Line Lettering::lineOf(const QString& text, const Style& style, double maximumWidth) const {
+    if (isClerical(text)) {
+        return clericalLineOf(text, style, maximumWidth);
+    }
     constexpr double filled = 0.92; // of its square, by a character
+    const double caps = style.caps;
     const bool chinese = hasCharacters(text);
-    const bool clerical = isClerical(text);
-    QFont large = clerical ? clericalFont(drawn) : font(drawn);
+    QFont large = font(drawn);
     const double capitals = QFontMetricsF(large).capHeight();
     // Letters that are set apart are never joined into one, which the game does not do either.
     const double apart = chinese ? 0 : tracking * capitals;
     large.setLetterSpacing(QFont::AbsoluteSpacing, apart);
     const QFontMetricsF metrics(large);
-    const double height = clerical ? clericalHeight * caps : chinese ? printedHeight * caps : caps;
+    const double height = chinese ? printedHeight * caps : caps;
     // The pen for soft corners adds to the height of a capital.
     const double down = chinese ? height / (filled * drawn) : height * (1 - softness) / capitals;
-    const double across = clerical ? down / squeeze : chinese ? down : down * widening;
+    const double across = chinese ? down : down * widening;
 
     Line line;
     line.caps = caps;
     QTextBoundaryFinder clusters(QTextBoundaryFinder::Grapheme, text);
     for (qsizetype from = 0, to = clusters.toNextBoundary(); to >= 0; from = to, to = clusters.toNextBoundary()) {
-        const auto index = static_cast<double>(line.letters.size());
         // Widths of beginnings rather than of single letters, so that kerning stays.
         const double left = metrics.horizontalAdvance(text.left(from));
         const double right = metrics.horizontalAdvance(text.left(to)) - apart;
         QPainterPath shape;
         shape.addText(-(right - left) / 2, 0, large, text.mid(from, to - from));
-        const double middle = clerical ? clericalPitch * height * (index + 0.5) : (left + right) / 2 * across;
-        line.letters.push_back({QTransform::fromScale(across, down).map(shape), middle});
-        line.width = clerical ? clericalPitch * height * (index + 1) : right * across;
+        line.letters.push_back({QTransform::fromScale(across, down).map(shape), (left + right) / 2 * across});
+        line.width = right * across;
     }
     // First tighter, then smaller: both by the same factor.
     const double fit = std::min(1.0, maximumWidth / line.width);
@@ -183,21 +212,66 @@ Lettering::Line Lettering::lineOf(const QString& text, double caps, double maxim
     return line;
 }
 
-void Lettering::paintOutlined(QPainter& painter, const QPainterPath& letters, const Style& style, bool chinese) const {
-    const bool clerical = chinese && chineseLettering == ChineseLettering::clerical;
+Lettering::Line Lettering::clericalLineOf(const QString& text, const Style& style, double maximumWidth) const {
+    QStringList clusters;
+    QTextBoundaryFinder boundaries(QTextBoundaryFinder::Grapheme, text);
+    for (qsizetype from = 0, to = boundaries.toNextBoundary(); to >= 0; from = to, to = boundaries.toNextBoundary()) {
+        clusters.append(text.mid(from, to - from));
+    }
+    const Hand& hand = style.hand;
+    const auto count = static_cast<double>(clusters.size());
+    // First tighter, then smaller.
+    const double room = maximumWidth / (count * hand.height * style.caps);
+    const double pitch = std::clamp(room, std::min(tightestPitch, hand.pitch), hand.pitch);
+    Line line;
+    line.caps = style.caps * std::min(1.0, room / pitch);
+    const double height = hand.height * line.caps;
+    line.width = count * pitch * height;
+
+    const QFont large = clericalFont();
+    const QFontMetricsF metrics(large);
+    const double stroke = hand.stroke * line.caps;
+    const double down = (height - stroke) / thinBuild.height;
+    const double across = (std::min(flatness, pitch - leastGap) * height - stroke) / thinBuild.width;
+    // The lines in the middle are sought on characters some hundred units high.
+    constexpr double fine = 112;
+    const double size = fine / height;
+    constexpr double shortest = 0.06 * fine;
+    // Characters of many strokes have thinner ones, or nothing could be seen between them: at most this share of a
+    // character is covered.
+    constexpr double densest = 0.42;
+    const double area = thinBuild.width * across * thinBuild.height * down * size * size;
+    QPainterPathStroker pen{QPen(Qt::black, 1, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin)};
+    const QTransform flattened = QTransform::fromScale(across * size, down * size);
+    for (const QString& cluster : std::as_const(clusters)) {
+        QPainterPath shape;
+        shape.addText(-metrics.horizontalAdvance(cluster) / 2, 0, large, cluster);
+        const QPainterPath lines = centreline(flattened.map(shape.translated(0, -thinBuild.middle)), shortest);
+        pen.setWidth(std::min(stroke * size, densest * area / std::max(1.0, lines.length())));
+        // Characters have their middle where capital letters have it.
+        shape = QTransform::fromScale(1 / size, 1 / size).map(pen.createStroke(lines)).translated(0, -line.caps / 2);
+        const auto index = static_cast<double>(line.letters.size());
+        line.letters.push_back({shape, pitch * height * (index + 0.5) - line.width / 2});
+    }
+    return line;
+}
+
+void Lettering::paintOutlined(QPainter& painter, const QPainterPath& letters, const Style& style,
+                              const QString& text) const {
+    const bool clerical = isClerical(text);
     const auto pen = [](const QColor& colour, double width) {
         return QPen(colour, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
     };
-    // Printed characters have strokes that run together when made bolder.
-    const double soft = style.caps * (clerical ? clericalSoftness : chinese ? 0.0 : softness);
+    // Printed characters have strokes that run together when made bolder, clerical ones are as bold as they are to be.
+    const double soft = style.caps * (hasCharacters(text) ? 0.0 : softness);
     const bool outlined = style.outlineWidth > 0;
     if (outlined) {
-        const double outline = clerical ? std::max(clericalOutline, style.outlineWidth) : style.outlineWidth;
+        const double outline = clerical ? std::max(style.hand.outline, style.outlineWidth) : style.outlineWidth;
         const double width = soft + 2 * outline * style.caps;
         painter.strokePath(letters.translated(0, style.caps * 0.06), pen(QColor(0, 0, 0, 70), width * 1.08));
         painter.strokePath(letters, pen(style.outline, width));
     }
-    const QColor fill = clerical && outlined ? clericalGrey : style.fill;
+    const QColor fill = clerical && outlined ? style.hand.grey : style.fill;
     painter.fillPath(letters, fill);
     if (soft > 0) {
         painter.strokePath(letters, pen(fill, soft));
@@ -206,7 +280,7 @@ void Lettering::paintOutlined(QPainter& painter, const QPainterPath& letters, co
 
 QPainterPath Lettering::drawAlong(QPainter& painter, const QString& text, QPointF base, double maximumWidth,
                                   const Curve& curve, const Style& style) const {
-    const Line line = lineOf(text, style.caps, maximumWidth);
+    const Line line = lineOf(text, style, maximumWidth);
     QPainterPath letters;
     letters.setFillRule(Qt::WindingFill);
     for (const Line::Letter& letter : line.letters) {
@@ -217,7 +291,7 @@ QPainterPath Lettering::drawAlong(QPainter& painter, const QString& text, QPoint
     }
     Style set = style;
     set.caps = line.caps;
-    paintOutlined(painter, letters, set, hasCharacters(text));
+    paintOutlined(painter, letters, set, text);
     return letters;
 }
 
@@ -229,7 +303,7 @@ QPainterPath Lettering::draw(QPainter& painter, const QString& text, QPointF cen
 void Lettering::drawFrom(QPainter& painter, const QString& text, QPointF left, double maximumWidth,
                          const Style& style) const {
     constexpr double anyWidth = 1e6;
-    Line line = lineOf(text, style.caps, anyWidth);
+    Line line = lineOf(text, style, anyWidth);
     if (line.width > maximumWidth) {
         const auto room = maximumWidth - style.caps;
         while (!line.letters.empty() && line.letters.back().x + line.width / 2 > room) {
@@ -241,7 +315,7 @@ void Lettering::drawFrom(QPainter& painter, const QString& text, QPointF left, d
     for (const Line::Letter& letter : line.letters) {
         letters.addPath(letter.shape.translated(left.x() + line.width / 2 + letter.x, left.y() + style.caps / 2));
     }
-    paintOutlined(painter, letters, style, hasCharacters(text));
+    paintOutlined(painter, letters, style, text);
 }
 
 void Lettering::drawParagraph(QPainter& painter, const QString& text, const QRectF& box, double pixelSize,
