@@ -37,6 +37,7 @@ const QString phaseOption = QStringLiteral("phase");
 const QString ticksOption = QStringLiteral("ticks");
 const QString strictLengthsOption = QStringLiteral("strict-lengths");
 const QString jsonOption = QStringLiteral("json");
+const QString textsOption = QStringLiteral("texts");
 const QString cardsOption = QStringLiteral("cards");
 const QString classesOption = QStringLiteral("classes");
 
@@ -108,6 +109,7 @@ std::expected<Command, QString> buildEvaluate(const QCommandLineParser& parsed) 
     return EvaluateFolders{
         .ticks = parsed.isSet(ticksOption),
         .json = parsed.isSet(jsonOption),
+        .texts = parsed.isSet(textsOption),
         .strictLengths = parsed.isSet(strictLengthsOption),
         .folders = parsed.positionalArguments(),
     };
@@ -197,6 +199,7 @@ const std::vector<Syntax>& syntaxes() {
             {
                 {ticksOption, {}, QStringLiteral("as for recognize, and each picture is looked at three times")},
                 {jsonOption, {}, QStringLiteral("print a JSON line for each picture and one for all")},
+                {textsOption, {}, QStringLiteral("also read each text that a truth file has in a box, by itself")},
                 strictLengths,
             },
             buildEvaluate,

@@ -49,6 +49,7 @@ struct RecognizeImages {
 struct EvaluateFolders {
     bool ticks = false;         // as for RecognizeImages; and every picture is looked at more than once
     bool json = false;          // lines for programs in place of a table for people
+    bool texts = false;         // boxed texts are read as well
     bool strictLengths = false; // as for RunLoop
     QStringList folders;
 };

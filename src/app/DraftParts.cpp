@@ -45,7 +45,7 @@ DraftParts::DraftParts(const RunLoop& command)
     : files(ApplicationFiles::create())
     , config(configFor(command))
     , store(*files)
-    , screenReader(WindowServer::create, TextReader::create)
+    , screenReader(WindowServer::create, [this] { return TextReader::create(*files); })
     , recognition(SerialQueue::create(QStringLiteral("com.local.pelloran.recognition")))
     , printer(command.snapshots ? std::make_shared<SnapshotPrinter>() : nullptr) {}
 

@@ -28,6 +28,12 @@ struct SlotsRecord {
     std::optional<OfferRecord> right;
 };
 
+struct TextRecord {
+    std::vector<qint64> box;
+    QString text;
+    std::optional<QString> ink;
+};
+
 struct TruthRecord {
     QString phase;
     std::optional<QString> language;
@@ -35,6 +41,8 @@ struct TruthRecord {
     std::optional<SlotsRecord> slots;
     std::optional<std::vector<std::optional<QString>>> names;
     std::optional<QString> file;
+    std::optional<QString> lettering;
+    std::optional<std::vector<TextRecord>> texts;
 };
 
 } // namespace
@@ -55,10 +63,18 @@ constexpr std::tuple strict_json::fields<SlotsRecord>{
 };
 
 template <>
+constexpr std::tuple strict_json::fields<TextRecord>{
+    Field{"box"_L1, &TextRecord::box},
+    Field{"text"_L1, &TextRecord::text},
+    Field{"ink"_L1, &TextRecord::ink},
+};
+
+template <>
 constexpr std::tuple strict_json::fields<TruthRecord>{
-    Field{"phase"_L1, &TruthRecord::phase}, Field{"language"_L1, &TruthRecord::language},
-    Field{"lang"_L1, &TruthRecord::lang},   Field{"slots"_L1, &TruthRecord::slots},
-    Field{"names"_L1, &TruthRecord::names}, Field{"file"_L1, &TruthRecord::file},
+    Field{"phase"_L1, &TruthRecord::phase},         Field{"language"_L1, &TruthRecord::language},
+    Field{"lang"_L1, &TruthRecord::lang},           Field{"slots"_L1, &TruthRecord::slots},
+    Field{"names"_L1, &TruthRecord::names},         Field{"file"_L1, &TruthRecord::file},
+    Field{"lettering"_L1, &TruthRecord::lettering}, Field{"texts"_L1, &TruthRecord::texts},
 };
 
 namespace evaluation {
@@ -88,6 +104,21 @@ std::optional<Offer> offer(const QString& id, const QString& name) {
 
 std::optional<Offer> offer(const std::optional<OfferRecord>& record) {
     return record ? offer(record->id.value_or(QString()), record->name.value_or(QString())) : std::nullopt;
+}
+
+// Left, top, right, bottom; the last two are the first beyond it. Absent when that is no box.
+std::optional<QRect> boxOf(const std::vector<qint64>& edges) {
+    constexpr qint64 farthest = 1'000'000; // no window is as large, and sums stay far from overflow
+    if (edges.size() != 4 || std::ranges::any_of(edges, [](qint64 edge) { return edge < 0 || edge > farthest; }) ||
+        edges[0] >= edges[2] || edges[1] >= edges[3]) {
+        return std::nullopt;
+    }
+    const auto edge = [&edges](std::size_t index) { return static_cast<int>(edges[index]); };
+    return QRect(edge(0), edge(1), edge(2) - edge(0), edge(3) - edge(1));
+}
+
+QString boxText(const QRect& box) {
+    return u"%1,%2,%3,%4"_s.arg(box.left()).arg(box.top()).arg(box.left() + box.width()).arg(box.top() + box.height());
 }
 
 QString verdictName(Verdict verdict) {
@@ -125,6 +156,17 @@ QJsonObject toJson(const Answer& answer) {
     };
 }
 
+QJsonObject toJson(const TextAnswer& answer) {
+    const QRect& box = answer.offered.box;
+    return {
+        {u"box"_s, QJsonArray{box.left(), box.top(), box.left() + box.width(), box.top() + box.height()}},
+        {u"ink"_s, answer.offered.ink},
+        {u"text"_s, answer.offered.text},
+        {u"read"_s, json::optional(answer.read)},
+        {u"verdict"_s, verdictName(answer.verdict)},
+    };
+}
+
 QJsonArray eachOf(const std::vector<Look>& looks, double Look::* figure) {
     QJsonArray values;
     for (const Look& look : looks) {
@@ -154,14 +196,25 @@ QJsonObject figuresOf(const Tally& tally) {
     };
 }
 
-// A column of the table: what stands above it, and what a tally puts into it.
-struct Column {
+QJsonObject figuresOf(const TextTally& tally) {
+    return {
+        {u"boxes"_s, tally.boxes},   {u"right"_s, tally.right},         {u"wrong"_s, tally.wrong},
+        {u"unread"_s, tally.unread}, {u"notInData"_s, tally.notInData}, {u"wrongMissing"_s, tally.wrongMissing},
+    };
+}
+
+// A column of a table: what stands above it, and what a tally puts into it.
+template <typename Figures>
+struct ColumnOf {
     QString heading;
-    std::function<QString(const Tally&)> cell;
+    std::function<QString(const Figures&)> cell;
 };
 
-Column count(const QString& heading, int Tally::* figure) {
-    return {heading, [figure](const Tally& tally) { return QString::number(tally.*figure); }};
+using Column = ColumnOf<Tally>;
+
+template <typename Figures>
+ColumnOf<Figures> count(const QString& heading, int Figures::* figure) {
+    return {heading, [figure](const Figures& tally) { return QString::number(tally.*figure); }};
 }
 
 Column share(const QString& heading, std::vector<double> Tally::* figure, double wanted) {
@@ -192,6 +245,34 @@ std::vector<Column> columns(bool withRepeated) {
         all.push_back(count(u"changed"_s, &Tally::changed));
     }
     return all;
+}
+
+std::vector<ColumnOf<TextTally>> textColumns() {
+    return {
+        count(u"boxes"_s, &TextTally::boxes),
+        count(u"right"_s, &TextTally::right),
+        count(u"wrong"_s, &TextTally::wrong),
+        count(u"unread"_s, &TextTally::unread),
+        count(u"not in the data"_s, &TextTally::notInData),
+        count(u"of these wrong"_s, &TextTally::wrongMissing),
+    };
+}
+
+// What stands to the left of the figures, and these.
+template <typename Figures>
+QStringList row(QStringList head, const std::vector<ColumnOf<Figures>>& columns, const Figures& tally) {
+    for (const auto& column : columns) {
+        head.append(column.cell(tally));
+    }
+    return head;
+}
+
+template <typename Figures>
+QStringList headings(QStringList head, const std::vector<ColumnOf<Figures>>& columns) {
+    for (const auto& column : columns) {
+        head.append(column.heading);
+    }
+    return head;
 }
 
 QStringList aligned(const std::vector<QStringList>& rows, qsizetype leftAligned) {
@@ -237,6 +318,14 @@ std::expected<Truth, QString> parseTruth(const QByteArray& json) {
     }
     truth.language = *known;
     truth.file = record->file;
+    truth.lettering = record->lettering.value_or(QString()).trimmed();
+    for (const TextRecord& text : record->texts.value_or(std::vector<TextRecord>())) {
+        const auto box = boxOf(text.box);
+        if (!box) {
+            return std::unexpected(u"texts[%1].box is not left, top, right, bottom"_s.arg(truth.texts.size()));
+        }
+        truth.texts.push_back({*box, text.text.trimmed(), text.ink.value_or(QString())});
+    }
     if (truth.phase == DraftPhase::idle) {
         return truth; // names on it are not offered
     }
@@ -355,6 +444,20 @@ std::vector<Answer> Judge::judge(const Truth& truth, const Look& look) const {
     return answers;
 }
 
+std::vector<TextAnswer> Judge::judgeTexts(const Truth& truth, const QImage& window, const BoxReader& reader) const {
+    std::vector<TextAnswer> answers;
+    for (const BoxedText& text : truth.texts) {
+        TextAnswer& answer = answers.emplace_back(TextAnswer{text, reader(window, text.box), Verdict::unread});
+        const QString name = WinrateStore::normalize(text.text);
+        if (!cardNames.at(truth.language).contains(name)) {
+            answer.verdict = answer.read ? Verdict::wrongMissing : Verdict::missing;
+        } else if (answer.read) {
+            answer.verdict = WinrateStore::normalize(*answer.read) == name ? Verdict::right : Verdict::wrong;
+        }
+    }
+    return answers;
+}
+
 QStringList remarks(const Picture& picture) {
     QStringList lines;
     for (const Answer& answer : picture.answers) {
@@ -373,6 +476,11 @@ QStringList remarks(const Picture& picture) {
                          u" shown as "_s + read);
         }
     }
+    for (const TextAnswer& answer : picture.texts) {
+        const QString line = u"text %1: %2 %3: %4"_s.arg(verdictName(answer.verdict), picture.path,
+                                                         boxText(answer.offered.box), answer.offered.text);
+        lines.append(answer.read ? line + u", read as "_s + *answer.read : line);
+    }
     return lines;
 }
 
@@ -385,10 +493,16 @@ QJsonObject toJson(const Picture& picture) {
     for (const Answer& answer : picture.answers) {
         answers.append(toJson(answer));
     }
+    QJsonArray texts;
+    for (const TextAnswer& answer : picture.texts) {
+        texts.append(toJson(answer));
+    }
     return {
         {u"picture"_s, picture.path},
         {u"phase"_s, phaseName(picture.truth.phase)},
         {u"language"_s, picture.truth.language.rawValue()},
+        {u"lettering"_s, picture.truth.lettering},
+        {u"texts"_s, texts},
         {u"names"_s, offered},
         {u"slots"_s, answers},
         {u"milliseconds"_s, eachOf(picture.looks, &Look::milliseconds)},
@@ -406,6 +520,15 @@ std::optional<double> quantile(std::vector<double> values, double quantile) {
     const auto below = static_cast<std::size_t>(place);
     const std::size_t above = std::min(below + 1, values.size() - 1);
     return std::lerp(values[below], values[above], place - static_cast<double>(below));
+}
+
+void TextTally::add(const TextAnswer& answer) {
+    ++boxes;
+    right += answer.verdict == Verdict::right;
+    wrong += answer.verdict == Verdict::wrong;
+    unread += answer.verdict == Verdict::unread;
+    notInData += answer.verdict == Verdict::missing || answer.verdict == Verdict::wrongMissing;
+    wrongMissing += answer.verdict == Verdict::wrongMissing;
 }
 
 void Tally::add(const Picture& picture) {
@@ -431,38 +554,63 @@ void Tally::add(const Picture& picture) {
 }
 
 void Totals::add(const Picture& picture) {
+    const QString language = picture.truth.language.rawValue();
     all.add(picture);
-    groups[{picture.truth.language.rawValue(), phaseName(picture.truth.phase)}].add(picture);
+    groups[{language, picture.truth.lettering, phaseName(picture.truth.phase)}].add(picture);
+    for (const TextAnswer& answer : picture.texts) {
+        allTexts.add(answer);
+        textGroups[{language, answer.offered.ink}].add(answer);
+    }
 }
 
 QStringList Totals::table() const {
     const std::vector<Column> figures = columns(!all.repeatedCpuMilliseconds.empty());
-    std::vector<QStringList> rows{{u"language"_s, u"phase"_s}};
-    for (const Column& column : figures) {
-        rows.front().append(column.heading);
-    }
-    const auto addRow = [&](const QString& language, const QString& phase, const Tally& tally) {
-        QStringList& row = rows.emplace_back(QStringList{language, phase});
-        for (const Column& column : figures) {
-            row.append(column.cell(tally));
-        }
+    const bool withLettering =
+        std::ranges::any_of(groups, [](const auto& group) { return !std::get<1>(group.first).isEmpty(); });
+    const auto head = [&](const QString& language, const QString& lettering, const QString& phase) {
+        return withLettering ? QStringList{language, lettering, phase} : QStringList{language, phase};
     };
+    std::vector<QStringList> rows{headings(head(u"language"_s, u"lettering"_s, u"phase"_s), figures)};
     for (const auto& [group, tally] : groups) {
-        addRow(group.first, group.second, tally);
+        const auto& [language, lettering, phase] = group;
+        rows.push_back(row(head(language, lettering, phase), figures, tally));
     }
-    addRow(u"all"_s, {}, all);
-    return aligned(rows, 2);
+    rows.push_back(row(head(u"all"_s, {}, {}), figures, all));
+    QStringList lines = aligned(rows, withLettering ? 3 : 2);
+    if (allTexts.boxes > 0) {
+        const auto textFigures = textColumns();
+        std::vector<QStringList> textRows{headings({u"texts in"_s, u"ink"_s}, textFigures)};
+        for (const auto& [group, tally] : textGroups) {
+            textRows.push_back(row({group.first, group.second}, textFigures, tally));
+        }
+        textRows.push_back(row({u"all"_s, {}}, textFigures, allTexts));
+        lines += aligned(textRows, 2);
+    }
+    return lines;
 }
 
 QJsonObject Totals::toJson() const {
     QJsonArray each;
     for (const auto& [group, tally] : groups) {
         QJsonObject object = figuresOf(tally);
-        object.insert(u"language"_s, group.first);
-        object.insert(u"phase"_s, group.second);
+        object.insert(u"language"_s, std::get<0>(group));
+        object.insert(u"lettering"_s, std::get<1>(group));
+        object.insert(u"phase"_s, std::get<2>(group));
         each.append(object);
     }
-    return {{u"totals"_s, figuresOf(all)}, {u"groups"_s, each}};
+    QJsonArray eachOfTexts;
+    for (const auto& [group, tally] : textGroups) {
+        QJsonObject object = figuresOf(tally);
+        object.insert(u"language"_s, group.first);
+        object.insert(u"ink"_s, group.second);
+        eachOfTexts.append(object);
+    }
+    return {
+        {u"totals"_s, figuresOf(all)},
+        {u"groups"_s, each},
+        {u"texts"_s, figuresOf(allTexts)},
+        {u"textGroups"_s, eachOfTexts},
+    };
 }
 
 } // namespace evaluation

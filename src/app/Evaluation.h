@@ -4,20 +4,24 @@
 #include "draft/DraftModel.h"
 
 #include <QByteArray>
+#include <QImage>
 #include <QJsonObject>
+#include <QRect>
 #include <QSet>
 #include <QString>
 #include <QStringList>
 
 #include <array>
 #include <expected>
+#include <functional>
 #include <map>
 #include <optional>
+#include <tuple>
 #include <utility>
 #include <vector>
 
 // How well pictures are recognised whose truth is known: reading truth files, judging what recognition made of a
-// picture and adding it all up. Looks at no picture itself; docs/formats.md describes what is read and printed.
+// picture and adding it all up. Reads no picture itself; docs/formats.md describes what is read and printed.
 namespace pelloran {
 
 class WinrateStore;
@@ -32,11 +36,22 @@ struct Offer {
     bool operator==(const Offer&) const = default;
 };
 
+// A text that stands on the picture, wherever and whatever it is.
+struct BoxedText {
+    QRect box; // in pixels
+    QString text;
+    QString ink; // "light", "dark" or "orange"; "" where the truth file does not say
+
+    bool operator==(const BoxedText&) const = default;
+};
+
 struct Truth {
     DraftPhase phase = DraftPhase::idle;        // idle: the picture shows no pick at all
     AppLanguage language = AppLanguage::en;     // never `system`
     std::array<std::optional<Offer>, 3> offers; // by slot; absent: not legible, does not count
     std::optional<QString> file;                // name of the picture; absent: the truth file's own, but for the ending
+    QString lettering{}; // in which the names are set, such as "printed"; "" where nothing is said
+    std::vector<BoxedText> texts{};
 
     bool operator==(const Truth&) const = default;
 };
@@ -77,6 +92,18 @@ struct Answer {
     bool operator==(const Answer&) const = default;
 };
 
+// What was made of one boxed text. Never a false offer.
+struct TextAnswer {
+    BoxedText offered;
+    std::optional<QString> read;
+    Verdict verdict = Verdict::unread;
+
+    bool operator==(const TextAnswer&) const = default;
+};
+
+// Reads what stands in the box: one of the names that the data in use has, or nothing.
+using BoxReader = std::function<std::optional<QString>(const QImage& window, const QRect& box)>;
+
 // Compares with the names of the data in use. Cards that were printed again share a name, and a name is all there is to
 // read; so equal names are right, whatever the identifiers.
 class Judge {
@@ -86,6 +113,9 @@ public:
 
     // By slot.
     std::vector<Answer> judge(const Truth& truth, const Look& look) const;
+
+    // Has each of the boxed texts read on its own. They count by the names of cards in the picture's language.
+    std::vector<TextAnswer> judgeTexts(const Truth& truth, const QImage& window, const BoxReader& reader) const;
 
 private:
     struct Known {
@@ -106,12 +136,13 @@ private:
 struct Picture {
     QString path;
     Truth truth;
-    std::vector<Look> looks;     // one for each of rulesFor(truth): the first at this picture
-    std::vector<Look> repeated;  // more of the same, with what the earlier ones taught the reader
-    std::vector<Answer> answers; // to `looks`
+    std::vector<Look> looks;         // one for each of rulesFor(truth): the first at this picture
+    std::vector<Look> repeated;      // more of the same, with what the earlier ones taught the reader
+    std::vector<Answer> answers;     // to `looks`
+    std::vector<TextAnswer> texts{}; // empty where they were not asked for
 };
 
-// A line for each slot that is not as it should be.
+// A line for each slot that is not as it should be, and for each boxed text.
 QStringList remarks(const Picture& picture);
 
 QJsonObject toJson(const Picture& picture);
@@ -119,6 +150,17 @@ QJsonObject toJson(const Picture& picture);
 // The median, the ninth decile and so on: the value below which the share `quantile` of the values lies, on the line
 // between the two values next to it. Absent without values.
 std::optional<double> quantile(std::vector<double> values, double quantile);
+
+struct TextTally {
+    int boxes = 0; // the sum of the next four
+    int right = 0;
+    int wrong = 0;
+    int unread = 0;
+    int notInData = 0;
+    int wrongMissing = 0; // of those not in the data
+
+    void add(const TextAnswer& answer);
+};
 
 struct Tally {
     int pictures = 0;
@@ -137,19 +179,22 @@ struct Tally {
     void add(const Picture& picture);
 };
 
-// Of all pictures, and by language and phase.
+// Of all pictures, and by language, lettering and phase; boxed texts by themselves, and by language and ink.
 class Totals {
 public:
     void add(const Picture& picture);
 
-    // Lines of a table in columns of equal width.
+    // Lines of a table in columns of equal width, and of a second one where boxed texts were read. The first has a
+    // column for the lettering where any is known.
     QStringList table() const;
 
     QJsonObject toJson() const;
 
 private:
     Tally all;
-    std::map<std::pair<QString, QString>, Tally> groups; // by language and name of the phase
+    TextTally allTexts;
+    std::map<std::tuple<QString, QString, QString>, Tally> groups; // by language, lettering and name of the phase
+    std::map<std::pair<QString, QString>, TextTally> textGroups;   // by language and ink
 };
 
 } // namespace evaluation

@@ -13,6 +13,7 @@
 #include "platform/TextReader.h"
 #include "platform/UserDefaults.h"
 #include "publish/Publisher.h"
+#include "reading/BoxedText.h"
 #include "recognition/CardRecognizer.h"
 #include "sync/ConfigSync.h"
 #include "update/AppUpdateChecker.h"
@@ -106,7 +107,7 @@ public:
         if (!load(made->store)) {
             return nullptr;
         }
-        auto reader = TextReader::create();
+        auto reader = TextReader::create(*made->files);
         if (!reader) {
             log(reader.error().reason);
             return nullptr;
@@ -152,6 +153,9 @@ public:
     void forget() { reader->forget(); }
 
     const WinrateStore& winrates() const { return store; }
+
+    // Null where there are none.
+    std::shared_ptr<const Lexicon> cardNames() const { return recognizer.cardHints().names; }
 
 private:
     explicit Recognition(NameLengths lengths)
@@ -205,8 +209,9 @@ std::expected<TruthFile, QString> readTruth(const QFileInfo& file) {
 // What changes from look to look on one picture, such as which lines are read anew, has settled by then.
 constexpr int repetitions = 2;
 
+// Boxed texts are read where there is a reader for them.
 evaluation::Picture evaluateOne(const TruthFile& file, bool ticks, Recognition& recognition,
-                                const evaluation::Judge& judge) {
+                                const evaluation::Judge& judge, const evaluation::BoxReader& boxReader) {
     evaluation::Picture picture{file.picture, file.truth, {}, {}, {}};
     for (const DraftPhase rules : evaluation::rulesFor(file.truth)) {
         if (!ticks) {
@@ -218,6 +223,9 @@ evaluation::Picture evaluateOne(const TruthFile& file, bool ticks, Recognition& 
         for (int i = 0; ticks && i < repetitions; ++i) {
             picture.repeated.push_back(recognition.look(file.image, rules).outcome);
         }
+    }
+    if (boxReader) {
+        picture.texts = judge.judgeTexts(file.truth, file.image, boxReader);
     }
     return picture;
 }
@@ -396,6 +404,19 @@ int run(const EvaluateFolders& command) {
         return EXIT_FAILURE;
     }
     const evaluation::Judge judge(recognition->winrates());
+    std::unique_ptr<ChineseLineReader> chinese;
+    evaluation::BoxReader boxReader;
+    if (command.texts) {
+        auto made = ChineseLineReader::create(*ApplicationFiles::create());
+        if (!made) {
+            log(made.error());
+            return EXIT_FAILURE;
+        }
+        chinese = *std::move(made);
+        boxReader = [&chinese, names = recognition->cardNames()](const QImage& window, const QRect& box) {
+            return names ? readBoxedText(window, box, *chinese, *names) : std::nullopt;
+        };
+    }
     evaluation::Totals totals;
     int result = EXIT_SUCCESS;
     const auto fail = [&result](const QString& problem) {
@@ -413,7 +434,7 @@ int run(const EvaluateFolders& command) {
                 fail(truth.error());
                 continue;
             }
-            const evaluation::Picture picture = evaluateOne(*truth, command.ticks, *recognition, judge);
+            const evaluation::Picture picture = evaluateOne(*truth, command.ticks, *recognition, judge, boxReader);
             totals.add(picture);
             if (command.json) {
                 print(json::line(evaluation::toJson(picture)));

@@ -324,6 +324,11 @@ bool Lexicon::isEmpty() const {
     });
 }
 
+const std::vector<KnownName>& Lexicon::names() const {
+    static const std::vector<KnownName> none;
+    return contents ? contents->names : none;
+}
+
 bool Lexicon::contains(const QString& line) const {
     return contents && contents->index().byNormalized.contains(NameMatching::normalize(line));
 }

@@ -45,6 +45,12 @@ public:
 
     bool isEmpty() const;
 
+    // As given, in that order.
+    const std::vector<KnownName>& names() const;
+
+    // True for the other and all its copies: whoever keeps what it made of the names can tell whether it still holds.
+    bool isSame(const Lexicon& other) const { return contents == other.contents; }
+
     // True when the line is a name, but for case, white space and punctuation (see NameMatching::normalize). A line of
     // which nothing is left is none.
     bool contains(const QString& line) const;

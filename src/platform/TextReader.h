@@ -1,7 +1,7 @@
 #pragma once
 
 #include "names/Lexicon.h"
-#include "platform/LineReader.h"
+#include "platform/ApplicationFiles.h"
 
 #include <QImage>
 #include <QRectF>
@@ -27,6 +27,9 @@ struct OCRToken {
     bool operator==(const OCRToken&) const = default;
 };
 
+// Kinds of letters, each read in a way of its own.
+enum class Script { latin, chinese };
+
 // What the caller knows about the text it is looking for. A reader may use any of it to be faster and surer, and may
 // ignore all of it.
 struct ReadingHints {
@@ -38,7 +41,7 @@ struct ReadingHints {
     Offers offers = Offers::cards;
     // The client's script; absent: the reader finds out.
     std::optional<Script> script;
-    // May be null. With them, a line of Latin letters that none of them settles is no token.
+    // May be null. With them, a line that none of them settles is no token; Chinese lines are read only with them.
     std::shared_ptr<const Lexicon> names;
 };
 
@@ -62,7 +65,8 @@ public:
         QString reason; // for the user: what is missing and what to install
     };
 
-    static std::expected<std::unique_ptr<TextReader>, Unavailable> create();
+    // What is missing for one script alone is logged, and the other is read. `files` need not outlive the call.
+    static std::expected<std::unique_ptr<TextReader>, Unavailable> create(const ApplicationFiles& files);
 
     virtual ~TextReader() = default;
 

@@ -1,13 +1,18 @@
 #include "LineByLineReader.h"
+#include "platform/Log.h"
 
 namespace pelloran {
 
-std::expected<std::unique_ptr<TextReader>, TextReader::Unavailable> TextReader::create() {
+std::expected<std::unique_ptr<TextReader>, TextReader::Unavailable> TextReader::create(const ApplicationFiles& files) {
     auto lines = LineReader::create();
     if (!lines) {
         return std::unexpected(Unavailable{lines.error()});
     }
-    return std::make_unique<LineByLineReader>(std::move(*lines));
+    auto chinese = ChineseLineReader::create(files);
+    if (!chinese) {
+        log(QStringLiteral("Chinese names cannot be read: ") + chinese.error());
+    }
+    return std::make_unique<LineByLineReader>(std::move(*lines), chinese ? std::move(*chinese) : nullptr);
 }
 
 } // namespace pelloran

@@ -1,5 +1,6 @@
 #include "FreeReading.h"
 
+#include "chinese/ChineseLines.h"
 #include "LineCropper.h"
 #include "LineDetector.h"
 #include "LinePicker.h"
@@ -41,7 +42,12 @@ constexpr std::array attempts{
     Attempt{{}, 0.4},
 };
 
-constexpr std::size_t fewestOffers = 2;
+// The form of a line in which the network reads it best.
+constexpr int latinHeight = 36;      // pixels of the picture
+constexpr double latinMargin = 0.16; // around the letters, as a part of their height
+
+constexpr std::size_t fewestCards = 2; // one may be missing from the names
+constexpr std::size_t fewestClasses = 3;
 // Where the middles of names can stand, in heights of the picture: of cards, below which names of choices in battle
 // stand from 0.48 on, and of classes.
 constexpr std::pair cardLevels{0.33, 0.45};
@@ -56,11 +62,6 @@ QRect rectangleIn(const QRectF& fractions, const QSize& size) {
     return QRectF(fractions.x() * size.width(), fractions.y() * size.height(), fractions.width() * size.width(),
                   fractions.height() * size.height())
         .toAlignedRect();
-}
-
-// The form of a line in which the network of `script` reads it best.
-PictureShape pictureShape(Script script) {
-    return script == Script::latin ? PictureShape{36, 0.16} : PictureShape{48, 0.22};
 }
 
 Script other(Script script) {
@@ -126,6 +127,10 @@ private:
     OCRToken tokenOf(const Line& line, const LineReading& reading) const;
     ReadText offer() const;
     ReadText everything() const;
+
+    std::size_t fewestOffers() const {
+        return hints.offers == ReadingHints::Offers::cards ? fewestCards : fewestClasses;
+    }
 
     bool isKnown(const QString& text) const { return hints.names && hints.names->contains(text); }
 
@@ -302,14 +307,24 @@ void Reading::readOnce(const LineRow& row, const Attempt& attempt) {
 }
 
 std::vector<LineReading> Reading::readWith(Script with, const LineRow& row, double margin) {
-    std::vector<LineReader::Work> work;
-    for (const std::size_t index : row) {
-        PictureShape shape = pictureShape(with);
-        shape.margin *= margin;
-        work.push_back({imageOf(picture(*lines[index].clean, shape)), with});
+    std::vector<LineReading> results(row.size()); // those beyond what may be read stay nothing
+    if (with == Script::chinese) {
+        for (std::size_t i = 0; i < row.size() && tools.chinese && hints.names; ++i) {
+            const bool classes = hints.offers == ReadingHints::Offers::heroes;
+            // Letters that are no name by its measures are not to become one by those for Latin letters.
+            const auto reading = readCleanLine(*lines[row[i]].clean, classes ? ofChineseClasses : ofChineseCards,
+                                               *tools.chinese, *hints.names);
+            if (reading && reading->isName) {
+                results[i] = {reading->text, 1 - reading->nameCost / 2};
+            }
+        }
+        return results;
     }
-    std::vector<LineReading> results = tools.read(std::move(work));
-    results.resize(row.size()); // those beyond what may be read: nothing
+    std::vector<QImage> work;
+    for (const std::size_t index : row) {
+        work.push_back(imageOf(picture(*lines[index].clean, {latinHeight, latinMargin * margin})));
+    }
+    std::ranges::copy(tools.read(std::move(work)), results.begin());
     return results;
 }
 
@@ -341,19 +356,16 @@ const LineReading& Reading::bestOf(const Line& line) const {
     });
 }
 
-// What becomes of a reading, if anything. Chinese ones that do not settle stand as they are: their letters are misread
-// one by one, and whoever compares them with the names may forgive that.
+// What becomes of a reading, if anything.
 std::optional<QString> Reading::offered(const LineReading& reading) const {
-    if (const auto settled = hints.names->settle(reading.text)) {
-        return settled->text;
-    }
-    return countChineseLetters(reading.text) > 0 ? std::optional(reading.text) : std::nullopt;
+    const auto settled = hints.names->settle(reading.text);
+    return settled ? std::optional(settled->text) : std::nullopt;
 }
 
 // Three beside each other at the height at which cards have their names and heroes their classes; of cards also two,
 // where one was not found.
 bool Reading::canBeOffers(const LineRow& row) const {
-    if (row.size() < (hints.offers == ReadingHints::Offers::cards ? fewestOffers : 3)) {
+    if (row.size() < fewestOffers()) {
         return false;
     }
     const auto [highest, lowest] = hints.offers == ReadingHints::Offers::cards ? cardLevels : heroLevels;
@@ -373,7 +385,7 @@ OCRToken Reading::tokenOf(const Line& line, const LineReading& reading) const {
             box.height() / image.height()};
 }
 
-// The row in which most lines can be names, if it has two of them: a known word on its own is a keyword or a button.
+// The row in which most lines can be names, if it has enough of them: a known word on its own is a keyword or a button.
 // With them all other lines, for whoever asks.
 ReadText Reading::offer() const {
     ReadText best;
@@ -400,7 +412,7 @@ ReadText Reading::offer() const {
                 (*text.columns)[i] = QRectF(lines[row[i]].box.area).center().x() / image.width();
             }
         }
-        if (text.tokens.size() >= fewestOffers && text.tokens.size() > best.tokens.size()) {
+        if (text.tokens.size() >= fewestOffers() && text.tokens.size() > best.tokens.size()) {
             std::swap(best, text);
         }
         others.insert(others.end(), text.tokens.begin(), text.tokens.end());

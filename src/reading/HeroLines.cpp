@@ -25,6 +25,7 @@ constexpr int widestWord = 160;
 constexpr int lowestWord = 8;
 constexpr double leastInkOfRow = 1.5;    // pixels
 constexpr double leastShareOfRow = 0.08; // of the fullest row's ink
+constexpr double enoughInkOfRow = 5;     // pixels: a short class below a long name has no more in some rows
 constexpr int lowestLine = 7;
 constexpr int tallestLine = 32;
 constexpr int narrowestLine = 18; // two Chinese characters
@@ -79,7 +80,7 @@ Plane brightestChannel(const QImage& strip) {
 
 } // namespace
 
-std::vector<HeroLine> findHeroLines(const QImage& window, const GameFrame& frame, double centre) {
+std::vector<HeroLine> findHeroLines(const QImage& window, const GameFrame& frame, double centre, double stroke) {
     const QRect area = QRectF(QPointF(frame.pixelX(centre - halfStrip), frame.pixelY(stripTop)),
                               QPointF(frame.pixelX(centre + halfStrip), frame.pixelY(stripBottom)))
                            .toAlignedRect()
@@ -107,7 +108,7 @@ std::vector<HeroLine> findHeroLines(const QImage& window, const GameFrame& frame
     for (std::size_t i = 0; i < ink.pixels.size(); ++i) {
         const double amount = std::clamp(double(paper - channel.pixels[i]) / (paper - letter), 0.0, 1.0);
         ink.pixels[i] = std::uint8_t(std::lround(255 * amount));
-        mask.pixels[i] = amount > 0.5;
+        mask.pixels[i] = amount > stroke;
     }
     const Components components = componentsOf(mask);
     std::vector<std::uint8_t> isLetter(components.groups.size() + 1);
@@ -139,9 +140,10 @@ std::vector<HeroLine> findHeroLines(const QImage& window, const GameFrame& frame
     }
     // A single descender may reach down to the next line.
     const double most = *std::ranges::max_element(inkOfRow);
+    const double enough = enoughInkOfRow * stroke / usualStroke;
     int begin = -1;
     for (int y = 0; y <= mask.height; ++y) {
-        if (inkOfRow[std::size_t(y)] > std::max(leastInkOfRow, leastShareOfRow * most)) {
+        if (inkOfRow[std::size_t(y)] > std::clamp(leastShareOfRow * most, leastInkOfRow, enough)) {
             begin = begin < 0 ? y : begin;
             continue;
         }

@@ -17,9 +17,14 @@ struct HeroLine {
     QRectF area;    // the same in pixels of the window
 };
 
+inline constexpr double usualStroke = 0.5;
+inline constexpr double thinStroke = 0.35; // of Chinese characters in small windows
+
 // The lines below the hero with its middle at `centre` (see NamePlaces), the lowest first: the class stands below the
-// hero's name. At most three.
-std::vector<HeroLine> findHeroLines(const QImage& window, const GameFrame& frame, double centre);
+// hero's name. At most three. `stroke` is the least share of full ink that is taken for a stroke: bold letters run
+// together at low shares, thin ones are lost at high ones.
+std::vector<HeroLine> findHeroLines(const QImage& window, const GameFrame& frame, double centre,
+                                    double stroke = usualStroke);
 
 // How the picture of such a line is made for the network.
 struct HeroRecipe {

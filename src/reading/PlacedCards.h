@@ -1,10 +1,13 @@
 #pragma once
 
+#include "LetterRows.h"
 #include "NamePlaces.h"
 #include "PlacedSlots.h"
-#include "Plane.h"
 
+#include <array>
 #include <memory>
+#include <optional>
+#include <vector>
 
 namespace pelloran {
 
@@ -14,23 +17,36 @@ namespace pelloran {
 // while.
 class PlacedCards {
 public:
-    // `picture` must outlive this.
-    explicit PlacedCards(const QImage& picture);
+    // `picture` must outlive this. Names that are settled in `known` are neither looked for nor read again.
+    explicit PlacedCards(const QImage& picture, PlacedSlots known = {});
     ~PlacedCards();
 
-    ReadText read(Script script, ReadingTools& tools, const Lexicon& names);
+    // What the lines at the usual places look like, before any is read: characters have more strokes one above the
+    // other.
+    Script likelyScript();
+
+    // Reads each line at the usual places once. True if one of them is a known name: they are of this script.
+    bool glance(Script script, ReadingTools& tools, const Lexicon& names);
+
+    // Where this game's screens have them, and nowhere else.
+    PlacedRow readUsual(Script script, ReadingTools& tools, const Lexicon& names);
+
+    // Wherever they stand. Of pictures of which no name was known.
+    PlacedRow read(Script script, ReadingTools& tools, const Lexicon& names);
 
 private:
     class Row;
+    struct Sheet;
 
-    const std::vector<Row>& movedRows();
+    Sheet& sheetOf(Script script);
+    std::vector<Row>& movedRows(Sheet& sheet);
 
     const QImage& window;
-    QRect area; // of the window that can hold names
-    Plane plane;
-    GameFrame frame; // in `plane`
-    std::unique_ptr<Row> usual;
-    std::optional<std::vector<Row>> moved; // looked for at the first need
+    const PlacedSlots settledBefore;
+    QRect area;                                       // of the window that can hold names
+    GameFrame frame;                                  // in that area
+    std::array<std::unique_ptr<Sheet>, 2> sheets;     // one for each script, made at the first need
+    std::optional<std::vector<LetterRow>> letterRows; // where names stand that are off their places, likewise
 };
 
 } // namespace pelloran

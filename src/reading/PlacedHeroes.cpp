@@ -1,10 +1,11 @@
 #include "PlacedHeroes.h"
 
+#include "chinese/ChineseLines.h"
 #include "HeroLines.h"
 
 #include <algorithm>
 #include <array>
-#include <span>
+#include <iterator>
 
 namespace pelloran {
 
@@ -21,70 +22,129 @@ constexpr std::array latinAttempts{
     HeroRecipe{.margin = 0.1, .paper = 0, .ink = 0.9},
 };
 
-constexpr std::array chineseAttempts{
-    HeroRecipe{.margin = 0.22, .height = 48},
-    HeroRecipe{.margin = 0.35, .height = 48},
-    HeroRecipe{.margin = 0.22, .paper = 0.3, .ink = 0.7, .height = 48},
-};
+// What has to look the same for a class to be the same: as much beside it as the longest takes up.
+constexpr double halfBand = 0.1;    // heights of the game's picture, from the middle of the hero
+constexpr double bandMargin = 0.25; // above and below, of the height of the letters
+// Where no class was found: all that names and classes can take up.
+constexpr double emptyTop = 0.490;
+constexpr double emptyHeight = 0.065;
+
+std::array<double, 3> middlesOf(const std::array<double, 3>& centres, const QSize& window) {
+    std::array<double, 3> middles{};
+    std::ranges::transform(centres, middles.begin(), [frame = frameOf(window)](double x) { return frame.pixelX(x); });
+    return middles;
+}
 
 // The lines below the three heroes of one of the screens.
 class Heroes {
 public:
-    Heroes(const QImage& picture, const GameFrame& frame, const std::array<double, 3>& centres)
-        : window(picture) {
+    Heroes(const QImage& window, const std::array<double, 3>& centres, Script lettersScript, PlacedSlots known = {})
+        : frame(frameOf(window.size()))
+        , script(lettersScript)
+        , slots(std::move(known))
+        , middles(middlesOf(centres, window.size())) {
         for (std::size_t slot = 0; slot < lines.size(); ++slot) {
-            lines[slot] = findHeroLines(window, frame, centres[slot]);
-            middles[slot] = frame.pixelX(centres[slot]);
+            if (!slots[slot].isSettled()) {
+                lines[slot] = findHeroLines(window, frame, centres[slot]);
+                if (script == Script::chinese) {
+                    std::ranges::move(findHeroLines(window, frame, centres[slot], thinStroke),
+                                      std::back_inserter(lines[slot]));
+                }
+                isRow = isRow && !lines[slot].empty();
+            }
         }
     }
 
-    ReadText read(Script script, ReadingTools& tools, const Lexicon& names) {
-        const std::span<const HeroRecipe> attempts = script == Script::latin
-                                                         ? std::span<const HeroRecipe>(latinAttempts)
-                                                         : std::span<const HeroRecipe>(chineseAttempts);
-        PlacedSlots slots;
-        for (std::size_t index = 0; index < mostLines; ++index) {
-            readLines(slots, index, attempts.front(), script, tools, names);
+    PlacedRow read(ReadingTools& tools, const Lexicon& names) {
+        if (script == Script::latin) {
+            readLatin(tools, names);
+        } else if (tools.chinese) {
+            readChinese(*tools.chinese, names);
         }
-        for (std::size_t attempt = 1; attempt < attempts.size() && countSettled(slots) > 0; ++attempt) {
-            readLines(slots, 0, attempts[attempt], script, tools, names);
-        }
-        const bool isRow = std::ranges::none_of(lines, &std::vector<HeroLine>::empty);
-        return textOf(slots, isRow && countSettled(slots) >= fewestOffers, middles, window.size());
+        return {slots, middles, emptyBands(), isRow && countSettled(slots) >= fewestOffers};
     }
 
 private:
-    void readLines(PlacedSlots& slots, std::size_t index, const HeroRecipe& recipe, Script script, ReadingTools& tools,
-                   const Lexicon& names) const {
+    void readLatin(ReadingTools& tools, const Lexicon& names) {
+        for (std::size_t index = 0; index < mostLines; ++index) {
+            readLines(index, latinAttempts.front(), tools, names);
+        }
+        for (std::size_t attempt = 1; attempt < latinAttempts.size() && countSettled(slots) > 0; ++attempt) {
+            readLines(0, latinAttempts[attempt], tools, names);
+        }
+    }
+
+    void readChinese(ChineseLineReader& reader, const Lexicon& names) {
+        for (std::size_t slot = 0; slot < slots.size(); ++slot) {
+            for (std::size_t index = 0; index < lines[slot].size() && !slots[slot].isSettled(); ++index) {
+                const HeroLine& line = lines[slot][index];
+                if (const auto reading = readHeroLine(line, reader, names)) {
+                    slots[slot].take(*reading, {line.area, {}, true, bandOf(line, slot)});
+                }
+            }
+        }
+    }
+
+    void readLines(std::size_t index, const HeroRecipe& recipe, ReadingTools& tools, const Lexicon& names) {
         std::vector<PlacedWork> work;
         for (std::size_t slot = 0; slot < slots.size(); ++slot) {
             if (!slots[slot].isSettled() && index < lines[slot].size()) {
                 const HeroLine& line = lines[slot][index];
-                work.push_back({slot, {line.area, {}}, imageOf(pictureOf(line, recipe))});
+                work.push_back({slot, {line.area, {}, true, bandOf(line, slot)}, imageOf(pictureOf(line, recipe))});
             }
         }
-        readInto(slots, std::move(work), script, tools, names);
+        readInto(slots, std::move(work), tools, names);
     }
 
-    const QImage& window;
-    std::array<std::vector<HeroLine>, 3> lines;
-    std::array<double, 3> middles{};
+    std::array<LinePlace, 3> emptyBands() const {
+        std::array<LinePlace, 3> bands{};
+        for (std::size_t slot = 0; slot < bands.size(); ++slot) {
+            const double half = halfBand * frame.height;
+            bands[slot] = LinePlace::along(middles[slot] - half, middles[slot] + half, emptyHeight * frame.height,
+                                           [this](double) { return frame.pixelY(emptyTop); });
+        }
+        return bands;
+    }
+
+    LinePlace bandOf(const HeroLine& line, std::size_t slot) const {
+        const double half = halfBand * frame.height;
+        const double margin = bandMargin * line.area.height();
+        return LinePlace::along(middles[slot] - half, middles[slot] + half, line.area.height() + 2 * margin,
+                                [&](double) { return line.area.top() - margin; });
+    }
+
+    const GameFrame frame;
+    const Script script;
+    PlacedSlots slots;
+    const std::array<double, 3> middles;
+    std::array<std::vector<HeroLine>, 3> lines; // of what is not settled
+    bool isRow = true;                          // there is a line below each hero
 };
 
 } // namespace
 
-ReadText readHeroesAtPlaces(const QImage& window, Script script, ReadingTools& tools, const Lexicon& names) {
-    ReadText best;
+PlacedRow readHeroesAtPlaces(const QImage& window, Script script, ReadingTools& tools, const Lexicon& names) {
+    PlacedRow best;
     for (const auto& centres : heroCentres) {
-        const ReadText text = Heroes(window, frameOf(window.size()), centres).read(script, tools, names);
-        if (text.tokens.size() > best.tokens.size() || best.tokens.empty()) {
-            best = text;
+        PlacedRow row = Heroes(window, centres, script).read(tools, names);
+        if (row.countOffers() > best.countOffers() || best.countOffers() == 0) {
+            best = std::move(row);
         }
-        if (best.tokens.size() == centres.size()) {
+        if (best.countOffers() == std::ssize(centres)) {
             break;
         }
     }
     return best;
+}
+
+PlacedRow readHeroesAgain(const QImage& window, Script script, ReadingTools& tools, const Lexicon& names,
+                          const PlacedRow& earlier) {
+    for (const auto& centres : heroCentres) {
+        if (middlesOf(centres, window.size()) == earlier.middles) {
+            return Heroes(window, centres, script, earlier.slots).read(tools, names);
+        }
+    }
+    return {};
 }
 
 } // namespace pelloran

@@ -8,9 +8,9 @@ namespace pelloran {
 
 namespace {
 
-constexpr qsizetype fewestLetters = 4; // of a reading that says what is printed
-constexpr qsizetype fewestChineseLetters = 2;
-constexpr float sureEnough = 0.5F; // confidence of such a reading
+constexpr qsizetype fewestLetters = 4; // of a Latin reading that says what is printed
+constexpr float sureEnough = 0.5F;     // its confidence
+constexpr float printedCost = 0.5F;    // of Chinese characters that are no known name, yet clearly characters
 
 OCRToken tokenOf(const QString& text, const PlacedSlot& slot, const QSize& window) {
     const QRectF& box = slot.source().box;
@@ -30,9 +30,7 @@ void PlacedSlot::take(const LineReading& read, const PlacedLine& from, const Lex
     }
     const bool wasSettled = settled.has_value();
     const auto result = names.settle(read.text, from.kinds);
-    const bool chinese = countChineseLetters(read.text) > 0;
-    // Confidence is a poor judge of misread Chinese names; how close they come to a name that exists is a good one.
-    const double value = result ? 1 : chinese ? names.resemblance(read.text) : double(read.confidence);
+    const double value = result ? 1 : double(read.confidence);
     if (result ? !settled || result->distance < settled->distance : !settled && value > worth) {
         settled = result;
         reading = read;
@@ -42,7 +40,7 @@ void PlacedSlot::take(const LineReading& read, const PlacedLine& from, const Lex
     // A line that comes out the same from different pictures of it says what is printed there. If that cannot well be a
     // known name, it is one that is missing from the list, however near another one may be.
     const QString letters = ReadingDistance::folded(read.text);
-    if (chinese || letters.size() < fewestLetters || read.confidence < sureEnough) {
+    if (letters.size() < fewestLetters || read.confidence < sureEnough) {
         return;
     }
     // Where a reading along another curve has settled, only one along the same curve says the same again.
@@ -58,26 +56,38 @@ void PlacedSlot::take(const LineReading& read, const PlacedLine& from, const Lex
     seen.push_back(sight);
 }
 
-std::optional<QString> PlacedSlot::offer() const {
-    if (settled) {
-        return settled->text;
+void PlacedSlot::take(const ChineseReading& read, const PlacedLine& from) {
+    const bool another = !settled && looksLike && looksLike->text.size() == read.text.size() &&
+                         contradicts(looksLike->letterCost, read.nameCost);
+    const bool isName = read.isName && !another;
+    const float confidence = std::clamp(1 - read.nameCost, 0.0F, 1.0F);
+    if (settled || (!isName && double(confidence) <= worth)) {
+        return;
     }
-    return countChineseLetters(reading.text) >= fewestChineseLetters ? std::optional(reading.text) : std::nullopt;
+    reading = {read.text, confidence};
+    worth = confidence;
+    line = from;
+    if (isName) {
+        settled = {read.text, 0};
+    }
+    unknown = !isName && read.letterCost <= printedCost && read.text.size() > 1;
+    if (!isName && (!looksLike || read.letterCost < looksLike->letterCost)) {
+        looksLike = read;
+    }
 }
 
 std::ptrdiff_t countSettled(const PlacedSlots& slots) {
     return std::ranges::count_if(slots, &PlacedSlot::isSettled);
 }
 
-void readInto(PlacedSlots& slots, std::vector<PlacedWork> work, Script script, ReadingTools& tools,
-              const Lexicon& names) {
+void readInto(PlacedSlots& slots, std::vector<PlacedWork> work, ReadingTools& tools, const Lexicon& names) {
     if (work.empty()) {
         return;
     }
-    std::vector<LineReader::Work> pictures;
+    std::vector<QImage> pictures;
     pictures.reserve(work.size());
     for (const PlacedWork& each : work) {
-        pictures.push_back({each.picture, script});
+        pictures.push_back(each.picture);
     }
     const std::vector<LineReading> readings = tools.read(std::move(pictures));
     for (std::size_t i = 0; i < readings.size(); ++i) {
@@ -85,17 +95,21 @@ void readInto(PlacedSlots& slots, std::vector<PlacedWork> work, Script script, R
     }
 }
 
-ReadText textOf(const PlacedSlots& slots, bool isOffer, const std::array<double, 3>& middles, const QSize& window) {
+std::ptrdiff_t PlacedRow::countOffers() const {
+    return isOffer ? std::ranges::count_if(slots, [](const PlacedSlot& slot) { return slot.offer().has_value(); }) : 0;
+}
+
+ReadText textOf(const PlacedRow& row, const QSize& window) {
     ReadText text;
-    for (const PlacedSlot& slot : slots) {
-        if (const auto offer = slot.offer(); offer && isOffer) {
+    for (const PlacedSlot& slot : row.slots) {
+        if (const auto offer = slot.offer(); offer && row.isOffer) {
             text.tokens.push_back(tokenOf(*offer, slot, window));
         } else if (!slot.read().text.isEmpty()) {
             text.unsettled.push_back(tokenOf(slot.read().text, slot, window));
         }
     }
-    if (isOffer) {
-        text.columns = middles;
+    if (row.isOffer) {
+        text.columns = row.middles;
         for (double& middle : *text.columns) {
             middle /= window.width();
         }

@@ -108,6 +108,16 @@ Plane lightness(const QImage& image, const QRect& area, Lettering lettering) {
                 const QRgb pixel = pixels[x];
                 row[x] = std::uint8_t(std::min({pixel & 255U, (pixel >> 8) & 255U, (pixel >> 16) & 255U}));
             }
+        } else if (lettering == Lettering::grey) {
+            for (int x = 0; x < plane.width; ++x) {
+                const QRgb pixel = pixels[x];
+                const int blue = int(pixel & 255U);
+                const int green = int((pixel >> 8) & 255U);
+                const int red = int((pixel >> 16) & 255U);
+                const int darkest = std::min(std::min(red, green), blue);
+                const int lightest = std::max(std::max(red, green), blue);
+                row[x] = std::uint8_t(std::max(0, darkest - 3 * (lightest - darkest) / 2));
+            }
         } else {
             for (int x = 0; x < plane.width; ++x) {
                 const QRgb pixel = pixels[x];

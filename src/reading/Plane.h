@@ -8,8 +8,9 @@
 
 namespace pelloran {
 
-// Colours of letters that are lighter than what is around them.
-enum class Lettering { white, whiteOrGolden };
+// Colours of letters that are lighter than what is around them. Grey ones are told from coloured ground as bright as
+// they are.
+enum class Lettering { white, whiteOrGolden, grey };
 
 // One byte a pixel, rows without gaps.
 struct Plane {
@@ -34,7 +35,8 @@ struct Plane {
 };
 
 // Lightness of the part `area` of `image` (clipped to it), in which white letters stand out and saturated colours do
-// not: the darkest of the three colour channels, for golden letters averaged with luma. Any format.
+// not: the darkest of the three colour channels, for golden letters averaged with luma, for grey ones less one and a
+// half times the distance to the lightest. Any format.
 Plane lightness(const QImage& image, const QRect& area, Lettering lettering);
 
 // The pixels of `area`, which must lie within the plane.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "chinese/ChineseLineReader.h"
 #include "platform/LineReader.h"
 
 #include <algorithm>
@@ -7,18 +8,14 @@
 
 namespace pelloran {
 
-// Han characters of a text.
-inline qsizetype countChineseLetters(const QString& text) {
-    return std::ranges::count_if(text, [](QChar character) { return character.script() == QChar::Script_Han; });
-}
-
 // What a way to read one image needs.
 struct ReadingTools {
     LineReader& lines;
-    std::size_t readingsLeft = 24; // of lines: whatever the image shows, reading it ends
+    ChineseLineReader* chinese = nullptr; // null: lines of Chinese characters cannot be read
+    std::size_t readingsLeft = 24;        // of lines: whatever the image shows, reading it ends
 
-    // At most as many readings as are left, in the order of the work.
-    std::vector<LineReading> read(std::vector<LineReader::Work> work) {
+    // Lines of Latin letters, at most as many as are left, in their order.
+    std::vector<LineReading> read(std::vector<QImage> work) {
         work.resize(std::min(work.size(), readingsLeft));
         readingsLeft -= work.size();
         return lines.read(work);

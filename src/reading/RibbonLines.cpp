@@ -17,26 +17,14 @@ constexpr double roomBelow = 0.012; // under the lowest
 constexpr double halfStrip = 0.105; // names reach 0.1 from the middle of the card
 constexpr double halfPicture = 0.108;
 
-// Pixels of the strip. Smaller are grain, larger are ribbon, art and frames.
-constexpr int lowestLetter = 5;
+// Pixels of the strip.
 constexpr int tallestLetter = 21;
 constexpr int widestLetter = 40; // a few that touch
-constexpr int leastLetterArea = 10;
 
-// From the baseline, downwards: small letters stand from `bodyTop` to it; the outline's upper side and what is below
-// the baseline, but for descenders, are no ink.
-constexpr double bodyTop = -0.0095;
-constexpr double aboveTop = -0.020;
-constexpr double aboveBottom = -0.0145;
-constexpr double belowTop = 0.0012;
-constexpr double belowBottom = 0.006;
-constexpr double capitalHeight = 0.0135; // of the tallest
-constexpr double penaltyAbove = 1;       // capitals and accents of neighbours reach there
+constexpr double penaltyAbove = 1;
 constexpr double penaltyBelow = 2;
 
 constexpr double baseTolerance = 0.004; // at which a line is half as likely as at its usual place
-constexpr double leastScore = 60;       // three small letters
-constexpr double widestGap = 0.023;     // between words; beyond it stands something else
 constexpr int leastColumns = 8;         // with ink
 constexpr double recentreFrom =
     0.003; // names are centred on their cards; what is further off is found anew around itself
@@ -67,17 +55,21 @@ struct Strip {
     double halfWidth; // to both sides of the centre
     double scale;     // pixels of the result a height
     double pivot = 0; // under the base: here letters, which are turned with the curve, keep their places
+    double from = -1; // from the centre: only what lies between is wanted
+    double to = 1;
 };
 
 Plane unbent(const Plane& plane, const GameFrame& frame, const NameCurve& curve, const Strip& strip) {
     static const auto weights = cubicWeights();
-    const int columns = std::max(1, int(std::lround(2 * strip.halfWidth * strip.scale)));
+    const int whole = std::max(1, int(std::lround(2 * strip.halfWidth * strip.scale)));
+    const int first = std::clamp(int((strip.halfWidth + strip.from) * strip.scale), 0, whole);
+    const int columns = std::clamp(int((strip.halfWidth + strip.to) * strip.scale), first, whole) - first;
     const int rows = std::max(1, int(std::lround((strip.above + strip.below) * strip.scale)));
     Plane result(columns, rows);
     std::vector<double> shift(static_cast<std::size_t>(columns));
     std::vector<double> lean(static_cast<std::size_t>(columns));
     for (int column = 0; column < columns; ++column) {
-        const double x = (column + 0.5) / strip.scale - strip.halfWidth;
+        const double x = (first + column + 0.5) / strip.scale - strip.halfWidth;
         shift[std::size_t(column)] = strip.base + curve.at(x);
         lean[std::size_t(column)] = curve.slopeAt(x);
     }
@@ -88,7 +80,7 @@ Plane unbent(const Plane& plane, const GameFrame& frame, const NameCurve& curve,
         const double depth = v - strip.pivot;
         std::uint8_t* out = result.row(row);
         for (int column = 0; column < columns; ++column) {
-            const double x = (column + 0.5) / strip.scale - strip.halfWidth - depth * lean[std::size_t(column)];
+            const double x = (first + column + 0.5) / strip.scale - strip.halfWidth - depth * lean[std::size_t(column)];
             const double pixelX = std::clamp(frame.pixelX(strip.centre + x) - 0.5, -1.0, double(plane.width));
             const double pixelY =
                 std::clamp(frame.pixelY(shift[std::size_t(column)] + v) - 0.5, -1.0, double(plane.height));
@@ -120,14 +112,14 @@ Plane unbent(const Plane& plane, const GameFrame& frame, const NameCurve& curve,
 }
 
 // What of a strip is letters: 1, elsewhere 0.
-Plane lettersIn(const Plane& strip) {
-    Plane mask = outlinedInk(strip);
+Plane lettersIn(const Plane& strip, const RibbonLetters& letters) {
+    Plane mask = outlinedInk(strip, letters.outline);
     const Components components = componentsOf(mask);
     std::vector<std::uint8_t> isLetter(components.groups.size() + 1);
     for (std::size_t i = 0; i < components.groups.size(); ++i) {
         const QRect& box = components.groups[i].box;
-        isLetter[i + 1] = box.height() >= lowestLetter && box.height() <= tallestLetter &&
-                          box.width() <= widestLetter && components.groups[i].area >= leastLetterArea &&
+        isLetter[i + 1] = box.height() >= letters.lowest && box.height() <= tallestLetter &&
+                          box.width() <= widestLetter && components.groups[i].area >= letters.leastArea &&
                           box.left() > 0 && box.right() < strip.width - 1;
     }
     for (std::size_t i = 0; i < mask.pixels.size(); ++i) {
@@ -148,13 +140,13 @@ struct Search {
     int row = 0; // of the baseline
 };
 
-Search searchAlong(const Plane& plane, const GameFrame& frame, const NameCurve& curve, double centre, double from,
-                   double to) {
+Search searchAlong(const Plane& plane, const GameFrame& frame, const NameCurve& curve, const RibbonLetters& letters,
+                   double centre, double from, double to) {
     Search found;
     // The search begins far above most baselines. Turned about its beginning, letters would move outwards on the way.
     const double likely = std::clamp((curve.bases[0] + curve.bases[1]) / 2, from, to);
     const Strip strip{centre, from, roomAbove, to - from + roomBelow, halfStrip, searchScale, likely - from};
-    found.letters = lettersIn(unbent(plane, frame, curve, strip));
+    found.letters = lettersIn(unbent(plane, frame, curve, strip), letters);
     std::vector<int> inkAbove(std::size_t(found.letters.height) + 1); // each row, in all rows over it
     for (int y = 0; y < found.letters.height; ++y) {
         int ink = 0;
@@ -170,8 +162,9 @@ Search searchAlong(const Plane& plane, const GameFrame& frame, const NameCurve& 
     const int first = searchPixels(roomAbove);
     for (int row = first; row <= first + searchPixels(to - from); ++row) {
         const auto at = [row](double offset) { return row + searchPixels(offset); };
-        const double score = inkBetween(at(bodyTop), row) - penaltyAbove * inkBetween(at(aboveTop), at(aboveBottom)) -
-                             penaltyBelow * inkBetween(at(belowTop), at(belowBottom));
+        const double score = inkBetween(at(letters.bodyTop), row) -
+                             penaltyAbove * inkBetween(at(letters.aboveTop), at(letters.aboveBottom)) -
+                             penaltyBelow * inkBetween(at(letters.belowTop), at(letters.belowBottom));
         if (score > found.score) {
             found.score = score;
             found.row = row;
@@ -182,8 +175,8 @@ Search searchAlong(const Plane& plane, const GameFrame& frame, const NameCurve& 
 }
 
 // Ends of the name on a baseline, from the middle of the strip; the longest run where something else stands beside it.
-std::optional<std::pair<double, double>> extentOf(const Search& search) {
-    const int top = std::max(0, search.row - searchPixels(capitalHeight));
+std::optional<std::pair<double, double>> extentOf(const Search& search, const RibbonLetters& letters) {
+    const int top = std::max(0, search.row - searchPixels(letters.tallest));
     const int width = search.letters.width;
     int bestStart = 0;
     int bestEnd = 0;
@@ -206,7 +199,7 @@ std::optional<std::pair<double, double>> extentOf(const Search& search) {
         if (!inked) {
             continue;
         }
-        if (start < 0 || x - last > searchPixels(widestGap)) {
+        if (start < 0 || x - last > searchPixels(letters.widestGap)) {
             close();
             start = x;
             ink = 0;
@@ -233,14 +226,14 @@ double likelihood(const NameCurve& curve, double base) {
 } // namespace
 
 std::vector<RibbonLine> findRibbonLines(const Plane& plane, const GameFrame& frame, double centre,
-                                        const BaseRange& range) {
+                                        const BaseRange& range, const RibbonLetters& letters) {
     std::vector<RibbonLine> lines;
     if (plane.pixels.empty()) {
         return lines;
     }
     for (const NameCurve& curve : nameCurves) {
-        Search search = searchAlong(plane, frame, curve, centre, range.from, range.to);
-        auto ends = search.score > 0 ? extentOf(search) : std::nullopt;
+        Search search = searchAlong(plane, frame, curve, letters, centre, range.from, range.to);
+        auto ends = search.score > 0 ? extentOf(search, letters) : std::nullopt;
         if (!ends) {
             continue;
         }
@@ -248,9 +241,9 @@ std::vector<RibbonLine> findRibbonLines(const Plane& plane, const GameFrame& fra
         const double middle = (ends->first + ends->second) / 2;
         if (std::abs(middle) > recentreFrom) {
             line.centre += std::clamp(middle, -furthestCentre, furthestCentre);
-            search =
-                searchAlong(plane, frame, curve, line.centre, line.base - recentreRange, line.base + recentreRange);
-            ends = search.score > 0 ? extentOf(search) : std::nullopt;
+            search = searchAlong(plane, frame, curve, letters, line.centre, line.base - recentreRange,
+                                 line.base + recentreRange);
+            ends = search.score > 0 ? extentOf(search, letters) : std::nullopt;
             if (!ends) {
                 continue;
             }
@@ -263,10 +256,22 @@ std::vector<RibbonLine> findRibbonLines(const Plane& plane, const GameFrame& fra
         lines.push_back(line);
     }
     std::ranges::stable_sort(lines, std::greater{}, &RibbonLine::score);
-    if (!lines.empty() && lines.front().score < leastScore) {
+    if (!lines.empty() && lines.front().score < letters.leastScore) {
         lines.clear();
     }
     return lines;
+}
+
+RibbonStrip stripOf(const RibbonLine& line, const Plane& plane, const GameFrame& frame, const RibbonCut& cut) {
+    const double scale = cut.rows / (cut.above + cut.below);
+    RibbonStrip strip;
+    const double from = std::max(-halfPicture, line.left - cut.beside);
+    const double to = std::min(halfPicture, line.right + cut.beside);
+    strip.plane = unbent(plane, frame, *line.curve,
+                         {line.centre, line.base, cut.above, cut.below, halfPicture, scale, 0, from, to});
+    strip.left = std::clamp(int((line.left - from) * scale), 0, strip.plane.width);
+    strip.right = std::clamp(int((line.right - from) * scale), strip.left, strip.plane.width);
+    return strip;
 }
 
 std::optional<Plane> pictureOf(const RibbonLine& line, const Plane& plane, const GameFrame& frame,
@@ -274,14 +279,10 @@ std::optional<Plane> pictureOf(const RibbonLine& line, const Plane& plane, const
     constexpr double margin = 0.007; // beside the letters
     constexpr int leastRelief = 40;  // of the letters over the ribbon, 0 to 255
     const double scale = recipe.height / (recipe.above + recipe.below);
-    const Plane whole =
-        unbent(plane, frame, *line.curve, {line.centre, line.base, recipe.above, recipe.below, halfPicture, scale});
-    const int left = std::clamp(int((halfPicture + line.left - margin) * scale), 0, whole.width);
-    const int right = std::clamp(int((halfPicture + line.right + margin) * scale), left, whole.width);
-    if (right == left || whole.height == 0) {
+    const Plane letters = stripOf(line, plane, frame, {recipe.above, recipe.below, margin, recipe.height}).plane;
+    if (letters.pixels.empty()) {
         return std::nullopt;
     }
-    const Plane letters = part(whole, QRect(left, 0, right - left, whole.height));
 
     const double ribbon = percentile(letters, 0.5);
     const double fill = percentile(letters, 0.97);
@@ -298,7 +299,7 @@ std::optional<Plane> pictureOf(const RibbonLine& line, const Plane& plane, const
         mask.pixels[i] = ink.pixels[i] > 127;
     }
     // The ribbon's edge, the art above and the gem below: what touches the edge without reaching into the letters.
-    const int top = int((recipe.above + bodyTop) * scale);
+    const int top = int((recipe.above + latinOnRibbons.bodyTop) * scale);
     const int bottom = int(recipe.above * scale);
     const Components components = componentsOf(mask);
     std::vector<std::uint8_t> isJunk(components.groups.size() + 1);

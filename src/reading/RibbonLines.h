@@ -1,6 +1,7 @@
 #pragma once
 
 #include "NamePlaces.h"
+#include "OutlinedInk.h"
 #include "Plane.h"
 
 #include <optional>
@@ -25,10 +26,53 @@ struct BaseRange {
     bool usual = true; // the usual places are likelier than others within the range
 };
 
+// What letters on a ribbon look like.
+struct RibbonLetters {
+    OutlineLimits outline;
+    // Pixels at 900 a height. Smaller things are grain, larger are ribbon, art and frames.
+    int lowest;
+    int leastArea;
+    // In heights of the game's picture, from the baseline downwards: where each name has ink, and where it has next to
+    // none: the upper side of the outline, and what is below.
+    double bodyTop;
+    double aboveTop;
+    double aboveBottom;
+    double belowTop;
+    double belowBottom;
+    double tallest;    // over the baseline
+    double widestGap;  // between words; beyond it stands something else
+    double leastScore; // of a line (see RibbonLine)
+};
+
+// Small letters stand from `bodyTop` to the baseline; capitals and accents of neighbours reach above. The score is that
+// of three small letters.
+inline constexpr RibbonLetters latinOnRibbons{ofWhiteLetters, 5,     10,     -0.0095, -0.020, -0.0145,
+                                              0.0012,         0.006, 0.0135, 0.023,   60};
+// Characters have parts of any size, a single stroke among them. Two of few strokes are the least there is.
+inline constexpr RibbonLetters chineseOnRibbons{ofGreyLetters, 2,     4,      -0.0125, -0.0225, -0.0170,
+                                                0.0020,        0.007, 0.0150, 0.030,   30};
+
 // The name of the card with its middle at `centre`, as each kind of ribbon would have it, the likeliest first; empty
-// when there is none. `plane` is lightness at which white letters stand out.
+// when there is none. `plane` is lightness at which its letters stand out.
 std::vector<RibbonLine> findRibbonLines(const Plane& plane, const GameFrame& frame, double centre,
-                                        const BaseRange& range = {});
+                                        const BaseRange& range = {}, const RibbonLetters& letters = latinOnRibbons);
+
+// The straightened ribbon around a line, in brightness.
+struct RibbonStrip {
+    Plane plane;
+    int left = 0; // columns in which the line's letters were found
+    int right = 0;
+};
+
+// Which part of it, in heights of the game's picture.
+struct RibbonCut {
+    double above; // the baseline
+    double below;
+    double beside; // the letters, at each end
+    int rows;      // pixels
+};
+
+RibbonStrip stripOf(const RibbonLine& line, const Plane& plane, const GameFrame& frame, const RibbonCut& cut);
 
 // How the picture of a line is made for the network. Readings that fail are worth another try with other values: the
 // network is easily thrown off, and reads the same letters a little larger or thinner right.

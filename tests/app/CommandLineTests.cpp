@@ -91,8 +91,10 @@ TEST(CommandLine, TakesTheFoldersOfAnEvaluation) {
     EXPECT_EQ(plain.folders, (QStringList{QStringLiteral("screens"), QStringLiteral("more")}));
     EXPECT_FALSE(plain.ticks);
     EXPECT_FALSE(plain.json);
-    const auto full = parsed<EvaluateFolders>("evaluate --json screens --ticks");
+    EXPECT_FALSE(plain.texts);
+    const auto full = parsed<EvaluateFolders>("evaluate --json screens --texts --ticks");
     EXPECT_TRUE(full.ticks);
+    EXPECT_TRUE(full.texts);
     EXPECT_TRUE(full.json);
 }
 

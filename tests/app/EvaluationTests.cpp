@@ -90,6 +90,18 @@ TEST(ParseTruth, TakesBothFormsOfTruth) {
          R"({"phase": "none", "language": "zh", "names": ["火球术"]})",
          {DraftPhase::idle, AppLanguage::zh, {}, {}}},
         {"no pick needs no names", R"({"phase": "none", "language": "en"})", {}},
+        {"a lettering",
+         R"({"phase": "none", "language": "zh", "lettering": "clerical"})",
+         {DraftPhase::idle, AppLanguage::zh, {}, {}, text("clerical")}},
+        {"texts in boxes, of which right and lower edges are outside",
+         R"({"phase": "none", "language": "zh", "texts": [
+             {"box": [10, 20, 40, 35], "text": "火球术 ", "ink": "light"}, {"box": [0, 0, 1, 1.0], "text": "七"}]})",
+         {DraftPhase::idle,
+          AppLanguage::zh,
+          {},
+          {},
+          {},
+          {{QRect(10, 20, 30, 15), text("火球术"), text("light")}, {QRect(0, 0, 1, 1), text("七"), {}}}}},
         {"a picture of another name",
          R"({"phase": "none", "language": "en", "file": "shot.jpg"})",
          {DraftPhase::idle, AppLanguage::en, {}, text("shot.jpg")}},
@@ -117,6 +129,22 @@ TEST(ParseTruth, SaysWhatIsWrong) {
         {"a pick without names", R"({"phase": "cardPick", "lang": "en"})", "names"},
         {"four names", R"({"phase": "cardPick", "lang": "en", "names": ["a", "b", "c", "d"]})", "three"},
         {"a name that is none", R"({"phase": "cardPick", "lang": "en", "names": ["a", 2]})", "names[1]"},
+        {"a box without a lower edge", R"({"phase": "none", "lang": "en", "texts": [{"box": [1, 2, 3], "text": "a"}]})",
+         "texts[0].box"},
+        {"a box turned inside out",
+         R"({"phase": "none", "lang": "en", "texts": [{"box": [1, 2, 3, 4], "text": "a"},
+             {"box": [5, 2, 3, 4], "text": "a"}]})",
+         "texts[1].box"},
+        {"an empty box", R"({"phase": "none", "lang": "en", "texts": [{"box": [1, 4, 3, 4], "text": "a"}]})",
+         "texts[0].box"},
+        {"a box beyond all windows",
+         R"({"phase": "none", "lang": "en", "texts": [{"box": [0, 0, 4294967297, 4], "text": "a"}]})", "texts[0].box"},
+        {"a box left of the picture",
+         R"({"phase": "none", "lang": "en", "texts": [{"box": [-1, 2, 3, 4], "text": "a"}]})", "texts[0].box"},
+        {"half a pixel", R"({"phase": "none", "lang": "en", "texts": [{"box": [0.5, 2, 3, 4], "text": "a"}]})",
+         "texts[0].box[0]"},
+        {"a box without its text", R"({"phase": "none", "lang": "en", "texts": [{"box": [1, 2, 3, 4]}]})",
+         "texts[0].text"},
         {"a slot that is none", R"({"phase": "cardPick", "lang": "en", "slots": {"left": "a"}})", "slots.left"},
     };
     for (const Case& c : cases) {
@@ -218,6 +246,46 @@ TEST_F(JudgeTest, GoesBySlots) {
     EXPECT_EQ(answers[0].verdict, Verdict::wrong) << "both are there, but in each other's place";
     EXPECT_EQ(answers[1].verdict, Verdict::wrong);
     EXPECT_EQ(answers[2].verdict, std::nullopt);
+}
+
+TEST_F(JudgeTest, HasEachTextReadInItsBox) {
+    struct Case {
+        const char* why;
+        AppLanguage language;
+        const char* printed;
+        const char* read;
+        Verdict verdict;
+    };
+
+    const Case cases[] = {
+        {"the name", AppLanguage::zh, "火球术", "火球术", Verdict::right},
+        {"compared as names are matched", AppLanguage::en, "Fire ball!", "FIREBALL", Verdict::right},
+        {"another name", AppLanguage::zh, "火球术", "寒冰箭", Verdict::wrong},
+        {"nothing", AppLanguage::zh, "火球术", nullptr, Verdict::unread},
+        {"no name, nothing read", AppLanguage::zh, "隐藏", nullptr, Verdict::missing},
+        {"no name, and a name read", AppLanguage::zh, "隐藏", "火球术", Verdict::wrongMissing},
+        {"no name in this language", AppLanguage::en, "火球术", "火球术", Verdict::wrongMissing},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const BoxedText boxed{QRect(3, 4, 5, 6), text(c.printed), text("dark")};
+        const Truth truth{DraftPhase::idle, c.language, {}, {}, {}, {boxed}};
+        const QImage window(20, 10, QImage::Format_RGB32);
+        const auto answers = judge.judgeTexts(truth, window, [&](const QImage& seen, const QRect& box) {
+            EXPECT_EQ(seen.cacheKey(), window.cacheKey());
+            EXPECT_EQ(box, boxed.box);
+            return optionalText(c.read);
+        });
+        EXPECT_EQ(answers, (std::vector{TextAnswer{boxed, optionalText(c.read), c.verdict}}));
+    }
+}
+
+TEST_F(JudgeTest, ReadsNothingWhereThereAreNoTexts) {
+    const auto reader = [](const QImage&, const QRect&) -> std::optional<QString> {
+        ADD_FAILURE() << "nothing to read";
+        return std::nullopt;
+    };
+    EXPECT_TRUE(judge.judgeTexts(Truth(), QImage(), reader).empty());
 }
 
 TEST(Quantile, LiesBetweenTheValuesNextToIt) {
@@ -325,6 +393,85 @@ all                        2      2      0      1       0                1      
     EXPECT_TRUE(table[2].endsWith(text("           -     -        0"))) << table[2].toStdString();
 }
 
+TEST_F(EvaluationTest, TabulatesLetteringsApart) {
+    const Look nothing = look(DraftPhase::cardPick, {nullptr, nullptr, nullptr});
+    const Look fireball = look(DraftPhase::cardPick, {"FIREBALL", nullptr, nullptr});
+    const char* const printed =
+        R"({"phase": "cardPick", "language": "zh", "lettering": "printed", "names": ["火球术"]})";
+    const char* const clerical =
+        R"({"phase": "cardPick", "language": "zh", "lettering": "clerical", "names": ["火球术"]})";
+    Totals totals;
+    totals.add(picture("a.png", printed, {fireball}));
+    totals.add(picture("b.png", clerical, {nothing}));
+    totals.add(picture("c.png", clerical, {fireball}));
+    totals.add(wrong);
+    EXPECT_EQ(
+        totals.table().join(u'\n'),
+        text(
+            R"(language  lettering  phase     pictures  slots  right  wrong  unread  not in the data  of these wrong  false offers  CPU ms    p90  wall ms    p90
+en                   cardPick         1      2      0      1       0                1               0             0   600.0  600.0    300.0  300.0
+zh        clerical   cardPick         2      2      1      0       1                0               0             0     0.0    0.0      0.0    0.0
+zh        printed    cardPick         1      1      1      0       0                0               0             0     0.0    0.0      0.0    0.0
+all                                   4      5      2      1       1                1               0             0     0.0  420.0      0.0  210.0)"));
+    const QJsonArray groups = totals.toJson()[QStringLiteral("groups")].toArray();
+    ASSERT_EQ(groups.size(), 3);
+    EXPECT_EQ(groups[0][QStringLiteral("lettering")].toString(), QString());
+    EXPECT_EQ(groups[1][QStringLiteral("lettering")].toString(), QStringLiteral("clerical"));
+    EXPECT_EQ(groups[1][QStringLiteral("unread")].toInt(), 1);
+    EXPECT_EQ(groups[2][QStringLiteral("lettering")].toString(), QStringLiteral("printed"));
+    EXPECT_EQ(toJson(picture("b.png", clerical, {nothing}))[QStringLiteral("lettering")].toString(),
+              QStringLiteral("clerical"));
+}
+
+TEST_F(EvaluationTest, ReportsTextsBoxByBoxAndByThemselves) {
+    Picture shop = picture("shop.png", R"({"phase": "none", "language": "zh", "texts": [
+        {"box": [1, 2, 30, 12], "text": "火球术", "ink": "light"},
+        {"box": [1, 22, 30, 32], "text": "寒冰箭", "ink": "light"},
+        {"box": [1, 42, 30, 52], "text": "旅行者", "ink": "orange"},
+        {"box": [1, 62, 30, 72], "text": "隐藏", "ink": "light"},
+        {"box": [1, 82, 30, 92], "text": "确认"}]})",
+                           {});
+    shop.texts = judge.judgeTexts(shop.truth, QImage(), [](const QImage&, const QRect& box) -> std::optional<QString> {
+        return box.top() == 42 || box.top() == 62 ? std::nullopt : std::optional(text("火球术"));
+    });
+    EXPECT_EQ(remarks(shop), (QStringList{
+                                 text("text right: shop.png 1,2,30,12: 火球术, read as 火球术"),
+                                 text("text wrong: shop.png 1,22,30,32: 寒冰箭, read as 火球术"),
+                                 text("text unread: shop.png 1,42,30,52: 旅行者"),
+                                 text("text missing: shop.png 1,62,30,72: 隐藏"),
+                                 text("text wrongMissing: shop.png 1,82,30,92: 确认, read as 火球术"),
+                             }));
+    Totals totals;
+    totals.add(shop);
+    const QStringList table = totals.table();
+    ASSERT_EQ(table.size(), 8) << "three lines of offers, then the texts";
+    EXPECT_EQ(table.sliced(3).join(u'\n'),
+              text(R"(texts in  ink     boxes  right  wrong  unread  not in the data  of these wrong
+zh                    1      0      0       0                1               1
+zh        light       3      1      1       0                1               0
+zh        orange      1      0      0       1                0               0
+all                   5      1      1       1                2               1)"));
+    const QJsonObject summary = totals.toJson();
+    EXPECT_EQ(summary[QStringLiteral("texts")].toObject(),
+              QJsonDocument::fromJson(
+                  R"({"boxes": 5, "right": 1, "wrong": 1, "unread": 1, "notInData": 2, "wrongMissing": 1})")
+                  .object());
+    EXPECT_EQ(summary[QStringLiteral("totals")][QStringLiteral("slots")].toInt(), 0) << "texts are no offers";
+    const QJsonArray groups = summary[QStringLiteral("textGroups")].toArray();
+    ASSERT_EQ(groups.size(), 3);
+    EXPECT_EQ(groups[1].toObject(),
+              QJsonDocument::fromJson(R"({"language": "zh", "ink": "light", "boxes": 3, "right": 1,
+        "wrong": 1, "unread": 0, "notInData": 1, "wrongMissing": 0})")
+                  .object());
+    const QJsonArray written = toJson(shop)[QStringLiteral("texts")].toArray();
+    ASSERT_EQ(written.size(), 5);
+    EXPECT_EQ(written[1].toObject(),
+              QJsonDocument::fromJson(R"({"box": [1, 22, 30, 32], "ink": "light", "text": "寒冰箭", "read": "火球术",
+                  "verdict": "wrong"})")
+                  .object());
+    EXPECT_TRUE(written[2][QStringLiteral("read")].isNull());
+}
+
 TEST_F(EvaluationTest, TabulatesNothing) {
     EXPECT_EQ(Totals().table().size(), 2) << "the headings and a line of zeros";
 }
@@ -333,7 +480,7 @@ TEST_F(EvaluationTest, WritesAPictureAndTheTotalsAsJson) {
     const QJsonObject written = toJson(pick);
     EXPECT_EQ(written, QJsonDocument::fromJson(R"({"picture": "pick.png", "phase": "cardPick", "language": "en",
         "names": ["Fireball", "Frostbolt", "Newcomer"], "milliseconds": [100], "cpuMilliseconds": [200],
-        "repeatedCpuMilliseconds": [20, 40], "slots": [
+        "repeatedCpuMilliseconds": [20, 40], "lettering": "", "texts": [], "slots": [
         {"slot": "left", "rules": "cardPick", "offered": "Fireball", "cardId": "FIREBALL", "name": "Fireball",
          "ocrText": "as read", "method": "method", "verdict": "right"},
         {"slot": "middle", "rules": "cardPick", "offered": "Frostbolt", "cardId": null, "name": null,

@@ -105,9 +105,15 @@ TEST_F(PublishedDraft, PublishesADraftInTheLookOfEarlierYears) {
 
 TEST_F(PublishedDraft, PublishesAChineseDraftWithARedraftAsItIsPlayed) {
     startHeadless(QStringLiteral("zh"));
-    // In smaller windows the game's Chinese characters are too small for the network.
     startStage({QStringLiteral("--scenario"), QStringLiteral("demo-zh"), QStringLiteral("--size"),
-                QStringLiteral("1920x1080")});
+                QStringLiteral("1600x900")});
+    follow();
+}
+
+TEST_F(PublishedDraft, PublishesAChineseDraftInClericalLetteringAsItIsPlayed) {
+    startHeadless(QStringLiteral("zh"));
+    startStage({QStringLiteral("--scenario"), QStringLiteral("demo-zh"), QStringLiteral("--lettering"),
+                QStringLiteral("clerical"), QStringLiteral("--size"), QStringLiteral("1600x900")});
     follow();
 }
 

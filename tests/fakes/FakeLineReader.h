@@ -15,10 +15,10 @@ public:
         // The next readings, first to last. When they are used up, `answer` is asked.
         std::deque<LineReading> next;
         // The reading of one picture. May be empty.
-        std::function<LineReading(const Work&)> answer;
+        std::function<LineReading(const QImage&)> answer;
 
         std::size_t readings = 0; // of lines
-        std::vector<Work> seen;
+        std::vector<QImage> seen;
 
         void say(const QStringList& texts, float confidence = 0.9F) {
             for (const QString& text : texts) {
@@ -30,16 +30,16 @@ public:
     explicit FakeLineReader(Told& toldBy)
         : told(toldBy) {}
 
-    std::vector<LineReading> read(const std::vector<Work>& work) override {
+    std::vector<LineReading> read(const std::vector<QImage>& pictures) override {
         std::vector<LineReading> readings;
-        for (const Work& piece : work) {
+        for (const QImage& picture : pictures) {
             ++told.readings;
-            told.seen.push_back(piece);
+            told.seen.push_back(picture);
             if (!told.next.empty()) {
                 readings.push_back(told.next.front());
                 told.next.pop_front();
             } else {
-                readings.push_back(told.answer ? told.answer(piece) : LineReading());
+                readings.push_back(told.answer ? told.answer(picture) : LineReading());
             }
         }
         return readings;

@@ -366,6 +366,20 @@ TEST_F(ProgramTest, EvaluatesPicturesBesideTheirTruth) {
     EXPECT_TRUE(printed[2].startsWith("language "));
     EXPECT_TRUE(printed[5].startsWith("all "));
 
+    write("c/shop.json", R"({"phase": "none", "language": "en", "texts": [
+        {"box": [10, 20, 90, 40], "text": "Fireball", "ink": "light"}, {"box": [0, 0, 9, 9], "text": "No Such Card"}]})");
+    blank.save(path("c/shop.png"));
+    const auto without = run({QStringLiteral("evaluate"), QStringLiteral("--json"), path("c")}).lines();
+    ASSERT_EQ(without.size(), 2U);
+    EXPECT_EQ(without[0][QStringLiteral("texts")].toArray().size(), 0) << "not asked for";
+    const auto withTexts =
+        run({QStringLiteral("evaluate"), QStringLiteral("--json"), QStringLiteral("--texts"), path("c")}).lines();
+    ASSERT_EQ(withTexts.size(), 2U);
+    EXPECT_EQ(withTexts[0][QStringLiteral("texts")][0][QStringLiteral("verdict")].toString(), QStringLiteral("unread"));
+    EXPECT_EQ(withTexts[0][QStringLiteral("texts")][1][QStringLiteral("verdict")].toString(),
+              QStringLiteral("missing"));
+    EXPECT_EQ(withTexts[1][QStringLiteral("texts")][QStringLiteral("boxes")].toInt(), 2);
+
     const ProgramOutput bad = run({QStringLiteral("evaluate"), QStringLiteral("--json"), path("b"), path("missing"),
                                    path("a"), QStringLiteral("--ticks")});
     EXPECT_EQ(bad.exitCode, 1);

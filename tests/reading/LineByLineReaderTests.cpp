@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <set>
 
 namespace pelloran {
 
@@ -40,21 +39,13 @@ QStringList textsOf(const std::vector<OCRToken>& tokens) {
 
 class LineByLineReaderTest : public ::testing::Test {
 protected:
-    std::set<Script> scriptsSeen() const {
-        std::set<Script> scripts;
-        for (const LineReader::Work& work : told.seen) {
-            scripts.insert(work.script);
-        }
-        return scripts;
-    }
-
     void clear() {
         told.seen.clear();
         told.readings = 0;
     }
 
     FakeLineReader::Told told;
-    LineByLineReader reader{std::make_unique<FakeLineReader>(told)};
+    LineByLineReader reader{std::make_unique<FakeLineReader>(told), nullptr};
 };
 
 // Where the game's screens have no names, so that they are read wherever they stand.
@@ -69,7 +60,7 @@ QImage elsewhere(const std::array<QString, 3>& words, int height = 30) {
 const std::array<QString, 3> latinWords{QStringLiteral("TITLE"), QStringLiteral("LIFE"), QStringLiteral("HILTEEL")};
 
 TEST_F(LineByLineReaderTest, ReadsNothingWhereNothingCanCome) {
-    told.answer = [](const LineReader::Work&) { return LineReading{names[0], 0.9F}; };
+    told.answer = [](const QImage&) { return LineReading{names[0], 0.9F}; };
     const QImage image = testing::paintedCards(QSize(1920, 1080), wordsByWidth);
 
     struct Row {
@@ -103,7 +94,7 @@ TEST_F(LineByLineReaderTest, NamesAtTheirPlacesAreReadNowhereElse) {
 }
 
 TEST_F(LineByLineReaderTest, WithoutNamesEveryLineIsAToken) {
-    told.answer = [](const LineReader::Work&) { return LineReading{QStringLiteral("Whatever"), 0.9F}; };
+    told.answer = [](const QImage&) { return LineReading{QStringLiteral("Whatever"), 0.9F}; };
     QImage image = elsewhere(latinWords);
     testing::paintWord(image, QPoint(800, 700), QStringLiteral("FELT"), 22);
     const ReadText read = reader.read(image, {});
@@ -113,83 +104,10 @@ TEST_F(LineByLineReaderTest, WithoutNamesEveryLineIsAToken) {
 }
 
 TEST_F(LineByLineReaderTest, AnEntryWithoutLettersMakesNoNameOfNumbers) {
-    told.answer = [](const LineReader::Work&) { return LineReading{QStringLiteral("3/4"), 0.9F}; };
+    told.answer = [](const QImage&) { return LineReading{QStringLiteral("3/4"), 0.9F}; };
     const auto known = lexiconOf({QStringLiteral("!?"), names[0]});
     EXPECT_TRUE(reader.read(elsewhere(latinWords), {cardBand, {}, std::nullopt, known}).tokens.empty());
     EXPECT_GT(told.readings, 0U) << "else nothing is shown";
-}
-
-TEST_F(LineByLineReaderTest, TheScriptThatIsToldIsReadAlone) {
-    // Unsure, so that it would try the other one.
-    told.answer = [](const LineReader::Work&) { return LineReading{QStringLiteral("Wvqx"), 0.3F}; };
-    for (const auto& known : {lexiconOf(names), std::shared_ptr<const Lexicon>()}) {
-        for (const Script script : {Script::latin, Script::chinese}) {
-            clear();
-            reader.forget();
-            reader.read(elsewhere(latinWords), {cardBand, {}, script, known});
-            EXPECT_EQ(scriptsSeen(), std::set{script});
-        }
-        clear();
-        reader.forget();
-        reader.read(elsewhere(latinWords), {cardBand, {}, std::nullopt, known});
-        EXPECT_EQ(scriptsSeen(), (std::set{Script::latin, Script::chinese})) << "else nothing is shown";
-    }
-}
-
-TEST_F(LineByLineReaderTest, RemembersTheScriptUntilToldToForget) {
-    const QStringList chinese{QStringLiteral("王日"), QStringLiteral("田王"), QStringLiteral("日田")};
-    // A Chinese client: its names are read by the network for them, and by the other one as rubbish.
-    told.answer = [&, turn = 0](const LineReader::Work& work) mutable {
-        return work.script == Script::chinese ? LineReading{chinese[turn++ % 3], 0.9F}
-                                              : LineReading{QStringLiteral("EAR"), 0.4F};
-    };
-    const ReadingHints hints{cardBand, {}, std::nullopt, lexiconOf(names + chinese)};
-
-    struct Row {
-        QImage image;
-        const char* why;
-    };
-
-    const Row table[] = {
-        {testing::paintedCards(QSize(1920, 1080), wordsByWidth), "at their places"},
-        {elsewhere({chinese[0], chinese[1], chinese[2]}, 36), "anywhere"},
-    };
-    for (const Row& row : table) {
-        SCOPED_TRACE(row.why);
-        reader.forget();
-        EXPECT_EQ(textsOf(reader.read(row.image, hints).tokens), chinese) << "cold";
-        clear();
-        EXPECT_EQ(textsOf(reader.read(row.image, hints).tokens), chinese) << "warm";
-        EXPECT_EQ(scriptsSeen(), std::set{Script::chinese});
-        EXPECT_EQ(told.readings, 3U);
-    }
-    const auto firstScriptAtPlaces = [&] {
-        clear();
-        reader.read(table[0].image, hints);
-        return told.seen.empty() ? std::nullopt : std::optional(told.seen.front().script);
-    };
-    EXPECT_EQ(firstScriptAtPlaces(), Script::chinese);
-    reader.forget();
-    EXPECT_EQ(firstScriptAtPlaces(), Script::latin);
-}
-
-TEST_F(LineByLineReaderTest, NamesReadAtTheirPlacesTellTheScript) {
-    testing::WordScript script({{{names[0]}, {names[1]}, {names[2]}}});
-    told.answer = std::ref(script);
-    const ReadingHints hints{cardBand, {}, std::nullopt, lexiconOf(names)};
-    ASSERT_EQ(textsOf(reader.read(testing::paintedCards(QSize(1920, 1080), wordsByWidth), hints).tokens), names);
-    // Lines of dense letters, which nothing told would be tried as Chinese first.
-    const QImage dense = elsewhere({QStringLiteral("田田"), QStringLiteral("王王"), QStringLiteral("日田")}, 36);
-    told.answer = [](const LineReader::Work&) { return LineReading{QStringLiteral("Wvqx"), 0.9F}; };
-    clear();
-    reader.read(dense, {cardBand, {}, std::nullopt, nullptr});
-    ASSERT_FALSE(told.seen.empty());
-    EXPECT_EQ(told.seen.front().script, Script::latin);
-    reader.forget();
-    clear();
-    reader.read(dense, {cardBand, {}, std::nullopt, nullptr});
-    ASSERT_FALSE(told.seen.empty());
-    EXPECT_EQ(told.seen.front().script, Script::chinese) << "else nothing is shown";
 }
 
 QImage plain(const QSize& size, QColor color) {
@@ -237,16 +155,16 @@ TEST_F(LineByLineReaderTest, WhateverTheImageReadingEnds) {
     for (const Row& row : table) {
         SCOPED_TRACE(row.why);
         for (const LineReading& answer : answers) {
-            told.answer = [&answer](const LineReader::Work&) { return answer; };
+            told.answer = [&answer](const QImage&) { return answer; };
             for (const auto asked : {ReadingHints::Offers::cards, ReadingHints::Offers::heroes}) {
                 for (const auto& known : {lexiconOf(names), std::shared_ptr<const Lexicon>()}) {
                     clear();
                     reader.forget();
                     const ReadText read = reader.read(row.image, {QRectF(0, 0, 1, 1), asked, std::nullopt, known});
                     EXPECT_LE(told.readings, cap);
-                    for (const LineReader::Work& work : told.seen) {
-                        ASSERT_EQ(work.picture.format(), QImage::Format_Grayscale8);
-                        ASSERT_FALSE(work.picture.isNull());
+                    for (const QImage& picture : told.seen) {
+                        ASSERT_EQ(picture.format(), QImage::Format_Grayscale8);
+                        ASSERT_FALSE(picture.isNull());
                     }
                     for (const OCRToken& token : read.tokens) {
                         EXPECT_TRUE(!known || names.contains(token.text)) << token.text.toStdString();
@@ -278,10 +196,10 @@ TEST_F(LineByLineReaderTest, AFailureOfTheLineReaderIsNoText) {
     // It may give fewer answers than it was asked for, when it is broken.
     class Broken final : public LineReader {
     public:
-        std::vector<LineReading> read(const std::vector<Work>&) override { return {}; }
+        std::vector<LineReading> read(const std::vector<QImage>&) override { return {}; }
     };
 
-    LineByLineReader broken(std::make_unique<Broken>());
+    LineByLineReader broken(std::make_unique<Broken>(), nullptr);
     for (const auto& known : {lexiconOf(names), std::shared_ptr<const Lexicon>()}) {
         for (const QImage& image : {elsewhere(latinWords), testing::paintedCards(QSize(1920, 1080), wordsByWidth)}) {
             EXPECT_EQ(broken.read(image, {cardBand, {}, std::nullopt, known}), ReadText());

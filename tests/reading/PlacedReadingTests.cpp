@@ -60,20 +60,19 @@ struct Outcome {
 using Readings = std::array<QStringList, 3>;
 
 Outcome readCards(const Readings& readings, float confidence = 0.9F, const QImage& image = cards(),
-                  Script script = Script::latin, const QStringList& names = known) {
+                  const QStringList& names = known) {
     testing::WordScript answers(readings, confidence);
     FakeLineReader::Told told;
     told.answer = std::ref(answers);
     FakeLineReader lines(told);
     ReadingTools tools{lines};
     Outcome outcome;
-    outcome.text = PlacedCards(image).read(script, tools, lexiconOf(names));
+    outcome.text = textOf(PlacedCards(image).read(Script::latin, tools, lexiconOf(names)), image.size());
     outcome.counts = answers.counts;
     outcome.readings = told.readings;
-    for (const LineReader::Work& work : told.seen) {
-        EXPECT_EQ(work.picture.format(), QImage::Format_Grayscale8);
-        EXPECT_FALSE(work.picture.isNull());
-        EXPECT_EQ(work.script, script);
+    for (const QImage& picture : told.seen) {
+        EXPECT_EQ(picture.format(), QImage::Format_Grayscale8);
+        EXPECT_FALSE(picture.isNull());
     }
     return outcome;
 }
@@ -132,42 +131,6 @@ TEST(PlacedReadingTest, WhatOfThreeReadingsIsOffered) {
         for (std::size_t i = 0; read.columns && i < 3; ++i) {
             EXPECT_NEAR((*read.columns)[i], 0.5 + cardCentres[i] * 1080 / 1920, 0.001);
         }
-    }
-}
-
-TEST(PlacedReadingTest, ChineseReadingsStandAsTheyAreBesideANearName) {
-    struct Row {
-        Readings readings;
-        QStringList tokens;
-        QStringList unsettled;
-        const char* why;
-    };
-
-    const QString stone = QStringLiteral("石头守卫");
-    const QString river = QStringLiteral("河流之歌");
-    const QString misread = QStringLiteral("河流之软");
-    const QString other = QStringLiteral("石夹守卫");
-    const QString far = QStringLiteral("石夹守王");
-    const QString farther = QStringLiteral("河王之软");
-    const QString letter = QStringLiteral("口");
-    const Row table[] = {
-        {{{{stone}, {river}, {}}}, {stone, river}, nothing, "two names"},
-        {{{{stone}, {misread}, {}}}, {stone, river}, nothing, "a letter is misread, and it can be no other name"},
-        {{{{other}, {misread}, {}}}, {stone, river}, nothing, "one letter in four is misread in both"},
-        {{{{stone}, {far}, {}}},
-         {stone, far},
-         nothing,
-         "too far to settle: whoever compares it with the names may forgive it"},
-        {{{{far}, {farther}, {}}}, nothing, {far, farther}, "neither is near a name, so these may be anything"},
-        {{{{stone}, {letter}, {}}}, nothing, {stone, letter}, "a single letter is soon read into a picture"},
-        {{{{stone}, {misread, river}, {}}}, {stone, river}, nothing, "read right at a second try"},
-        {{{{stone}, {letter, misread, letter}, {}}}, {stone, river}, nothing, "what comes nearest to a name is taken"},
-    };
-    for (const Row& row : table) {
-        SCOPED_TRACE(row.why);
-        const ReadText read = readCards(row.readings, 0.9F, cards(), Script::chinese, {stone, river}).text;
-        EXPECT_EQ(textsOf(read.tokens), row.tokens);
-        EXPECT_EQ(textsOf(read.unsettled), row.unsettled);
     }
 }
 
@@ -235,12 +198,12 @@ TEST(PlacedReadingTest, NamesWhereChoicesInBattleStandAreNoOffer) {
     EXPECT_EQ(outcome.readings, 0U);
 }
 
-ReadText readHeroes(const std::function<LineReading(const LineReader::Work&)>& answer, const QImage& image) {
+ReadText readHeroes(const std::function<LineReading(const QImage&)>& answer, const QImage& image) {
     FakeLineReader::Told told;
     told.answer = answer;
     FakeLineReader lines(told);
     ReadingTools tools{lines};
-    return readHeroesAtPlaces(image, Script::latin, tools, lexiconOf(known, Lexicon::forClasses));
+    return textOf(readHeroesAtPlaces(image, Script::latin, tools, lexiconOf(known, Lexicon::forClasses)), image.size());
 }
 
 TEST(PlacedReadingTest, HeroesNeedTwoNames) {
@@ -277,9 +240,9 @@ TEST(PlacedReadingTest, HeroesNeedTwoNames) {
                 // name.
                 std::size_t heroesSeen = 0;
                 const ReadText read = readHeroes(
-                    [&](const LineReader::Work& work) {
+                    [&](const QImage& picture) {
                         for (std::size_t i = 0; i < 3; ++i) {
-                            if (std::abs(shapeOf(work.picture) - shapes[i]) < 0.03 * shapes[i]) {
+                            if (std::abs(shapeOf(picture) - shapes[i]) < 0.03 * shapes[i]) {
                                 ++heroesSeen;
                                 return LineReading{row.readings[i], 0.9F};
                             }
@@ -304,7 +267,7 @@ public:
     explicit Babbler(unsigned seed)
         : random(seed) {}
 
-    LineReading operator()(const LineReader::Work&) {
+    LineReading operator()(const QImage&) {
         QString text = known[qsizetype(random() % std::size_t(known.size()))];
         const unsigned changes = random() % 4;
         for (unsigned i = 0; i < changes; ++i) {
@@ -332,10 +295,11 @@ TEST(PlacedReadingTest, WhateverIsReadTokensAreNamesAndReadingEnds) {
             told.answer = Babbler(seed);
             FakeLineReader lines(told);
             ReadingTools tools{lines};
-            const ReadText read =
+            const PlacedRow row =
                 &image == &images[2]
                     ? readHeroesAtPlaces(image, Script::latin, tools, lexiconOf(known, Lexicon::forClasses))
                     : PlacedCards(image).read(Script::latin, tools, lexiconOf(known));
+            const ReadText read = textOf(row, image.size());
             EXPECT_LE(told.readings, cap);
             EXPECT_EQ(tools.readingsLeft, cap - told.readings);
             EXPECT_LE(read.tokens.size() + read.unsettled.size(), 3U);
@@ -355,7 +319,7 @@ TEST(PlacedReadingTest, ReadsNoMoreThanIsLeft) {
             FakeLineReader::Told told;
             told.answer = Babbler(3);
             FakeLineReader lines(told);
-            ReadingTools tools{lines, left};
+            ReadingTools tools{lines, nullptr, left};
             forHeroes ? readHeroesAtPlaces(heroes(), Script::latin, tools, lexiconOf(known))
                       : PlacedCards(cards()).read(Script::latin, tools, lexiconOf(known));
             EXPECT_LE(told.readings, left);

@@ -21,10 +21,8 @@ public:
         : texts(std::move(textsOfWords))
         , confidence(sure) {}
 
-    LineReading operator()(const LineReader::Work& work) {
-        // Pictures for the network of Chinese letters have more above and below the line.
-        const double lineHeight = work.picture.height() * (work.script == Script::latin ? 1 : 1 / 1.4);
-        const double shape = work.picture.width() / lineHeight;
+    LineReading operator()(const QImage& picture) {
+        const double shape = double(picture.width()) / picture.height();
         const std::size_t word = shape < 4.2 ? 0 : shape < 6.8 ? 1 : 2;
         const QStringList& list = texts[word];
         const auto turn = qsizetype(counts[word]++);

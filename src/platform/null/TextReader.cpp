@@ -2,7 +2,8 @@
 
 namespace pelloran {
 
-std::expected<std::unique_ptr<TextReader>, TextReader::Unavailable> TextReader::create() {
+std::expected<std::unique_ptr<TextReader>, TextReader::Unavailable>
+TextReader::create(const ApplicationFiles& /*files*/) {
     return std::unexpected(Unavailable{QStringLiteral("This build has no text reader for this system.")});
 }
 

@@ -18,23 +18,10 @@ namespace pelloran {
 
 namespace {
 
-constexpr std::array scripts{Script::latin, Script::chinese};
+constexpr const char* language = "eng";
 
-const char* languageOf(Script script) {
-    return script == Script::latin ? "eng" : "chi_sim";
-}
-
-QString packageOf(Script script) {
-    return script == Script::latin ? QStringLiteral("tesseract-ocr-eng") : QStringLiteral("tesseract-ocr-chi-sim");
-}
-
-QString reasonFor(const std::vector<Script>& missing) {
-    QStringList packages;
-    for (const Script script : missing) {
-        packages.append(packageOf(script));
-    }
-    return QStringLiteral("Tesseract has no data for reading the game's letters; please install %1.")
-        .arg(packages.join(QStringLiteral(" and ")));
+QString missingData() {
+    return QStringLiteral("Tesseract has no data for reading the game's letters; please install tesseract-ocr-eng.");
 }
 
 // Tesseract spreads each line over all processors with OpenMP, which costs several times the work and gains nothing on
@@ -65,14 +52,14 @@ QString systemFolder() {
 // One network, on one thread.
 class Network {
 public:
-    bool load(Script script, const QString& dataFolder) {
+    bool load(const QString& dataFolder) {
         const QByteArray folder = dataFolder.toLocal8Bit();
         // Names of cards are not words: the dictionaries would only pull them towards some.
         std::vector<std::string> names{"load_system_dawg", "load_freq_dawg"};
         std::vector<std::string> values{"0", "0"};
         const std::scoped_lock lock(settingUp);
-        if (api.Init(dataFolder.isEmpty() ? nullptr : folder.constData(), languageOf(script), tesseract::OEM_LSTM_ONLY,
-                     nullptr, 0, &names, &values, false) != 0) {
+        if (api.Init(dataFolder.isEmpty() ? nullptr : folder.constData(), language, tesseract::OEM_LSTM_ONLY, nullptr,
+                     0, &names, &values, false) != 0) {
             return false;
         }
         api.SetPageSegMode(tesseract::PSM_RAW_LINE);
@@ -119,24 +106,15 @@ public:
         changed.notify_all();
     }
 
-    // Scripts whose network could not be loaded.
-    std::vector<Script> missing() const {
-        std::vector<Script> result;
-        for (const Script script : scripts) {
-            if (failed[std::size_t(script)]) {
-                result.push_back(script);
-            }
-        }
-        return result;
-    }
+    bool isComplete() const { return !failed; }
 
-    std::vector<LineReading> read(const std::vector<Work>& work) {
-        std::vector<LineReading> results(work.size());
+    std::vector<LineReading> read(const std::vector<QImage>& pictures) {
+        std::vector<LineReading> results(pictures.size());
         std::unique_lock lock(mutex);
-        pending = &work;
+        pending = &pictures;
         readings = &results;
         next = 0;
-        unfinished = work.size();
+        unfinished = pictures.size();
         changed.notify_all();
         changed.wait(lock, [this] { return unfinished == 0; });
         pending = nullptr;
@@ -147,11 +125,9 @@ public:
 private:
     void run(const QString& dataFolder) {
         keepTesseractOnThisThread();
-        std::array<Network, scripts.size()> networks;
-        for (const Script script : scripts) {
-            if (!networks[std::size_t(script)].load(script, dataFolder)) {
-                failed[std::size_t(script)] = true;
-            }
+        Network network;
+        if (!network.load(dataFolder)) {
+            failed = true;
         }
         std::unique_lock lock(mutex);
         ++ready;
@@ -162,9 +138,9 @@ private:
                 return;
             }
             const std::size_t index = next++;
-            const Work& work = (*pending)[index];
+            const QImage& picture = (*pending)[index];
             lock.unlock();
-            LineReading reading = networks[std::size_t(work.script)].read(work.picture);
+            LineReading reading = network.read(picture);
             lock.lock();
             (*readings)[index] = std::move(reading);
             if (--unfinished == 0) {
@@ -175,13 +151,13 @@ private:
 
     std::mutex mutex;
     std::condition_variable changed;
-    const std::vector<Work>* pending = nullptr;
+    const std::vector<QImage>* pending = nullptr;
     std::vector<LineReading>* readings = nullptr;
     std::size_t next = 0;
     std::size_t unfinished = 0;
     std::size_t ready = 0;
     bool ending = false;
-    std::array<std::atomic<bool>, scripts.size()> failed{};
+    std::atomic<bool> failed = false;
     std::array<std::jthread, size> threads; // last: they use everything above
 };
 
@@ -197,25 +173,19 @@ std::expected<std::unique_ptr<LineReader>, QString> LineReader::create() {
 std::expected<std::unique_ptr<LineReader>, QString> TesseractLineReader::createFrom(const QString& dataFolder) {
     const QString systems = systemFolder();
     const QDir folder(dataFolder.isEmpty() ? systems : dataFolder);
-    // Before any network is loaded: one of them may be there, and a caller may ask again every second.
-    std::vector<Script> missing;
-    for (const Script script : scripts) {
-        if (!folder.exists(QString::fromLatin1(languageOf(script)) + QStringLiteral(".traineddata"))) {
-            missing.push_back(script);
-        }
-    }
-    if (!missing.empty()) {
-        return std::unexpected(reasonFor(missing));
+    // Before anything is loaded: a caller may ask again every second.
+    if (!folder.exists(QString::fromLatin1(language) + QStringLiteral(".traineddata"))) {
+        return std::unexpected(missingData());
     }
     auto pool = std::make_unique<Pool>(dataFolder);
-    if (missing = pool->missing(); !missing.empty()) {
-        return std::unexpected(reasonFor(missing));
+    if (!pool->isComplete()) {
+        return std::unexpected(missingData());
     }
     return std::unique_ptr<LineReader>(new TesseractLineReader(std::move(pool)));
 }
 
-std::vector<LineReading> TesseractLineReader::read(const std::vector<Work>& work) {
-    return work.empty() ? std::vector<LineReading>() : pool->read(work);
+std::vector<LineReading> TesseractLineReader::read(const std::vector<QImage>& pictures) {
+    return pictures.empty() ? std::vector<LineReading>() : pool->read(pictures);
 }
 
 } // namespace pelloran

@@ -4,15 +4,15 @@
 
 namespace pelloran {
 
-// Reads lines with Tesseract, two at a time. Owns two worker threads, each with networks of its own.
+// Reads lines with Tesseract, two at a time. Owns two worker threads, each with a network of its own.
 class TesseractLineReader final : public LineReader {
 public:
-    // `dataFolder` holds the networks; empty: where the system keeps them. The error names what to install.
+    // `dataFolder` holds its data; empty: where the system keeps them. The error names what to install.
     static std::expected<std::unique_ptr<LineReader>, QString> createFrom(const QString& dataFolder);
 
     ~TesseractLineReader() override;
 
-    std::vector<LineReading> read(const std::vector<Work>& work) override;
+    std::vector<LineReading> read(const std::vector<QImage>& pictures) override;
 
 private:
     class Pool;
