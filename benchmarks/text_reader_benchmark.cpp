@@ -330,7 +330,7 @@ struct ChineseLine {
     }
 
     // Lengths as the reader has them for such lines.
-    RibbonStrip strip() const { return stripOf(lines.front(), grey, frame, {0.0205, 0.0075, 0.025, stripRows}); }
+    RibbonStrip strip() const { return stripOf(lines.front(), grey, frame, chineseCut); }
 
     Extent seen() const {
         const RibbonStrip made = strip();

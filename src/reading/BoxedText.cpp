@@ -1,6 +1,6 @@
 #include "BoxedText.h"
 
-#include "chinese/ChineseInk.h"
+#include "chinese/ChineseLines.h"
 #include "NamePlaces.h"
 #include "RibbonLines.h"
 
@@ -22,9 +22,6 @@ constexpr double room = 0.2; // around the box, as a part of its height
 constexpr std::array cardHeights{1.0, 1.18, 1.25};
 constexpr std::array rises{0.0, -0.002, 0.002}; // of the baseline, in such heights
 constexpr double characterHeight = 0.014;
-constexpr double above = 0.0205; // the baseline
-constexpr double below = 0.0075;
-constexpr double beside = 0.025; // what was found may be all but a character at each end
 
 Plane planeOf(const QImage& image, Ink ink) {
     if (ink == Ink::grey || ink == Ink::white) {
@@ -94,7 +91,7 @@ std::optional<QString> readBoxedText(const QImage& window, const QRect& box, Chi
         const double half = box.width() / 2.0 / height;
         const RibbonLine line{0, way.curve, QRectF(inner).center().y() / height + characterHeight / 2 + way.rise,
                               0, -half,     half};
-        const RibbonStrip strip = stripOf(line, plane, frame, {above, below, beside, stripRows});
+        const RibbonStrip strip = stripOf(line, plane, frame, chineseCut);
         const Extent seen{strip.left, strip.right};
         return trimmedLine(inkOf(strip.plane, seen), seen);
     };

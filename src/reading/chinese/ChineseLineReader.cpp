@@ -181,10 +181,11 @@ private:
             compareWithAll(*cell);
             sum += cell->least;
         }
-        float& least = leastByCount[cells.size()];
-        least = std::min(least == 0 ? endless : least, sum / float(cells.size()));
-        if (sum / float(cells.size()) < leastMean) {
-            leastMean = sum / float(cells.size());
+        const float mean = sum / float(cells.size());
+        float& least = leastByCount.try_emplace(cells.size(), endless).first->second;
+        least = std::min(least, mean);
+        if (mean < leastMean) {
+            leastMean = mean;
             nearest.clear();
             for (const Cell* cell : cells) {
                 nearest += names.character(cell->nearest);

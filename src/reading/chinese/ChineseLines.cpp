@@ -1,19 +1,11 @@
 #include "ChineseLines.h"
 
-#include "ChineseInk.h"
-
 #include <array>
 #include <span>
 
 namespace pelloran {
 
 namespace {
-
-// Heights of the game's picture, from the baseline. Characters stand on it and are 0.014 tall; printed ones 0.018,
-// around the same middle.
-constexpr double above = 0.0205;
-constexpr double below = 0.0075;
-constexpr double beside = 0.025; // what was found may be all but a character at each end
 
 // In which way a line is looked at, one after the other until it is clear.
 struct Look {
@@ -40,7 +32,7 @@ constexpr std::array heroLevels{60, 110};
 std::optional<Plane> lineOn(const RibbonLine& ribbon, const Plane& grey, const GameFrame& frame, const Look& look) {
     RibbonLine moved = ribbon;
     moved.base += look.offset;
-    const RibbonStrip strip = stripOf(moved, grey, frame, {above, below, beside, stripRows});
+    const RibbonStrip strip = stripOf(moved, grey, frame, chineseCut);
     const Extent seen{strip.left, strip.right};
     const int middle = (seen.left + seen.right) / 2;
     return trimmedLine(inkOf(strip.plane, seen, look.range),

@@ -13,9 +13,9 @@ constexpr std::size_t longest = 20; // characters of a name
 
 // Widths in widths of a Chinese character. Marks between characters are as wide as these in some typefaces and half as
 // wide in others; at the ends only the ink counts.
-constexpr float ofMark = 1;
-constexpr float ofNarrowMark = 0.5F;
-constexpr float ofLatin = 0.6F;
+constexpr float markWidth = 1;
+constexpr float narrowMarkWidth = 0.5F;
+constexpr float latinWidth = 0.6F;
 
 bool isHan(char32_t character) {
     return QChar::script(character) == QChar::Script_Han;
@@ -84,7 +84,7 @@ ChineseNames::ChineseNames(const CharacterModel& model, const Lexicon& known)
     std::map<std::vector<float>, std::map<std::vector<Kind>, Layout>> byWidths;
     for (const Spelled& each : spelled) {
         const bool plain = std::ranges::all_of(each.text, isHan);
-        for (const float mark : plain ? std::vector{ofMark} : std::vector{ofMark, ofNarrowMark}) {
+        for (const float mark : plain ? std::vector{markWidth} : std::vector{markWidth, narrowMarkWidth}) {
             std::vector<float> widths;
             std::vector<Kind> kinds;
             std::vector<std::uint32_t> places;
@@ -93,8 +93,8 @@ ChineseNames::ChineseNames(const CharacterModel& model, const Lexicon& known)
                 const bool atEnd = i == 0 || i + 1 == each.text.size();
                 kinds.push_back(kind);
                 widths.push_back(kind == Kind::character ? 1
-                                 : kind == Kind::latin   ? ofLatin
-                                 : atEnd                 ? ofNarrowMark
+                                 : kind == Kind::latin   ? latinWidth
+                                 : atEnd                 ? narrowMarkWidth
                                                          : mark);
                 places.push_back(kind == Kind::character
                                      ? std::uint32_t(std::ranges::lower_bound(used, each.text[i]) - used.begin())
