@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 
 namespace pelloran {
 
@@ -34,14 +36,17 @@ constexpr double recentreRange = 0.006;
 // Bicubic weights at 64 places between pixels (Keys, a = -0.75, as sharpens a little).
 constexpr int phases = 64;
 
-std::array<std::array<float, 4>, phases + 1> cubicWeights() {
-    std::array<std::array<float, 4>, phases + 1> table{};
+// Four numbers that are reckoned with at once; compilers make vector code of it.
+using Quad = float __attribute__((vector_size(16)));
+
+std::array<Quad, phases + 1> cubicWeights() {
+    std::array<Quad, phases + 1> table{};
     constexpr double a = -0.75;
     for (int i = 0; i <= phases; ++i) {
         const double t = double(i) / phases;
         const auto outer = [](double d) { return ((a * d - 5 * a) * d + 8 * a) * d - 4 * a; };
         const auto inner = [](double d) { return ((a + 2) * d - (a + 3)) * d * d + 1; };
-        table[std::size_t(i)] = {float(outer(t + 1)), float(inner(t)), float(inner(1 - t)), float(outer(2 - t))};
+        table[std::size_t(i)] = Quad{float(outer(t + 1)), float(inner(t)), float(inner(1 - t)), float(outer(2 - t))};
     }
     return table;
 }
@@ -59,6 +64,26 @@ struct Strip {
     double to = 1;
 };
 
+// A part of a plane in numbers to reckon with, its margins repeated where it reaches beyond.
+struct Patch {
+    Patch(const Plane& plane, const QRect& area)
+        : width(area.width())
+        , pixels(std::size_t(area.width()) * std::size_t(area.height())) {
+        const int inner = std::clamp(area.left(), 0, plane.width);
+        const int end = std::clamp(area.right() + 1, inner, plane.width);
+        for (int y = 0; y < area.height(); ++y) {
+            const std::uint8_t* from = plane.row(std::clamp(area.top() + y, 0, plane.height - 1));
+            float* to = pixels.data() + std::ptrdiff_t(y) * width;
+            float* const innerTo = std::fill_n(to, inner - area.left(), float(from[0]));
+            float* const rest = std::copy(from + inner, from + end, innerTo);
+            std::fill(rest, to + width, float(from[plane.width - 1]));
+        }
+    }
+
+    int width;
+    std::vector<float> pixels;
+};
+
 Plane unbent(const Plane& plane, const GameFrame& frame, const NameCurve& curve, const Strip& strip) {
     static const auto weights = cubicWeights();
     const int whole = std::max(1, int(std::lround(2 * strip.halfWidth * strip.scale)));
@@ -66,46 +91,71 @@ Plane unbent(const Plane& plane, const GameFrame& frame, const NameCurve& curve,
     const int columns = std::clamp(int((strip.halfWidth + strip.to) * strip.scale), first, whole) - first;
     const int rows = std::max(1, int(std::lround((strip.above + strip.below) * strip.scale)));
     Plane result(columns, rows);
-    std::vector<double> shift(static_cast<std::size_t>(columns));
-    std::vector<double> lean(static_cast<std::size_t>(columns));
-    for (int column = 0; column < columns; ++column) {
-        const double x = (first + column + 0.5) / strip.scale - strip.halfWidth;
-        shift[std::size_t(column)] = strip.base + curve.at(x);
-        lean[std::size_t(column)] = curve.slopeAt(x);
+    if (columns == 0) {
+        return result;
     }
-    const int lastX = plane.width - 1;
-    const int lastY = plane.height - 1;
+
+    // Where the pixels at the pivot lie in the plane, and how far those below lean to the left.
+    struct Column {
+        float x;
+        float y;
+        float lean;
+    };
+
+    std::vector<Column> places;
+    places.reserve(std::size_t(columns));
+    double left = plane.width;
+    double right = 0;
+    double top = plane.height;
+    double bottom = 0;
+    const double step = frame.height / strip.scale;
+    const double above = (strip.above + strip.pivot) * strip.scale - 0.5; // rows over the pivot
+    for (int column = 0; column < columns; ++column) {
+        const double fromCentre = (first + column + 0.5) / strip.scale - strip.halfWidth;
+        const double x = frame.pixelX(strip.centre + fromCentre) - 0.5;
+        const double y = frame.pixelY(strip.base + strip.pivot + curve.at(fromCentre)) - 0.5;
+        const double lean = curve.slopeAt(fromCentre) * step;
+        places.push_back({float(x), float(y), float(lean)});
+        for (const double depth : {-above, rows - 1 - above}) {
+            left = std::min(left, x - depth * lean);
+            right = std::max(right, x - depth * lean);
+            top = std::min(top, y + depth * step);
+            bottom = std::max(bottom, y + depth * step);
+        }
+    }
+    // Beyond the plane nothing changes any more.
+    const auto within = [](double place, int size) { return std::clamp(place, -3.0, size + 2.0); };
+    const QRect area(
+        QPoint(int(std::floor(within(left, plane.width))) - 2, int(std::floor(within(top, plane.height))) - 2),
+        QPoint(int(std::ceil(within(right, plane.width))) + 3, int(std::ceil(within(bottom, plane.height))) + 3));
+    const Patch patch(plane, area);
+    const float lastX = float(area.width() - 3);
+    const float lastY = float(area.height() - 3);
+    for (Column& column : places) {
+        column.x -= float(area.left());
+        column.y -= float(area.top());
+    }
     for (int row = 0; row < rows; ++row) {
-        const double v = (row + 0.5) / strip.scale - strip.above;
-        const double depth = v - strip.pivot;
+        const float depth = float(row - above);
+        const float down = depth * float(step);
         std::uint8_t* out = result.row(row);
-        for (int column = 0; column < columns; ++column) {
-            const double x = (first + column + 0.5) / strip.scale - strip.halfWidth - depth * lean[std::size_t(column)];
-            const double pixelX = std::clamp(frame.pixelX(strip.centre + x) - 0.5, -1.0, double(plane.width));
-            const double pixelY =
-                std::clamp(frame.pixelY(shift[std::size_t(column)] + v) - 0.5, -1.0, double(plane.height));
-            const int left = int(std::floor(pixelX));
-            const int top = int(std::floor(pixelY));
-            const auto& weightX = weights[std::size_t((pixelX - left) * phases + 0.5)];
-            const auto& weightY = weights[std::size_t((pixelY - top) * phases + 0.5)];
-            float sum = 0;
-            if (left >= 1 && left + 2 <= lastX && top >= 1 && top + 2 <= lastY) {
-                const std::uint8_t* from = plane.row(top - 1) + left - 1;
-                for (std::size_t j = 0; j < 4; ++j, from += plane.width) {
-                    sum += weightY[j] *
-                           (weightX[0] * from[0] + weightX[1] * from[1] + weightX[2] * from[2] + weightX[3] * from[3]);
-                }
-            } else {
-                for (int j = 0; j < 4; ++j) {
-                    const std::uint8_t* from = plane.row(std::clamp(top - 1 + j, 0, lastY));
-                    float line = 0;
-                    for (int i = 0; i < 4; ++i) {
-                        line += weightX[std::size_t(i)] * from[std::clamp(left - 1 + i, 0, lastX)];
-                    }
-                    sum += weightY[std::size_t(j)] * line;
-                }
+        for (const Column& column : places) {
+            const float x = std::min(std::max(column.x - depth * column.lean, 1.0F), lastX);
+            const float y = std::min(std::max(column.y + down, 1.0F), lastY);
+            const int leftX = int(x);
+            const int topY = int(y);
+            const Quad& weightX = weights[std::size_t((x - float(leftX)) * phases + 0.5F)];
+            const Quad& weightY = weights[std::size_t((y - float(topY)) * phases + 0.5F)];
+            const float* from = patch.pixels.data() + std::ptrdiff_t(topY - 1) * patch.width + leftX - 1;
+            Quad sums{};
+            for (int j = 0; j < 4; ++j, from += patch.width) {
+                Quad pixels;
+                std::memcpy(&pixels, from, sizeof pixels);
+                sums += weightY[j] * pixels;
             }
-            out[column] = std::uint8_t(std::clamp(sum + 0.5F, 0.0F, 255.0F));
+            sums *= weightX;
+            const float sum = (sums[0] + sums[2]) + (sums[1] + sums[3]);
+            *out++ = std::uint8_t(std::min(std::max(sum + 0.5F, 0.0F), 255.0F));
         }
     }
     return result;
