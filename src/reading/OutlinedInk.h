@@ -17,6 +17,8 @@ struct OutlineLimits {
 
 // White letters are 250, faded or grey ones 190; the ribbon behind the outline is 105 to 155.
 inline constexpr OutlineLimits ofWhiteLetters{150, 105, 90};
+// The same in shade: 0.6 of that.
+inline constexpr OutlineLimits ofShadedLetters{90, 63, 54};
 // In lightness for grey letters the ribbon is below 40 and the outline below 20; thin strokes in small windows are 90.
 inline constexpr OutlineLimits ofGreyLetters{75, 60, 50};
 

@@ -39,6 +39,8 @@ constexpr std::array latinAttempts{
     Attempt{1, {.above = 0.0145, .below = 0.0055}},
 };
 constexpr double furthestOffset = 0.004; // of a baseline from its place; measured ones are within 0.001
+constexpr double plainScore = 150;       // of a line: below, its letters may be in shade
+constexpr double clearlyMore = 1.5;      // is found in shade where the letters are
 constexpr double rivalShare = 0.35;      // of the best score: the next ribbon is worth a try
 
 // Strokes met on the way down a column with ink, over three names: 1.36 to 1.62 in 160 Latin picks, 1.50 to 2.32 in 220
@@ -81,10 +83,19 @@ public:
         }
         const Plane small = halvings ? shrunk(plane, halvings) : Plane();
         const GameFrame smallFrame = frame.seenFrom({}, 1.0 / (1 << halvings));
-        const RibbonLetters& letters = script == Script::latin ? latinOnRibbons : chineseOnRibbons;
+        const auto linesOf = [&](std::size_t slot, const RibbonLetters& letters) {
+            return findRibbonLines(halvings ? small : plane, smallFrame, cardCentres[slot], range, letters);
+        };
         for (std::size_t slot = 0; slot < lines.size(); ++slot) {
-            if (!slots[slot].isSettled()) {
-                lines[slot] = findRibbonLines(halvings ? small : plane, smallFrame, cardCentres[slot], range, letters);
+            if (slots[slot].isSettled()) {
+                continue;
+            }
+            lines[slot] = linesOf(slot, script == Script::latin ? latinOnRibbons : chineseOnRibbons);
+            if (script == Script::latin && scoreOf(lines[slot]) < plainScore) {
+                auto shaded = linesOf(slot, latinInShade);
+                if (scoreOf(shaded) > clearlyMore * scoreOf(lines[slot])) {
+                    lines[slot] = std::move(shaded);
+                }
             }
         }
     }
@@ -160,6 +171,8 @@ public:
     }
 
 private:
+    static double scoreOf(const std::vector<RibbonLine>& found) { return found.empty() ? 0 : found.front().score; }
+
     static double offsetOf(const RibbonLine& line) {
         double least = 1;
         for (const double usual : line.curve->bases) {

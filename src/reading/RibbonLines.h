@@ -48,6 +48,12 @@ struct RibbonLetters {
 // of three small letters.
 inline constexpr RibbonLetters latinOnRibbons{ofWhiteLetters, 5,     10,     -0.0095, -0.020, -0.0145,
                                               0.0012,         0.006, 0.0135, 0.023,   60};
+// Of cards in shade, as those are that lie beside the one being taken.
+inline constexpr RibbonLetters latinInShade = [] {
+    RibbonLetters letters = latinOnRibbons;
+    letters.outline = ofShadedLetters;
+    return letters;
+}();
 // Characters have parts of any size, a single stroke among them. Two of few strokes are the least there is.
 inline constexpr RibbonLetters chineseOnRibbons{ofGreyLetters, 2,     4,      -0.0125, -0.0225, -0.0170,
                                                 0.0020,        0.007, 0.0150, 0.030,   30};

@@ -191,6 +191,21 @@ TEST(PlacedReadingTest, FindsNamesInAPictureThatIsElsewhere) {
     }
 }
 
+TEST(PlacedReadingTest, NamesInShadeAreReadWhereTheyStand) {
+    for (const int shade : {10, 20, 30, 35, 40, 45}) { // per cent of black over the two cards that are not being taken
+        SCOPED_TRACE(shade);
+        QImage image = cards();
+        QPainter painter(&image);
+        const GameFrame frame = frameOf(image.size());
+        const double left = frame.pixelX((cardCentres[0] + cardCentres[1]) / 2);
+        painter.fillRect(QRectF(left, 0, image.width() - left, image.height()), QColor(0, 0, 0, 255 * shade / 100));
+        painter.end();
+        const Outcome outcome = readCards({{{amber}, {copper}, {quiet}}}, 0.9F, image);
+        EXPECT_EQ(textsOf(outcome.text.tokens), (QStringList{amber, copper, quiet}));
+        EXPECT_EQ(outcome.readings, 3U) << "each once, at its place";
+    }
+}
+
 TEST(PlacedReadingTest, NamesWhereChoicesInBattleStandAreNoOffer) {
     const QImage image = testing::paintedCards(QSize(1920, 1080), wordsByWidth, frameOf(QSize(1920, 1080)), 0.50);
     const Outcome outcome = readCards({{{amber}, {copper}, {quiet}}}, 0.9F, image);

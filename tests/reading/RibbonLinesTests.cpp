@@ -108,6 +108,8 @@ TEST(RibbonLinesTest, FindsNothingWhereNothingIsWritten) {
         SCOPED_TRACE(row.why);
         const Screen screen = screenOf(row.image);
         EXPECT_TRUE(findRibbonLines(screen.plane, screen.frame, cardCentres[0]).empty());
+        EXPECT_TRUE(findRibbonLines(screen.plane, screen.frame, cardCentres[0], {}, latinInShade).empty())
+            << "in shade";
     }
     EXPECT_TRUE(findRibbonLines(Plane(), frameOf(size), cardCentres[0]).empty()) << "no plane at all";
     EXPECT_TRUE(findRibbonLines(Plane(1, 1, 255), {0.75, 0.5, 0}, cardCentres[0]).empty()) << "a single pixel";
