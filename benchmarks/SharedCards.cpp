@@ -1,4 +1,4 @@
-#include "SharedCards.h"
+#include "benchmarks/SharedCards.h"
 
 #include "data/WinrateFormats.h"
 

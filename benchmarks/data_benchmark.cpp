@@ -1,7 +1,7 @@
+#include "benchmarks/SharedCards.h"
 #include "data/WinrateStore.h"
-#include "fakes/FakeApplicationFiles.h"
-#include "names/NameMatchingReference.h"
-#include "SharedCards.h"
+#include "tests/fakes/FakeApplicationFiles.h"
+#include "tests/names/NameMatchingReference.h"
 
 #include <QFile>
 #include <QTemporaryDir>

@@ -1,6 +1,6 @@
-#include "desktop/Picture.h"
-#include "platform/x11/TestClient.h"
-#include "support/VirtualDisplay.h"
+#include "tests/desktop/Picture.h"
+#include "tests/platform/x11/TestClient.h"
+#include "tests/support/VirtualDisplay.h"
 
 #include <QCoreApplication>
 #include <QDir>

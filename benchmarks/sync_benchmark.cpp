@@ -1,15 +1,15 @@
 // What a sync of all cards costs, and the steps it is made of. The server is a plain one on loopback, so what is
 // measured is ours: the network of a player comes on top.
 
+#include "benchmarks/SharedCards.h"
 #include "data/WinrateStore.h"
-#include "fakes/FakeApplicationFiles.h"
 #include "platform/HttpClient.h"
 #include "platform/SerialQueue.h"
 #include "publish/Publisher.h"
-#include "SharedCards.h"
-#include "support/ScriptedServer.h"
 #include "sync/ConfigSync.h"
 #include "sync/TarArchive.h"
+#include "tests/fakes/FakeApplicationFiles.h"
+#include "tests/support/ScriptedServer.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -1,8 +1,8 @@
 // What a tick costs in looking for the game and taking its picture. Needs Xvfb; says so and measures nothing without.
 
-#include "platform/x11/TestClient.h"
 #include "recognition/WindowCapture.h"
-#include "support/VirtualDisplay.h"
+#include "tests/platform/x11/TestClient.h"
+#include "tests/support/VirtualDisplay.h"
 
 #include <QCoreApplication>
 

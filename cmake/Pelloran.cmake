@@ -7,7 +7,7 @@ if(PELLORAN_WARNINGS_AS_ERRORS)
 endif()
 # Text is UTF-16 in Qt and bytes in files: crossing over is always written out.
 target_compile_definitions(pelloran_options INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS)
-target_include_directories(pelloran_options INTERFACE "${CMAKE_SOURCE_DIR}/src")
+target_include_directories(pelloran_options INTERFACE "${PROJECT_SOURCE_DIR}/src" "${PROJECT_SOURCE_DIR}")
 if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # GCC takes types that a source keeps to itself for ones of a header once several sources are compiled as one.
   target_compile_options(pelloran_options INTERFACE -Wno-subobject-linkage)

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "fuzz/Require.h"
 #include "names/Lexicon.h"
 #include "reading/chinese/CharacterModel.h"
-#include "Require.h"
 
 #include <QFile>
 #include <QStringList>

@@ -1,8 +1,8 @@
 // Any bytes as a model of characters, as they are and with the checksum that they need, and as changes to one that is
 // good. What parses has to be the same file again, and to be fit for use.
 
+#include "fuzz/Require.h"
 #include "reading/chinese/CharacterModel.h"
-#include "Require.h"
 
 #include <QCryptographicHash>
 

@@ -1,7 +1,7 @@
 // Any strip of a ribbon, and any known names, without the search for lines that takes most of the time of a whole
 // picture. A name that is read has to be a known one, and as likely as the reader promises.
 
-#include "AnyNames.h"
+#include "fuzz/AnyNames.h"
 #include "reading/chinese/ChineseInk.h"
 #include "reading/chinese/ChineseLineReader.h"
 

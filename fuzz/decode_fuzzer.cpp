@@ -2,9 +2,9 @@
 // names have to be found by the search that they were given to.
 
 #include "data/CardFile.h"
+#include "fuzz/Require.h"
 #include "names/CardNameIndex.h"
 #include "names/ClassNameIndex.h"
-#include "Require.h"
 
 #include <cstdint>
 

@@ -1,6 +1,6 @@
 // Any bytes as the description of a release. What decodes has to be comparable and lead somewhere or nowhere.
 
-#include "Require.h"
+#include "fuzz/Require.h"
 #include "update/AppReleaseInfo.h"
 #include "update/Versions.h"
 

@@ -1,7 +1,7 @@
 // Any bytes as a configuration server's manifest. What decodes has a hash to compare, and says the same when it is
 // written down and read again; what does not tells why.
 
-#include "Require.h"
+#include "fuzz/Require.h"
 #include "sync/RemoteManifest.h"
 
 #include <QJsonDocument>

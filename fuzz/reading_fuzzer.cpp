@@ -1,7 +1,7 @@
 // Any picture, any known names, and any reading of its Latin lines; Chinese ones are read with the model that ships.
 // The reader has to come to an end, and what it offers has to be names.
 
-#include "AnyNames.h"
+#include "fuzz/AnyNames.h"
 #include "reading/LineByLineReader.h"
 #include "reading/NamePlaces.h"
 

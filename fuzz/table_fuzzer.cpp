@@ -1,8 +1,8 @@
 // Any bytes as a table of cards. What is taken has to be a card file that clients take, and what is not has to say why.
 
 #include "data/CardFile.h"
+#include "fuzz/Require.h"
 #include "publish/CardTable.h"
-#include "Require.h"
 
 #include <cstdint>
 

@@ -1,7 +1,7 @@
 // Any bytes as what tar says of an archive: both lists as they come, or an honest list of the names that are given.
 // Nothing that leads out of the folder gets through, and nothing else is held back.
 
-#include "Require.h"
+#include "fuzz/Require.h"
 #include "sync/TarListing.h"
 
 #include <QList>

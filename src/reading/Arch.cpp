@@ -1,4 +1,4 @@
-#include "Arch.h"
+#include "reading/Arch.h"
 
 #include <algorithm>
 #include <array>

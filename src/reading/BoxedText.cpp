@@ -1,8 +1,8 @@
-#include "BoxedText.h"
+#include "reading/BoxedText.h"
 
-#include "chinese/ChineseLines.h"
-#include "NamePlaces.h"
-#include "RibbonLines.h"
+#include "reading/chinese/ChineseLines.h"
+#include "reading/NamePlaces.h"
+#include "reading/RibbonLines.h"
 
 #include <algorithm>
 #include <array>

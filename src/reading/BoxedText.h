@@ -1,6 +1,6 @@
 #pragma once
 
-#include "chinese/ChineseLineReader.h"
+#include "reading/chinese/ChineseLineReader.h"
 
 #include <QImage>
 #include <QRect>

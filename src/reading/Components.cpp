@@ -1,4 +1,4 @@
-#include "Components.h"
+#include "reading/Components.h"
 
 #include <algorithm>
 

@@ -1,5 +1,5 @@
-#include "LineByLineReader.h"
 #include "platform/Log.h"
+#include "reading/LineByLineReader.h"
 
 namespace pelloran {
 

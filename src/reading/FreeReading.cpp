@@ -1,9 +1,9 @@
-#include "FreeReading.h"
+#include "reading/FreeReading.h"
 
-#include "chinese/ChineseLines.h"
-#include "LineCropper.h"
-#include "LineDetector.h"
-#include "LinePicker.h"
+#include "reading/chinese/ChineseLines.h"
+#include "reading/LineCropper.h"
+#include "reading/LineDetector.h"
+#include "reading/LinePicker.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/TextReader.h"
-#include "ReadingTools.h"
+#include "reading/ReadingTools.h"
 
 namespace pelloran {
 

@@ -1,6 +1,6 @@
-#include "HeroLines.h"
+#include "reading/HeroLines.h"
 
-#include "Components.h"
+#include "reading/Components.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "NamePlaces.h"
-#include "Plane.h"
+#include "reading/NamePlaces.h"
+#include "reading/Plane.h"
 
 #include <QImage>
 #include <QRectF>

@@ -1,7 +1,7 @@
-#include "LetterRows.h"
+#include "reading/LetterRows.h"
 
-#include "Components.h"
-#include "OutlinedInk.h"
+#include "reading/Components.h"
+#include "reading/OutlinedInk.h"
 
 #include <algorithm>
 #include <cmath>

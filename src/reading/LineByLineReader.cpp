@@ -1,11 +1,11 @@
-#include "LineByLineReader.h"
+#include "reading/LineByLineReader.h"
 
-#include "FreeReading.h"
-#include "NamePlaces.h"
-#include "PlacedCards.h"
-#include "PlacedHeroes.h"
 #include "platform/Log.h"
-#include "SteadyLines.h"
+#include "reading/FreeReading.h"
+#include "reading/NamePlaces.h"
+#include "reading/PlacedCards.h"
+#include "reading/PlacedHeroes.h"
+#include "reading/SteadyLines.h"
 
 #include <algorithm>
 #include <cmath>

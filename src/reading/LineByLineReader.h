@@ -1,9 +1,9 @@
 #pragma once
 
-#include "chinese/ChineseLineReader.h"
-#include "PlacedSlots.h"
-#include "Plane.h"
 #include "platform/TextReader.h"
+#include "reading/chinese/ChineseLineReader.h"
+#include "reading/PlacedSlots.h"
+#include "reading/Plane.h"
 
 #include <array>
 #include <memory>

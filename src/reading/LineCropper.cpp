@@ -1,7 +1,7 @@
-#include "LineCropper.h"
+#include "reading/LineCropper.h"
 
-#include "Components.h"
-#include "LineDetector.h"
+#include "reading/Components.h"
+#include "reading/LineDetector.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Arch.h"
-#include "Plane.h"
+#include "reading/Arch.h"
+#include "reading/Plane.h"
 
 #include <QRectF>
 

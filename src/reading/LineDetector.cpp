@@ -1,6 +1,6 @@
-#include "LineDetector.h"
+#include "reading/LineDetector.h"
 
-#include "Components.h"
+#include "reading/Components.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "LinePicker.h"
+#include "reading/LinePicker.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "LineDetector.h"
+#include "reading/LineDetector.h"
 
 #include <vector>
 

@@ -1,4 +1,4 @@
-#include "NamePlaces.h"
+#include "reading/NamePlaces.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "OutlinedInk.h"
+#include "reading/OutlinedInk.h"
 
 namespace pelloran {
 

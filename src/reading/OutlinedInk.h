@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Plane.h"
+#include "reading/Plane.h"
 
 namespace pelloran {
 

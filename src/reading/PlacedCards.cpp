@@ -1,7 +1,7 @@
-#include "PlacedCards.h"
+#include "reading/PlacedCards.h"
 
-#include "chinese/ChineseLines.h"
-#include "RibbonLines.h"
+#include "reading/chinese/ChineseLines.h"
+#include "reading/RibbonLines.h"
 
 #include <algorithm>
 #include <array>

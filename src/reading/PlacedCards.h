@@ -1,8 +1,8 @@
 #pragma once
 
-#include "LetterRows.h"
-#include "NamePlaces.h"
-#include "PlacedSlots.h"
+#include "reading/LetterRows.h"
+#include "reading/NamePlaces.h"
+#include "reading/PlacedSlots.h"
 
 #include <array>
 #include <memory>

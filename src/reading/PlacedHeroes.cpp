@@ -1,7 +1,7 @@
-#include "PlacedHeroes.h"
+#include "reading/PlacedHeroes.h"
 
-#include "chinese/ChineseLines.h"
-#include "HeroLines.h"
+#include "reading/chinese/ChineseLines.h"
+#include "reading/HeroLines.h"
 
 #include <algorithm>
 #include <array>

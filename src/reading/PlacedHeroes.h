@@ -1,6 +1,6 @@
 #pragma once
 
-#include "PlacedSlots.h"
+#include "reading/PlacedSlots.h"
 
 namespace pelloran {
 

@@ -1,4 +1,4 @@
-#include "PlacedSlots.h"
+#include "reading/PlacedSlots.h"
 
 #include "names/ReadingDistance.h"
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "chinese/ChineseLineReader.h"
 #include "names/Lexicon.h"
 #include "platform/TextReader.h"
-#include "ReadingTools.h"
-#include "SteadyLines.h"
+#include "reading/chinese/ChineseLineReader.h"
+#include "reading/ReadingTools.h"
+#include "reading/SteadyLines.h"
 
 #include <QRectF>
 #include <QSize>

@@ -1,4 +1,4 @@
-#include "Plane.h"
+#include "reading/Plane.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "chinese/ChineseLineReader.h"
 #include "platform/LineReader.h"
+#include "reading/chinese/ChineseLineReader.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,7 +1,7 @@
-#include "RibbonLines.h"
+#include "reading/RibbonLines.h"
 
-#include "Components.h"
-#include "OutlinedInk.h"
+#include "reading/Components.h"
+#include "reading/OutlinedInk.h"
 
 #include <algorithm>
 #include <array>

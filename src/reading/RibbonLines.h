@@ -1,8 +1,8 @@
 #pragma once
 
-#include "NamePlaces.h"
-#include "OutlinedInk.h"
-#include "Plane.h"
+#include "reading/NamePlaces.h"
+#include "reading/OutlinedInk.h"
+#include "reading/Plane.h"
 
 #include <optional>
 #include <vector>

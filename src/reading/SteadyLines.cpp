@@ -1,4 +1,4 @@
-#include "SteadyLines.h"
+#include "reading/SteadyLines.h"
 
 #include <QRectF>
 

@@ -1,6 +1,6 @@
 #include "app/CommandLine.h"
 
-#include "support/Printing.h"
+#include "tests/support/Printing.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "app/Evaluation.h"
 
-#include "support/Printing.h"
-#include "support/SampleStore.h"
+#include "tests/support/Printing.h"
+#include "tests/support/SampleStore.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

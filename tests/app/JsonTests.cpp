@@ -1,6 +1,6 @@
 #include "app/Json.h"
 
-#include "support/Printing.h"
+#include "tests/support/Printing.h"
 
 #include <QJsonDocument>
 

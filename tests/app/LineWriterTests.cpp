@@ -1,7 +1,7 @@
 #include "app/LineWriter.h"
 
 #include "platform/Log.h"
-#include "support/Printing.h"
+#include "tests/support/Printing.h"
 
 #include <QTest>
 

@@ -1,7 +1,7 @@
 #include "app/MessageBoxAlerts.h"
 
 #include "platform/PanelWindow.h"
-#include "support/Printing.h"
+#include "tests/support/Printing.h"
 
 #include <QApplication>
 #include <QDialog>

@@ -1,8 +1,8 @@
 #include "app/StatusMenu.h"
 
-#include "fakes/FakeSystemSettings.h"
-#include "fakes/FakeUserDefaults.h"
-#include "support/Printing.h"
+#include "tests/fakes/FakeSystemSettings.h"
+#include "tests/fakes/FakeUserDefaults.h"
+#include "tests/support/Printing.h"
 
 #include <QApplication>
 #include <QMenu>

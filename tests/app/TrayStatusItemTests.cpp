@@ -1,6 +1,6 @@
 #include "app/TrayStatusItem.h"
 
-#include "support/Printing.h"
+#include "tests/support/Printing.h"
 
 #include <QApplication>
 #include <QFile>

@@ -1,6 +1,6 @@
 #include "data/CardFile.h"
 
-#include "support/Printing.h"
+#include "tests/support/Printing.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 #include "data/WinrateStore.h"
 
-#include "fakes/FakeApplicationFiles.h"
-#include "fakes/FakeSystemSettings.h"
-#include "fakes/FakeUserDefaults.h"
-#include "support/Printing.h"
+#include "tests/fakes/FakeApplicationFiles.h"
+#include "tests/fakes/FakeSystemSettings.h"
+#include "tests/fakes/FakeUserDefaults.h"
+#include "tests/support/Printing.h"
 
 #include <QDir>
 #include <QFile>

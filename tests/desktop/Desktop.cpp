@@ -1,6 +1,6 @@
-#include "desktop/Desktop.h"
+#include "tests/desktop/Desktop.h"
 
-#include "support/EndWithParent.h"
+#include "tests/support/EndWithParent.h"
 
 #include <QDir>
 #include <QJsonDocument>

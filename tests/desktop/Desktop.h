@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/x11/TestClient.h"
-#include "support/ProgramRun.h"
-#include "support/VirtualDisplay.h"
+#include "tests/platform/x11/TestClient.h"
+#include "tests/support/ProgramRun.h"
+#include "tests/support/VirtualDisplay.h"
 
 #include <QJsonObject>
 #include <QProcess>

@@ -1,7 +1,7 @@
-#include "desktop/Desktop.h"
+#include "tests/desktop/Desktop.h"
 
-#include "desktop/ExpectedFigures.h"
-#include "support/Printing.h"
+#include "tests/desktop/ExpectedFigures.h"
+#include "tests/support/Printing.h"
 
 #include <gtest/gtest.h>
 

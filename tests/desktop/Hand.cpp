@@ -1,6 +1,6 @@
-#include "desktop/Hand.h"
+#include "tests/desktop/Hand.h"
 
-#include "support/VirtualDisplay.h"
+#include "tests/support/VirtualDisplay.h"
 
 #include <QProcess>
 

@@ -1,10 +1,10 @@
-#include "desktop/MenuText.h"
+#include "tests/desktop/MenuText.h"
 
-#include "desktop/Picture.h"
 #include "platform/LineReader.h"
 #include "reading/chinese/CharacterFeature.h"
 #include "reading/chinese/CharacterModel.h"
 #include "reading/chinese/CharacterShape.h"
+#include "tests/desktop/Picture.h"
 
 #include <QFile>
 

@@ -1,6 +1,6 @@
-#include "desktop/PanelTest.h"
+#include "tests/desktop/PanelTest.h"
 
-#include "support/Printing.h"
+#include "tests/support/Printing.h"
 
 #include <QFile>
 #include <QJsonArray>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "desktop/Desktop.h"
-#include "desktop/Hand.h"
-#include "desktop/Picture.h"
+#include "tests/desktop/Desktop.h"
+#include "tests/desktop/Hand.h"
+#include "tests/desktop/Picture.h"
 
 namespace pelloran::testing {
 

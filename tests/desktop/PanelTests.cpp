@@ -1,5 +1,5 @@
-#include "desktop/PanelTest.h"
-#include "support/Printing.h"
+#include "tests/desktop/PanelTest.h"
+#include "tests/support/Printing.h"
 
 #include <QDir>
 #include <QFile>

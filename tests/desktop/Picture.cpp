@@ -1,4 +1,4 @@
-#include "desktop/Picture.h"
+#include "tests/desktop/Picture.h"
 
 #include "overlay/OverlayPanel/PanelColors.h"
 

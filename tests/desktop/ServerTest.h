@@ -1,7 +1,7 @@
 #pragma once
 
-#include "desktop/StatusMenuTest.h"
-#include "support/StaticServer.h"
+#include "tests/desktop/StatusMenuTest.h"
+#include "tests/support/StaticServer.h"
 
 namespace pelloran::testing {
 

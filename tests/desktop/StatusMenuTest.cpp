@@ -1,6 +1,6 @@
-#include "desktop/StatusMenuTest.h"
+#include "tests/desktop/StatusMenuTest.h"
 
-#include "support/Printing.h"
+#include "tests/support/Printing.h"
 
 namespace pelloran::testing {
 

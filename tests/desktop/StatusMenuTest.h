@@ -1,7 +1,7 @@
 #pragma once
 
-#include "desktop/MenuText.h"
-#include "desktop/PanelTest.h"
+#include "tests/desktop/MenuText.h"
+#include "tests/desktop/PanelTest.h"
 
 namespace pelloran::testing {
 

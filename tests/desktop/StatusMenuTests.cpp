@@ -1,5 +1,5 @@
-#include "desktop/StatusMenuTest.h"
-#include "support/Printing.h"
+#include "tests/desktop/StatusMenuTest.h"
+#include "tests/support/Printing.h"
 
 #include <QElapsedTimer>
 

@@ -1,6 +1,6 @@
-#include "desktop/ExpectedFigures.h"
-#include "desktop/ServerTest.h"
-#include "support/Printing.h"
+#include "tests/desktop/ExpectedFigures.h"
+#include "tests/desktop/ServerTest.h"
+#include "tests/support/Printing.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,5 +1,5 @@
-#include "desktop/ServerTest.h"
-#include "support/Printing.h"
+#include "tests/desktop/ServerTest.h"
+#include "tests/support/Printing.h"
 
 #include <QFile>
 

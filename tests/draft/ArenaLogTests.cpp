@@ -1,8 +1,8 @@
 #include "draft/ArenaLog.h"
 
-#include "draft/LogFragments.h"
-#include "draft/PlainArenaLog.h"
-#include "support/Printing.h"
+#include "tests/draft/LogFragments.h"
+#include "tests/draft/PlainArenaLog.h"
+#include "tests/support/Printing.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "draft/DraftModel.h"
 
 #include "app/localisation/AppLanguage.h"
-#include "support/Printing.h"
+#include "tests/support/Printing.h"
 
 #include <gtest/gtest.h>
 

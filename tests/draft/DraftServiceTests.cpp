@@ -1,15 +1,15 @@
 #include "draft/DraftService.h"
 
 #include "app/localisation/AppLanguage.h"
-#include "fakes/FakeSystemSettings.h"
-#include "fakes/FakeTextReader.h"
-#include "fakes/FakeUserDefaults.h"
-#include "fakes/FakeWindowServer.h"
-#include "fakes/ManualQueue.h"
 #include "platform/Log.h"
 #include "recognition/ScreenReader.h"
-#include "support/Printing.h"
-#include "support/SampleStore.h"
+#include "tests/fakes/FakeSystemSettings.h"
+#include "tests/fakes/FakeTextReader.h"
+#include "tests/fakes/FakeUserDefaults.h"
+#include "tests/fakes/FakeWindowServer.h"
+#include "tests/fakes/ManualQueue.h"
+#include "tests/support/Printing.h"
+#include "tests/support/SampleStore.h"
 
 #include <QTest>
 

@@ -1,8 +1,8 @@
 #include "draft/LogWatcher.h"
 
 #include "platform/Log.h"
-#include "support/Printing.h"
-#include "support/SharedData.h"
+#include "tests/support/Printing.h"
+#include "tests/support/SharedData.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,9 +1,9 @@
 #include "app/localisation/AppLanguage.h"
 
 #include "app/localisation/L10n.h"
-#include "fakes/FakeSystemSettings.h"
-#include "fakes/FakeUserDefaults.h"
-#include "support/Printing.h"
+#include "tests/fakes/FakeSystemSettings.h"
+#include "tests/fakes/FakeUserDefaults.h"
+#include "tests/support/Printing.h"
 
 #include <QSignalSpy>
 

@@ -1,7 +1,7 @@
 #include "app/localisation/L10n.h"
 
 #include "app/localisation/AppLanguage.h"
-#include "support/Printing.h"
+#include "tests/support/Printing.h"
 
 #include <QRegularExpression>
 

@@ -1,8 +1,8 @@
 #include "names/CardNameIndex.h"
 
-#include "NameMatchingReference.h"
-#include "support/Printing.h"
-#include "support/SharedData.h"
+#include "tests/names/NameMatchingReference.h"
+#include "tests/support/Printing.h"
+#include "tests/support/SharedData.h"
 
 #include <QFile>
 #include <QJsonArray>

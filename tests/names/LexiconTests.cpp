@@ -2,9 +2,9 @@
 
 #include "names/NameMatching.h"
 #include "names/ReadingDistance.h"
-#include "ReadingDistanceReference.h"
-#include "support/Printing.h"
-#include "support/SharedData.h"
+#include "tests/names/ReadingDistanceReference.h"
+#include "tests/support/Printing.h"
+#include "tests/support/SharedData.h"
 
 #include <QFile>
 #include <QJsonArray>

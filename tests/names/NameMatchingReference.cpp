@@ -1,4 +1,4 @@
-#include "NameMatchingReference.h"
+#include "tests/names/NameMatchingReference.h"
 
 #include <QRegularExpression>
 #include <QTextBoundaryFinder>

@@ -1,7 +1,7 @@
 #include "names/NameMatching.h"
 
-#include "NameMatchingReference.h"
-#include "support/Printing.h"
+#include "tests/names/NameMatchingReference.h"
+#include "tests/support/Printing.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "ReadingDistanceReference.h"
+#include "tests/names/ReadingDistanceReference.h"
 
 #include <QStringList>
 

@@ -1,7 +1,7 @@
 #include "names/ReadingDistance.h"
 
-#include "ReadingDistanceReference.h"
-#include "support/Printing.h"
+#include "tests/names/ReadingDistanceReference.h"
+#include "tests/support/Printing.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 #include "overlay/OverlayPanel/FloatingPanel.h"
 
 #include "overlay/OverlayPanel/CloseButton.h"
-#include "overlay/RectPrinting.h"
-#include "support/ManualAnimationTime.h"
-#include "support/PanelDrag.h"
+#include "tests/overlay/RectPrinting.h"
+#include "tests/support/ManualAnimationTime.h"
+#include "tests/support/PanelDrag.h"
 
 #include <QSignalSpy>
 

@@ -1,8 +1,8 @@
 #include "overlay/OverlayPanel/GeometryDriver.h"
 
 #include "overlay/OverlayPanel/FloatingPanel.h"
-#include "support/ManualAnimationTime.h"
-#include "support/PanelDrag.h"
+#include "tests/support/ManualAnimationTime.h"
+#include "tests/support/PanelDrag.h"
 
 #include <gtest/gtest.h>
 

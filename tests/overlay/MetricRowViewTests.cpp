@@ -3,9 +3,9 @@
 #include "app/localisation/AppLanguage.h"
 #include "overlay/OverlayPanel/FontCache.h"
 #include "overlay/OverlayPanel/TextLabel.h"
-#include "support/EventCounter.h"
-#include "support/ManualAnimationTime.h"
-#include "support/Printing.h"
+#include "tests/support/EventCounter.h"
+#include "tests/support/ManualAnimationTime.h"
+#include "tests/support/Printing.h"
 
 #include <gtest/gtest.h>
 

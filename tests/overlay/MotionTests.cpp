@@ -1,7 +1,7 @@
 #include "overlay/OverlayPanel/Motion.h"
 
-#include "fakes/FakeSystemSettings.h"
-#include "support/ManualAnimationTime.h"
+#include "tests/fakes/FakeSystemSettings.h"
+#include "tests/support/ManualAnimationTime.h"
 
 #include <QWidget>
 

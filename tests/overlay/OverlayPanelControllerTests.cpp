@@ -1,8 +1,6 @@
 #include "overlay/OverlayPanelController.h"
 
 #include "app/localisation/AppLanguage.h"
-#include "fakes/FakePanelWindow.h"
-#include "fakes/FakeSystemSettings.h"
 #include "overlay/OverlayPanel/CardsStack.h"
 #include "overlay/OverlayPanel/CardTileView.h"
 #include "overlay/OverlayPanel/CloseButton.h"
@@ -13,12 +11,14 @@
 #include "overlay/OverlayPanel/Motion.h"
 #include "overlay/OverlayPanel/RootContent.h"
 #include "overlay/OverlayPanel/TextLabel.h"
-#include "overlay/RectPrinting.h"
-#include "support/EventCounter.h"
-#include "support/ExpectedWarning.h"
-#include "support/ManualAnimationTime.h"
-#include "support/PanelDrag.h"
-#include "support/Printing.h"
+#include "tests/fakes/FakePanelWindow.h"
+#include "tests/fakes/FakeSystemSettings.h"
+#include "tests/overlay/RectPrinting.h"
+#include "tests/support/EventCounter.h"
+#include "tests/support/ExpectedWarning.h"
+#include "tests/support/ManualAnimationTime.h"
+#include "tests/support/PanelDrag.h"
+#include "tests/support/Printing.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>

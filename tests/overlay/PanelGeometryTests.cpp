@@ -1,6 +1,6 @@
 #include "overlay/OverlayPanel/PanelGeometry.h"
 
-#include "overlay/RectPrinting.h"
+#include "tests/overlay/RectPrinting.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 #include "overlay/OverlayPanel/TextLabel.h"
 
 #include "overlay/OverlayPanel/FontCache.h"
-#include "support/EventCounter.h"
-#include "support/ManualAnimationTime.h"
+#include "tests/support/EventCounter.h"
+#include "tests/support/ManualAnimationTime.h"
 
 #include <QImage>
 

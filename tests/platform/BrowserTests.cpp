@@ -1,7 +1,7 @@
 #include "platform/Browser.h"
 
-#include "fakes/FakeBrowser.h"
-#include "support/Printing.h"
+#include "tests/fakes/FakeBrowser.h"
+#include "tests/support/Printing.h"
 
 #include <gtest/gtest.h>
 

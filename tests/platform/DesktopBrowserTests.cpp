@@ -1,6 +1,6 @@
 #include "platform/Browser.h"
-#include "platform/UrlHandler.h"
-#include "support/Printing.h"
+#include "tests/platform/UrlHandler.h"
+#include "tests/support/Printing.h"
 
 #include <QUrl>
 

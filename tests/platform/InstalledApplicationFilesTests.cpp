@@ -1,5 +1,5 @@
 #include "platform/ApplicationFiles.h"
-#include "support/Printing.h"
+#include "tests/support/Printing.h"
 
 #include <QCoreApplication>
 #include <QDir>

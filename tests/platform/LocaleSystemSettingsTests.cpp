@@ -1,6 +1,6 @@
 #include "platform/LocaleSystemSettings.h"
 
-#include "support/Printing.h"
+#include "tests/support/Printing.h"
 
 #include <QByteArray>
 #include <QStringList>

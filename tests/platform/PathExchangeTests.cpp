@@ -1,6 +1,6 @@
 #include "platform/PathExchange.h"
 
-#include "support/Printing.h"
+#include "tests/support/Printing.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,6 +1,6 @@
 #include "platform/Log.h"
 #include "platform/UserDefaults.h"
-#include "support/Printing.h"
+#include "tests/support/Printing.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,6 +1,6 @@
-#include "platform/WindowServerContract.h"
+#include "tests/platform/WindowServerContract.h"
 
-#include "fakes/FakeWindowServer.h"
+#include "tests/fakes/FakeWindowServer.h"
 
 #include <gtest/gtest.h>
 

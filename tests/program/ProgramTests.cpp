@@ -1,8 +1,8 @@
-#include "support/Printing.h"
-#include "support/ProgramRun.h"
-#include "support/ScriptedServer.h"
-#include "support/SharedData.h"
-#include "support/TarWriter.h"
+#include "tests/support/Printing.h"
+#include "tests/support/ProgramRun.h"
+#include "tests/support/ScriptedServer.h"
+#include "tests/support/SharedData.h"
+#include "tests/support/TarWriter.h"
 
 #include <QCryptographicHash>
 #include <QDir>

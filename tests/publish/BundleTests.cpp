@@ -1,7 +1,7 @@
 #include "publish/Bundle.h"
 
-#include "support/Printing.h"
 #include "sync/LocalConfig.h"
+#include "tests/support/Printing.h"
 
 #include <QDir>
 #include <QFile>

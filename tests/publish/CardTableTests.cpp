@@ -1,7 +1,7 @@
 #include "publish/CardTable.h"
 
 #include "data/WinrateFormats.h"
-#include "support/Printing.h"
+#include "tests/support/Printing.h"
 
 #include <gtest/gtest.h>
 

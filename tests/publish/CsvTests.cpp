@@ -1,6 +1,6 @@
 #include "publish/Csv.h"
 
-#include "support/Printing.h"
+#include "tests/support/Printing.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 #include "publish/Publisher.h"
 
-#include "publish/DataFolder.h"
-#include "support/Printing.h"
 #include "sync/ConfigSync.h"
+#include "tests/publish/DataFolder.h"
+#include "tests/support/Printing.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

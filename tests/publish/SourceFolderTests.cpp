@@ -1,8 +1,8 @@
 #include "publish/SourceFolder.h"
 
 #include "data/WinrateFormats.h"
-#include "publish/DataFolder.h"
-#include "support/Printing.h"
+#include "tests/publish/DataFolder.h"
+#include "tests/support/Printing.h"
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>

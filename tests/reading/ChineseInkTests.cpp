@@ -1,6 +1,6 @@
 #include "reading/chinese/ChineseInk.h"
 
-#include "PaintedCharacters.h"
+#include "tests/reading/PaintedCharacters.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 #include "reading/chinese/ChineseLineReader.h"
 
-#include "PaintedCharacters.h"
 #include "platform/Log.h"
 #include "reading/chinese/ChineseInk.h"
+#include "tests/reading/PaintedCharacters.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
-#include "fakes/FakeLineReader.h"
-#include "PaintedCharacters.h"
 #include "reading/LineByLineReader.h"
 #include "reading/PlacedCards.h"
 #include "reading/PlacedHeroes.h"
-#include "support/Printing.h"
-#include "WordsByWidth.h"
+#include "tests/fakes/FakeLineReader.h"
+#include "tests/reading/PaintedCharacters.h"
+#include "tests/reading/WordsByWidth.h"
+#include "tests/support/Printing.h"
 
 #include <gtest/gtest.h>
 

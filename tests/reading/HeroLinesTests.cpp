@@ -1,6 +1,6 @@
 #include "reading/HeroLines.h"
 
-#include "PaintedScreen.h"
+#include "tests/reading/PaintedScreen.h"
 
 #include <gtest/gtest.h>
 

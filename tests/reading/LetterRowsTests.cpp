@@ -1,6 +1,6 @@
 #include "reading/LetterRows.h"
 
-#include "PaintedScreen.h"
+#include "tests/reading/PaintedScreen.h"
 
 #include <gtest/gtest.h>
 

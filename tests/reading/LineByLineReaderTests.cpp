@@ -1,9 +1,9 @@
 #include "reading/LineByLineReader.h"
 
-#include "PaintedScreen.h"
-#include "PaintedText.h"
-#include "support/Printing.h"
-#include "WordsByWidth.h"
+#include "tests/reading/PaintedScreen.h"
+#include "tests/reading/PaintedText.h"
+#include "tests/reading/WordsByWidth.h"
+#include "tests/support/Printing.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "reading/LineCropper.h"
 
-#include "PaintedText.h"
+#include "tests/reading/PaintedText.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "PaintedScreen.h"
 #include "reading/chinese/CharacterModel.h"
 #include "reading/chinese/CharacterShape.h"
 #include "reading/Plane.h"
+#include "tests/reading/PaintedScreen.h"
 
 #include <QImage>
 #include <QPainter>

@@ -1,9 +1,9 @@
-#include "PaintedScreen.h"
 #include "reading/HeroLines.h"
 #include "reading/PlacedCards.h"
 #include "reading/PlacedHeroes.h"
-#include "support/Printing.h"
-#include "WordsByWidth.h"
+#include "tests/reading/PaintedScreen.h"
+#include "tests/reading/WordsByWidth.h"
+#include "tests/support/Printing.h"
 
 #include <gtest/gtest.h>
 

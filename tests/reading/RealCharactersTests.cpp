@@ -1,7 +1,7 @@
 // The shipped model of Chinese characters on what the game really writes.
 
 #include "reading/chinese/ChineseLineReader.h"
-#include "support/SharedData.h"
+#include "tests/support/SharedData.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,7 +1,7 @@
-#include "fakes/FakeLineReader.h"
-#include "PaintedScreen.h"
 #include "reading/LineByLineReader.h"
-#include "support/Printing.h"
+#include "tests/fakes/FakeLineReader.h"
+#include "tests/reading/PaintedScreen.h"
+#include "tests/support/Printing.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
 #include "platform/TextReader.h"
 
-#include "fakes/FakeApplicationFiles.h"
-#include "PaintedText.h"
 #include "platform/Log.h"
-#include "support/Printing.h"
-#include "support/SharedData.h"
+#include "tests/fakes/FakeApplicationFiles.h"
+#include "tests/reading/PaintedText.h"
+#include "tests/support/Printing.h"
+#include "tests/support/SharedData.h"
 
 #include <QCryptographicHash>
 #include <QDir>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "fakes/FakeLineReader.h"
+#include "tests/fakes/FakeLineReader.h"
 
 #include <QStringList>
 

@@ -1,8 +1,8 @@
 #include "recognition/CardRecognizer.h"
 
-#include "fakes/FakeTextReader.h"
-#include "support/Printing.h"
-#include "support/SampleStore.h"
+#include "tests/fakes/FakeTextReader.h"
+#include "tests/support/Printing.h"
+#include "tests/support/SampleStore.h"
 
 #include <gtest/gtest.h>
 

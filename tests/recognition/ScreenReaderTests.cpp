@@ -1,9 +1,9 @@
 #include "recognition/ScreenReader.h"
 
-#include "fakes/FakeTextReader.h"
-#include "fakes/FakeWindowServer.h"
 #include "platform/Log.h"
-#include "support/Printing.h"
+#include "tests/fakes/FakeTextReader.h"
+#include "tests/fakes/FakeWindowServer.h"
+#include "tests/support/Printing.h"
 
 #include <gtest/gtest.h>
 

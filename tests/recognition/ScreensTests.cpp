@@ -1,8 +1,8 @@
-#include "fakes/FakeApplicationFiles.h"
 #include "recognition/CardRecognizer.h"
-#include "support/Printing.h"
-#include "support/SampleStore.h"
-#include "support/SharedData.h"
+#include "tests/fakes/FakeApplicationFiles.h"
+#include "tests/support/Printing.h"
+#include "tests/support/SampleStore.h"
+#include "tests/support/SharedData.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,7 +1,7 @@
 #include "recognition/WindowCapture.h"
 
-#include "fakes/FakeWindowServer.h"
-#include "support/Printing.h"
+#include "tests/fakes/FakeWindowServer.h"
+#include "tests/support/Printing.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
-#include "stage/CardFile.h"
+#include "tools/stage/CardFile.h"
 
-#include "stage/Catalogue.h"
-#include "support/Printing.h"
+#include "tests/support/Printing.h"
+#include "tools/stage/Catalogue.h"
 
 #include <QFile>
 #include <QTemporaryDir>

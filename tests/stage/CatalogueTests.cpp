@@ -1,6 +1,6 @@
-#include "stage/Catalogue.h"
+#include "tools/stage/Catalogue.h"
 
-#include "support/Printing.h"
+#include "tests/support/Printing.h"
 
 #include <QSet>
 

@@ -1,6 +1,6 @@
-#include "stage/LogScript.h"
+#include "tools/stage/LogScript.h"
 
-#include "support/Printing.h"
+#include "tests/support/Printing.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-#include "stage/painting/ScenePainter.h"
-#include "support/Printing.h"
+#include "tests/support/Printing.h"
+#include "tools/stage/painting/ScenePainter.h"
 
 #include <QImage>
 #include <QPainter>

@@ -1,7 +1,7 @@
-#include "stage/Catalogue.h"
-#include "stage/Contents.h"
-#include "support/Printing.h"
-#include "support/SharedData.h"
+#include "tests/stage/Contents.h"
+#include "tests/support/Printing.h"
+#include "tests/support/SharedData.h"
+#include "tools/stage/Catalogue.h"
 
 #include <QDir>
 #include <QFile>

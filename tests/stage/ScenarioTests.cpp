@@ -1,6 +1,6 @@
-#include "stage/Scenario.h"
+#include "tools/stage/Scenario.h"
 
-#include "support/Printing.h"
+#include "tests/support/Printing.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,6 +1,6 @@
-#include "stage/ScreenSeries.h"
+#include "tools/stage/ScreenSeries.h"
 
-#include "support/Printing.h"
+#include "tests/support/Printing.h"
 
 #include <QDir>
 #include <QFile>

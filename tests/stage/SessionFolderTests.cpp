@@ -1,7 +1,7 @@
-#include "stage/SessionFolder.h"
+#include "tools/stage/SessionFolder.h"
 
-#include "stage/Contents.h"
-#include "support/Printing.h"
+#include "tests/stage/Contents.h"
+#include "tests/support/Printing.h"
 
 #include <QDateTime>
 #include <QDir>

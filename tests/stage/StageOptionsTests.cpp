@@ -1,6 +1,6 @@
-#include "stage/StageOptions.h"
+#include "tools/stage/StageOptions.h"
 
-#include "support/Printing.h"
+#include "tests/support/Printing.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "stage/Contents.h"
-#include "stage/Scenario.h"
-#include "support/Printing.h"
+#include "tests/stage/Contents.h"
+#include "tests/support/Printing.h"
+#include "tools/stage/Scenario.h"
 
 #include <QHash>
 #include <QJsonArray>

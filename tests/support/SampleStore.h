@@ -1,7 +1,7 @@
 #pragma once
 
 #include "data/WinrateStore.h"
-#include "fakes/FakeApplicationFiles.h"
+#include "tests/fakes/FakeApplicationFiles.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,4 +1,4 @@
-#include "support/SharedData.h"
+#include "tests/support/SharedData.h"
 
 namespace pelloran::testing {
 

@@ -1,6 +1,6 @@
-#include "support/StaticServer.h"
+#include "tests/support/StaticServer.h"
 
-#include "support/EndWithParent.h"
+#include "tests/support/EndWithParent.h"
 
 #include <QDir>
 #include <QFile>

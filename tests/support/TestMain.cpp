@@ -1,4 +1,4 @@
-#include "support/TestMain.h"
+#include "tests/support/TestMain.h"
 
 #include <QCoreApplication>
 

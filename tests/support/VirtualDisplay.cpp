@@ -1,6 +1,6 @@
-#include "support/VirtualDisplay.h"
+#include "tests/support/VirtualDisplay.h"
 
-#include "support/EndWithParent.h"
+#include "tests/support/EndWithParent.h"
 
 #include <QDeadlineTimer>
 #include <QFile>

@@ -1,7 +1,7 @@
 #include "sync/ConfigSyncError.h"
 
-#include "support/Printing.h"
-#include "sync/TextLanguage.h"
+#include "tests/support/Printing.h"
+#include "tests/sync/TextLanguage.h"
 
 #include <gtest/gtest.h>
 

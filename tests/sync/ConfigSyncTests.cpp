@@ -1,13 +1,13 @@
 #include "sync/ConfigSync.h"
 
-#include "fakes/FakeApplicationFiles.h"
-#include "fakes/FakeHttpClient.h"
-#include "fakes/ManualQueue.h"
 #include "platform/Log.h"
-#include "support/Printing.h"
-#include "support/TarWriter.h"
 #include "sync/TarArchive.h"
-#include "sync/TextLanguage.h"
+#include "tests/fakes/FakeApplicationFiles.h"
+#include "tests/fakes/FakeHttpClient.h"
+#include "tests/fakes/ManualQueue.h"
+#include "tests/support/Printing.h"
+#include "tests/support/TarWriter.h"
+#include "tests/sync/TextLanguage.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -1,8 +1,8 @@
 // Installs one bundle and is killed after one step: install-and-die FOLDER HASH BUNDLE exchange|moves STEP. Without a
 // step it mends and ends. STEP -1 installs to the end. FOLDER holds support/ and temporary/.
 
-#include "fakes/FakeApplicationFiles.h"
 #include "sync/LocalConfig.h"
+#include "tests/fakes/FakeApplicationFiles.h"
 
 #include <QCoreApplication>
 #include <QFile>

@@ -1,7 +1,7 @@
-#include "fakes/FakeApplicationFiles.h"
-#include "support/Printing.h"
-#include "support/TarWriter.h"
 #include "sync/LocalConfig.h"
+#include "tests/fakes/FakeApplicationFiles.h"
+#include "tests/support/Printing.h"
+#include "tests/support/TarWriter.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,11 +1,11 @@
 #include "sync/LocalConfig.h"
 
-#include "fakes/FakeApplicationFiles.h"
 #include "platform/Log.h"
 #include "platform/SerialQueue.h"
-#include "support/Printing.h"
-#include "support/TarWriter.h"
-#include "sync/TextLanguage.h"
+#include "tests/fakes/FakeApplicationFiles.h"
+#include "tests/support/Printing.h"
+#include "tests/support/TarWriter.h"
+#include "tests/sync/TextLanguage.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,6 +1,6 @@
 #include "sync/RemoteManifest.h"
 
-#include "support/Printing.h"
+#include "tests/support/Printing.h"
 
 #include <gtest/gtest.h>
 

@@ -1,12 +1,12 @@
 // A sync with everything real but the server, which does what servers do on bad days.
 
 #include "data/WinrateStore.h"
-#include "fakes/FakeApplicationFiles.h"
-#include "support/Printing.h"
-#include "support/ScriptedServer.h"
-#include "support/TarWriter.h"
 #include "sync/ConfigSync.h"
-#include "sync/TextLanguage.h"
+#include "tests/fakes/FakeApplicationFiles.h"
+#include "tests/support/Printing.h"
+#include "tests/support/ScriptedServer.h"
+#include "tests/support/TarWriter.h"
+#include "tests/sync/TextLanguage.h"
 
 #include <QDir>
 #include <QDirIterator>

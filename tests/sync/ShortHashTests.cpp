@@ -1,6 +1,6 @@
 #include "sync/ShortHash.h"
 
-#include "support/Printing.h"
+#include "tests/support/Printing.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 #include "sync/TarArchive.h"
 
 #include "platform/SerialQueue.h"
-#include "support/Printing.h"
-#include "support/TarWriter.h"
 #include "sync/TarListing.h"
+#include "tests/support/Printing.h"
+#include "tests/support/TarWriter.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "app/localisation/AppLanguage.h"
-#include "fakes/FakeSystemSettings.h"
-#include "fakes/FakeUserDefaults.h"
+#include "tests/fakes/FakeSystemSettings.h"
+#include "tests/fakes/FakeUserDefaults.h"
 
 namespace pelloran::testing {
 

@@ -1,6 +1,6 @@
 #include "update/AppReleaseInfo.h"
 
-#include "support/Printing.h"
+#include "tests/support/Printing.h"
 #include "update/StrictURL.h"
 
 #include <QJsonDocument>

@@ -1,12 +1,12 @@
 #include "update/AppUpdateChecker.h"
 
 #include "app/localisation/AppLanguage.h"
-#include "fakes/FakeHttpClient.h"
-#include "fakes/FakeUserDefaults.h"
-#include "fakes/ManualQueue.h"
-#include "support/Printing.h"
-#include "update/ResultPrinting.h"
-#include "update/SkippedKey.h"
+#include "tests/fakes/FakeHttpClient.h"
+#include "tests/fakes/FakeUserDefaults.h"
+#include "tests/fakes/ManualQueue.h"
+#include "tests/support/Printing.h"
+#include "tests/update/ResultPrinting.h"
+#include "tests/update/SkippedKey.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

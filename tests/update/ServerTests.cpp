@@ -1,13 +1,13 @@
 // A check with everything real but the server, which does what servers do on bad days.
 
 #include "app/localisation/AppLanguage.h"
-#include "fakes/FakeUserDefaults.h"
 #include "platform/SerialQueue.h"
-#include "support/Printing.h"
-#include "support/ScriptedServer.h"
+#include "tests/fakes/FakeUserDefaults.h"
+#include "tests/support/Printing.h"
+#include "tests/support/ScriptedServer.h"
+#include "tests/update/ResultPrinting.h"
+#include "tests/update/SkippedKey.h"
 #include "update/AppUpdateChecker.h"
-#include "update/ResultPrinting.h"
-#include "update/SkippedKey.h"
 
 #include <QElapsedTimer>
 #include <QNetworkProxyFactory>

@@ -1,15 +1,15 @@
 #include "update/UpdatePrompts.h"
 
 #include "app/localisation/AppLanguage.h"
-#include "fakes/FakeAlerts.h"
-#include "fakes/FakeBrowser.h"
-#include "fakes/FakeHttpClient.h"
-#include "fakes/FakeUserDefaults.h"
-#include "fakes/ManualQueue.h"
 #include "platform/Log.h"
-#include "support/Printing.h"
+#include "tests/fakes/FakeAlerts.h"
+#include "tests/fakes/FakeBrowser.h"
+#include "tests/fakes/FakeHttpClient.h"
+#include "tests/fakes/FakeUserDefaults.h"
+#include "tests/fakes/ManualQueue.h"
+#include "tests/support/Printing.h"
+#include "tests/update/SkippedKey.h"
 #include "update/AppUpdateChecker.h"
-#include "update/SkippedKey.h"
 
 #include <gtest/gtest.h>
 

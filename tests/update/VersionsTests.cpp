@@ -1,6 +1,6 @@
 #include "update/Versions.h"
 
-#include "support/Printing.h"
+#include "tests/support/Printing.h"
 
 #include <QStringList>
 

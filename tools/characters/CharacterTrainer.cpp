@@ -1,6 +1,6 @@
-#include "CharacterTrainer.h"
+#include "tools/characters/CharacterTrainer.h"
 
-#include "Degradation.h"
+#include "tools/characters/Degradation.h"
 
 #include <Eigen/Core>
 #include <Eigen/Eigenvalues>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "reading/chinese/CharacterModel.h"
-#include "TypefaceGlyphs.h"
+#include "tools/characters/TypefaceGlyphs.h"
 
 #include <cstdint>
 #include <functional>

@@ -1,6 +1,6 @@
-#include "Check.h"
+#include "tools/characters/Check.h"
 
-#include "Degradation.h"
+#include "tools/characters/Degradation.h"
 
 #include <algorithm>
 #include <thread>

@@ -1,4 +1,4 @@
-#include "Degradation.h"
+#include "tools/characters/Degradation.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Random.h"
 #include "reading/Plane.h"
+#include "tools/characters/Random.h"
 
 #include <optional>
 

@@ -1,4 +1,4 @@
-#include "Random.h"
+#include "tools/characters/Random.h"
 
 namespace pelloran::characters {
 

@@ -1,4 +1,4 @@
-#include "TrainerOptions.h"
+#include "tools/characters/TrainerOptions.h"
 
 namespace pelloran::characters {
 

@@ -1,6 +1,6 @@
-#include "TypefaceGlyphs.h"
+#include "tools/characters/TypefaceGlyphs.h"
 
-#include "Degradation.h"
+#include "tools/characters/Degradation.h"
 
 #include <QFile>
 #include <QStringDecoder>

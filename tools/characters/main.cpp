@@ -1,6 +1,6 @@
-#include "CharacterTrainer.h"
-#include "Check.h"
-#include "TrainerOptions.h"
+#include "tools/characters/CharacterTrainer.h"
+#include "tools/characters/Check.h"
+#include "tools/characters/TrainerOptions.h"
 
 #include <QFile>
 #include <QFileInfo>

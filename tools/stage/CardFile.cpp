@@ -1,4 +1,4 @@
-#include "stage/CardFile.h"
+#include "tools/stage/CardFile.h"
 
 #include <QFile>
 #include <QJsonArray>

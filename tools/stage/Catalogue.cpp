@@ -1,4 +1,4 @@
-#include "stage/Catalogue.h"
+#include "tools/stage/Catalogue.h"
 
 #include <QFile>
 

@@ -1,4 +1,4 @@
-#include "stage/LogScript.h"
+#include "tools/stage/LogScript.h"
 
 #include <algorithm>
 #include <utility>

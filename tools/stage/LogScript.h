@@ -1,6 +1,6 @@
 #pragma once
 
-#include "stage/Scenario.h"
+#include "tools/stage/Scenario.h"
 
 #include <QString>
 #include <QStringList>

@@ -1,4 +1,4 @@
-#include "stage/Scenario.h"
+#include "tools/stage/Scenario.h"
 
 #include <QDir>
 #include <QFile>

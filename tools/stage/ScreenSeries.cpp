@@ -1,7 +1,7 @@
-#include "stage/ScreenSeries.h"
+#include "tools/stage/ScreenSeries.h"
 
-#include "stage/painting/Materials.h"
-#include "stage/painting/ScenePainter.h"
+#include "tools/stage/painting/Materials.h"
+#include "tools/stage/painting/ScenePainter.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "stage/Catalogue.h"
-#include "stage/Look.h"
-#include "stage/painting/Lettering.h"
-#include "stage/painting/Screen.h"
+#include "tools/stage/Catalogue.h"
+#include "tools/stage/Look.h"
+#include "tools/stage/painting/Lettering.h"
+#include "tools/stage/painting/Screen.h"
 
 #include <QImage>
 #include <QJsonObject>

@@ -1,4 +1,4 @@
-#include "stage/SessionFolder.h"
+#include "tools/stage/SessionFolder.h"
 
 #include <QDateTime>
 #include <QDir>

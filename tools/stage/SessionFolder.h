@@ -1,6 +1,6 @@
 #pragma once
 
-#include "stage/LogScript.h"
+#include "tools/stage/LogScript.h"
 
 #include <QFile>
 #include <QString>

@@ -1,4 +1,4 @@
-#include "stage/StageOptions.h"
+#include "tools/stage/StageOptions.h"
 
 #include <QRegularExpression>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "stage/Catalogue.h"
-#include "stage/Look.h"
+#include "tools/stage/Catalogue.h"
+#include "tools/stage/Look.h"
 
 #include <QSize>
 #include <QString>

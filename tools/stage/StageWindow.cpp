@@ -1,4 +1,4 @@
-#include "stage/StageWindow.h"
+#include "tools/stage/StageWindow.h"
 
 #include <QPainter>
 

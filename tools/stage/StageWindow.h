@@ -1,6 +1,6 @@
 #pragma once
 
-#include "stage/painting/ScenePainter.h"
+#include "tools/stage/painting/ScenePainter.h"
 
 #include <QElapsedTimer>
 #include <QRasterWindow>

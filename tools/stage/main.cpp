@@ -1,10 +1,10 @@
-#include "stage/CardFile.h"
-#include "stage/LogScript.h"
-#include "stage/Scenario.h"
-#include "stage/ScreenSeries.h"
-#include "stage/SessionFolder.h"
-#include "stage/StageOptions.h"
-#include "stage/StageWindow.h"
+#include "tools/stage/CardFile.h"
+#include "tools/stage/LogScript.h"
+#include "tools/stage/Scenario.h"
+#include "tools/stage/ScreenSeries.h"
+#include "tools/stage/SessionFolder.h"
+#include "tools/stage/StageOptions.h"
+#include "tools/stage/StageWindow.h"
 
 #include <QGuiApplication>
 #include <QJsonArray>

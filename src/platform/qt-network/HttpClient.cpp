@@ -1,6 +1,6 @@
 #include "platform/HttpClient.h"
 
-#include "SystemProxies.h"
+#include "platform/qt-network/SystemProxies.h"
 
 #include <QDeadlineTimer>
 #include <QEventLoop>

@@ -1,4 +1,4 @@
-#include "SystemProxies.h"
+#include "platform/qt-network/SystemProxies.h"
 
 #include <QThread>
 

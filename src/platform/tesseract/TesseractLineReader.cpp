@@ -1,4 +1,4 @@
-#include "TesseractLineReader.h"
+#include "platform/tesseract/TesseractLineReader.h"
 
 #include <QDir>
 #include <QStringList>

@@ -1,4 +1,4 @@
-#include "CharacterCells.h"
+#include "reading/chinese/CharacterCells.h"
 
 #include <algorithm>
 #include <cmath>

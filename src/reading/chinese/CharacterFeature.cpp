@@ -1,4 +1,4 @@
-#include "CharacterFeature.h"
+#include "reading/chinese/CharacterFeature.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CharacterShape.h"
+#include "reading/chinese/CharacterShape.h"
 
 #include <array>
 

@@ -1,4 +1,4 @@
-#include "CharacterModel.h"
+#include "reading/chinese/CharacterModel.h"
 
 #include <QCryptographicHash>
 #include <QFloat16>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CharacterFeature.h"
+#include "reading/chinese/CharacterFeature.h"
 
 #include <QByteArray>
 #include <QString>

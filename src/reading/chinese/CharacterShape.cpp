@@ -1,4 +1,4 @@
-#include "CharacterShape.h"
+#include "reading/chinese/CharacterShape.h"
 
 #include <algorithm>
 #include <cmath>

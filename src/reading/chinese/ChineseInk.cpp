@@ -1,4 +1,4 @@
-#include "ChineseInk.h"
+#include "reading/chinese/ChineseInk.h"
 
 #include "reading/Components.h"
 

@@ -1,9 +1,9 @@
-#include "ChineseLineReader.h"
+#include "reading/chinese/ChineseLineReader.h"
 
-#include "CharacterCells.h"
-#include "CharacterFeature.h"
-#include "CharacterShape.h"
 #include "platform/Log.h"
+#include "reading/chinese/CharacterCells.h"
+#include "reading/chinese/CharacterFeature.h"
+#include "reading/chinese/CharacterShape.h"
 #include "reading/Components.h"
 
 #include <QFile>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ChineseNames.h"
 #include "platform/ApplicationFiles.h"
+#include "reading/chinese/ChineseNames.h"
 #include "reading/Plane.h"
 
 #include <QString>

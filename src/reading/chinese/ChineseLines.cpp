@@ -1,4 +1,4 @@
-#include "ChineseLines.h"
+#include "reading/chinese/ChineseLines.h"
 
 #include <array>
 #include <span>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ChineseInk.h"
-#include "ChineseLineReader.h"
+#include "reading/chinese/ChineseInk.h"
+#include "reading/chinese/ChineseLineReader.h"
 #include "reading/HeroLines.h"
 #include "reading/LineCropper.h"
 #include "reading/RibbonLines.h"

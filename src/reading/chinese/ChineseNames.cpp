@@ -1,4 +1,4 @@
-#include "ChineseNames.h"
+#include "reading/chinese/ChineseNames.h"
 
 #include <algorithm>
 #include <map>

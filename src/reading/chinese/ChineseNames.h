@@ -1,7 +1,7 @@
 #pragma once
 
-#include "CharacterModel.h"
 #include "names/Lexicon.h"
+#include "reading/chinese/CharacterModel.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,8 +1,8 @@
 #include "platform/freedesktop/DesktopSettings.h"
 
-#include "platform/freedesktop/FakePortal.h"
-#include "platform/freedesktop/Patience.h"
 #include "platform/freedesktop/PortalNames.h"
+#include "tests/platform/freedesktop/FakePortal.h"
+#include "tests/platform/freedesktop/Patience.h"
 
 #include <QElapsedTimer>
 #include <QFile>

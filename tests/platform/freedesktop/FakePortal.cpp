@@ -1,6 +1,6 @@
-#include "platform/freedesktop/FakePortal.h"
+#include "tests/platform/freedesktop/FakePortal.h"
 
-#include "platform/freedesktop/Patience.h"
+#include "tests/platform/freedesktop/Patience.h"
 
 #include <QDBusMetaType>
 #include <QStandardPaths>

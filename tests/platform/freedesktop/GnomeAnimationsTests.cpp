@@ -1,6 +1,6 @@
 #include "platform/freedesktop/GnomeAnimations.h"
 
-#include "platform/freedesktop/Patience.h"
+#include "tests/platform/freedesktop/Patience.h"
 
 #include <QElapsedTimer>
 #include <QFile>

@@ -1,6 +1,6 @@
 #include "platform/freedesktop/KdeGlobals.h"
 
-#include "platform/freedesktop/Patience.h"
+#include "tests/platform/freedesktop/Patience.h"
 
 #include <QDir>
 #include <QFile>

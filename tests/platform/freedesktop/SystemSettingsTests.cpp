@@ -1,9 +1,9 @@
 #include "platform/SystemSettings.h"
 
-#include "platform/freedesktop/FakePortal.h"
-#include "platform/freedesktop/Patience.h"
 #include "platform/freedesktop/PortalNames.h"
 #include "platform/LocaleSystemSettings.h"
+#include "tests/platform/freedesktop/FakePortal.h"
+#include "tests/platform/freedesktop/Patience.h"
 
 #include <QTest>
 

@@ -1,8 +1,8 @@
 #include "platform/HttpClient.h"
 
 #include "platform/SerialQueue.h"
-#include "support/Printing.h"
-#include "support/ScriptedServer.h"
+#include "tests/support/Printing.h"
+#include "tests/support/ScriptedServer.h"
 
 #include <QElapsedTimer>
 #include <QFile>

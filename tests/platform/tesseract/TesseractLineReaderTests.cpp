@@ -1,8 +1,8 @@
 #include "platform/tesseract/TesseractLineReader.h"
 
 #include "reading/LineCropper.h"
-#include "reading/PaintedText.h"
-#include "support/Printing.h"
+#include "tests/reading/PaintedText.h"
+#include "tests/support/Printing.h"
 
 #include <QFile>
 #include <QTemporaryDir>

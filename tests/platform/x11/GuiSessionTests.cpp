@@ -1,7 +1,7 @@
 #include "platform/GuiSession.h"
 
-#include "platform/x11/X11Test.h"
-#include "support/Printing.h"
+#include "tests/platform/x11/X11Test.h"
+#include "tests/support/Printing.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 #include "platform/x11/RoundedRegion.h"
-#include "platform/x11/X11Test.h"
+#include "tests/platform/x11/X11Test.h"
 
 #include <QProcess>
 #include <QTest>

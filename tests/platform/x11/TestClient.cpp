@@ -1,4 +1,4 @@
-#include "platform/x11/TestClient.h"
+#include "tests/platform/x11/TestClient.h"
 
 #include <xcb/composite.h>
 #include <xcb/xfixes.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/VirtualDisplay.h"
+#include "tests/support/VirtualDisplay.h"
 
 #include <QByteArray>
 #include <QImage>

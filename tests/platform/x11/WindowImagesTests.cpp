@@ -1,4 +1,4 @@
-#include "platform/x11/X11Test.h"
+#include "tests/platform/x11/X11Test.h"
 
 #include <QDir>
 

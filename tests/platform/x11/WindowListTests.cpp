@@ -1,5 +1,5 @@
-#include "platform/x11/X11Test.h"
-#include "support/Printing.h"
+#include "tests/platform/x11/X11Test.h"
+#include "tests/support/Printing.h"
 
 #include <gmock/gmock.h>
 

@@ -1,6 +1,6 @@
 #include "platform/x11/WindowOwner.h"
 
-#include "support/Printing.h"
+#include "tests/support/Printing.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>

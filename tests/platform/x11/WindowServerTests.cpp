@@ -1,7 +1,7 @@
-#include "platform/WindowServerContract.h"
-#include "platform/x11/X11Test.h"
 #include "recognition/WindowCapture.h"
-#include "support/Printing.h"
+#include "tests/platform/WindowServerContract.h"
+#include "tests/platform/x11/X11Test.h"
+#include "tests/support/Printing.h"
 
 #include <gtest/gtest.h>
 

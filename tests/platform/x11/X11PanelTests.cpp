@@ -1,6 +1,6 @@
 #include "platform/x11/X11Panel.h"
 
-#include "platform/x11/X11Test.h"
+#include "tests/platform/x11/X11Test.h"
 
 #include <QElapsedTimer>
 #include <QTest>

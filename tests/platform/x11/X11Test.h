@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/WindowServer.h"
-#include "platform/x11/TestClient.h"
-#include "support/VirtualDisplay.h"
+#include "tests/platform/x11/TestClient.h"
+#include "tests/support/VirtualDisplay.h"
 
 #include <QtGlobal>
 

@@ -1,7 +1,7 @@
-#include "stage/painting/Art.h"
+#include "tools/stage/painting/Art.h"
 
-#include "stage/painting/Emblems.h"
-#include "stage/painting/Materials.h"
+#include "tools/stage/painting/Emblems.h"
+#include "tools/stage/painting/Materials.h"
 
 #include <QLinearGradient>
 #include <QPainter>

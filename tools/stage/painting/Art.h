@@ -1,6 +1,6 @@
 #pragma once
 
-#include "stage/Catalogue.h"
+#include "tools/stage/Catalogue.h"
 
 #include <QImage>
 #include <QSize>

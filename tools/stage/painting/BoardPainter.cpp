@@ -1,8 +1,8 @@
-#include "stage/painting/BoardPainter.h"
+#include "tools/stage/painting/BoardPainter.h"
 
-#include "stage/painting/CardParts.h"
-#include "stage/painting/Emblems.h"
-#include "stage/painting/Materials.h"
+#include "tools/stage/painting/CardParts.h"
+#include "tools/stage/painting/Emblems.h"
+#include "tools/stage/painting/Materials.h"
 
 #include <QLinearGradient>
 #include <QRadialGradient>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "stage/Look.h"
-#include "stage/painting/Lettering.h"
-#include "stage/painting/ScreenPlan.h"
+#include "tools/stage/Look.h"
+#include "tools/stage/painting/Lettering.h"
+#include "tools/stage/painting/ScreenPlan.h"
 
 #include <QImage>
 #include <QPainter>

@@ -1,10 +1,10 @@
-#include "stage/painting/CardPainter.h"
+#include "tools/stage/painting/CardPainter.h"
 
-#include "stage/painting/Art.h"
-#include "stage/painting/CardParts.h"
-#include "stage/painting/Emblems.h"
-#include "stage/painting/Materials.h"
-#include "stage/painting/ScreenPlan.h"
+#include "tools/stage/painting/Art.h"
+#include "tools/stage/painting/CardParts.h"
+#include "tools/stage/painting/Emblems.h"
+#include "tools/stage/painting/Materials.h"
+#include "tools/stage/painting/ScreenPlan.h"
 
 #include <QRadialGradient>
 

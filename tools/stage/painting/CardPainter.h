@@ -1,7 +1,7 @@
 #pragma once
 
-#include "stage/Catalogue.h"
-#include "stage/painting/Lettering.h"
+#include "tools/stage/Catalogue.h"
+#include "tools/stage/painting/Lettering.h"
 
 #include <QPainter>
 #include <QPainterPath>

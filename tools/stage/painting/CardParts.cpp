@@ -1,6 +1,6 @@
-#include "stage/painting/CardParts.h"
+#include "tools/stage/painting/CardParts.h"
 
-#include "stage/painting/Materials.h"
+#include "tools/stage/painting/Materials.h"
 
 #include <QHash>
 #include <QImage>

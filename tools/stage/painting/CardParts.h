@@ -1,6 +1,6 @@
 #pragma once
 
-#include "stage/painting/Curve.h"
+#include "tools/stage/painting/Curve.h"
 
 #include <QColor>
 #include <QPainter>

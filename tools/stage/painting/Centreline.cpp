@@ -1,4 +1,4 @@
-#include "stage/painting/Centreline.h"
+#include "tools/stage/painting/Centreline.h"
 
 #include <QImage>
 #include <QLineF>

@@ -1,9 +1,9 @@
-#include "stage/painting/CollectionPainter.h"
+#include "tools/stage/painting/CollectionPainter.h"
 
-#include "stage/painting/Art.h"
-#include "stage/painting/CardParts.h"
-#include "stage/painting/Emblems.h"
-#include "stage/painting/Materials.h"
+#include "tools/stage/painting/Art.h"
+#include "tools/stage/painting/CardParts.h"
+#include "tools/stage/painting/Emblems.h"
+#include "tools/stage/painting/Materials.h"
 
 namespace pelloran::stage {
 

@@ -1,4 +1,4 @@
-#include "stage/painting/Curve.h"
+#include "tools/stage/painting/Curve.h"
 
 #include <QPolygonF>
 

@@ -1,8 +1,8 @@
-#include "stage/painting/DeckPainter.h"
+#include "tools/stage/painting/DeckPainter.h"
 
-#include "stage/painting/Art.h"
-#include "stage/painting/CardParts.h"
-#include "stage/painting/Materials.h"
+#include "tools/stage/painting/Art.h"
+#include "tools/stage/painting/CardParts.h"
+#include "tools/stage/painting/Materials.h"
 
 #include <QLinearGradient>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "stage/painting/Lettering.h"
-#include "stage/painting/ScreenPlan.h"
-#include "stage/Scenario.h"
+#include "tools/stage/painting/Lettering.h"
+#include "tools/stage/painting/ScreenPlan.h"
+#include "tools/stage/Scenario.h"
 
 #include <QHash>
 #include <QImage>

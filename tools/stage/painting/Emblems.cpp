@@ -1,6 +1,6 @@
-#include "stage/painting/Emblems.h"
+#include "tools/stage/painting/Emblems.h"
 
-#include "stage/painting/Materials.h"
+#include "tools/stage/painting/Materials.h"
 
 #include <QHash>
 #include <QTransform>

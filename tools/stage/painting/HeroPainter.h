@@ -1,8 +1,8 @@
 #pragma once
 
-#include "stage/Catalogue.h"
-#include "stage/painting/Lettering.h"
-#include "stage/painting/ScreenPlan.h"
+#include "tools/stage/Catalogue.h"
+#include "tools/stage/painting/Lettering.h"
+#include "tools/stage/painting/ScreenPlan.h"
 
 #include <QPainter>
 #include <QPainterPath>

@@ -1,6 +1,6 @@
-#include "stage/painting/Lettering.h"
+#include "tools/stage/painting/Lettering.h"
 
-#include "stage/painting/Centreline.h"
+#include "tools/stage/painting/Centreline.h"
 
 #include <QFontDatabase>
 #include <QFontMetricsF>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "stage/Catalogue.h"
-#include "stage/Look.h"
-#include "stage/painting/Curve.h"
+#include "tools/stage/Catalogue.h"
+#include "tools/stage/Look.h"
+#include "tools/stage/painting/Curve.h"
 
 #include <QColor>
 #include <QFont>

@@ -1,6 +1,6 @@
-#include "stage/painting/Light.h"
+#include "tools/stage/painting/Light.h"
 
-#include "stage/painting/Materials.h"
+#include "tools/stage/painting/Materials.h"
 
 #include <QRadialGradient>
 

@@ -1,4 +1,4 @@
-#include "stage/painting/Materials.h"
+#include "tools/stage/painting/Materials.h"
 
 #include <QRadialGradient>
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "stage/painting/BoardPainter.h"
-#include "stage/painting/HeroPainter.h"
-#include "stage/painting/Lettering.h"
-#include "stage/painting/ScreenPlan.h"
-#include "stage/painting/Words.h"
+#include "tools/stage/painting/BoardPainter.h"
+#include "tools/stage/painting/HeroPainter.h"
+#include "tools/stage/painting/Lettering.h"
+#include "tools/stage/painting/ScreenPlan.h"
+#include "tools/stage/painting/Words.h"
 
 #include <QImage>
 #include <QPainter>

@@ -1,11 +1,11 @@
-#include "stage/painting/ScenePainter.h"
+#include "tools/stage/painting/ScenePainter.h"
 
-#include "stage/painting/Art.h"
-#include "stage/painting/CardParts.h"
-#include "stage/painting/CollectionPainter.h"
-#include "stage/painting/Materials.h"
-#include "stage/painting/Overlays.h"
-#include "stage/painting/Words.h"
+#include "tools/stage/painting/Art.h"
+#include "tools/stage/painting/CardParts.h"
+#include "tools/stage/painting/CollectionPainter.h"
+#include "tools/stage/painting/Materials.h"
+#include "tools/stage/painting/Overlays.h"
+#include "tools/stage/painting/Words.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "stage/painting/BoardPainter.h"
-#include "stage/painting/CardPainter.h"
-#include "stage/painting/DeckPainter.h"
-#include "stage/painting/HeroPainter.h"
-#include "stage/painting/Lettering.h"
-#include "stage/painting/Light.h"
-#include "stage/painting/Screen.h"
-#include "stage/painting/ScreenPlan.h"
+#include "tools/stage/painting/BoardPainter.h"
+#include "tools/stage/painting/CardPainter.h"
+#include "tools/stage/painting/DeckPainter.h"
+#include "tools/stage/painting/HeroPainter.h"
+#include "tools/stage/painting/Lettering.h"
+#include "tools/stage/painting/Light.h"
+#include "tools/stage/painting/Screen.h"
+#include "tools/stage/painting/ScreenPlan.h"
 
 #include <QImage>
 #include <QPainter>

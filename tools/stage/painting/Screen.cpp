@@ -1,4 +1,4 @@
-#include "stage/painting/Screen.h"
+#include "tools/stage/painting/Screen.h"
 
 namespace pelloran::stage {
 

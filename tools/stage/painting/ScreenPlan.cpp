@@ -1,4 +1,4 @@
-#include "stage/painting/ScreenPlan.h"
+#include "tools/stage/painting/ScreenPlan.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "stage/painting/Words.h"
+#include "tools/stage/painting/Words.h"
 
 namespace pelloran::stage {
 
