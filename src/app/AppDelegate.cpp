@@ -2,10 +2,10 @@
 
 #include "app/Appearance.h"
 #include "app/DraftParts.h"
-#include "app/localisation/AppLanguage.h"
-#include "app/localisation/L10n.h"
 #include "app/StatusItem.h"
 #include "data/WinrateStore.h"
+#include "localisation/AppLanguage.h"
+#include "localisation/L10n.h"
 #include "platform/Alerts.h"
 #include "platform/ApplicationFiles.h"
 #include "platform/Log.h"

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/localisation/AppLanguage.h"
 #include "draft/DraftModel.h"
+#include "localisation/AppLanguage.h"
 #include "names/NameMatching.h"
 
 #include <QString>

@@ -2,9 +2,9 @@
 
 #include "app/DataErrorText.h"
 #include "app/Json.h"
-#include "app/localisation/AppLanguage.h"
-#include "app/localisation/L10n.h"
 #include "app/LogsDir.h"
+#include "localisation/AppLanguage.h"
+#include "localisation/L10n.h"
 #include "platform/ApplicationFiles.h"
 #include "platform/Log.h"
 #include "platform/SerialQueue.h"

@@ -1,8 +1,8 @@
 #include "app/MainLoop.h"
 
 #include "app/DraftParts.h"
-#include "app/localisation/AppLanguage.h"
 #include "app/TerminationSignals.h"
+#include "localisation/AppLanguage.h"
 #include "platform/Log.h"
 
 #include <QCoreApplication>

@@ -1,6 +1,6 @@
 #include "app/MessageBoxAlerts.h"
 
-#include "app/localisation/L10n.h"
+#include "localisation/L10n.h"
 #include "platform/PanelWindow.h"
 
 #include <QAccessible>

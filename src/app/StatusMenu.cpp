@@ -1,6 +1,6 @@
 #include "app/StatusMenu.h"
 
-#include "app/localisation/L10n.h"
+#include "localisation/L10n.h"
 
 #include <QAction>
 #include <QKeyEvent>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/localisation/AppLanguage.h"
+#include "localisation/AppLanguage.h"
 
 #include <QByteArray>
 #include <QJsonArray>

@@ -1,6 +1,6 @@
 #include "draft/DraftModel.h"
 
-#include "app/localisation/L10n.h"
+#include "localisation/L10n.h"
 
 namespace pelloran {
 

@@ -1,7 +1,7 @@
 #include "draft/DraftService.h"
 
-#include "app/localisation/L10n.h"
 #include "data/WinrateStore.h"
+#include "localisation/L10n.h"
 #include "platform/SerialQueue.h"
 #include "recognition/ScreenReader.h"
 

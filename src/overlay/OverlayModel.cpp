@@ -1,6 +1,6 @@
 #include "overlay/OverlayModel.h"
 
-#include "app/localisation/L10n.h"
+#include "localisation/L10n.h"
 
 #include <algorithm>
 #include <charconv>

@@ -1,6 +1,6 @@
 #include "overlay/OverlayPanelController.h"
 
-#include "app/localisation/L10n.h"
+#include "localisation/L10n.h"
 #include "overlay/OverlayPanel/CardsStack.h"
 #include "overlay/OverlayPanel/CardTileView.h"
 #include "overlay/OverlayPanel/FloatingPanel.h"

@@ -1,6 +1,6 @@
 #include "sync/ConfigSyncResult.h"
 
-#include "app/localisation/L10n.h"
+#include "localisation/L10n.h"
 #include "sync/ShortHash.h"
 
 namespace pelloran {

@@ -1,6 +1,6 @@
 #include "update/AppUpdateChecker.h"
 
-#include "app/localisation/L10n.h"
+#include "localisation/L10n.h"
 #include "platform/SerialQueue.h"
 #include "platform/UserDefaults.h"
 #include "update/StrictURL.h"

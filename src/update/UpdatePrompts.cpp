@@ -1,7 +1,7 @@
 #include "update/UpdatePrompts.h"
 
-#include "app/localisation/AppLanguage.h"
-#include "app/localisation/L10n.h"
+#include "localisation/AppLanguage.h"
+#include "localisation/L10n.h"
 #include "platform/Alerts.h"
 #include "platform/Browser.h"
 #include "platform/Log.h"

@@ -1,7 +1,7 @@
 #include "app/AppDelegate.h"
 
-#include "app/localisation/AppLanguage.h"
 #include "data/WinrateStore.h"
+#include "localisation/AppLanguage.h"
 #include "platform/Log.h"
 #include "recognition/ScreenReader.h"
 #include "sync/ConfigSync.h"

@@ -1,6 +1,6 @@
 #include "draft/DraftModel.h"
 
-#include "app/localisation/AppLanguage.h"
+#include "localisation/AppLanguage.h"
 #include "tests/support/Printing.h"
 
 #include <gtest/gtest.h>

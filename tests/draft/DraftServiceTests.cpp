@@ -1,6 +1,6 @@
 #include "draft/DraftService.h"
 
-#include "app/localisation/AppLanguage.h"
+#include "localisation/AppLanguage.h"
 #include "platform/Log.h"
 #include "recognition/ScreenReader.h"
 #include "tests/fakes/FakeSystemSettings.h"

@@ -1,6 +1,6 @@
-#include "app/localisation/AppLanguage.h"
+#include "localisation/AppLanguage.h"
 
-#include "app/localisation/L10n.h"
+#include "localisation/L10n.h"
 #include "tests/fakes/FakeSystemSettings.h"
 #include "tests/fakes/FakeUserDefaults.h"
 #include "tests/support/Printing.h"

@@ -1,6 +1,6 @@
 #include "overlay/OverlayPanel/CardTileView.h"
 
-#include "app/localisation/AppLanguage.h"
+#include "localisation/AppLanguage.h"
 #include "overlay/OverlayPanel/FontCache.h"
 #include "overlay/OverlayPanel/MetricRowView.h"
 #include "overlay/OverlayPanel/TextLabel.h"

@@ -1,6 +1,6 @@
 #include "overlay/OverlayPanelController.h"
 
-#include "app/localisation/AppLanguage.h"
+#include "localisation/AppLanguage.h"
 #include "overlay/OverlayPanel/CardsStack.h"
 #include "overlay/OverlayPanel/CardTileView.h"
 #include "overlay/OverlayPanel/CloseButton.h"

@@ -1,6 +1,6 @@
 #include "update/AppUpdateChecker.h"
 
-#include "app/localisation/AppLanguage.h"
+#include "localisation/AppLanguage.h"
 #include "tests/fakes/FakeHttpClient.h"
 #include "tests/fakes/FakeUserDefaults.h"
 #include "tests/fakes/ManualQueue.h"

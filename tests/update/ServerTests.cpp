@@ -1,6 +1,6 @@
 // A check with everything real but the server, which does what servers do on bad days.
 
-#include "app/localisation/AppLanguage.h"
+#include "localisation/AppLanguage.h"
 #include "platform/SerialQueue.h"
 #include "tests/fakes/FakeUserDefaults.h"
 #include "tests/support/Printing.h"

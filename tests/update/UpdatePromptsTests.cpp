@@ -1,6 +1,6 @@
 #include "update/UpdatePrompts.h"
 
-#include "app/localisation/AppLanguage.h"
+#include "localisation/AppLanguage.h"
 #include "platform/Log.h"
 #include "tests/fakes/FakeAlerts.h"
 #include "tests/fakes/FakeBrowser.h"

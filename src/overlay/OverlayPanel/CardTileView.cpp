@@ -1,6 +1,6 @@
 #include "overlay/OverlayPanel/CardTileView.h"
 
-#include "app/localisation/L10n.h"
+#include "localisation/L10n.h"
 #include "overlay/OverlayPanel/FontCache.h"
 #include "overlay/OverlayPanel/MetricRowView.h"
 #include "overlay/OverlayPanel/TextLabel.h"
