@@ -1,7 +1,7 @@
 #pragma once
 
-#include "draft/DraftModel.h"
 #include "localisation/AppLanguage.h"
+#include "model/DraftModel.h"
 #include "names/NameMatching.h"
 
 #include <QString>

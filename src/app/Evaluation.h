@@ -1,7 +1,7 @@
 #pragma once
 
-#include "draft/DraftModel.h"
 #include "localisation/AppLanguage.h"
+#include "model/DraftModel.h"
 
 #include <QByteArray>
 #include <QImage>

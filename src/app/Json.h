@@ -1,7 +1,7 @@
 #pragma once
 
-#include "draft/DraftModel.h"
-#include "overlay/OverlayModel.h"
+#include "model/DraftModel.h"
+#include "model/OverlayModel.h"
 #include "platform/TextReader.h"
 
 #include <QByteArray>

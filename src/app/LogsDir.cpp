@@ -1,7 +1,7 @@
 #include "app/LogsDir.h"
 
-#include "draft/DraftModel.h"
 #include "draft/LogFolder.h"
+#include "model/DraftModel.h"
 
 #include <QDir>
 #include <QtGlobal>

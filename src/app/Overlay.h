@@ -1,6 +1,6 @@
 #pragma once
 
-#include "overlay/OverlayModel.h"
+#include "model/OverlayModel.h"
 
 #include <QPoint>
 

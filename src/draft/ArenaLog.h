@@ -1,6 +1,6 @@
 #pragma once
 
-#include "draft/DraftModel.h"
+#include "model/DraftModel.h"
 
 #include <QByteArrayView>
 #include <QString>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "draft/DraftModel.h"
 #include "draft/LogWatcher.h"
-#include "overlay/OverlayModel.h"
+#include "model/DraftModel.h"
+#include "model/OverlayModel.h"
 #include "platform/TextReader.h"
 #include "recognition/CardRecognizer.h"
 #include "recognition/WindowCapture.h"

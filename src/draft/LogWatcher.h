@@ -1,7 +1,7 @@
 #pragma once
 
-#include "draft/DraftModel.h"
 #include "draft/LogFile.h"
+#include "model/DraftModel.h"
 
 #include <QSet>
 #include <QString>

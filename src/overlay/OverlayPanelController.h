@@ -1,6 +1,6 @@
 #pragma once
 
-#include "overlay/OverlayModel.h"
+#include "model/OverlayModel.h"
 #include "overlay/OverlayPanel/GeometryDriver.h"
 #include "overlay/OverlayPanel/PanelColors.h"
 #include "overlay/OverlayPanel/PanelDecisions.h"

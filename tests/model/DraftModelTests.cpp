@@ -1,4 +1,4 @@
-#include "draft/DraftModel.h"
+#include "model/DraftModel.h"
 
 #include "localisation/AppLanguage.h"
 #include "tests/support/Printing.h"

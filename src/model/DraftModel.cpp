@@ -1,4 +1,4 @@
-#include "draft/DraftModel.h"
+#include "model/DraftModel.h"
 
 #include "localisation/L10n.h"
 

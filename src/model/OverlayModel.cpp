@@ -1,4 +1,4 @@
-#include "overlay/OverlayModel.h"
+#include "model/OverlayModel.h"
 
 #include "localisation/L10n.h"
 

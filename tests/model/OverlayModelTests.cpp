@@ -1,4 +1,4 @@
-#include "overlay/OverlayModel.h"
+#include "model/OverlayModel.h"
 
 #include "localisation/AppLanguage.h"
 #include "tests/support/Printing.h"
