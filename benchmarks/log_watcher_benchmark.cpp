@@ -1,5 +1,5 @@
-#include "draft/ArenaLog.h"
-#include "draft/LogWatcher.h"
+#include "draft/logs/ArenaLog.h"
+#include "draft/logs/LogWatcher.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,10 +1,10 @@
 // What a sync of all cards costs, and the steps it is made of. The server is a plain one on loopback, so what is
 // measured is ours: the network of a player comes on top.
 
+#include "base/SerialQueue.h"
 #include "benchmarks/SharedCards.h"
 #include "data/WinrateStore.h"
 #include "platform/HttpClient.h"
-#include "platform/SerialQueue.h"
 #include "publish/Publisher.h"
 #include "sync/ConfigSync.h"
 #include "sync/TarArchive.h"

@@ -8,10 +8,6 @@ endif()
 # Text is UTF-16 in Qt and bytes in files: crossing over is always written out.
 target_compile_definitions(pelloran_options INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS)
 target_include_directories(pelloran_options INTERFACE "${PROJECT_SOURCE_DIR}/src" "${PROJECT_SOURCE_DIR}")
-if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-  # GCC takes types that a source keeps to itself for ones of a header once several sources are compiled as one.
-  target_compile_options(pelloran_options INTERFACE -Wno-subobject-linkage)
-endif()
 if(PELLORAN_SANITIZERS)
   target_compile_options(pelloran_options INTERFACE
     -fsanitize=${PELLORAN_SANITIZERS} -fno-omit-frame-pointer -fno-sanitize-recover=all)
@@ -23,28 +19,25 @@ if(PELLORAN_FUZZERS)
   target_link_options(pelloran_options INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
-# What most sources include: parsing it took most of the time of compiling one. Sources still include what they use, which
-# scripts/check looks after.
+# What most sources include: parsing it takes most of the time of compiling one. Compiled once, with `base`, and taken by
+# every library. Sources still include what they use, which scripts/check looks after. (Compiling several sources as one
+# saves as much of a full build and nothing of the next one, and lets names of one source clash with another's.)
 set(pelloran_common_headers
-  <QByteArray> <QDir> <QFile> <QFileInfo> <QImage> <QJsonDocument> <QJsonObject> <QObject> <QString> <QStringList> <QTimer>
-  <QUrl>
+  <QByteArray> <QDir> <QFile> <QFileInfo> <QJsonDocument> <QJsonObject> <QObject> <QString> <QStringList> <QTimer> <QUrl>
   <algorithm> <array> <chrono> <cmath> <expected> <filesystem> <functional> <memory> <optional> <utility> <variant>
   <vector>)
 
-# pelloran_library(NAME [MOC] [NO_HEADERS] SOURCES file... LINKS library... [HEADERS header...] [HEADERS_OF target])
+# pelloran_library(NAME [MOC] SOURCES file... LINKS library... [HEADERS header...])
 # MOC where a header has Q_OBJECT. The list of links is the architecture: a library sees only what it lists. HEADERS are
-# precompiled for it and for those that name it under HEADERS_OF; without either it takes those of `platform`,
-# and with NO_HEADERS none.
+# precompiled for it in place of those of `base`.
 function(pelloran_library name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "MOC;NO_HEADERS" "HEADERS_OF" "SOURCES;LINKS;HEADERS")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "MOC" "" "SOURCES;LINKS;HEADERS")
   add_library(${name} STATIC ${arg_SOURCES})
   target_link_libraries(${name} PUBLIC pelloran_options ${arg_LINKS})
   if(arg_HEADERS)
     target_precompile_headers(${name} PRIVATE ${arg_HEADERS})
-  elseif(arg_HEADERS_OF)
-    target_precompile_headers(${name} REUSE_FROM ${arg_HEADERS_OF})
-  elseif(NOT arg_NO_HEADERS)
-    target_precompile_headers(${name} REUSE_FROM platform)
+  else()
+    target_precompile_headers(${name} REUSE_FROM base)
   endif()
   if(arg_MOC)
     set_target_properties(${name} PROPERTIES AUTOMOC ON)
@@ -87,7 +80,7 @@ endfunction()
 function(pelloran_benchmark name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS")
   pelloran_program(${name} SOURCES ${arg_SOURCES} LINKS benchmark::benchmark ${arg_LINKS})
-  target_precompile_headers(${name} REUSE_FROM platform)
+  target_precompile_headers(${name} REUSE_FROM base)
   target_compile_definitions(${name} PRIVATE PELLORAN_TEST_DATA="${PELLORAN_TEST_DATA}")
 endfunction()
 

@@ -1,7 +1,7 @@
 // Reads any bytes as the game's logs and holds the result against patterns over the whole text.
 
-#include "tests/draft/LogFragments.h"
-#include "tests/draft/PlainArenaLog.h"
+#include "tests/draft/logs/LogFragments.h"
+#include "tests/draft/logs/PlainArenaLog.h"
 
 #include <cstdint>
 #include <cstdlib>

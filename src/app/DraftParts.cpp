@@ -3,11 +3,11 @@
 #include "app/DataErrorText.h"
 #include "app/Json.h"
 #include "app/LogsDir.h"
+#include "base/Log.h"
+#include "base/SerialQueue.h"
 #include "localisation/AppLanguage.h"
 #include "localisation/L10n.h"
 #include "platform/ApplicationFiles.h"
-#include "platform/Log.h"
-#include "platform/SerialQueue.h"
 #include "platform/TextReader.h"
 #include "platform/WindowServer.h"
 

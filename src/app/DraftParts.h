@@ -1,9 +1,9 @@
 #pragma once
 
 #include "app/CommandLine.h"
-#include "app/LineWriter.h"
 #include "data/WinrateStore.h"
 #include "draft/DraftService.h"
+#include "platform/posix/LineWriter.h"
 #include "recognition/ScreenReader.h"
 
 #include <QString>

@@ -1,6 +1,6 @@
 #include "app/LogsDir.h"
 
-#include "draft/LogFolder.h"
+#include "draft/logs/LogFolder.h"
 #include "model/DraftModel.h"
 
 #include <QDir>

@@ -1,9 +1,9 @@
 #include "app/MainLoop.h"
 
 #include "app/DraftParts.h"
-#include "app/TerminationSignals.h"
+#include "base/Log.h"
 #include "localisation/AppLanguage.h"
-#include "platform/Log.h"
+#include "platform/posix/TerminationSignals.h"
 
 #include <QCoreApplication>
 

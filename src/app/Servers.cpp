@@ -1,7 +1,7 @@
 #include "app/Servers.h"
 
+#include "base/SerialQueue.h"
 #include "platform/HttpClient.h"
-#include "platform/SerialQueue.h"
 #include "platform/UserDefaults.h"
 #include "sync/ConfigSync.h"
 #include "update/AppUpdateChecker.h"

@@ -1,10 +1,10 @@
 #include "app/CommandLine.h"
-#include "app/DesktopApplication.h"
+#include "app/desktop/DesktopApplication.h"
 #include "app/MainLoop.h"
 #include "app/OneShotCommands.h"
+#include "base/Log.h"
 #include "localisation/AppLanguage.h"
 #include "platform/GuiSession.h"
-#include "platform/Log.h"
 #include "platform/SystemSettings.h"
 #include "platform/UserDefaults.h"
 

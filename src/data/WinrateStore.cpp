@@ -1,8 +1,8 @@
 #include "data/WinrateStore.h"
 
+#include "base/Log.h"
 #include "data/CardFile.h"
 #include "data/DataFiles.h"
-#include "platform/Log.h"
 
 #include <QDir>
 #include <QFileInfo>

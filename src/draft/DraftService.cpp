@@ -1,8 +1,8 @@
 #include "draft/DraftService.h"
 
+#include "base/SerialQueue.h"
 #include "data/WinrateStore.h"
 #include "localisation/L10n.h"
-#include "platform/SerialQueue.h"
 #include "recognition/ScreenReader.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "draft/LogWatcher.h"
+#include "draft/logs/LogWatcher.h"
 #include "model/DraftModel.h"
 #include "model/OverlayModel.h"
 #include "platform/TextReader.h"

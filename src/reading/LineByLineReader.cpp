@@ -1,6 +1,6 @@
 #include "reading/LineByLineReader.h"
 
-#include "platform/Log.h"
+#include "base/Log.h"
 #include "reading/FreeReading.h"
 #include "reading/NamePlaces.h"
 #include "reading/PlacedCards.h"

@@ -1,6 +1,6 @@
 #include "recognition/ScreenReader.h"
 
-#include "platform/Log.h"
+#include "base/Log.h"
 #include "recognition/CardRecognizer.h"
 
 #include <utility>

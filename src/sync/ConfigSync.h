@@ -1,7 +1,7 @@
 #pragma once
 
+#include "base/SerialQueue.h"
 #include "platform/HttpClient.h"
-#include "platform/SerialQueue.h"
 #include "sync/ConfigSyncResult.h"
 #include "sync/LocalConfig.h"
 #include "sync/RemoteManifest.h"

@@ -1,6 +1,6 @@
 #include "sync/LocalConfig.h"
 
-#include "platform/Log.h"
+#include "base/Log.h"
 #include "sync/TarArchive.h"
 
 #include <QDeadlineTimer>

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "base/DiskSync.h"
+#include "base/PathExchange.h"
 #include "platform/ApplicationFiles.h"
-#include "platform/DiskSync.h"
-#include "platform/PathExchange.h"
 #include "sync/ConfigSyncError.h"
 #include "sync/RemoteManifest.h"
 

@@ -1,7 +1,7 @@
 #include "update/AppUpdateChecker.h"
 
+#include "base/SerialQueue.h"
 #include "localisation/L10n.h"
-#include "platform/SerialQueue.h"
 #include "platform/UserDefaults.h"
 #include "update/StrictURL.h"
 #include "update/Versions.h"

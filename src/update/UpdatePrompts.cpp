@@ -1,10 +1,10 @@
 #include "update/UpdatePrompts.h"
 
+#include "base/Log.h"
 #include "localisation/AppLanguage.h"
 #include "localisation/L10n.h"
 #include "platform/Alerts.h"
 #include "platform/Browser.h"
-#include "platform/Log.h"
 #include "update/AppUpdateChecker.h"
 
 namespace pelloran {

@@ -1,7 +1,7 @@
 #include "app/DraftParts.h"
 
+#include "base/SerialQueue.h"
 #include "platform/ApplicationFiles.h"
-#include "platform/SerialQueue.h"
 
 #include <QTemporaryDir>
 

@@ -1,7 +1,7 @@
 #include "draft/DraftService.h"
 
+#include "base/Log.h"
 #include "localisation/AppLanguage.h"
-#include "platform/Log.h"
 #include "recognition/ScreenReader.h"
 #include "tests/fakes/FakeSystemSettings.h"
 #include "tests/fakes/FakeTextReader.h"

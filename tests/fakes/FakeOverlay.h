@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Overlay.h"
+#include "app/desktop/Overlay.h"
 
 #include <QStringList>
 

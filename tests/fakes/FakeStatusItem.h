@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/StatusItem.h"
+#include "app/desktop/StatusItem.h"
 
 #include <QImage>
 #include <QStringList>

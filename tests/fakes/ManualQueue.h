@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/SerialQueue.h"
+#include "base/SerialQueue.h"
 
 #include <QObject>
 #include <QPointer>

@@ -1,6 +1,6 @@
 #include "reading/chinese/ChineseLineReader.h"
 
-#include "platform/Log.h"
+#include "base/Log.h"
 #include "reading/chinese/ChineseInk.h"
 #include "tests/reading/PaintedCharacters.h"
 

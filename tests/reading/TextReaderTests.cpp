@@ -1,6 +1,6 @@
 #include "platform/TextReader.h"
 
-#include "platform/Log.h"
+#include "base/Log.h"
 #include "tests/fakes/FakeApplicationFiles.h"
 #include "tests/reading/PaintedText.h"
 #include "tests/support/Printing.h"

@@ -1,6 +1,6 @@
 #include "recognition/ScreenReader.h"
 
-#include "platform/Log.h"
+#include "base/Log.h"
 #include "tests/fakes/FakeTextReader.h"
 #include "tests/fakes/FakeWindowServer.h"
 #include "tests/support/Printing.h"

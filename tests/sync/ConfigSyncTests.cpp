@@ -1,6 +1,6 @@
 #include "sync/ConfigSync.h"
 
-#include "platform/Log.h"
+#include "base/Log.h"
 #include "sync/TarArchive.h"
 #include "tests/fakes/FakeApplicationFiles.h"
 #include "tests/fakes/FakeHttpClient.h"

@@ -1,7 +1,7 @@
 #include "sync/LocalConfig.h"
 
-#include "platform/Log.h"
-#include "platform/SerialQueue.h"
+#include "base/Log.h"
+#include "base/SerialQueue.h"
 #include "tests/fakes/FakeApplicationFiles.h"
 #include "tests/support/Printing.h"
 #include "tests/support/TarWriter.h"

@@ -1,6 +1,6 @@
 #include "sync/TarArchive.h"
 
-#include "platform/SerialQueue.h"
+#include "base/SerialQueue.h"
 #include "sync/TarListing.h"
 #include "tests/support/Printing.h"
 #include "tests/support/TarWriter.h"

@@ -1,7 +1,7 @@
 // A check with everything real but the server, which does what servers do on bad days.
 
+#include "base/SerialQueue.h"
 #include "localisation/AppLanguage.h"
-#include "platform/SerialQueue.h"
 #include "tests/fakes/FakeUserDefaults.h"
 #include "tests/support/Printing.h"
 #include "tests/support/ScriptedServer.h"

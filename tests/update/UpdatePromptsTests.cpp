@@ -1,7 +1,7 @@
 #include "update/UpdatePrompts.h"
 
+#include "base/Log.h"
 #include "localisation/AppLanguage.h"
-#include "platform/Log.h"
 #include "tests/fakes/FakeAlerts.h"
 #include "tests/fakes/FakeBrowser.h"
 #include "tests/fakes/FakeHttpClient.h"

@@ -1,6 +1,6 @@
 #include "platform/WindowServer.h"
 
-#include "platform/Log.h"
+#include "base/Log.h"
 #include "platform/x11/WindowImages.h"
 #include "platform/x11/WindowList.h"
 #include "platform/x11/XcbConnection.h"

@@ -1,6 +1,6 @@
 #include "reading/chinese/ChineseLineReader.h"
 
-#include "platform/Log.h"
+#include "base/Log.h"
 #include "reading/chinese/CharacterCells.h"
 #include "reading/chinese/CharacterFeature.h"
 #include "reading/chinese/CharacterShape.h"

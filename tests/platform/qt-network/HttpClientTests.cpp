@@ -1,6 +1,6 @@
 #include "platform/HttpClient.h"
 
-#include "platform/SerialQueue.h"
+#include "base/SerialQueue.h"
 #include "tests/support/Printing.h"
 #include "tests/support/ScriptedServer.h"
 

@@ -1,0 +1,256 @@
+#include "app/desktop/AppDelegate.h"
+
+#include "app/desktop/Appearance.h"
+#include "app/desktop/StatusItem.h"
+#include "app/DraftParts.h"
+#include "base/Log.h"
+#include "data/WinrateStore.h"
+#include "localisation/AppLanguage.h"
+#include "localisation/L10n.h"
+#include "platform/Alerts.h"
+#include "platform/ApplicationFiles.h"
+#include "platform/SystemSettings.h"
+#include "sync/ConfigSync.h"
+#include "sync/ShortHash.h"
+#include "update/UpdatePrompts.h"
+
+#include <cstdlib>
+#include <utility>
+#include <variant>
+
+namespace pelloran {
+
+namespace {
+
+const QString idleTitle = QStringLiteral("PL");
+const QString draftTitle = QStringLiteral("PL●");
+
+// What the status line calls the configuration in use.
+QString installedConfiguration(const ConfigSync& configSync) {
+    const auto hash = configSync.localHash();
+    return hash ? shortHash(*hash) + u'…' : L10n::tr(u"idle.hashBundled");
+}
+
+// Key of the status line's beginning; null where the result has nothing to say there.
+const char16_t* headKey(const ConfigSyncResult& result) {
+    struct Key {
+        const char16_t* operator()(const ConfigSyncResult::UpToDate&) const { return u"sync.upToDate"; }
+
+        const char16_t* operator()(const ConfigSyncResult::Updated&) const { return u"sync.updated"; }
+
+        const char16_t* operator()(const ConfigSyncResult::SkippedOffline&) const { return u"sync.offline"; }
+
+        const char16_t* operator()(const ConfigSyncResult::Failed&) const { return u"sync.failed"; }
+
+        const char16_t* operator()(const ConfigSyncResult::SkippedBusy&) const { return nullptr; }
+    };
+
+    return std::visit(Key(), result.outcome);
+}
+
+} // namespace
+
+AppDelegate::AppDelegate(Surroundings parts)
+    : surroundings(std::move(parts))
+    , statusItem(surroundings.statusItem)
+    , store(surroundings.store) {}
+
+AppDelegate::~AppDelegate() {
+    applicationWillTerminate();
+}
+
+void AppDelegate::applicationDidFinishLaunching() {
+    // With a place in the Dock: a regular application is what Qt makes everywhere.
+    overlay = surroundings.makeOverlay();
+    overlay->contextMenuRequested = [this](QPoint position) { statusItem.openMenu(position); };
+    surroundings.settings.changed = [this] { systemSettingsDidChange(); };
+    setupStatusItem();
+    overlay->show(); // in front, but the keyboard stays with the game
+
+    if (const auto loaded = store.loadFromBundle(); !loaded) {
+        log(loadFailureLine(loaded.error()));
+        surroundings.alerts.runModal({
+            .style = Alerts::Style::critical,
+            .messageText = L10n::tr(u"fatal.loadTitle"),
+            .informativeText = loaded.error().localizedDescription,
+            .buttons = {},
+        });
+        surroundings.terminate(EXIT_FAILURE);
+        return;
+    }
+    remarkOnSampleData(store);
+
+    service.emplace(surroundings.config, store, surroundings.queue, surroundings.screenReader);
+    service->delegate = weak_from_this();
+    service->start();
+    applyIdleBootMessage();
+    log(bootLine(store));
+    languageObserver =
+        connect(&AppLanguageNotifier::shared(), &AppLanguageNotifier::posted, this, &AppDelegate::languageDidChange);
+    surroundings.configSync.startPeriodicSync(
+        this, [this](const ConfigSyncResult& result) { handleConfigSyncResult(result); }, true);
+    surroundings.updatePrompts.presentLaunchPromptIfNeeded();
+}
+
+void AppDelegate::applicationShouldHandleReopen() {
+    if (overlay) {
+        overlay->show();
+    }
+}
+
+void AppDelegate::applicationWillTerminate() {
+    if (std::exchange(terminated, true)) {
+        return;
+    }
+    disconnect(languageObserver);
+    surroundings.settings.changed = {};
+    statusItem.chosen = {};
+    surroundings.configSync.stopPeriodicSync();
+    if (service) {
+        service->stop();
+    }
+}
+
+void AppDelegate::draftServiceDidUpdate(const OverlaySnapshot& snapshot) {
+    overlay->update(snapshot);
+    if (!statusItem.hasImage()) {
+        statusItem.setTitle(snapshot.inDraft ? draftTitle : idleTitle);
+    }
+    if (surroundings.alsoReceives) {
+        surroundings.alsoReceives->draftServiceDidUpdate(snapshot);
+    }
+}
+
+void AppDelegate::toggleOverlay() {
+    if (!overlay) {
+        return;
+    }
+    if (overlay->isVisible()) {
+        overlay->hide();
+    } else {
+        overlay->show();
+    }
+}
+
+void AppDelegate::refreshNow() {
+    if (service) {
+        service->tick();
+    }
+}
+
+void AppDelegate::checkConfigNow() {
+    surroundings.configSync.syncAsync(this, [this](const ConfigSyncResult& result) { handleConfigSyncResult(result); });
+}
+
+void AppDelegate::checkAppUpdateNow() {
+    surroundings.updatePrompts.presentManualCheck();
+}
+
+void AppDelegate::selectLanguage(const QString& representedObject) {
+    const auto language = AppLanguage::fromRawValue(representedObject);
+    if (!language) {
+        return;
+    }
+    AppLanguage::setPreference(*language);
+    rebuildStatusMenu();
+}
+
+void AppDelegate::quit() {
+    surroundings.terminate(EXIT_SUCCESS);
+}
+
+void AppDelegate::setupStatusItem() {
+    statusItem.chosen = [this](const StatusMenuEntry& entry) { perform(entry); };
+    const auto image = surroundings.files.resource(QStringLiteral("MenuIcon"), QStringLiteral("png"), QString());
+    if (!image || !statusItem.setImage(*image)) {
+        statusItem.setTitle(idleTitle);
+    }
+    statusItem.setToolTip(L10n::tr(u"app.tooltip"));
+    rebuildStatusMenu();
+}
+
+void AppDelegate::rebuildStatusMenu() {
+    statusItem.setMenu(statusMenu(AppLanguage::preference()));
+}
+
+void AppDelegate::applyIdleBootMessage() {
+    idleStatusLine = L10n::tr(u"idle.boot", {installedConfiguration(surroundings.configSync)});
+    service->idleMessage = idleStatusLine;
+    overlay->update(OverlaySnapshot::idle(idleStatusLine));
+}
+
+void AppDelegate::applySyncIdleMessage(const ConfigSyncResult& result) {
+    const char16_t* head = headKey(result);
+    if (!head) {
+        return;
+    }
+    idleStatusLine = L10n::tr(u"idle.line", {L10n::tr(head, {installedConfiguration(surroundings.configSync)})});
+    if (service) {
+        service->idleMessage = idleStatusLine;
+    }
+    // A sync that ends in a draft does not blank its figures.
+    if (!service || !service->isInDraft) {
+        overlay->update(OverlaySnapshot::idle(idleStatusLine));
+    }
+}
+
+void AppDelegate::handleConfigSyncResult(const ConfigSyncResult& result) {
+    if (terminated || std::holds_alternative<ConfigSyncResult::SkippedBusy>(result.outcome)) {
+        return;
+    }
+    lastSyncResult = result;
+    log(QStringLiteral("config sync: ") + result.userMessage());
+    if (result.didUpdateFiles()) {
+        if (const auto loaded = store.loadFromBundle(); !loaded) {
+            log(QStringLiteral("reload after sync failed: ") + loaded.error().localizedDescription);
+        } else {
+            log(QStringLiteral("reloaded store cards=%1; source=%2")
+                    .arg(store.metaDescription(), store.cardsSourceDescription()));
+        }
+    }
+    applySyncIdleMessage(result);
+}
+
+void AppDelegate::languageDidChange() {
+    rebuildStatusMenu();
+    statusItem.setToolTip(L10n::tr(u"app.tooltip"));
+    if (lastSyncResult) {
+        applySyncIdleMessage(*lastSyncResult);
+    } else {
+        applyIdleBootMessage();
+    }
+    service->relocalizeAndRefresh();
+}
+
+void AppDelegate::systemSettingsDidChange() {
+    applyAppearance(surroundings.settings.appearance());
+    overlay->systemSettingsChanged();
+}
+
+void AppDelegate::perform(const StatusMenuEntry& entry) {
+    using Action = StatusMenuEntry::Action;
+    switch (entry.action) {
+    case Action::toggleOverlay:
+        toggleOverlay();
+        return;
+    case Action::refreshNow:
+        refreshNow();
+        return;
+    case Action::selectLanguage:
+        selectLanguage(entry.representedObject);
+        return;
+    case Action::quit:
+        quit();
+        return;
+    case Action::checkConfigNow:
+        checkConfigNow();
+        return;
+    case Action::checkAppUpdateNow:
+        checkAppUpdateNow();
+        return;
+    case Action::none:
+        return;
+    }
+}
+
+} // namespace pelloran

@@ -1,0 +1,142 @@
+#include "app/desktop/DesktopApplication.h"
+
+#include "app/desktop/AppDelegate.h"
+#include "app/desktop/Appearance.h"
+#include "app/desktop/MessageBoxAlerts.h"
+#include "app/desktop/SingleInstance.h"
+#include "app/desktop/TrayStatusItem.h"
+#include "app/DraftParts.h"
+#include "app/Servers.h"
+#include "base/Log.h"
+#include "base/SerialQueue.h"
+#include "overlay/OverlayPanel/Motion.h"
+#include "overlay/OverlayPanelController.h"
+#include "platform/ApplicationFiles.h"
+#include "platform/Browser.h"
+#include "platform/PanelWindow.h"
+#include "platform/posix/PrivateFolder.h"
+#include "platform/posix/TerminationSignals.h"
+#include "platform/SystemSettings.h"
+#include "sync/ConfigSync.h"
+#include "update/UpdatePrompts.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QIcon>
+#include <QSessionManager>
+#include <QTimer>
+
+#include <cstdlib>
+
+namespace pelloran {
+
+namespace {
+
+class PanelOverlay final : public Overlay {
+public:
+    explicit PanelOverlay(const SystemSettings& settings)
+        : controller(settings, PanelWindow::create()) {
+        QObject::connect(&controller, &OverlayPanelController::contextMenuRequested, &controller,
+                         [this](QPoint position) {
+                             if (contextMenuRequested) {
+                                 contextMenuRequested(position);
+                             }
+                         });
+    }
+
+    void show() override { controller.show(); }
+
+    void hide() override { controller.hide(); }
+
+    bool isVisible() const override { return controller.isVisible(); }
+
+    void update(const OverlaySnapshot& snapshot) override { controller.update(snapshot); }
+
+    void systemSettingsChanged() override { controller.systemSettingsChanged(); }
+
+private:
+    OverlayPanelController controller;
+};
+
+// What the session manager restarts at the next log-in is the user's list of programs, not what happened to run.
+void leaveRestartToTheUser(QSessionManager& manager) {
+    manager.setRestartHint(QSessionManager::RestartNever);
+}
+
+} // namespace
+
+int runOnDesktop(const RunLoop& command, SystemSettings& settings, UserDefaults& defaults) {
+    SingleInstance instance(privateRuntimeFolder(qEnvironmentVariable("XDG_RUNTIME_DIR"), QDir::tempPath()),
+                            instanceName(qEnvironmentVariable("DISPLAY")));
+    switch (instance.begin()) {
+    case SingleInstance::Outcome::first:
+    case SingleInstance::Outcome::unavailable:
+        break;
+    case SingleInstance::Outcome::handedOver:
+        log(QStringLiteral("running already; its panel has been brought forward"));
+        return EXIT_SUCCESS;
+    case SingleInstance::Outcome::firstSilent:
+        log(QStringLiteral("running already, but it does not answer; end it first"));
+        return EXIT_FAILURE;
+    }
+
+    const TerminationSignals signals;
+    QApplication::setQuitOnLastWindowClosed(false);
+    QObject::connect(qApp, &QGuiApplication::commitDataRequest, qApp, leaveRestartToTheUser);
+    QObject::connect(qApp, &QGuiApplication::saveStateRequest, qApp, leaveRestartToTheUser);
+    applyAppearance(settings.appearance());
+    Motion::configure(&settings);
+    Motion::forceReducedMotion(command.reduceMotion);
+    remarkOnMissingFonts();
+
+    DraftParts parts(command);
+    if (const auto icon = parts.files->resource(QStringLiteral("pelloran"), QStringLiteral("png"), QString())) {
+        QApplication::setWindowIcon(QIcon(*icon));
+    }
+    MessageBoxAlerts alerts(PanelWindow::create);
+    TrayStatusItem statusItem;
+    if (!statusItem.isAvailable()) {
+        log(QStringLiteral("this desktop has no status area; the menu opens on a right click of the panel"));
+    }
+    // Mends what an earlier run left half done, so before the data is loaded.
+    const auto configSync = makeConfigSync(command.configServer, *parts.files);
+    const UpdateService updates(command.updateServer, defaults);
+    const auto browser = Browser::create();
+    UpdatePrompts updatePrompts(updates.checker(), alerts, *browser);
+    const auto delegate = std::make_shared<AppDelegate>(AppDelegate::Surroundings{
+        .store = parts.store,
+        .screenReader = parts.screenReader,
+        .queue = *parts.recognition,
+        .statusItem = statusItem,
+        .alerts = alerts,
+        .configSync = *configSync,
+        .updatePrompts = updatePrompts,
+        .settings = settings,
+        .files = *parts.files,
+        .config = parts.config,
+        .makeOverlay = [&settings] { return std::make_unique<PanelOverlay>(settings); },
+        .terminate = &QCoreApplication::exit,
+        .alsoReceives = parts.printer,
+    });
+    instance.reopen = [&delegate] { delegate->applicationShouldHandleReopen(); };
+    QObject::connect(qApp, &QCoreApplication::aboutToQuit, delegate.get(), [&instance, &delegate] {
+        instance.end(); // a start from now on is not to wait for this one
+        delegate->applicationWillTerminate();
+    });
+    QTimer::singleShot(0, delegate.get(), &AppDelegate::applicationDidFinishLaunching);
+    return QCoreApplication::exec();
+}
+
+int failWithoutDisplay(const QString& reason) {
+    // Data that cannot be loaded would be the next thing to fail.
+    const auto files = ApplicationFiles::create();
+    WinrateStore store(*files);
+    if (const auto loaded = store.loadFromBundle(); !loaded) {
+        log(loadFailureLine(loaded.error()));
+    } else {
+        log(QStringLiteral("%1; --no-panel follows the draft without a display").arg(reason));
+    }
+    return EXIT_FAILURE;
+}
+
+} // namespace pelloran

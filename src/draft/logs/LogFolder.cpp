@@ -1,0 +1,83 @@
+#include "draft/logs/LogFolder.h"
+
+#include <QFile>
+#include <QStringList>
+
+#include <algorithm>
+#include <filesystem>
+
+namespace pelloran {
+
+namespace {
+
+std::filesystem::path nativePath(const QString& path) {
+    return QFile::encodeName(path).toStdString();
+}
+
+bool isFolder(const QString& path) {
+    std::error_code none;
+    return std::filesystem::is_directory(nativePath(path), none);
+}
+
+// Paths of the entries of `folder`, by name; none when it cannot be listed.
+QStringList entriesOf(const QString& folder) {
+    QStringList entries;
+    std::error_code error;
+    std::filesystem::directory_iterator entry(nativePath(folder), error);
+    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        entries.append(folder + u'/' + QFile::decodeName(QByteArray::fromStdString(entry->path().filename().string())));
+    }
+    std::ranges::sort(entries);
+    return entries;
+}
+
+QStringList winePrefixes(const QString& home, const EnvironmentLookup& environment) {
+    QStringList prefixes;
+    if (const auto chosen = environment(QStringLiteral("WINEPREFIX")); chosen && !chosen->isEmpty()) {
+        prefixes.append(*chosen);
+    }
+    prefixes.append(home + QStringLiteral("/.wine"));
+    for (const QString& below : {
+             QStringLiteral("/Games"),
+             QStringLiteral("/.var/app/com.usebottles.bottles/data/bottles/bottles"),
+             QStringLiteral("/.local/share/bottles/bottles"),
+             QStringLiteral("/.PlayOnLinux/wineprefix"),
+         }) {
+        prefixes.append(entriesOf(home + below));
+    }
+    for (const QString& steam : {
+             QStringLiteral("/.steam/steam"),
+             QStringLiteral("/.local/share/Steam"),
+             QStringLiteral("/.var/app/com.valvesoftware.Steam/.local/share/Steam"),
+         }) {
+        for (const QString& game : entriesOf(home + steam + QStringLiteral("/steamapps/compatdata"))) {
+            prefixes.append(game + QStringLiteral("/pfx"));
+        }
+    }
+    return prefixes;
+}
+
+} // namespace
+
+std::optional<QString> gameLogsDir(const QString& standard, const QString& home, const EnvironmentLookup& environment) {
+    if (isFolder(standard)) {
+        return standard;
+    }
+    std::optional<QString> newest;
+    auto newestDate = std::filesystem::file_time_type::min();
+    for (const QString& prefix : winePrefixes(home, environment)) {
+        const QString folder = prefix + QStringLiteral("/drive_c/Program Files (x86)/Hearthstone/Logs");
+        if (!isFolder(folder)) {
+            continue;
+        }
+        std::error_code unknownDate;
+        const auto date = std::filesystem::last_write_time(nativePath(folder), unknownDate);
+        if (!newest || (!unknownDate && date > newestDate)) {
+            newest = folder;
+            newestDate = unknownDate ? std::filesystem::file_time_type::min() : date;
+        }
+    }
+    return newest;
+}
+
+} // namespace pelloran

@@ -1,0 +1,103 @@
+#include "draft/logs/LogWatcher.h"
+
+#include "base/Log.h"
+#include "draft/logs/ArenaLog.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <filesystem>
+#include <utility>
+#include <vector>
+
+namespace pelloran {
+
+namespace {
+
+// QFileInfo's dates have milliseconds; two sessions of one test or one quick restart can share them.
+using Date = std::filesystem::file_time_type;
+
+struct Session {
+    QString name;
+    Date modified;
+};
+
+// Empty when the folder cannot be listed to its end.
+std::vector<Session> sessionsIn(const QString& folder) {
+    std::error_code error;
+    std::vector<Session> sessions;
+    std::filesystem::directory_iterator entry(QFile::encodeName(folder).toStdString(), error);
+    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        const QString name = QFile::decodeName(QByteArray::fromStdString(entry->path().filename().string()));
+        if (name.startsWith(QLatin1StringView("Hearthstone_"))) {
+            std::error_code unknownDate;
+            const Date modified = entry->last_write_time(unknownDate);
+            sessions.push_back({name, unknownDate ? Date::min() : modified});
+        }
+    }
+    if (error) {
+        sessions.clear();
+    }
+    return sessions;
+}
+
+} // namespace
+
+LogWatcher::LogWatcher(const QString& folder, std::function<void()> pauseForGame)
+    : logsDir(folder)
+    , pause(std::move(pauseForGame)) {}
+
+std::optional<QString> LogWatcher::latestSessionDir() const {
+    const std::vector<Session> sessions = sessionsIn(logsDir);
+    // The system lists in no order of its own: by name, two equal dates give the same folder every time.
+    const auto newest = std::ranges::max_element(sessions, [](const Session& one, const Session& other) {
+        return one.modified != other.modified ? one.modified < other.modified : one.name > other.name;
+    });
+    if (newest == sessions.end()) {
+        return std::nullopt;
+    }
+    return logsDir + u'/' + newest->name;
+}
+
+DraftState LogWatcher::poll() const {
+    DraftState state;
+    state.sessionDir = latestSessionDir();
+    if (!state.sessionDir) {
+        state.scene = QStringLiteral("NO_SESSION");
+        return state;
+    }
+    if (const auto loadingScreenLog = read(*state.sessionDir + QStringLiteral("/LoadingScreen.log"))) {
+        state.scene = lastScene(*loadingScreenLog).value_or(state.scene);
+    }
+    if (const auto arenaLog = read(*state.sessionDir + QStringLiteral("/Arena.log"))) {
+        readArenaLog(*arenaLog, state);
+        decidePhase(state);
+    }
+    return state;
+}
+
+std::optional<QByteArray> LogWatcher::read(const QString& path) const {
+    auto text = readLogFile(path, pause);
+    if (text) {
+        return *std::move(text);
+    }
+    // A log that is not there yet is nothing to speak of.
+    if (QFileInfo::exists(path) && !reportedAsUnusable.contains(path)) {
+        reportedAsUnusable.insert(path);
+        switch (text.error()) {
+        case LogFileError::tooLarge:
+            log(QStringLiteral("%1 is larger than %2 MiB and is not read").arg(path).arg(largestLogFile / 1024 / 1024));
+            break;
+        case LogFileError::unreadable:
+            log(QStringLiteral("%1 cannot be read").arg(path));
+            break;
+        case LogFileError::notText:
+            log(QStringLiteral("%1 is not text in UTF-8 and is not used").arg(path));
+            break;
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace pelloran

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "draft/logs/LogFile.h"
+#include "model/DraftModel.h"
+
+#include <QSet>
+#include <QString>
+
+#include <functional>
+#include <optional>
+
+namespace pelloran {
+
+// Tells from the game's log files alone whether an Arena draft runs, at which phase, and what was picked. Every poll
+// reads the files afresh and remembers nothing of them, so a restart of the game or of this program needs no recovery.
+// Main thread.
+class LogWatcher {
+public:
+    // `logsDir` is the game's log folder, taken as it stands: "~" and variables mean nothing in it. Nothing is read
+    // yet. `pause` is how a poll waits a moment for the game to finish a line (see readLogFile).
+    explicit LogWatcher(const QString& logsDir, std::function<void()> pause = pauseForWriter);
+
+    // Path of the newest session folder, `logsDir` + "/" + its name; absent when there is none or the log folder cannot
+    // be listed. Of folders of the same date it is the first by name.
+    std::optional<QString> latestSessionDir() const;
+
+    // What the logs say now. Never fails: what cannot be read keeps its default.
+    DraftState poll() const;
+
+private:
+    std::optional<QByteArray> read(const QString& path) const;
+
+    QString logsDir;
+    std::function<void()> pause;
+    mutable QSet<QString> reportedAsUnusable; // so that each is logged once, not with every poll
+};
+
+} // namespace pelloran

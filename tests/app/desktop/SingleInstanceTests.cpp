@@ -1,0 +1,186 @@
+#include "app/desktop/SingleInstance.h"
+
+#include "base/Log.h"
+#include "tests/support/Printing.h"
+
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QFile>
+#include <QFileInfo>
+#include <QLocalSocket>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QThread>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+
+namespace pelloran {
+namespace {
+
+using Outcome = SingleInstance::Outcome;
+using namespace std::chrono_literals;
+
+const QString name = QStringLiteral("pelloran-test");
+
+class SingleInstanceTest : public ::testing::Test {
+protected:
+    // Another start, on a thread of its own, while this one's event loop runs.
+    Outcome startBeside(std::chrono::milliseconds wait = SingleInstance::patience) const {
+        std::atomic<bool> ended = false;
+        Outcome outcome{};
+        std::thread second([&] {
+            outcome = SingleInstance(folder.path(), name).begin(wait);
+            ended = true;
+        });
+        EXPECT_TRUE(QTest::qWaitFor([&ended] { return ended.load(); }, 20'000));
+        second.join();
+        return outcome;
+    }
+
+    QTemporaryDir folder;
+};
+
+TEST_F(SingleInstanceTest, LetsTheFirstComeForward) {
+    SingleInstance first(folder.path(), name);
+    int reopened = 0;
+    first.reopen = [&reopened] { ++reopened; };
+    ASSERT_EQ(first.begin(), Outcome::first);
+    EXPECT_EQ(startBeside(), Outcome::handedOver);
+    EXPECT_EQ(reopened, 1);
+    EXPECT_EQ(startBeside(), Outcome::handedOver);
+    EXPECT_EQ(reopened, 2);
+}
+
+TEST_F(SingleInstanceTest, CanBeReachedByItsUserOnly) {
+    SingleInstance first(folder.path(), name);
+    ASSERT_EQ(first.begin(), Outcome::first);
+    struct stat found{};
+    ASSERT_EQ(::stat(QFile::encodeName(folder.filePath(name + QStringLiteral(".socket"))).constData(), &found), 0);
+    EXPECT_EQ(found.st_mode & (S_IRWXG | S_IRWXO), 0U);
+}
+
+TEST_F(SingleInstanceTest, DoesNotWaitForOneThatIsSilent) {
+    SingleInstance first(folder.path(), name);
+    ASSERT_EQ(first.begin(), Outcome::first);
+    // The first's event loop stands still meanwhile.
+    EXPECT_EQ(SingleInstance(folder.path(), name).begin(150ms), Outcome::firstSilent);
+
+    QLockFile other(folder.filePath(QStringLiteral("other.lock")));
+    ASSERT_TRUE(other.tryLock(0));
+    EXPECT_EQ(SingleInstance(folder.path(), QStringLiteral("other")).begin(150ms), Outcome::firstSilent)
+        << "it does not even listen";
+}
+
+TEST_F(SingleInstanceTest, TakesThePlaceOfOneThatHasEnded) {
+    SingleInstance first(folder.path(), name);
+    ASSERT_EQ(first.begin(), Outcome::first);
+    first.end();
+    EXPECT_EQ(SingleInstance(folder.path(), name).begin(), Outcome::first);
+}
+
+TEST_F(SingleInstanceTest, TakesOverASocketThatACrashLeft) {
+    const QString path = folder.filePath(name + QStringLiteral(".socket"));
+    QFile left(path);
+    ASSERT_TRUE(left.open(QIODevice::WriteOnly));
+    left.close();
+    SingleInstance first(folder.path(), name);
+    EXPECT_EQ(first.begin(), Outcome::first);
+    EXPECT_EQ(startBeside(), Outcome::handedOver);
+}
+
+TEST_F(SingleInstanceTest, HasOneWinnerOfARace) {
+    constexpr int starts = 6;
+    std::atomic<int> firsts = 0;
+    std::atomic<int> handedOver = 0;
+    std::atomic<int> reopened = 0;
+    std::vector<std::unique_ptr<QThread>> threads; // of Qt's: the first listens on its own
+    for (int i = 0; i < starts; ++i) {
+        threads.emplace_back(QThread::create([&] {
+            SingleInstance instance(folder.path(), name);
+            instance.reopen = [&reopened] { ++reopened; };
+            switch (instance.begin(10s)) {
+            case Outcome::first: {
+                ++firsts;
+                QEventLoop loop;
+                const QDeadlineTimer deadline(15s);
+                while (handedOver + firsts < starts && !deadline.hasExpired()) {
+                    loop.processEvents(QEventLoop::AllEvents, 20);
+                }
+                break;
+            }
+            case Outcome::handedOver:
+                ++handedOver;
+                break;
+            case Outcome::firstSilent:
+            case Outcome::unavailable:
+                break;
+            }
+        }));
+        threads.back()->start();
+    }
+    for (const auto& thread : threads) {
+        thread->wait();
+    }
+    EXPECT_EQ(firsts, 1);
+    EXPECT_EQ(handedOver, starts - 1);
+    EXPECT_EQ(reopened, starts - 1);
+}
+
+TEST_F(SingleInstanceTest, IgnoresWhoSaysSomethingElse) {
+    SingleInstance first(folder.path(), name);
+    int reopened = 0;
+    first.reopen = [&reopened] { ++reopened; };
+    ASSERT_EQ(first.begin(), Outcome::first);
+    QLocalSocket stranger;
+    stranger.connectToServer(folder.filePath(name + QStringLiteral(".socket")));
+    ASSERT_TRUE(stranger.waitForConnected());
+    stranger.write("GET / HTTP/1.1\r\n\r\n");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return stranger.state() == QLocalSocket::UnconnectedState; }));
+    EXPECT_EQ(reopened, 0);
+    EXPECT_EQ(startBeside(), Outcome::handedOver) << "and still serves its own";
+}
+
+TEST_F(SingleInstanceTest, GoesOnWhereNothingCanBeWritten) {
+    QStringList lines;
+    setLogSink([&lines](const QString& line) { lines << line; });
+    EXPECT_EQ(SingleInstance(folder.filePath(QStringLiteral("missing")), name).begin(), Outcome::unavailable);
+    EXPECT_EQ(SingleInstance(QString(), name).begin(), Outcome::unavailable);
+    const QString tooLong = QString(150, u'x'); // for the address of a socket, not for a file
+    EXPECT_EQ(SingleInstance(folder.path(), tooLong).begin(), Outcome::unavailable);
+    setLogSink({});
+    EXPECT_EQ(lines.size(), 3);
+}
+
+TEST(InstanceName, IsThatOfTheDisplay) {
+    struct Case {
+        const char* why;
+        const char* display;
+        const char* same;
+    };
+
+    const Case equal[] = {
+        {"the screen does not matter", ":0", ":0.0"},
+        {"nor does the way there", ":1", "unix:1"},
+        {"nor both", ":12", "unix:12.3"},
+        {"a machine's name may hold a full stop", "host.lan:1", "host.lan:1.0"},
+    };
+    for (const Case& c : equal) {
+        SCOPED_TRACE(c.why);
+        EXPECT_EQ(instanceName(QString::fromLatin1(c.display)), instanceName(QString::fromLatin1(c.same)));
+    }
+    const Case different[] = {
+        {"another display", ":0", ":1"}, {"another machine", ":0", "host:0"},        {"no display", ":0", ""},
+        {"one digit more", ":1", ":10"}, {"signs are kept apart", "a_b:0", "a-b:0"},
+    };
+    for (const Case& c : different) {
+        SCOPED_TRACE(c.why);
+        EXPECT_NE(instanceName(QString::fromLatin1(c.display)), instanceName(QString::fromLatin1(c.same)));
+    }
+    EXPECT_FALSE(instanceName(QStringLiteral("/tmp/launch/org.x:0")).contains(u'/')) << "it becomes a file's name";
+}
+
+} // namespace
+} // namespace pelloran

@@ -1,0 +1,67 @@
+#include "base/Log.h"
+
+#include "tests/support/Printing.h"
+
+#include <QByteArrayList>
+#include <QStringList>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace pelloran {
+
+namespace {
+
+std::string standardErrorOf(const std::function<void()>& action) {
+    ::testing::internal::CaptureStderr();
+    action();
+    return ::testing::internal::GetCapturedStderr();
+}
+
+TEST(Log, WritesOnePrefixedLineToStandardError) {
+    EXPECT_EQ(standardErrorOf([] { log(QStringLiteral("炉石 %1 %s")); }), "[Pelloran] 炉石 %1 %s\n");
+    EXPECT_EQ(standardErrorOf([] { log(QString()); }), "[Pelloran] \n");
+}
+
+TEST(Log, LinesOfSeveralThreadsNeverMix) {
+    constexpr int threadCount = 4;
+    constexpr int lineCount = 200;
+    const QString body(300, u'x');
+    const std::string written = standardErrorOf([&] {
+        std::vector<std::thread> threads;
+        threads.reserve(threadCount);
+        for (int i = 0; i < threadCount; ++i) {
+            threads.emplace_back([&body] {
+                for (int line = 0; line < lineCount; ++line) {
+                    log(body);
+                }
+            });
+        }
+        for (std::thread& thread : threads) {
+            thread.join();
+        }
+    });
+    const QByteArrayList lines = QByteArray::fromStdString(written).split('\n');
+    ASSERT_EQ(lines.size(), threadCount * lineCount + 1);
+    EXPECT_EQ(lines.count("[Pelloran] " + body.toUtf8()), threadCount * lineCount);
+}
+
+TEST(Log, ASinkTakesThePlaceOfStandardErrorUntilItIsRemoved) {
+    QStringList received;
+    const std::string written = standardErrorOf([&] {
+        setLogSink([&](const QString& message) { received << message; });
+        log(QStringLiteral("one"));
+        setLogSink({});
+        log(QStringLiteral("two"));
+    });
+    EXPECT_EQ(received, QStringList{QStringLiteral("one")});
+    EXPECT_EQ(written, "[Pelloran] two\n");
+}
+
+} // namespace
+
+} // namespace pelloran
