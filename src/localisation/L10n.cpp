@@ -121,7 +121,7 @@ QString tr(QStringView key) {
     return key.toString();
 }
 
-QString tr(QStringView key, std::initializer_list<Argument> arguments) {
+QString tr(QStringView key, std::span<const Argument> arguments) {
     const QString format = tr(key);
     QString filled;
     auto next = arguments.begin();

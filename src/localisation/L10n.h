@@ -6,6 +6,7 @@
 #include <concepts>
 #include <cstdint>
 #include <initializer_list>
+#include <span>
 #include <variant>
 
 // Every text the user sees, by key, in Chinese and English. Nothing is cached: a change of the language shows in the
@@ -34,6 +35,10 @@ QString tr(QStringView key);
 // The same text with its placeholders filled in order. %@ and %d take the next argument, %% is a percent sign;
 // arguments are never read for placeholders again, and numbers are written without grouping. A placeholder that has no
 // argument left stays as it stands.
-QString tr(QStringView key, std::initializer_list<Argument> arguments);
+QString tr(QStringView key, std::span<const Argument> arguments);
+
+inline QString tr(QStringView key, std::initializer_list<Argument> arguments) {
+    return tr(key, std::span(arguments.begin(), arguments.size()));
+}
 
 } // namespace pelloran::L10n

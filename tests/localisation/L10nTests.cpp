@@ -11,6 +11,7 @@
 #include <barrier>
 #include <limits>
 #include <thread>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -30,7 +31,9 @@ protected:
 
     static QString in(AppLanguage language, const QString& key, std::initializer_list<L10n::Argument> arguments) {
         AppLanguage::overridePreference(language);
-        return L10n::tr(key, arguments);
+        const QString text = L10n::tr(key, arguments);
+        EXPECT_EQ(L10n::tr(key, std::vector(arguments)), text) << "a list made at run time";
+        return text;
     }
 };
 
