@@ -3,12 +3,18 @@
 #include "tests/fakes/FakeApplicationFiles.h"
 #include "tests/names/NameMatchingReference.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+#include <chrono>
 #include <cstdlib>
+#include <optional>
+#include <thread>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -20,12 +26,13 @@ namespace {
 struct Setting {
     QTemporaryDir folder;
     testing::FakeApplicationFiles files{folder.path()};
-    QString cardFile = folder.filePath(u"cards.json"_s);
+    QString cardFile = files.configurationFolder() + u"/all_classes_LAST_7_DAYS.json"_s;
     WinrateStore store{files};
     bool available = false;
 
     Setting() {
         const auto cards = benchmarks::cardFileOfSharedNames();
+        QDir().mkpath(files.configurationFolder());
         QFile target(cardFile);
         available = cards && target.open(QFile::WriteOnly) && target.write(*cards) > 0;
         target.close();
@@ -128,6 +135,7 @@ void matchNamePlainlyPrepared(benchmark::State& state, const QStringList& lines)
     }
 }
 
+// All that a load does: reading, decoding and indexing.
 void loadCards(benchmark::State& state) {
     if (skipped(state)) {
         return;
@@ -138,6 +146,32 @@ void loadCards(benchmark::State& state) {
             std::abort();
         }
     }
+}
+
+// The main thread's share of a sync that brought new files. Other threads have read them, and let go of what was
+// before.
+void reload(benchmark::State& state) {
+    if (skipped(state)) {
+        return;
+    }
+    WinrateStore store(setting().files);
+    std::vector<double> milliseconds;
+    for (auto _ : state) {
+        std::optional<WinrateData> data;
+        std::thread([&data] { data = WinrateData::read(setting().files); }).join();
+        const auto begin = std::chrono::steady_clock::now();
+        if (!store.adopt(*data)) {
+            std::abort();
+        }
+        const std::chrono::duration<double> spent = std::chrono::steady_clock::now() - begin;
+        state.SetIterationTime(spent.count());
+        milliseconds.push_back(spent.count() * 1000);
+        std::thread([&data] { data.reset(); }).join();
+    }
+    std::ranges::sort(milliseconds);
+    state.counters["rows"] = static_cast<double>(store.byId().size());
+    state.counters["medianMs"] = milliseconds[milliseconds.size() / 2];
+    state.counters["worstMs"] = milliseconds.back();
 }
 
 // The first question to a new lexicon: it is not part of the load, and waited for by whoever reads the screen.
@@ -183,7 +217,7 @@ void resemblance(benchmark::State& state, const QStringList& lines) {
 
 void normalize(benchmark::State& state, const QString& text) {
     for (auto _ : state) {
-        benchmark::DoNotOptimize(WinrateStore::normalize(text));
+        benchmark::DoNotOptimize(NameMatching::normalize(text));
     }
 }
 
@@ -197,6 +231,7 @@ BENCHMARK_CAPTURE(matchNamePlainly, typicalScreen, typicalScreen())->Unit(benchm
 BENCHMARK_CAPTURE(matchNamePlainly, misreadScreen, misreadScreen())->Unit(benchmark::kMillisecond)->Iterations(1);
 BENCHMARK_CAPTURE(matchNamePlainlyPrepared, misreadScreen, misreadScreen())->Unit(benchmark::kMillisecond);
 BENCHMARK(loadCards)->Unit(benchmark::kMillisecond);
+BENCHMARK(reload)->Unit(benchmark::kMillisecond)->UseManualTime()->Iterations(200);
 BENCHMARK(indexLexicon)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(settle, typicalScreen, typicalScreen())->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(settle, misreadScreen, misreadScreen())->Unit(benchmark::kMicrosecond);

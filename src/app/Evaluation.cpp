@@ -3,6 +3,7 @@
 #include "app/Json.h"
 #include "data/WinrateStore.h"
 #include "json/StrictJson.h"
+#include "names/NameMatching.h"
 
 #include <QJsonArray>
 
@@ -356,8 +357,8 @@ Judge::Judge(const WinrateStore& winrates)
     : store(winrates)
     , cardNames{{AppLanguage::zh, {}}, {AppLanguage::en, {}}} {
     const auto add = [](QSet<QString>& names, const std::optional<QString>& name) {
-        if (name && !WinrateStore::normalize(*name).isEmpty()) {
-            names.insert(WinrateStore::normalize(*name));
+        if (name && !NameMatching::normalize(*name).isEmpty()) {
+            names.insert(NameMatching::normalize(*name));
         }
     };
     for (const auto& [id, card] : store.byId()) {
@@ -390,7 +391,7 @@ std::optional<Judge::Known> Judge::known(const Truth& truth, const QString& id, 
         names = {(truth.language == AppLanguage::zh ? card->nameZh : card->nameEn).value_or(QString())};
     }
     for (const QString& name : std::as_const(names)) {
-        if (const QString normalized = WinrateStore::normalize(name); !normalized.isEmpty()) {
+        if (const QString normalized = NameMatching::normalize(name); !normalized.isEmpty()) {
             found.normalized.append(normalized);
         }
     }
@@ -398,7 +399,7 @@ std::optional<Judge::Known> Judge::known(const Truth& truth, const QString& id, 
 }
 
 bool Judge::isKnown(const Truth& truth, const Offer& offer) const {
-    const QString name = WinrateStore::normalize(offer.name);
+    const QString name = NameMatching::normalize(offer.name);
     if (truth.phase == DraftPhase::heroPick) {
         return store.classStats(offer.id) || classNames.contains(name);
     }
@@ -429,7 +430,7 @@ Answer Judge::judge(const Truth& truth, DraftPhase rules, const SlotMatch& match
         answer.verdict = Verdict::unread;
     } else {
         const bool right =
-            *match.cardId == answer.offered->id || names.contains(WinrateStore::normalize(answer.offered->name));
+            *match.cardId == answer.offered->id || names.contains(NameMatching::normalize(answer.offered->name));
         answer.verdict = right ? Verdict::right : Verdict::wrong;
     }
     return answer;
@@ -448,11 +449,11 @@ std::vector<TextAnswer> Judge::judgeTexts(const Truth& truth, const QImage& wind
     std::vector<TextAnswer> answers;
     for (const BoxedText& text : truth.texts) {
         TextAnswer& answer = answers.emplace_back(TextAnswer{text, reader(window, text.box), Verdict::unread});
-        const QString name = WinrateStore::normalize(text.text);
+        const QString name = NameMatching::normalize(text.text);
         if (!cardNames.at(truth.language).contains(name)) {
             answer.verdict = answer.read ? Verdict::wrongMissing : Verdict::missing;
         } else if (answer.read) {
-            answer.verdict = WinrateStore::normalize(*answer.read) == name ? Verdict::right : Verdict::wrong;
+            answer.verdict = NameMatching::normalize(*answer.read) == name ? Verdict::right : Verdict::wrong;
         }
     }
     return answers;

@@ -43,9 +43,6 @@ CardFile fromStandard(WinrateFile file) {
 } // namespace
 
 std::expected<CardFile, DataError> CardFile::decode(const QByteArray& json, const QString& fileName) {
-    if (auto standard = WinrateFile::decodeFast(json); standard && !standard->cards.empty()) {
-        return fromStandard(std::move(*standard));
-    }
     const auto parsed = parseJson(json);
     if (!parsed) {
         return std::unexpected(parsed.error());

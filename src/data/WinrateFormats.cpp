@@ -1,6 +1,5 @@
 #include "data/WinrateFormats.h"
 
-#include "json/FastJson.h"
 #include "json/StrictJson.h"
 
 #include <QHash>
@@ -223,10 +222,6 @@ std::expected<WinrateFile, DataError> WinrateFile::decode(const QByteArray& json
 
 std::expected<WinrateFile, DataError> WinrateFile::fromJson(const QJsonValue& value) {
     return decodeAs<WinrateFile>(value);
-}
-
-std::optional<WinrateFile> WinrateFile::decodeFast(const QByteArray& json) {
-    return fast_json::decode<WinrateFile>(json);
 }
 
 QByteArray WinrateFile::encode() const {

@@ -13,10 +13,7 @@
 
 // The two data files, as plain values. Percentages run from 0 to 100 and are kept exactly as a file gives them.
 //
-// Decoding is strict on what it knows and deaf to what it does not: unknown keys are ignored, a missing or null
-// optional field is absent, a missing required field or one of another type fails the whole file. A field of whole
-// numbers takes 3, 3.0 and 1e2, but not 3.5, "3", true or anything beyond 64 bits with sign. Of two equal keys the last
-// counts.
+// Decoding is strict on what it knows and deaf to what it does not; see strict_json.
 namespace pelloran {
 
 // Why data could not be had. `localizedDescription` is for the user's eyes.
@@ -65,9 +62,6 @@ struct WinrateFile {
 
     static std::expected<WinrateFile, DataError> decode(const QByteArray& json);
     static std::expected<WinrateFile, DataError> fromJson(const QJsonValue& value);
-    // What `decode` gives, a good deal sooner. Absent where that fails, and for rare files that only it takes: see
-    // fast_json.
-    static std::optional<WinrateFile> decodeFast(const QByteArray& json);
     QByteArray encode() const;
 
     bool operator==(const WinrateFile&) const = default;

@@ -1,270 +1,74 @@
 #include "data/WinrateStore.h"
 
 #include "base/Log.h"
-#include "data/CardFile.h"
-#include "data/DataFiles.h"
 
-#include <QDir>
-#include <QFileInfo>
-#include <QLatin1StringView>
-
-#include <algorithm>
-#include <array>
 #include <utility>
-
-using namespace Qt::StringLiterals;
 
 namespace pelloran {
 
-namespace {
-
-// One of the two data files and where it may lie.
-struct Search {
-    QStringList relativePaths; // below a folder of data
-    QString baseName;          // among the resources
-    QString alternative;       // among the resources, for older layouts; "" for none
-};
-
-Search cardFileSearch() {
-    return {
-        cardFilePaths(),
-        u"all_classes_LAST_7_DAYS"_s,
-        u"mage_arena_LAST_7_DAYS"_s,
-    };
-}
-
-Search classFileSearch() {
-    return {
-        classFilePaths(),
-        u"class_winrates"_s,
-        {},
-    };
-}
-
-std::optional<QString> firstIn(const QString& folder, const QStringList& relativePaths) {
-    for (const QString& relative : relativePaths) {
-        QString path = folder + u'/' + relative;
-        if (QFileInfo(path).isFile()) {
-            return path;
-        }
-    }
-    return std::nullopt;
-}
-
-std::optional<QString> resolveFirstExisting(const Search& search, const ApplicationFiles& files) {
-    if (auto found = firstIn(files.applicationSupportFolder() + u"/Pelloran/config"_s, search.relativePaths)) {
-        return found;
-    }
-
-    const QString json = u"json"_s;
-    const QString winrates = u"winrates"_s;
-    QList<std::pair<QString, QString>> resources{{search.baseName, winrates}, {search.baseName, {}}};
-    if (!search.alternative.isEmpty()) {
-        resources += {{search.alternative, {}}, {u"mage_arena_LAST_7_DAYS"_s, {}}, {u"MAGE_LAST_7_DAYS"_s, winrates}};
-    }
-    for (const auto& [name, subfolder] : std::as_const(resources)) {
-        if (auto found = files.resource(name, json, subfolder)) {
-            return found;
-        }
-    }
-
-    const QString program = files.executableFolder();
-    const QString home = files.homeFolder();
-    for (const QString& folder :
-         {program, QFileInfo(program).path(), home + u"/workbench/pelloran_macos"_s,
-          home + u"/workbench/pelloran_macos/Resources"_s, home + u"/workbench/hsreplay_dump/arena_LAST_7_DAYS"_s}) {
-        if (auto found = firstIn(folder, search.relativePaths)) {
-            return found;
-        }
-    }
-    return std::nullopt;
-}
-
-// None where the file does not tell, or tells of something new.
-NameKinds kindsOf(const std::optional<QString>& type) {
-    struct Kind {
-        QLatin1StringView type;
-        NameKind kind;
-    };
-
-    static constexpr std::array kinds{
-        Kind{"MINION"_L1, NameKind::minion},     Kind{"SPELL"_L1, NameKind::spell},
-        Kind{"WEAPON"_L1, NameKind::weapon},     Kind{"HERO"_L1, NameKind::hero},
-        Kind{"LOCATION"_L1, NameKind::location},
-    };
-    const auto found = std::ranges::find_if(
-        kinds, [&](const Kind& each) { return type && type->compare(each.type, Qt::CaseInsensitive) == 0; });
-    return found == kinds.end() ? NameKinds{} : NameKinds(found->kind);
-}
-
-// In ascending order of keys.
-std::vector<NamedClass> namedClasses(const ClassesByKey& classes) {
-    std::vector<NamedClass> named;
-    named.reserve(classes.size());
-    for (const auto& [key, row] : classes) {
-        named.push_back({key, {row.nameZh, row.displayName(AppLanguage::en)}});
-    }
-    return named;
-}
-
-} // namespace
-
 WinrateStore::WinrateStore(const ApplicationFiles& applicationFiles)
-    : files(applicationFiles)
-    , lexiconOfCards(std::make_shared<const Lexicon>())
-    , lexiconOfClasses(std::make_shared<const Lexicon>()) {}
+    : files(applicationFiles) {}
 
 WinrateStore::~WinrateStore() = default;
 
 WinrateStore::Loaded WinrateStore::loadFromBundle() {
-    const auto cardFile = resolveFirstExisting(cardFileSearch(), files);
-    if (!cardFile) {
-        return std::unexpected(DataError{u"Pelloran"_s, 1, u"winrate JSON not found in cache, bundle or Resources"_s});
+    WinrateData data = WinrateData::read(files);
+    return adopt(data);
+}
+
+WinrateStore::Loaded WinrateStore::adopt(WinrateData& data) {
+    if (!data.cards) {
+        return std::unexpected(data.cards.error());
     }
-    if (auto loaded = loadCards(*cardFile); !loaded) {
-        loaded.error().path = *cardFile;
-        return loaded;
+    std::swap(cards, *data.cards);
+    cardsSource = data.cardsSource;
+    if (!data.remark.isEmpty()) {
+        log(data.remark);
     }
-    cardsSource = *cardFile;
-    // Heroes without figures are a smaller loss than no draft help at all.
-    if (const auto classFile = resolveFirstExisting(classFileSearch(), files)) {
-        if (const Loaded loaded = loadClasses(*classFile); !loaded) {
-            log(u"class file %1 passed over: %2"_s.arg(*classFile, loaded.error().localizedDescription));
-        }
+    if (data.classes) {
+        std::swap(classes, *data.classes);
     }
     return {};
 }
 
 WinrateStore::Loaded WinrateStore::loadCards(const QString& path) {
-    const auto bytes = readDataFile(path);
-    if (!bytes) {
-        return std::unexpected(bytes.error());
+    auto read = CardData::read(path);
+    if (!read) {
+        return std::unexpected(std::move(read).error());
     }
-    const auto file = CardFile::decode(*bytes, QFileInfo(path).fileName());
-    if (!file) {
-        return std::unexpected(file.error());
-    }
-    applyCards(*file);
+    cards = *std::move(read);
     return {};
 }
 
 WinrateStore::Loaded WinrateStore::loadClasses(const QString& path) {
-    const auto bytes = readDataFile(path);
-    if (!bytes) {
-        return std::unexpected(bytes.error());
+    auto read = ClassData::read(path);
+    if (!read) {
+        return std::unexpected(std::move(read).error());
     }
-    const auto file = ClassWinrateFile::decode(*bytes);
-    if (!file) {
-        return std::unexpected(file.error());
-    }
-    applyClasses(*file);
+    classes = *std::move(read);
     return {};
 }
 
-void WinrateStore::applyCards(const CardFile& file) {
-    const std::size_t mostNames = 2 * file.rows.size();
-    cards.clear();
-    cards.reserve(file.rows.size());
-    cardNames.clear();
-    cardNames.reserve(mostNames);
-    std::vector<QString> norms;
-    norms.reserve(mostNames);
-    std::vector<KnownName> texts;
-    texts.reserve(mostNames);
-    for (const CardStats& row : file.rows) {
-        cards.try_emplace(row.cardId, row);
-        for (const auto& name : {row.nameZh, row.nameEn}) {
-            if (name && !name->isEmpty()) {
-                const QString norm = normalize(*name);
-                cardNames.push_back({norm, row.cardId, *name});
-                norms.push_back(norm);
-                texts.push_back({*name, kindsOf(row.type)});
-            }
-        }
-    }
-    cardIndex = CardNameIndex(norms);
-    lexiconOfCards = std::make_shared<const Lexicon>(std::move(texts), Lexicon::forCards);
-    cardMeta = file.description + u" / "_s + QString::number(cards.size()) + u" cards"_s;
-    sample = file.isSample;
-}
-
-void WinrateStore::applyClasses(const ClassWinrateFile& file) {
-    classes.clear();
-    namesOfClasses.clear();
-    for (const ClassWinrateRow& row : file.classes) {
-        const QString key = row.playerClass.toUpper();
-        classes.insert_or_assign(key, row);
-        const bool named = row.nameEn && !row.nameEn->isEmpty();
-        for (const QString& name :
-             {row.nameZh, row.playerClass, named ? *row.nameEn : row.displayName(AppLanguage::en)}) {
-            namesOfClasses.push_back({normalize(name), key, row.displayName()});
-        }
-    }
-    for (const auto& [alias, key] : {
-             std::pair(u"萨满"_s, u"SHAMAN"_s),
-             std::pair(u"萨满祭司"_s, u"SHAMAN"_s),
-             std::pair(u"瞎"_s, u"DEMONHUNTER"_s),
-             std::pair(u"DH"_s, u"DEMONHUNTER"_s),
-             std::pair(u"DK"_s, u"DEATHKNIGHT"_s),
-             std::pair(u"死骑"_s, u"DEATHKNIGHT"_s),
-             std::pair(u"德"_s, u"DRUID"_s),
-             std::pair(u"猎"_s, u"HUNTER"_s),
-             std::pair(u"法"_s, u"MAGE"_s),
-             std::pair(u"骑"_s, u"PALADIN"_s),
-             std::pair(u"牧"_s, u"PRIEST"_s),
-             std::pair(u"贼"_s, u"ROGUE"_s),
-             std::pair(u"术"_s, u"WARLOCK"_s),
-             std::pair(u"战"_s, u"WARRIOR"_s),
-         }) {
-        if (const auto found = classes.find(key); found != classes.end()) {
-            namesOfClasses.push_back({normalize(alias), key, found->second.displayName()});
-        }
-    }
-    classIndex = ClassNameIndex(namedClasses(classes));
-    std::vector<KnownName> texts;
-    for (const QString& text : classIndex.texts()) {
-        texts.push_back({text, {}});
-    }
-    lexiconOfClasses = std::make_shared<const Lexicon>(std::move(texts), Lexicon::forClasses);
-    metaOfClasses = u"classes "_s + QString::number(classes.size()) + u" / "_s + file.fetchedAt.value_or(u"?"_s);
-}
-
 std::optional<CardStats> WinrateStore::stats(const QString& cardId) const {
-    const auto found = cards.find(cardId);
-    return found == cards.end() ? std::nullopt : std::optional(found->second);
+    const auto found = cards.byId.find(cardId);
+    return found == cards.byId.end() ? std::nullopt : std::optional(found->second);
 }
 
 std::optional<ClassWinrateRow> WinrateStore::classStats(const QString& key) const {
-    const auto found = classes.find(key.toUpper());
-    return found == classes.end() ? std::nullopt : std::optional(found->second);
-}
-
-QString WinrateStore::normalize(const QString& text) {
-    return NameMatching::normalize(text);
-}
-
-bool WinrateStore::isPlausibleName(const QString& text) {
-    return NameMatching::isPlausibleName(text);
-}
-
-std::size_t WinrateStore::lcsLength(const QString& a, const QString& b) {
-    return NameMatching::lcsLength(a, b);
-}
-
-double WinrateStore::scoreName(const QString& query, const QString& targetNorm) {
-    return NameMatching::scoreName(query, targetNorm);
+    const auto found = classes.byKey.find(key.toUpper());
+    return found == classes.byKey.end() ? std::nullopt : std::optional(found->second);
 }
 
 std::optional<CardMatch> WinrateStore::matchName(const QStringList& lines, NameLengths lengths) const {
-    const auto hit = cardIndex.bestMatch(lines, lengths);
+    const auto hit = cards.index.bestMatch(lines, lengths);
     if (!hit) {
         return std::nullopt;
     }
-    return CardMatch{cardNames[hit->entry].cardId, hit->score, lines[hit->line]};
+    return CardMatch{cards.names[hit->entry].cardId, hit->score, lines[hit->line]};
 }
 
 std::optional<ClassMatch> WinrateStore::matchClass(const QStringList& lines, NameLengths lengths) const {
-    return classIndex.bestMatch(lines, lengths);
+    return classes.index.bestMatch(lines, lengths);
 }
 
 } // namespace pelloran

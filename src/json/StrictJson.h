@@ -18,9 +18,11 @@
 #include <utility>
 #include <vector>
 
-// JSON into plain values. Strict on what is known and deaf to what is not: unknown keys are ignored, a missing or null
-// optional field is absent, a missing required field or one of another type fails the whole. Whole numbers take 3, 3.0
-// and 1e2, but not 3.5, "3", true or anything beyond 64 bits with sign. Of two equal keys the last counts.
+// JSON into plain values. Strict on what is known and deaf to what is not:
+// unknown keys are ignored, a missing or null optional field is absent, a missing required field or one of another type
+// fails the whole. Whole numbers take 3, 3.0 and 1e2, but not 3.5, "3", true or anything beyond 64 bits with sign.
+// The thousand numbers below the least of these are an exception: the parser rounds them to it, and nothing tells
+// afterwards. Of two equal keys the last counts.
 //
 // Values are QString, double, qint64, bool, QStringList, QMap<QString, QString>, records, and std::vector and
 // std::optional of these. From any thread.

@@ -161,7 +161,7 @@ std::vector<SlotMatch> CardRecognizer::recognizeCards(const ReadText& text) cons
         if (!cards.holds(token)) {
             continue;
         }
-        const std::size_t length = characterCount(WinrateStore::normalize(token.text));
+        const std::size_t length = characterCount(NameMatching::normalize(token.text));
         const bool tooLong = length > maximumNameLength;
         if (length < minimumNameLength || (tooLong && lengths == NameLengths::limited)) {
             continue;

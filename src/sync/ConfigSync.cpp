@@ -35,18 +35,36 @@ ConfigSync::ConfigSync(const QString& server, LocalConfig config, std::unique_pt
 }
 
 void ConfigSync::syncAsync(QObject* receiver, const Completion& onComplete) {
-    const auto result = std::make_shared<ConfigSyncResult>();
+    struct Outcome {
+        ConfigSyncResult result;
+        std::function<void()> prepared;
+    };
+
+    const auto outcome = std::make_shared<Outcome>();
     workQueue->submit(
-        [this, result, server = Server{baseURLString, timeout}] {
+        [this, outcome, server = Server{baseURLString, timeout}, prepare = prepareUpdate] {
             if (isSyncing) {
-                result->outcome = ConfigSyncResult::SkippedBusy{};
+                outcome->result.outcome = ConfigSyncResult::SkippedBusy{};
                 return;
             }
             isSyncing = true;
-            *result = syncIfNeeded(server);
+            outcome->result = syncIfNeeded(server);
             isSyncing = false;
+            // Before anything else is on the queue, so that it is this sync's files that are looked at.
+            if (prepare && outcome->result.didUpdateFiles()) {
+                outcome->prepared = prepare();
+            }
         },
-        receiver, [result, onComplete] { onComplete(*result); });
+        receiver,
+        [this, outcome, onComplete] {
+            if (!outcome->prepared) {
+                onComplete(outcome->result);
+                return;
+            }
+            outcome->prepared();
+            onComplete(outcome->result);
+            workQueue->submit([prepared = std::move(outcome->prepared)] {}, nullptr, [] {});
+        });
 }
 
 void ConfigSync::startPeriodicSync(QObject* receiver, const Completion& onComplete, bool immediate) {

@@ -220,7 +220,7 @@ std::error_code InstallTools::rename(const fs::path& from, const fs::path& to) {
 }
 
 LocalConfig::LocalConfig(const ApplicationFiles& files, InstallTools installTools)
-    : directory(files.applicationSupportFolder() + u"/Pelloran/config"_s)
+    : directory(files.configurationFolder())
     , tools(std::move(installTools)) {}
 
 QString LocalConfig::localHashURL() const {

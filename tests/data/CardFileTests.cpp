@@ -37,11 +37,11 @@ TEST(CardFile, TakesRowsInSeveralShapes) {
          R"({"player_class": "", "cards": [{"card_id": "A"}]})",
          {u"A"_s},
          u" / ?"_s},
-        {"standard with an unfit value first, which only the slow way takes",
+        {"standard with an unfit value first",
          R"({"player_class": "MAGE", "cards": 3, "cards": [{"card_id": "A"}]})",
          {u"A"_s},
          u"MAGE / ?"_s},
-        {"standard with a line break in a text, which only the slow way takes",
+        {"standard with a line break in a text",
          "{\"time_range\": \"TO\nDAY\", \"cards\": [{\"card_id\": \"A\"}]}",
          {u"A"_s},
          u"? / TO\nDAY"_s},
@@ -141,7 +141,7 @@ TEST(CardFile, KnowsASample) {
 
     const Case cases[] = {
         {"sample", R"({"time_range": "SAMPLE", "cards": [{"card_id": "A"}]})", true},
-        {"sample that only the slow way takes", R"({"time_range": "SAMPLE", "cards": 3, "cards": [{"card_id": "A"}]})",
+        {"sample with an unfit value first", R"({"time_range": "SAMPLE", "cards": 3, "cards": [{"card_id": "A"}]})",
          true},
         {"sample in a loose shape", R"({"time_range": "SAMPLE", "classes": {"a": [{"card_id": "A"}]}})", true},
         {"real figures", R"({"time_range": "LAST_7_DAYS", "cards": [{"card_id": "A"}]})", false},

@@ -18,11 +18,17 @@ public:
 
     std::size_t waiting() const { return pieces.size(); }
 
+    // What the thread of the queue's maker sees once a piece has run and before its result arrives.
+    std::function<void()> betweenWorkAndResult;
+
     // Runs the oldest piece and delivers its result.
     void finishNext() {
         const Piece piece = std::move(pieces.front());
         pieces.pop_front();
         piece.work();
+        if (betweenWorkAndResult) {
+            betweenWorkAndResult();
+        }
         if (piece.receiver) {
             piece.done();
         }

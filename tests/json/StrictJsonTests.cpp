@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 
 using namespace Qt::StringLiterals;
@@ -17,6 +18,21 @@ struct Row {
     std::optional<qint64> count;
 
     bool operator==(const Row&) const = default;
+};
+
+struct Offer {
+    QString id;
+    std::optional<QString> name;
+    std::optional<double> share;
+    std::optional<qint64> count;
+
+    bool operator==(const Offer&) const = default;
+};
+
+struct Choice {
+    Offer best;
+
+    bool operator==(const Choice&) const = default;
 };
 
 struct File {
@@ -40,6 +56,19 @@ template <>
 constexpr std::tuple strict_json::fields<Row>{
     Field{"id"_L1, &Row::id},
     Field{"count"_L1, &Row::count},
+};
+
+template <>
+constexpr std::tuple strict_json::fields<Offer>{
+    Field{"id"_L1, &Offer::id},
+    Field{"name"_L1, &Offer::name},
+    Field{"share"_L1, &Offer::share},
+    Field{"count"_L1, &Offer::count},
+};
+
+template <>
+constexpr std::tuple strict_json::fields<Choice>{
+    Field{"best"_L1, &Choice::best},
 };
 
 template <>
@@ -83,6 +112,108 @@ TEST(StrictJson, LeavesAbsentWhatIsMissingOrNull) {
     EXPECT_EQ(decoded<File>(R"({"name": "n", "share": null, "sure": null, "words": null, "pairs": null, "texts": null,
                                 "first": null, "rows": []})"),
               expected);
+}
+
+TEST(StrictJson, TakesWhatJsonAllowsAndAFieldHolds) {
+    struct Case {
+        const char* why;
+        QByteArray json;
+        std::optional<Offer> expected; // absent: refused
+    };
+
+    const auto named = [](const QString& name) { return Offer{name, {}, {}, {}}; };
+    const auto sharing = [](double share) { return Offer{u"A"_s, {}, share, {}}; };
+    const auto counting = [](qint64 count) { return Offer{u"A"_s, {}, {}, count}; };
+    const Offer plain = named(u"A"_s);
+    const std::optional<Offer> refused;
+    const Case cases[] = {
+        {"every field", R"({"id": "A", "name": "火球术", "share": 55.3, "count": 7})",
+         Offer{u"A"_s, u"火球术"_s, 55.3, 7}},
+        {"only what is required", R"({"id": "A"})", plain},
+        {"null for what is not", R"({"id": "A", "name": null, "share": null, "count": null})", plain},
+        {"keys it does not know", R"({"more": {"id": [1, {}]}, "id": "A", "Id": 3, "idd": 3, "i": 3})", plain},
+        {"a key with an escape", R"({"\u0069d": "A"})", plain},
+        {"a text with escapes", R"({"id": "\"\\\/\b\f\n\r\t\u706b\ud83d\udc69"})", named(u"\"\\/\b\f\n\r\t火👩"_s)},
+        {"a text with a zero", R"({"id": "\u0000"})", named(QString(QChar(0)))},
+        {"a text of any planes", "{\"id\": \"é火👩\u200D👧\"}", named(u"é火👩\u200D👧"_s)},
+        {"a text with a character that is none", "{\"id\": \"\uFFFE\uFFFF\"}", named(u"\uFFFE\uFFFF"_s)},
+        {"a byte-order mark that begins a text is none", "{\"id\": \"\uFEFFA\"}", plain},
+        {"but a character as an escape", R"({"id": "\ufeffA"})", named(u"\uFEFFA"_s)},
+        {"and within", "{\"id\": \"A\uFEFF\"}", named(u"A\uFEFF"_s)},
+        {"an empty text", R"({"id": "", "name": ""})", Offer{u""_s, u""_s, {}, {}}},
+        {"a whole number for a fraction", R"({"id": "A", "share": 3})", sharing(3)},
+        {"a large whole number for a fraction", R"({"id": "A", "share": 9007199254740993})", sharing(9007199254740992)},
+        {"one beyond the sign", R"({"id": "A", "share": 18446744073709551615})", sharing(18446744073709551616.0)},
+        {"one beyond 64 bits", R"({"id": "A", "share": 123456789012345678901})", sharing(123456789012345678901.0)},
+        {"a zero below zero is the plain one", R"({"id": "A", "share": -0})", sharing(0)},
+        {"the same as a fraction", R"({"id": "A", "share": -0.0})", sharing(0)},
+        {"the smallest number", R"({"id": "A", "share": 5e-324})", sharing(5e-324)},
+        {"a number too small to tell from zero", R"({"id": "A", "share": 1e-999})", refused},
+        {"the largest number", R"({"id": "A", "share": 1.7976931348623157e308})", sharing(1.7976931348623157e308)},
+        {"more digits than count", R"({"id": "A", "share": 0.1000000000000000055511151231257827021181583404541015625})",
+         sharing(0.1)},
+        {"halfway between two numbers", R"({"id": "A", "share": 9007199254740993.0})", sharing(9007199254740992)},
+        {"a whole number as a fraction", R"({"id": "A", "count": 3.0})", counting(3)},
+        {"a whole number with an exponent", R"({"id": "A", "count": 1e2})", counting(100)},
+        {"a whole number below zero", R"({"id": "A", "count": -0.0})", counting(0)},
+        {"far less than any whole number", R"({"id": "A", "count": -1e300})", refused},
+        {"a fraction for a whole number", R"({"id": "A", "count": 3.5})", refused},
+        {"text for a whole number", R"({"id": "A", "count": "3"})", refused},
+        {"truth for a whole number", R"({"id": "A", "count": true})", refused},
+        {"text for a fraction", R"({"id": "A", "share": "3.5"})", refused},
+        {"truth for a fraction", R"({"id": "A", "share": false})", refused},
+        {"an object for a fraction", R"({"id": "A", "share": {}})", refused},
+        {"a number for a text", R"({"id": "A", "name": 3})", refused},
+        {"an array for a text", R"({"id": ["A"]})", refused},
+        {"nothing required", R"({"name": "A"})", refused},
+        {"null for what is required", R"({"id": null})", refused},
+        {"of two equal keys the last counts", R"({"id": "A", "name": "a", "id": "B", "name": null})", named(u"B"_s)},
+        {"and only the last has to be right", R"({"id": 3, "id": "B"})", named(u"B"_s)},
+        {"but that", R"({"id": "B", "id": 3})", refused},
+        {"null in place of a record", "null", refused},
+        {"an array in place of a record", "[]", refused},
+        {"half of a pair", R"({"id": "\ud83d"})", named(QString(QChar(0xd83d)))},
+        {"its other half", R"({"id": "\udc69"})", named(QString(QChar(0xdc69)))},
+        {"half of a pair before a letter", R"({"id": "\ud83dA"})", named(QChar(0xd83d) + u"A"_s)},
+        {"half of a pair before an escape", R"({"id": "\ud83d\u0041"})", named(QChar(0xd83d) + u"A"_s)},
+        {"a number too large", R"({"id": "A", "more": 1e999})", refused},
+        {"a number with a plus", R"({"id": "A", "share": +1})", refused},
+        {"a number with leading zeros", R"({"id": "A", "share": 01})", refused},
+        {"a word that is none", R"({"id": "A", "share": nul})", refused},
+        {"a comma too many", R"({"id": "A",})", refused},
+        {"invalid UTF-8", "{\"id\": \"\xFF\"}", refused},
+        {"invalid UTF-8 where nobody looks", "{\"id\": \"A\", \"more\": \"\xED\xA0\x80\"}", refused},
+        {"a line within a text", "{\"id\": \"A\nB\"}", named(u"A\nB"_s)},
+        {"deeper than any record, where nobody looks",
+         R"({"id": "A", "more": )" + QByteArray(100, '[') + QByteArray(100, ']') + "}", plain},
+        {"cut off", R"({"id": "A")", refused},
+        {"nothing", "", refused},
+        {"a bare number", "3", refused},
+        {"no JSON", "<html>", refused},
+        {"blanks around", " \r\n\t{\"id\": \"A\"} \n", plain},
+        {"more after the end", R"({"id": "A"} {})", refused},
+        {"a zero byte after the end", QByteArray("{\"id\": \"A\"}\0", 12), refused},
+        {"a byte-order mark", "\xEF\xBB\xBF{\"id\": \"A\"}", plain},
+        {"nested without an end", QByteArray(100'000, '['), refused},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const auto parsed = strict_json::parse(c.json);
+        const auto offer = parsed ? strict_json::decode<Offer>(*parsed) : std::unexpected(strict_json::Mismatch{});
+        ASSERT_EQ(offer.has_value(), c.expected.has_value());
+        if (offer) {
+            EXPECT_EQ(*offer, *c.expected);
+            EXPECT_FALSE(std::signbit(offer->share.value_or(0))) << "zeros are equal but not the same";
+        }
+    }
+}
+
+TEST(StrictJson, LeavesNothingOfTheEarlierOfTwoEqualKeys) {
+    EXPECT_EQ(decoded<Choice>(R"({"best": {"id": "A", "count": 1}, "best": {"id": "B"}})"),
+              (Choice{{u"B"_s, {}, {}, {}}}));
+    const auto file = decoded<File>(R"({"name": "n", "rows": [{"id": "A"}, {"id": "B"}], "rows": [{"id": "C"}]})");
+    ASSERT_TRUE(file);
+    EXPECT_EQ(file->rows, (std::vector<Row>{{u"C"_s, {}}}));
 }
 
 TEST(StrictJson, NamesTheFirstPlaceThatIsWrong) {
@@ -182,6 +313,11 @@ TEST(StrictJson, TakesWholeNumbersInAnySpelling) {
         {"the greatest", "9223372036854775807", std::numeric_limits<qint64>::max()},
         {"the least", "-9223372036854775808", std::numeric_limits<qint64>::min()},
         {"beyond the greatest", "9223372036854775808", std::nullopt},
+        {"the same as a fraction", "9223372036854775808.0", std::nullopt},
+        {"beyond the least, which the parser rounds", "-9223372036854775809", std::numeric_limits<qint64>::min()},
+        {"the last that it rounds there", "-9223372036854776832", std::numeric_limits<qint64>::min()},
+        {"the first that it does not", "-9223372036854776833", std::nullopt},
+        {"far beyond the least", "-1e30", std::nullopt},
         {"far beyond", "1e30", std::nullopt},
         {"a fraction", "3.5", std::nullopt},
         {"text", R"("3")", std::nullopt},

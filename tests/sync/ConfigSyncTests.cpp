@@ -329,6 +329,63 @@ TEST_F(ConfigSyncTest, DeliversNothingToWhomIsGone) {
     EXPECT_FALSE(delivered);
 }
 
+TEST_F(ConfigSyncTest, HasAnUpdatePreparedOnTheQueue) {
+    QStringList steps;
+    std::weak_ptr<int> held;
+    sync->prepareUpdate = [&] {
+        steps.append(u"prepared with "_s + QString::fromUtf8(installed()));
+        const auto data = std::make_shared<int>();
+        held = data;
+        return [&steps, data] { steps.append(u"taken over"_s); };
+    };
+    queue->betweenWorkAndResult = [&] { steps.append(u"delivered"_s); };
+    const auto complete = [&](const Result& result) { steps.append(result.userMessage()); };
+
+    offer(R"({"hash": "new"})", bundle("new"));
+    sync->syncAsync(&receiver, complete);
+    queue->finishNext();
+    EXPECT_EQ(steps,
+              (QStringList{u"prepared with new"_s, u"delivered"_s, u"taken over"_s, u"Config updated (new…)"_s}));
+    EXPECT_FALSE(held.expired()) << "that is the queue's, too";
+    queue->finishNext();
+    EXPECT_TRUE(held.expired());
+
+    steps.clear();
+    sync->syncAsync(&receiver, complete);
+    queue->finishNext();
+    EXPECT_EQ(steps, (QStringList{u"delivered"_s, u"Config is up to date (new…)"_s})) << "nothing new to prepare";
+
+    steps.clear();
+    http->fail(manifestURL, u"no server"_s);
+    sync->syncAsync(&receiver, complete);
+    queue->finishNext();
+    EXPECT_EQ(steps, (QStringList{u"delivered"_s, u"Offline, using local config: no server"_s}));
+
+    steps.clear();
+    offer(R"({"hash": "newer"})", bundle("newer"));
+    auto other = std::make_unique<QObject>();
+    sync->syncAsync(other.get(), complete);
+    other.reset();
+    queue->finishNext();
+    EXPECT_EQ(steps, (QStringList{u"prepared with newer"_s, u"delivered"_s})) << "nobody is there to take it over";
+    EXPECT_TRUE(held.expired());
+}
+
+TEST_F(ConfigSyncTest, PreparesTheFilesOfItsOwnSync) {
+    QList<QByteArray> prepared;
+    sync->prepareUpdate = [&] {
+        prepared.append(installed());
+        return [] {};
+    };
+    offer(R"({"hash": "first"})", bundle("first"));
+    sync->syncAsync(&receiver, [](const Result&) {});
+    sync->syncAsync(&receiver, [](const Result&) {});
+    queue->betweenWorkAndResult = [this] { offer(R"({"hash": "second"})", bundle("second")); };
+    queue->finishNext();
+    queue->finishNext();
+    EXPECT_EQ(prepared, (QList<QByteArray>{"first", "second"}));
+}
+
 TEST_F(ConfigSyncTest, IsBusyOnlyWhileItSyncs) {
     std::vector<Result> results;
     const auto keep = [&](const Result& result) { results.push_back(result); };

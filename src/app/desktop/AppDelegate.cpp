@@ -53,7 +53,11 @@ const char16_t* headKey(const ConfigSyncResult& result) {
 AppDelegate::AppDelegate(Surroundings parts)
     : surroundings(std::move(parts))
     , statusItem(surroundings.statusItem)
-    , store(surroundings.store) {}
+    , store(surroundings.store) {
+    surroundings.configSync.prepareUpdate = [this, &files = surroundings.files] {
+        return [this, data = std::make_shared<WinrateData>(WinrateData::read(files))] { broughtData = data; };
+    };
+}
 
 AppDelegate::~AppDelegate() {
     applicationWillTerminate();
@@ -201,7 +205,7 @@ void AppDelegate::handleConfigSyncResult(const ConfigSyncResult& result) {
     lastSyncResult = result;
     log(QStringLiteral("config sync: ") + result.userMessage());
     if (result.didUpdateFiles()) {
-        if (const auto loaded = store.loadFromBundle(); !loaded) {
+        if (const auto loaded = store.adopt(*std::exchange(broughtData, nullptr)); !loaded) {
             log(QStringLiteral("reload after sync failed: ") + loaded.error().localizedDescription);
         } else {
             log(QStringLiteral("reloaded store cards=%1; source=%2")

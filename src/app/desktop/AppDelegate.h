@@ -2,6 +2,7 @@
 
 #include "app/desktop/Overlay.h"
 #include "app/desktop/StatusMenu.h"
+#include "data/WinrateData.h"
 #include "draft/DraftService.h"
 #include "sync/ConfigSyncResult.h"
 
@@ -89,6 +90,7 @@ private:
     std::optional<DraftService> service; // once the data has been loaded
     QString idleStatusLine;
     std::optional<ConfigSyncResult> lastSyncResult; // the last that was not about being busy
+    std::shared_ptr<WinrateData> broughtData;       // by the sync whose result comes next
     QMetaObject::Connection languageObserver;
     bool terminated = false;
 };

@@ -488,6 +488,68 @@ TEST_F(AppDelegateTest, LoadsWhatASyncBrought) {
     EXPECT_EQ(lastMessage(), QStringLiteral("Config updated · feedbeef… · Waiting for Arena draft…"));
 }
 
+TEST_F(AppDelegateTest, ReadsWhatASyncBroughtOnItsQueueAndTellsOfItInOrder) {
+    struct Case {
+        const char* why;
+        const char* cardFile;
+        const char* classFile;
+        QStringList told; // beginnings
+    };
+
+    const QString updated = QStringLiteral("log config sync: Config updated (feedbeef…)");
+    const QString line = QStringLiteral("snapshot Config updated · feedbeef… · Waiting for Arena draft…");
+    const QString reloaded = QStringLiteral("log reloaded store cards=? / ? / 1 cards; source=");
+    const Case cases[] = {
+        {"all well", R"({"cards": [{"card_id": "NEW"}]})", R"({"classes": []})", {updated, reloaded, line}},
+        {"no class file to speak of",
+         R"({"cards": [{"card_id": "NEW"}]})",
+         "no figures",
+         {updated, QStringLiteral("log class file ") + folder.path(), reloaded, line}},
+        {"no card file to speak of",
+         "no figures",
+         R"({"classes": []})",
+         {updated, QStringLiteral("log reload after sync failed: illegal value at byte "), line}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        QDir(folder.filePath(QStringLiteral("support"))).removeRecursively();
+        launch();
+        serveManifest("feedbeef");
+        write("bundle/winrates/class_winrates.json", c.classFile);
+        serveBundle(c.cardFile);
+        steps.clear();
+        syncQueue->betweenWorkAndResult = [this] {
+            // From here on nothing is left to be read.
+            QDir(folder.filePath(QStringLiteral("support/Pelloran/config/winrates"))).removeRecursively();
+            EXPECT_TRUE(store.stats(QStringLiteral("OWN"))) << "the main thread's data is its own";
+            EXPECT_TRUE(steps.isEmpty());
+        };
+        syncQueue->finishNext();
+        syncQueue->betweenWorkAndResult = {};
+        ASSERT_EQ(steps.size(), c.told.size()) << steps.join(u'\n').toStdString();
+        for (qsizetype i = 0; i < steps.size(); ++i) {
+            EXPECT_TRUE(steps[i].startsWith(c.told[i])) << steps[i].toStdString();
+        }
+        ASSERT_EQ(syncQueue->waiting(), 1U) << "the earlier data is let go of there, too";
+        syncQueue->finishNext();
+        EXPECT_EQ(steps.size(), c.told.size());
+        delegate.reset();
+    }
+}
+
+TEST_F(AppDelegateTest, LoadsWhatASyncBringsWhileTheFirstAlertIsUp) {
+    write("resources/winrates/all_classes_LAST_7_DAYS.json", "no figures");
+    serveManifest("feedbeef");
+    serveBundle(R"({"cards": [{"card_id": "NEW"}]})");
+    alerts.whenShown = [this] {
+        item.choose(Action::checkConfigNow);
+        syncQueue->finishNext();
+        EXPECT_TRUE(store.stats(QStringLiteral("NEW")));
+    };
+    launch();
+    EXPECT_EQ(alerts.shown.size(), 1U);
+}
+
 TEST_F(AppDelegateTest, KeepsItsDataWhenWhatASyncBroughtCannotBeLoaded) {
     launch();
     serveManifest("feedbeef");
