@@ -1,6 +1,7 @@
 // What a sync of all cards costs, and the steps it is made of. The server is a plain one on loopback, so what is
 // measured is ours: the network of a player comes on top.
 
+#include "base/Digest.h"
 #include "base/SerialQueue.h"
 #include "benchmarks/SharedCards.h"
 #include "data/WinrateData.h"
@@ -140,7 +141,7 @@ void digest(benchmark::State& state) {
     }
     const QByteArray bundle = contentOf(setting().onServer(setting().published.bundle));
     for (auto _ : state) {
-        benchmark::DoNotOptimize(ConfigSync::sha256Hex(bundle));
+        benchmark::DoNotOptimize(sha256Hex(bundle));
     }
 }
 

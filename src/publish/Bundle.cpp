@@ -1,6 +1,6 @@
 #include "publish/Bundle.h"
 
-#include "sync/ConfigSync.h"
+#include "base/Digest.h"
 
 #include <archive.h>
 #include <archive_entry.h>
@@ -32,9 +32,9 @@ la_ssize_t append(archive*, void* bytes, const void* part, size_t size) {
 QString contentHash(const std::vector<SourceFile>& files) {
     QByteArray lines;
     for (const SourceFile& file : files) {
-        lines += ConfigSync::sha256Hex(file.bytes).toLatin1() + "  " + file.path.toUtf8() + '\n';
+        lines += sha256Hex(file.bytes).toLatin1() + "  " + file.path.toUtf8() + '\n';
     }
-    return ConfigSync::sha256Hex(lines);
+    return sha256Hex(lines);
 }
 
 std::expected<QByteArray, QString> gzippedTar(const std::vector<SourceFile>& files) {

@@ -1,5 +1,6 @@
 #include "publish/Publisher.h"
 
+#include "base/Digest.h"
 #include "publish/Bundle.h"
 #include "publish/Problem.h"
 #include "publish/SourceFolder.h"
@@ -32,7 +33,7 @@ using Done = std::expected<void, QStringList>;
 QByteArray manifestOf(const std::vector<SourceFile>& files, const Publication& publication) {
     QJsonObject digests;
     for (const SourceFile& file : files) {
-        digests.insert(file.path, ConfigSync::sha256Hex(file.bytes));
+        digests.insert(file.path, sha256Hex(file.bytes));
     }
     return QJsonDocument(QJsonObject{
                              {u"version"_s, manifestVersion},
@@ -119,7 +120,7 @@ std::expected<Publication, QStringList> publish(const QString& source, const QSt
     Publication publication;
     publication.folder = target + u"/pelloran/latest"_s;
     publication.hash = contentHash(content->files);
-    publication.bundleSha256 = ConfigSync::sha256Hex(*bundle);
+    publication.bundleSha256 = sha256Hex(*bundle);
     publication.bundle = u"config-%1.tar.gz"_s.arg(publication.bundleSha256.first(digestCharactersInName));
     publication.bundleBytes = bundle->size();
     publication.fileCount = static_cast<int>(content->files.size());

@@ -1,6 +1,8 @@
 #include "sync/ConfigSync.h"
 
-#include <QCryptographicHash>
+#include "base/Digest.h"
+#include "platform/CheckedGet.h"
+
 #include <QUrl>
 
 #include <cmath>
@@ -12,26 +14,31 @@ namespace pelloran {
 
 namespace {
 
-using namespace std::chrono_literals;
-
-// A server that keeps sending a little is given this much longer than a silent one.
-constexpr auto graceTime = 2s;
-
 std::unexpected<ConfigSyncError> failure(decltype(ConfigSyncError::reason) reason) {
     return std::unexpected(ConfigSyncError{std::move(reason)});
 }
 
+struct Reason {
+    decltype(ConfigSyncError::reason) operator()(UnwantedStatus status) const {
+        return ConfigSyncError::HttpStatus{status.code};
+    }
+
+    decltype(ConfigSyncError::reason) operator()(const HttpClient::TransportError& error) const {
+        return ConfigSyncError::Platform{error.description};
+    }
+};
+
 } // namespace
 
-ConfigSync::ConfigSync(const QString& server, LocalConfig config, std::unique_ptr<HttpClient> client,
+ConfigSync::ConfigSync(const QString& server, ConfigInstaller configInstaller, std::unique_ptr<HttpClient> client,
                        std::unique_ptr<SerialQueue> queue)
     : baseURLString(server + u"/pelloran/latest"_s)
-    , local(std::move(config))
+    , installer(std::move(configInstaller))
     , http(std::move(client))
     , workQueue(std::move(queue)) {
     pollTimer->setInterval(pollInterval);
     pollTimer->setTimerType(Qt::VeryCoarseTimer); // to the second; a coarse one may be half a minute off
-    local.restoreInterruptedSwap();
+    installer.restoreInterruptedSwap();
 }
 
 void ConfigSync::syncAsync(QObject* receiver, const Completion& onComplete) {
@@ -92,7 +99,7 @@ ConfigSyncResult ConfigSync::syncIfNeeded(const Server& server) {
         return fallBack(hash, fetched.error());
     }
     const QString& offered = fetched->manifest.hash;
-    if (hash == offered && local.hasUsableLocalConfig()) {
+    if (hash == offered && installer.config().hasUsableLocalConfig()) {
         return {ConfigSyncResult::UpToDate{offered}};
     }
     const auto installed = downloadAndInstall(server, *fetched);
@@ -100,16 +107,16 @@ ConfigSyncResult ConfigSync::syncIfNeeded(const Server& server) {
         return fallBack(hash, installed.error());
     }
     switch (*installed) {
-    case LocalConfig::Installation::done:
+    case ConfigInstaller::Installation::done:
         return {ConfigSyncResult::Updated{offered}};
-    case LocalConfig::Installation::busy:
+    case ConfigInstaller::Installation::busy:
         return {ConfigSyncResult::SkippedBusy{}};
     }
     Q_UNREACHABLE();
 }
 
 ConfigSyncResult ConfigSync::fallBack(const std::optional<QString>& hash, const ConfigSyncError& error) const {
-    if (local.hasUsableLocalConfig()) {
+    if (installer.config().hasUsableLocalConfig()) {
         return {ConfigSyncResult::SkippedOffline{hash, error.localizedDescription()}};
     }
     return {ConfigSyncResult::Failed{error.localizedDescription()}};
@@ -127,8 +134,8 @@ std::expected<ConfigSync::Fetched, ConfigSyncError> ConfigSync::fetchManifest(co
     return Fetched{std::move(*manifest), std::move(*raw)};
 }
 
-std::expected<LocalConfig::Installation, ConfigSyncError> ConfigSync::downloadAndInstall(const Server& server,
-                                                                                         const Fetched& fetched) {
+std::expected<ConfigInstaller::Installation, ConfigSyncError> ConfigSync::downloadAndInstall(const Server& server,
+                                                                                             const Fetched& fetched) {
     const RemoteManifest& manifest = fetched.manifest;
     const auto bundle = httpGET(server, server.baseURL + u'/' + manifest.bundleName(), maximumBundleBytes);
     if (!bundle) {
@@ -140,7 +147,7 @@ std::expected<LocalConfig::Installation, ConfigSyncError> ConfigSync::downloadAn
             return failure(ConfigSyncError::HashMismatch{expected, std::move(got)});
         }
     }
-    return local.install(manifest, fetched.raw, *bundle);
+    return installer.install(manifest, fetched.raw, *bundle);
 }
 
 std::expected<QByteArray, ConfigSyncError> ConfigSync::httpGET(const Server& server, const QString& url,
@@ -150,18 +157,11 @@ std::expected<QByteArray, ConfigSyncError> ConfigSync::httpGET(const Server& ser
         return failure(ConfigSyncError::BadURL{});
     }
     const std::chrono::milliseconds silence(std::llround(server.timeout * 1000));
-    auto response = http->get({parsed, {}, silence, silence + graceTime, maximumBytes});
-    if (!response) {
-        return failure(ConfigSyncError::Platform{response.error().description});
+    auto body = checkedGet(*http, parsed, {}, silence, maximumBytes);
+    if (!body) {
+        return failure(std::visit(Reason(), body.error()));
     }
-    if (response->status < 200 || response->status > 299) {
-        return failure(ConfigSyncError::HttpStatus{response->status});
-    }
-    return std::move(response->body);
-}
-
-QString ConfigSync::sha256Hex(const QByteArray& bytes) {
-    return QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex());
+    return *std::move(body);
 }
 
 } // namespace pelloran

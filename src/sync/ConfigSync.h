@@ -2,8 +2,8 @@
 
 #include "base/SerialQueue.h"
 #include "platform/HttpClient.h"
+#include "sync/ConfigInstaller.h"
 #include "sync/ConfigSyncResult.h"
-#include "sync/LocalConfig.h"
 #include "sync/RemoteManifest.h"
 
 #include <QByteArray>
@@ -36,7 +36,7 @@ public:
     // `server` is the base URL, to which "/pelloran/latest" is added. An installation that an earlier run did not
     // survive is mended here, so load the data files afterwards. Destruction waits for a sync under way, which gives up
     // early then.
-    ConfigSync(const QString& server, LocalConfig config, std::unique_ptr<HttpClient> client,
+    ConfigSync(const QString& server, ConfigInstaller configInstaller, std::unique_ptr<HttpClient> client,
                std::unique_ptr<SerialQueue> queue);
 
     // The label of the queue it is meant to get.
@@ -59,10 +59,7 @@ public:
     ConfigSyncResult syncAtLaunch();
 
     // Of the installed files. See LocalConfig.
-    std::optional<QString> localHash() const { return local.localHash(); }
-
-    // In lower case.
-    static QString sha256Hex(const QByteArray& bytes);
+    std::optional<QString> localHash() const { return installer.config().localHash(); }
 
     // What the next sync begins with. A server that says nothing for `timeout` seconds is given up.
     QString baseURLString;
@@ -82,11 +79,11 @@ private:
     ConfigSyncResult syncIfNeeded(const Server& server);
     ConfigSyncResult fallBack(const std::optional<QString>& hash, const ConfigSyncError& error) const;
     std::expected<Fetched, ConfigSyncError> fetchManifest(const Server& server);
-    std::expected<LocalConfig::Installation, ConfigSyncError> downloadAndInstall(const Server& server,
-                                                                                 const Fetched& fetched);
+    std::expected<ConfigInstaller::Installation, ConfigSyncError> downloadAndInstall(const Server& server,
+                                                                                     const Fetched& fetched);
     std::expected<QByteArray, ConfigSyncError> httpGET(const Server& server, const QString& url, qint64 maximumBytes);
 
-    LocalConfig local;
+    ConfigInstaller installer;
     std::unique_ptr<HttpClient> http;
     bool isSyncing = false;                     // only the queue's thread knows it
     QTimer* const pollTimer = new QTimer(this); // owned by this

@@ -2,6 +2,7 @@
 
 #include "base/SerialQueue.h"
 #include "localisation/L10n.h"
+#include "platform/CheckedGet.h"
 #include "platform/UserDefaults.h"
 #include "update/StrictURL.h"
 #include "update/Versions.h"
@@ -103,14 +104,22 @@ void AppUpdateChecker::checkAsync(QObject* receiver,
                                   [result, onComplete = std::move(onComplete)] { onComplete(*result); });
 }
 
+struct AppUpdateChecker::Reason {
+    FetchError operator()(UnwantedStatus status) const {
+        return AppUpdateError{AppUpdateError::HttpStatus{status.code}};
+    }
+
+    FetchError operator()(const HttpClient::TransportError& error) const { return error; }
+};
+
 std::expected<AppReleaseInfo, AppUpdateChecker::FetchError> AppUpdateChecker::fetchLatest() const {
     const auto url = strictURL(latestURLString);
     if (!url) {
         return std::unexpected(AppUpdateError{AppUpdateError::BadURL{}});
     }
-    const auto body = httpGET(*url);
+    const auto body = checkedGet(surroundings.http, *url, QByteArrayLiteral("application/json"), timeout, maximumBytes);
     if (!body) {
-        return std::unexpected(body.error());
+        return std::unexpected(std::visit(Reason(), body.error()));
     }
     auto release = AppReleaseInfo::decode(*body);
     if (!release) {
@@ -120,23 +129,6 @@ std::expected<AppReleaseInfo, AppUpdateChecker::FetchError> AppUpdateChecker::fe
         return std::unexpected(AppUpdateError{AppUpdateError::InvalidLatest{}});
     }
     return std::move(*release);
-}
-
-std::expected<QByteArray, AppUpdateChecker::FetchError> AppUpdateChecker::httpGET(const QUrl& url) const {
-    const auto response = surroundings.http.get({
-        .url = url,
-        .accept = QByteArrayLiteral("application/json"),
-        .transferTimeout = timeout,
-        .deadline = timeout + std::chrono::seconds(2),
-        .maximumBytes = maximumBytes,
-    });
-    if (!response) {
-        return std::unexpected(response.error());
-    }
-    if (response->status < 200 || response->status > 299) {
-        return std::unexpected(AppUpdateError{AppUpdateError::HttpStatus{response->status}});
-    }
-    return response->body;
 }
 
 } // namespace pelloran

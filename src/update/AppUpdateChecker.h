@@ -72,9 +72,9 @@ public:
 
 private:
     using FetchError = std::variant<AppUpdateError, HttpClient::TransportError, AppReleaseInfo::DecodeError>;
+    struct Reason;
 
     std::expected<AppReleaseInfo, FetchError> fetchLatest() const;
-    std::expected<QByteArray, FetchError> httpGET(const QUrl& url) const;
 
     Surroundings surroundings;
     LocalApplication local;

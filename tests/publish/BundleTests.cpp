@@ -1,6 +1,6 @@
 #include "publish/Bundle.h"
 
-#include "sync/LocalConfig.h"
+#include "sync/ConfigInstaller.h"
 #include "tests/support/Printing.h"
 
 #include <QDir>
@@ -48,7 +48,7 @@ TEST(GzippedTar, IsWhatClientsUnpack) {
     out.close();
     const QString unpacked = folder.filePath(QStringLiteral("unpacked"));
     ASSERT_TRUE(QDir().mkpath(unpacked));
-    const auto extracted = LocalConfig::extractTarGz(archive, unpacked);
+    const auto extracted = ConfigInstaller::extractTarGz(archive, unpacked);
     ASSERT_TRUE(extracted) << extracted.error().localizedDescription().toStdString();
     for (const SourceFile& each : files) {
         SCOPED_TRACE(each.path.toStdString());

@@ -1,5 +1,6 @@
 #include "publish/Publisher.h"
 
+#include "base/Digest.h"
 #include "sync/ConfigSync.h"
 #include "tests/publish/DataFolder.h"
 #include "tests/support/Printing.h"
@@ -48,16 +49,15 @@ TEST_F(Publishing, WritesAManifestThatNamesTheBundle) {
     ASSERT_TRUE(manifest);
     const QByteArray bundle = onServer(manifest->bundleName());
     EXPECT_EQ(publication.bundleBytes, bundle.size());
-    const QMap<QString, QString> files{{cardFile, ConfigSync::sha256Hex(cards)},
-                                       {classFile, ConfigSync::sha256Hex(classes)}};
+    const QMap<QString, QString> files{{cardFile, sha256Hex(cards)}, {classFile, sha256Hex(classes)}};
     const QByteArray lines = (files[cardFile] + QStringLiteral("  ") + cardFile + u'\n' + files[classFile] +
                               QStringLiteral("  ") + classFile + u'\n')
                                  .toUtf8();
     const RemoteManifest expected{
         .version = 1,
-        .hash = ConfigSync::sha256Hex(lines),
-        .bundle = QStringLiteral("config-%1.tar.gz").arg(ConfigSync::sha256Hex(bundle).first(16)),
-        .bundleSha256 = ConfigSync::sha256Hex(bundle),
+        .hash = sha256Hex(lines),
+        .bundle = QStringLiteral("config-%1.tar.gz").arg(sha256Hex(bundle).first(16)),
+        .bundleSha256 = sha256Hex(bundle),
         .updatedAt = QStringLiteral("2022-04-15T05:20:00Z"),
         .fileCount = 2,
         .files = files,

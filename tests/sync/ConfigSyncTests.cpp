@@ -1,6 +1,8 @@
 #include "sync/ConfigSync.h"
 
+#include "base/Digest.h"
 #include "base/Log.h"
+#include "sync/InstallTools.h"
 #include "sync/TarArchive.h"
 #include "tests/fakes/FakeApplicationFiles.h"
 #include "tests/fakes/FakeHttpClient.h"
@@ -50,8 +52,8 @@ protected:
         InstallTools tools;
         tools.temporaryFolder = folder.filePath(u"temporary"_s);
         tools.lockPatience = std::chrono::milliseconds(50);
-        sync =
-            std::make_unique<ConfigSync>(server, LocalConfig(files, tools), std::move(client), std::move(manualQueue));
+        sync = std::make_unique<ConfigSync>(server, ConfigInstaller(LocalConfig(files), tools), std::move(client),
+                                            std::move(manualQueue));
     }
 
     static QByteArray bundle(const QByteArray& content) {
@@ -105,8 +107,7 @@ TEST_F(ConfigSyncTest, BeginsWithItsServersFolder) {
 
 TEST_F(ConfigSyncTest, InstallsWhatIsNew) {
     const QByteArray bytes = bundle("new");
-    const QByteArray manifest =
-        R"({"hash": "newhash", "bundle_sha256": ")" + ConfigSync::sha256Hex(bytes).toLatin1() + R"("})";
+    const QByteArray manifest = R"({"hash": "newhash", "bundle_sha256": ")" + sha256Hex(bytes).toLatin1() + R"("})";
     offer(manifest, bytes);
     EXPECT_EQ(sync->syncAtLaunch(), (Result{Result::Updated{u"newhash"_s}}));
     EXPECT_EQ(installed(), "new");
@@ -472,11 +473,6 @@ TEST_F(PeriodicSyncTest, Stops) {
     sync->stopPeriodicSync();
     start(false);
     EXPECT_TRUE(timer().isActive());
-}
-
-TEST(Sha256Hex, IsInLowerCase) {
-    EXPECT_EQ(ConfigSync::sha256Hex("abc"), u"ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad"_s);
-    EXPECT_EQ(ConfigSync::sha256Hex(""), u"e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855"_s);
 }
 
 } // namespace

@@ -1,7 +1,8 @@
 // Installs one bundle and is killed after one step: install-and-die FOLDER HASH BUNDLE exchange|moves STEP. Without a
 // step it mends and ends. STEP -1 installs to the end. FOLDER holds support/ and temporary/.
 
-#include "sync/LocalConfig.h"
+#include "sync/ConfigInstaller.h"
+#include "sync/InstallTools.h"
 #include "tests/fakes/FakeApplicationFiles.h"
 
 #include <QCoreApplication>
@@ -27,8 +28,8 @@ int main(int argc, char** argv) {
             std::raise(SIGKILL);
         }
     };
-    const LocalConfig config(files, tools);
-    config.restoreInterruptedSwap();
+    const ConfigInstaller installer(LocalConfig(files), tools);
+    installer.restoreInterruptedSwap();
     if (arguments.size() <= 2) {
         return 0;
     }
@@ -38,10 +39,10 @@ int main(int argc, char** argv) {
     }
     RemoteManifest manifest;
     manifest.hash = arguments.at(2);
-    const auto installed = config.install(manifest, "{}", bundle.readAll());
+    const auto installed = installer.install(manifest, "{}", bundle.readAll());
     if (!installed) {
         std::fprintf(stderr, "%s\n", qPrintable(installed.error().localizedDescription()));
         return 1;
     }
-    return *installed == LocalConfig::Installation::done ? 0 : 3;
+    return *installed == ConfigInstaller::Installation::done ? 0 : 3;
 }

@@ -1,3 +1,4 @@
+#include "sync/InstallTools.h"
 #include "sync/LocalConfig.h"
 #include "tests/fakes/FakeApplicationFiles.h"
 #include "tests/support/Printing.h"

@@ -1,29 +1,16 @@
 #include "sync/LocalConfig.h"
 
-#include "base/Log.h"
-#include "base/SerialQueue.h"
 #include "tests/fakes/FakeApplicationFiles.h"
 #include "tests/support/Printing.h"
-#include "tests/support/TarWriter.h"
-#include "tests/sync/TextLanguage.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QLockFile>
-#include <QProcess>
 #include <QTemporaryDir>
-#include <QThread>
 
-#include <gmock/gmock.h>
-#include <sys/resource.h>
-#include <unistd.h>
+#include <gtest/gtest.h>
 
-#include <csignal>
-#include <filesystem>
-#include <future>
 #include <optional>
-#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -31,27 +18,9 @@ namespace pelloran {
 
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
-using testing::TarWriter;
-
-std::error_code unsupported(const std::filesystem::path&, const std::filesystem::path&) {
-    return std::make_error_code(std::errc::not_supported);
-}
-
 class LocalConfigTest : public ::testing::Test {
 protected:
-    LocalConfigTest() {
-        setLogSink([this](const QString& message) { logged.append(message); });
-        tools.temporaryFolder = folder.filePath(u"temporary"_s);
-        tools.lockPatience = std::chrono::milliseconds(100);
-    }
-
-    ~LocalConfigTest() override { setLogSink({}); }
-
-    LocalConfig config() const { return LocalConfig(files, tools); }
-
-    QString directory() const { return config().configDirectory(); }
+    QString directory() const { return config.configDirectory(); }
 
     static void write(const QString& path, const QByteArray& content) {
         ASSERT_TRUE(QDir().mkpath(QFileInfo(path).path()));
@@ -60,64 +29,19 @@ protected:
         ASSERT_EQ(file.write(content), content.size());
     }
 
-    static QByteArray read(const QString& path) {
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
-        return file.readAll();
-    }
-
-    // Everything below, relative to it.
-    static QStringList everythingIn(const QString& path) {
-        QStringList found;
-        std::error_code error;
-        const std::filesystem::path root = path.toStdString();
-        for (const auto& entry : std::filesystem::recursive_directory_iterator(root, error)) {
-            found.append(QString::fromStdString(entry.path().lexically_relative(root).string()));
-        }
-        found.sort();
-        return found;
-    }
-
-    static RemoteManifest manifest(const QString& hash) {
-        RemoteManifest made;
-        made.hash = hash;
-        return made;
-    }
-
-    static QByteArray bundle(const QByteArray& content) {
-        TarWriter writer;
-        writer.add({.name = "winrates/", .kind = '5', .mode = 0755});
-        writer.add({.name = "winrates/class_winrates.json", .content = content});
-        writer.add({.name = "extra", .content = content});
-        return writer.gzipped();
-    }
-
-    void installFirst() const {
-        const auto installed = config().install(manifest(u"old"_s), R"({"hash": "old"})", bundle("old"));
-        ASSERT_TRUE(installed) << installed.error().localizedDescription().toStdString();
-    }
-
-    void expectOldContent() const {
-        EXPECT_EQ(config().localHash(), u"old"_s);
-        EXPECT_EQ(read(directory() + u"/winrates/class_winrates.json"_s), "old");
-        EXPECT_EQ(read(directory() + u"/manifest.json"_s), R"({"hash": "old"})");
-    }
-
-    const testing::TextLanguage english;
     QTemporaryDir folder;
     testing::FakeApplicationFiles files{folder.path()};
-    InstallTools tools;
-    QStringList logged;
+    LocalConfig config{files};
 };
 
 TEST_F(LocalConfigTest, LiesInTheApplicationSupportFolder) {
     EXPECT_EQ(directory(), files.applicationSupportFolder() + u"/Pelloran/config"_s);
-    EXPECT_EQ(config().localHashURL(), directory() + u"/.content_hash"_s);
+    EXPECT_EQ(config.localHashURL(), directory() + u"/.content_hash"_s);
     EXPECT_FALSE(QFileInfo::exists(directory())) << "asking makes nothing";
 }
 
 TEST_F(LocalConfigTest, ReadsTheHash) {
-    EXPECT_EQ(config().localHash(), std::nullopt) << "no file";
+    EXPECT_EQ(config.localHash(), std::nullopt) << "no file";
 
     struct Case {
         const char* why;
@@ -138,544 +62,25 @@ TEST_F(LocalConfigTest, ReadsTheHash) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
-        write(config().localHashURL(), c.content);
-        EXPECT_EQ(config().localHash(), c.expected);
+        write(config.localHashURL(), c.content);
+        EXPECT_EQ(config.localHash(), c.expected);
     }
 }
 
 TEST_F(LocalConfigTest, IsUsableWithAnyOfTheDataFiles) {
-    EXPECT_FALSE(config().hasUsableLocalConfig());
+    EXPECT_FALSE(config.hasUsableLocalConfig());
     write(directory() + u"/.content_hash"_s, "abc");
     write(directory() + u"/manifest.json"_s, "{}");
     write(directory() + u"/class_winrates.json"_s, "{}");
     write(directory() + u"/winrates/ALL.json"_s, "{}");
-    EXPECT_FALSE(config().hasUsableLocalConfig());
+    EXPECT_FALSE(config.hasUsableLocalConfig());
     for (const QString& name : {u"winrates/class_winrates.json"_s, u"winrates/all_classes_LAST_7_DAYS.json"_s,
                                 u"winrates/MAGE_LAST_7_DAYS.json"_s, u"mage_arena_LAST_7_DAYS.json"_s}) {
         write(directory() + u'/' + name, "");
-        EXPECT_TRUE(config().hasUsableLocalConfig()) << name.toStdString();
+        EXPECT_TRUE(config.hasUsableLocalConfig()) << name.toStdString();
         QFile::remove(directory() + u'/' + name);
     }
-    EXPECT_FALSE(config().hasUsableLocalConfig());
-}
-
-// With both ways of bringing the new content into its place.
-class LocalConfigSwapTest : public LocalConfigTest, public ::testing::WithParamInterface<bool> {
-protected:
-    LocalConfigSwapTest() {
-        if (!GetParam()) {
-            tools.exchange = unsupported;
-        }
-    }
-};
-
-TEST_P(LocalConfigSwapTest, InstallsWhereNothingWas) {
-    installFirst();
-    EXPECT_EQ(everythingIn(folder.path()),
-              (QStringList{u"support"_s, u"support/Pelloran"_s, u"support/Pelloran/config"_s,
-                           u"support/Pelloran/config/.content_hash"_s, u"support/Pelloran/config/extra"_s,
-                           u"support/Pelloran/config/manifest.json"_s, u"support/Pelloran/config/winrates"_s,
-                           u"support/Pelloran/config/winrates/class_winrates.json"_s, u"temporary"_s}));
-    EXPECT_EQ(read(config().localHashURL()), "old") << "no line break";
-    expectOldContent();
-    EXPECT_THAT(logged, IsEmpty());
-}
-
-TEST_P(LocalConfigSwapTest, ReplacesEverythingThatWas) {
-    installFirst();
-    write(directory() + u"/mine"_s, "x");
-    write(directory() + u".bak/stale"_s, "x");
-    TarWriter writer;
-    writer.add({.name = "mage_arena_LAST_7_DAYS.json", .content = "new"});
-    const auto installed = config().install(manifest(u"new"_s), "raw", writer.gzipped());
-    ASSERT_TRUE(installed);
-    EXPECT_EQ(*installed, LocalConfig::Installation::done);
-    EXPECT_EQ(everythingIn(files.applicationSupportFolder()),
-              (QStringList{u"Pelloran"_s, u"Pelloran/config"_s, u"Pelloran/config/.content_hash"_s,
-                           u"Pelloran/config/mage_arena_LAST_7_DAYS.json"_s, u"Pelloran/config/manifest.json"_s}));
-    EXPECT_EQ(config().localHash(), u"new"_s);
-    EXPECT_THAT(logged, IsEmpty());
-}
-
-TEST_P(LocalConfigSwapTest, AnEmptyArchiveIsContentToo) {
-    installFirst();
-    ASSERT_TRUE(config().install(manifest(u"none"_s), "raw", TarWriter().gzipped()));
-    EXPECT_EQ(everythingIn(directory()), (QStringList{u".content_hash"_s, u"manifest.json"_s}));
-    EXPECT_FALSE(config().hasUsableLocalConfig());
-}
-
-TEST_P(LocalConfigSwapTest, SurvivesTheFolderBeingDeletedMeanwhile) {
-    installFirst();
-    tools.after = [this](InstallStep step) {
-        if (step == InstallStep::wroteManifest) {
-            QDir(directory()).removeRecursively();
-        }
-    };
-    EXPECT_TRUE(config().install(manifest(u"new"_s), "raw", bundle("new")));
-    EXPECT_EQ(config().localHash(), u"new"_s);
-    EXPECT_EQ(read(directory() + u"/extra"_s), "new");
-}
-
-INSTANTIATE_TEST_SUITE_P(LocalConfig, LocalConfigSwapTest, ::testing::Bool(),
-                         [](const auto& run) { return run.param ? "Exchange" : "TwoMoves"; });
-
-TEST_F(LocalConfigTest, TheBundleDoesNotOverruleWhatIsWrittenForIt) {
-    TarWriter writer;
-    writer.add({.name = ".content_hash", .content = "forged"});
-    writer.add({.name = "manifest.json", .content = "forged"});
-    ASSERT_TRUE(config().install(manifest(u"true"_s), "raw", writer.gzipped()));
-    EXPECT_EQ(config().localHash(), u"true"_s);
-    EXPECT_EQ(read(directory() + u"/manifest.json"_s), "raw");
-}
-
-TEST_F(LocalConfigTest, GivesFilesTheUsersOwnPermissions) {
-    TarWriter writer;
-    writer.add({.name = "open", .content = "x", .mode = 07777});
-    writer.add({.name = "closed/", .kind = '5', .mode = 0});
-    writer.add({.name = "closed/secret", .content = "x", .mode = 0});
-    ASSERT_TRUE(config().install(manifest(u"h"_s), "raw", writer.gzipped()));
-    write(folder.filePath(u"ordinary"_s), "");
-    QDir().mkpath(folder.filePath(u"ordinaryFolder"_s));
-    const auto ofFile = QFile::permissions(folder.filePath(u"ordinary"_s));
-    EXPECT_EQ(QFile::permissions(directory() + u"/open"_s), ofFile);
-    EXPECT_EQ(QFile::permissions(directory() + u"/closed/secret"_s), ofFile);
-    EXPECT_EQ(QFile::permissions(directory() + u"/closed"_s), QFile::permissions(folder.filePath(u"ordinaryFolder"_s)));
-}
-
-TEST_F(LocalConfigTest, AFailureBeforeTheSwapChangesNothing) {
-    installFirst();
-    TarWriter outward;
-    outward.add({.name = "../evil", .content = "x"});
-    TarWriter inTheWay;
-    inTheWay.add({.name = "manifest.json/", .kind = '5', .mode = 0755});
-
-    struct Case {
-        const char* why;
-        QByteArray bundle;
-        QString message;   // a part of it
-        qsizetype staging; // folders that stay
-    };
-
-    const Case cases[] = {
-        {"corrupt", "garbage", u"not in gzip format"_s, 0},
-        {"empty", "", u"unexpected end of file"_s, 0},
-        {"leads elsewhere", outward.gzipped(), u"\"../evil\" in the archive leads out of its folder"_s, 0},
-        {"a folder where the manifest belongs", inTheWay.gzipped(), u"cannot write "_s, 1},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.why);
-        const auto installed = config().install(manifest(u"new"_s), "raw", c.bundle);
-        ASSERT_FALSE(installed);
-        EXPECT_TRUE(installed.error().localizedDescription().contains(c.message))
-            << installed.error().localizedDescription().toStdString();
-        expectOldContent();
-        EXPECT_THAT(everythingIn(tools.temporaryFolder), IsEmpty());
-        EXPECT_EQ(QDir(directory() + u"/.."_s).entryList({u"config.staging-*"_s}, QDir::Dirs).size(), c.staging);
-        EXPECT_FALSE(QFileInfo::exists(directory() + u".bak"_s));
-    }
-}
-
-TEST_F(LocalConfigTest, AFailedFirstInstallationLeavesAnEmptyFolder) {
-    EXPECT_FALSE(config().install(manifest(u"new"_s), "raw", "garbage"));
-    EXPECT_TRUE(QFileInfo(directory()).isDir());
-    EXPECT_THAT(everythingIn(directory()), IsEmpty());
-    EXPECT_FALSE(QFileInfo::exists(config().localHashURL()));
-}
-
-TEST_F(LocalConfigTest, PutsTheOldContentBackWhenTheNewOneCannotBeMoved) {
-    installFirst();
-    tools.exchange = unsupported;
-    tools.move = [](const auto& from, const auto& to) {
-        return from.string().find("staging") != std::string::npos ? std::make_error_code(std::errc::no_space_on_device)
-                                                                  : InstallTools::rename(from, to);
-    };
-    const auto installed = config().install(manifest(u"new"_s), "raw", bundle("new"));
-    ASSERT_FALSE(installed);
-    EXPECT_TRUE(installed.error().localizedDescription().endsWith(u"No space left on device"_s));
-    expectOldContent();
-    EXPECT_FALSE(QFileInfo::exists(directory() + u".bak"_s));
-    EXPECT_THAT(everythingIn(tools.temporaryFolder), IsEmpty());
-}
-
-TEST_F(LocalConfigTest, StopsWhereTheOldContentCannotBeMoved) {
-    installFirst();
-    tools.exchange = unsupported;
-    tools.move = [](const auto&, const auto&) { return std::make_error_code(std::errc::permission_denied); };
-    const auto installed = config().install(manifest(u"new"_s), "raw", bundle("new"));
-    ASSERT_FALSE(installed);
-    EXPECT_EQ(installed.error().localizedDescription(), u"cannot move "_s + directory() + u": Permission denied"_s);
-    expectOldContent();
-}
-
-TEST_F(LocalConfigTest, NewContentCountsThoughTheOldOneCannotBeSetAside) {
-    installFirst();
-    tools.move = [](const auto&, const auto&) { return std::make_error_code(std::errc::permission_denied); };
-    const bool exchanges = [this] {
-        const std::filesystem::path a = folder.filePath(u"a"_s).toStdString();
-        const std::filesystem::path b = folder.filePath(u"b"_s).toStdString();
-        std::filesystem::create_directory(a);
-        std::filesystem::create_directory(b);
-        return !exchangePaths(a, b);
-    }();
-    if (!exchanges) {
-        GTEST_SKIP() << "the file system of temporary files cannot exchange folders";
-    }
-    EXPECT_TRUE(config().install(manifest(u"new"_s), "raw", bundle("new")));
-    EXPECT_EQ(config().localHash(), u"new"_s);
-    EXPECT_THAT(logged, ElementsAre(u"cannot set the old configuration aside: Permission denied"_s));
-}
-
-TEST_F(LocalConfigTest, EverythingIsOnTheDiskBeforeItIsSwappedIn) {
-    installFirst();
-    const QString parent = QFileInfo(directory()).path();
-    QStringList synced;
-    QStringList staged;
-    bool oldIsThere = false;
-    tools.sync = [&](const std::filesystem::path& path) {
-        const QString name = QString::fromStdString(path.string());
-        if (name == parent) {
-            oldIsThere = QFileInfo::exists(directory() + u".bak"_s);
-        }
-        synced.append(name);
-        return std::error_code();
-    };
-    tools.exchange = [&](const std::filesystem::path& from, const std::filesystem::path&) {
-        EXPECT_FALSE(synced.contains(parent));
-        for (const QString& name : everythingIn(QString::fromStdString(from.string()))) {
-            staged.append(QString::fromStdString(from.string()) + u'/' + name);
-        }
-        staged.append(QString::fromStdString(from.string()));
-        return std::make_error_code(std::errc::not_supported);
-    };
-    ASSERT_TRUE(config().install(manifest(u"new"_s), "raw", bundle("new")));
-    EXPECT_EQ(staged.size(), 6) << "two files in two folders, the hash and the manifest";
-    staged.append(parent);
-    staged.sort();
-    synced.sort();
-    EXPECT_EQ(synced, staged);
-    EXPECT_TRUE(oldIsThere) << "until the new one is certain";
-}
-
-TEST_F(LocalConfigTest, WhatDoesNotReachTheDiskIsNotSwappedIn) {
-    installFirst();
-    for (const char* name : {"extra", "winrates", ".content_hash", "class_winrates.json"}) {
-        SCOPED_TRACE(name);
-        tools.sync = [name](const std::filesystem::path& path) {
-            return path.filename() == name ? std::make_error_code(std::errc::no_space_on_device) : std::error_code();
-        };
-        const auto installed = config().install(manifest(u"new"_s), "raw", bundle("new"));
-        ASSERT_FALSE(installed);
-        const QString message = installed.error().localizedDescription();
-        EXPECT_TRUE(message.startsWith(u"cannot write "_s)) << message.toStdString();
-        EXPECT_TRUE(message.endsWith(u": No space left on device"_s)) << message.toStdString();
-        expectOldContent();
-        EXPECT_THAT(everythingIn(tools.temporaryFolder), IsEmpty());
-    }
-}
-
-TEST_F(LocalConfigTest, NewContentCountsThoughItsFolderCannotBeSynced) {
-    installFirst();
-    tools.sync = [](const std::filesystem::path& path) {
-        return path.filename() == "Pelloran" ? std::make_error_code(std::errc::io_error) : std::error_code();
-    };
-    EXPECT_TRUE(config().install(manifest(u"new"_s), "raw", bundle("new")));
-    EXPECT_EQ(config().localHash(), u"new"_s);
-    EXPECT_THAT(logged, ElementsAre(u"cannot write "_s + QFileInfo(directory()).path() + u": Input/output error"_s));
-}
-
-TEST_F(LocalConfigTest, SaysWhatIsInTheWay) {
-    write(directory(), "a file");
-    const auto installed = config().install(manifest(u"new"_s), "raw", bundle("new"));
-    ASSERT_FALSE(installed);
-    EXPECT_TRUE(installed.error().localizedDescription().startsWith(u"cannot make the folder "_s + directory()));
-    EXPECT_EQ(read(directory()), "a file");
-    EXPECT_FALSE(QFileInfo::exists(tools.temporaryFolder));
-}
-
-TEST_F(LocalConfigTest, SaysThatNothingCanBeMadeThere) {
-    write(files.applicationSupportFolder(), "a file where the folder of all should be");
-    const auto installed = config().install(manifest(u"new"_s), "raw", bundle("new"));
-    ASSERT_FALSE(installed);
-    EXPECT_TRUE(installed.error().localizedDescription().startsWith(u"cannot make the folder "_s));
-}
-
-// Permissions do not bind the administrator: until it goes out of scope, the process is an ordinary user, who owns
-// `folder` and all in it.
-class AsOrdinaryUser {
-public:
-    explicit AsOrdinaryUser(const QString& folder) {
-        if (isAdministrator) {
-            EXPECT_EQ(QProcess::execute(u"chown"_s, {u"-R"_s, QString::number(nobody), folder}), 0);
-            EXPECT_EQ(::seteuid(nobody), 0);
-        }
-    }
-
-    ~AsOrdinaryUser() {
-        if (isAdministrator) {
-            EXPECT_EQ(::seteuid(0), 0);
-        }
-    }
-
-    AsOrdinaryUser(const AsOrdinaryUser&) = delete;
-    AsOrdinaryUser& operator=(const AsOrdinaryUser&) = delete;
-
-private:
-    static constexpr uid_t nobody = 65534;
-    const bool isAdministrator = ::geteuid() == 0;
-};
-
-TEST_F(LocalConfigTest, KeepsItsContentWhereNothingMayBeWritten) {
-    installFirst();
-    const AsOrdinaryUser user(folder.path());
-    const QString parent = QFileInfo(directory()).path();
-    QFile::setPermissions(parent, QFileDevice::ReadOwner | QFileDevice::ExeOwner);
-    const auto installed = config().install(manifest(u"new"_s), "raw", bundle("new"));
-    QFile::setPermissions(parent, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
-    ASSERT_FALSE(installed);
-    EXPECT_EQ(installed.error().localizedDescription(),
-              u"cannot lock "_s + directory() + u".lock: no permission or no space"_s);
-    expectOldContent();
-    EXPECT_THAT(everythingIn(tools.temporaryFolder), IsEmpty());
-}
-
-TEST_F(LocalConfigTest, ReplacesAFolderThatIsReadOnlyItself) {
-    installFirst();
-    const AsOrdinaryUser user(folder.path());
-    for (const QString& name : {u"/winrates"_s, u""_s}) {
-        QFile::setPermissions(directory() + name, QFileDevice::ReadOwner | QFileDevice::ExeOwner);
-    }
-    EXPECT_EQ(config().install(manifest(u"new"_s), "raw", bundle("new")), LocalConfig::Installation::done);
-    EXPECT_EQ(config().localHash(), u"new"_s);
-    EXPECT_FALSE(QFileInfo::exists(directory() + u".bak"_s));
-    EXPECT_THAT(logged, IsEmpty());
-}
-
-// A disk of its own for what is to be filled.
-class FullDiskTest : public LocalConfigTest {
-protected:
-    // Of one megabyte.
-    void mountAt(const QString& path) {
-        ASSERT_TRUE(QDir().mkpath(path));
-        if (QProcess::execute(u"mount"_s, {u"-t"_s, u"tmpfs"_s, u"-o"_s, u"size=1m"_s, u"none"_s, path}) != 0) {
-            GTEST_SKIP() << "only the administrator can mount a small disk";
-        }
-        mounted = path;
-    }
-
-    ~FullDiskTest() override {
-        if (!mounted.isEmpty()) {
-            EXPECT_EQ(QProcess::execute(u"umount"_s, {mounted}), 0);
-        }
-    }
-
-    // Little to download, two megabytes on the disk.
-    static QByteArray largeBundle() {
-        TarWriter writer;
-        writer.add({.name = "winrates/class_winrates.json", .content = "new"});
-        writer.add({.name = "zeros", .content = QByteArray(2 * 1024 * 1024, '\0')});
-        return writer.gzipped();
-    }
-
-    QString mounted;
-};
-
-TEST_F(FullDiskTest, KeepsTheOldContentWhereTheNewOneHasNoRoom) {
-    mountAt(files.applicationSupportFolder());
-    if (IsSkipped()) {
-        return;
-    }
-    installFirst();
-    const auto installed = config().install(manifest(u"new"_s), "raw", largeBundle());
-    ASSERT_FALSE(installed);
-    const QString message = installed.error().localizedDescription();
-    EXPECT_TRUE(message.startsWith(u"cannot write "_s)) << message.toStdString();
-    EXPECT_TRUE(message.endsWith(u"No space left on device"_s)) << message.toStdString();
-    expectOldContent();
-    EXPECT_THAT(everythingIn(tools.temporaryFolder), IsEmpty());
-}
-
-TEST_F(FullDiskTest, KeepsTheOldContentWhereTheDownloadHasNoRoom) {
-    mountAt(tools.temporaryFolder);
-    if (IsSkipped()) {
-        return;
-    }
-    installFirst();
-    const auto installed = config().install(manifest(u"new"_s), "raw", largeBundle());
-    ASSERT_FALSE(installed);
-    const QString message = installed.error().localizedDescription();
-    EXPECT_TRUE(message.startsWith(u"Failed to extract config: "_s)) << message.toStdString();
-    expectOldContent();
-    EXPECT_THAT(everythingIn(tools.temporaryFolder), IsEmpty());
-    EXPECT_EQ(QDir(directory() + u"/.."_s).entryList({u"config.staging-*"_s}, QDir::Dirs).size(), 0);
-}
-
-// As on a full disk, no file may grow beyond a size: of this program and of the tar it starts.
-TEST_F(LocalConfigTest, AFullDiskKeepsTheOldContent) {
-    installFirst();
-    TarWriter writer;
-    writer.add({.name = "zeros", .content = QByteArray(8 * 1024 * 1024, '\0')});
-    const QByteArray bytes = writer.gzipped();
-    rlimit before{};
-    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
-    const auto signalBefore = std::signal(SIGXFSZ, SIG_IGN);
-
-    struct Case {
-        const char* why;
-        rlim_t size;
-        QString message; // a part of it
-    };
-
-    const Case cases[] = {
-        {"no room for the archive", 1000, u"File too large"_s},
-        {"no room for what it holds", 1024 * 1024, u"Failed to extract config: "_s},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.why);
-        const rlimit small{c.size, before.rlim_max};
-        ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
-        const auto installed = config().install(manifest(u"new"_s), "raw", bytes);
-        ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
-        ASSERT_FALSE(installed);
-        EXPECT_TRUE(installed.error().localizedDescription().contains(c.message))
-            << installed.error().localizedDescription().toStdString();
-        expectOldContent();
-        EXPECT_THAT(everythingIn(tools.temporaryFolder), IsEmpty());
-    }
-    std::signal(SIGXFSZ, signalBefore);
-}
-
-TEST_F(LocalConfigTest, RemovesOnlyOldDownloadsOfOurs) {
-    const auto download = [this](const QString& name, int minutes) {
-        const QString path = tools.temporaryFolder + u'/' + name;
-        write(path + u"/extract/a"_s, "x");
-        const auto time = std::filesystem::file_time_type::clock::now() - std::chrono::minutes(minutes);
-        std::filesystem::last_write_time(path.toStdString(), time);
-    };
-    download(u"pl-config-0F8FAD5B-D9CB-469F-A165-70867728950E"_s, 61);
-    download(u"pl-config-1F8FAD5B-D9CB-469F-A165-70867728950E"_s, 50);
-    download(u"pl-config-backup"_s, 500);
-    download(u"other-0F8FAD5B-D9CB-469F-A165-70867728950E"_s, 500);
-    installFirst();
-    EXPECT_EQ(QDir(tools.temporaryFolder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
-              (QStringList{u"other-0F8FAD5B-D9CB-469F-A165-70867728950E"_s,
-                           u"pl-config-1F8FAD5B-D9CB-469F-A165-70867728950E"_s, u"pl-config-backup"_s}));
-}
-
-TEST_F(LocalConfigTest, WaitsForAnotherInstallationOnlySoLong) {
-    installFirst();
-    QLockFile other(directory() + u".lock"_s);
-    ASSERT_TRUE(other.lock());
-    const auto installed = config().install(manifest(u"new"_s), "raw", bundle("new"));
-    ASSERT_TRUE(installed);
-    EXPECT_EQ(*installed, LocalConfig::Installation::busy);
-    expectOldContent();
-    other.unlock();
-    EXPECT_EQ(config().install(manifest(u"new"_s), "raw", bundle("new")), LocalConfig::Installation::done);
-    EXPECT_EQ(config().localHash(), u"new"_s);
-}
-
-TEST_F(LocalConfigTest, ALockOfNobodyHoldsForAnHour) {
-    installFirst();
-    const auto lockOfAge = [this](int minutes) {
-        const std::filesystem::path path = (directory() + u".lock"_s).toStdString();
-        std::filesystem::last_write_time(path,
-                                         std::filesystem::file_time_type::clock::now() - std::chrono::minutes(minutes));
-    };
-    // As after a loss of power: made, but not written.
-    write(directory() + u".lock"_s, "");
-    lockOfAge(50);
-    EXPECT_EQ(config().install(manifest(u"new"_s), "raw", bundle("new")), LocalConfig::Installation::busy);
-    lockOfAge(61);
-    EXPECT_EQ(config().install(manifest(u"new"_s), "raw", bundle("new")), LocalConfig::Installation::done);
-    EXPECT_EQ(config().localHash(), u"new"_s);
-    EXPECT_FALSE(QFileInfo::exists(directory() + u".lock"_s));
-
-    // One that somebody holds stays, however old it is.
-    QLockFile other(directory() + u".lock"_s);
-    ASSERT_TRUE(other.lock());
-    lockOfAge(500);
-    EXPECT_EQ(config().install(manifest(u"newer"_s), "raw", bundle("newer")), LocalConfig::Installation::busy);
-}
-
-TEST_F(LocalConfigTest, APutAsideContentComesBackThoughTheNextInstallationFails) {
-    installFirst();
-    ASSERT_TRUE(QDir().rename(directory(), directory() + u".bak"_s));
-    EXPECT_FALSE(config().install(manifest(u"new"_s), "raw", "garbage"));
-    expectOldContent();
-    EXPECT_FALSE(QFileInfo::exists(directory() + u".bak"_s));
-    EXPECT_THAT(logged,
-                ElementsAre(u"an update of the configuration was cut off: the previous files are back in place"_s));
-}
-
-TEST_F(LocalConfigTest, AnEndingThreadCopiesNoMore) {
-    installFirst();
-    for (const InstallStep step : {InstallStep::unpacked, InstallStep::madeStaging, InstallStep::wroteManifest}) {
-        SCOPED_TRACE(static_cast<int>(step));
-        std::promise<void> there;
-        tools.after = [&](InstallStep done) {
-            if (done == step) {
-                there.set_value();
-                while (!QThread::currentThread()->isInterruptionRequested()) {
-                    QThread::msleep(1);
-                }
-            }
-        };
-        std::optional<ConfigSyncError> error;
-        auto queue = SerialQueue::create(u"test"_s);
-        queue->submit(
-            [&] {
-                const auto installed = config().install(manifest(u"new"_s), "raw", bundle("new"));
-                if (!installed) {
-                    error = installed.error();
-                }
-            },
-            nullptr, [] {});
-        there.get_future().wait();
-        queue.reset();
-        ASSERT_EQ(error, (ConfigSyncError{ConfigSyncError::Platform{u"interrupted"_s}}));
-        expectOldContent();
-        EXPECT_THAT(everythingIn(tools.temporaryFolder), IsEmpty());
-    }
-}
-
-TEST_F(LocalConfigTest, InstallsNotAgainWhatAnotherProcessInstalledMeanwhile) {
-    installFirst();
-    EXPECT_EQ(config().install(manifest(u"old"_s), "raw", "not even looked at"), LocalConfig::Installation::done);
-    expectOldContent();
-}
-
-TEST_F(LocalConfigTest, PutsABackupBackThatAnInterruptedSwapLeft) {
-    installFirst();
-    ASSERT_TRUE(QDir().rename(directory(), directory() + u".bak"_s));
-    config().restoreInterruptedSwap();
-    expectOldContent();
-    EXPECT_FALSE(QFileInfo::exists(directory() + u".bak"_s));
-    EXPECT_THAT(logged,
-                ElementsAre(u"an update of the configuration was cut off: the previous files are back in place"_s));
-}
-
-TEST_F(LocalConfigTest, LeavesABackupAloneBesideAFolder) {
-    installFirst();
-    write(directory() + u".bak/older"_s, "x");
-    config().restoreInterruptedSwap();
-    expectOldContent();
-    EXPECT_TRUE(QFileInfo::exists(directory() + u".bak/older"_s));
-    EXPECT_THAT(logged, IsEmpty());
-}
-
-TEST_F(LocalConfigTest, LeavesABackupToTheInstallationUnderWay) {
-    installFirst();
-    ASSERT_TRUE(QDir().rename(directory(), directory() + u".bak"_s));
-    QLockFile other(directory() + u".lock"_s);
-    ASSERT_TRUE(other.lock());
-    config().restoreInterruptedSwap();
-    EXPECT_FALSE(QFileInfo::exists(directory()));
-}
-
-TEST_F(LocalConfigTest, MendsNothingWhereNothingIs) {
-    config().restoreInterruptedSwap();
-    EXPECT_THAT(everythingIn(folder.path()), IsEmpty());
-    EXPECT_THAT(logged, IsEmpty());
+    EXPECT_FALSE(config.hasUsableLocalConfig());
 }
 
 } // namespace

@@ -1,7 +1,9 @@
 // A sync with everything real but the server, which does what servers do on bad days.
 
+#include "base/Digest.h"
 #include "data/WinrateStore.h"
 #include "sync/ConfigSync.h"
+#include "sync/InstallTools.h"
 #include "tests/fakes/FakeApplicationFiles.h"
 #include "tests/support/Printing.h"
 #include "tests/support/ScriptedServer.h"
@@ -45,8 +47,8 @@ protected:
     }
 
     void makeSync() {
-        sync = std::make_unique<ConfigSync>(server.base(), LocalConfig(files, tools), HttpClient::create(),
-                                            SerialQueue::create(ConfigSync::queueName()));
+        sync = std::make_unique<ConfigSync>(server.base(), ConfigInstaller(LocalConfig(files), tools),
+                                            HttpClient::create(), SerialQueue::create(ConfigSync::queueName()));
     }
 
     static QByteArray bundle(const QByteArray& card) {
@@ -61,7 +63,7 @@ protected:
     }
 
     static QByteArray manifestOf(const QByteArray& hash, const QByteArray& bytes) {
-        return R"({"hash": ")" + hash + R"(", "bundle_sha256": ")" + ConfigSync::sha256Hex(bytes).toLatin1() + R"("})";
+        return R"({"hash": ")" + hash + R"(", "bundle_sha256": ")" + sha256Hex(bytes).toLatin1() + R"("})";
     }
 
     void publish(const QByteArray& card) {
@@ -157,7 +159,7 @@ TEST_F(ServerTest, KeepsTheOldDataOnABadDay) {
     }
     const QByteArray bytes = bundle("NEW");
     const QByteArray manifest = manifestOf("new", bytes);
-    const QByteArray digest = ConfigSync::sha256Hex(bytes).toLatin1();
+    const QByteArray digest = sha256Hex(bytes).toLatin1();
     QByteArray damaged = bytes;
     damaged[damaged.size() / 2] = static_cast<char>(~damaged[damaged.size() / 2]);
     const auto ok = [](const QByteArray& body) { return ScriptedServer::answer("200 OK", {}, body); };

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <expected>
+#include <filesystem>
+#include <functional>
+#include <system_error>
+
+// Folders with everything in them, and files as they are to end up on the disk. From any thread; on a QThread whose
+// interruption is requested, what goes through folders fails with "interrupted".
+namespace pelloran::FileTree {
+
+struct Error {
+    QString description; // such as "cannot write /a/b: No space left on device"
+
+    bool operator==(const Error&) const = default;
+};
+
+using Done = std::expected<void, Error>;
+
+std::filesystem::path native(const QString& path);
+
+// What the system says of `doing`, such as "write", to `path`.
+Done checked(const std::error_code& error, const QString& doing, const QString& path);
+
+// Links that lead nowhere are there too.
+bool exists(const QString& path);
+
+// With those above. A folder that is there is fine.
+Done makeFolders(const QString& path);
+
+// With everything in it, folders that may not be written included. What is not there is fine.
+Done removeTree(const QString& path);
+
+// The whole content in one step, or what was there before.
+Done writeAtomically(const QString& path, const QByteArray& bytes);
+
+// Files and folders, which is all that `from` may hold, with the permissions of any new ones. `to` is not there.
+Done copyTree(const QString& from, const QString& to);
+
+// Calls `each` with every name in a folder, until one fails.
+Done forEachNameIn(const QString& folder, const std::function<Done(const QString& name)>& each);
+
+// Removes a folder when it goes out of scope. Logs where it cannot.
+class Removal {
+public:
+    explicit Removal(const QString& folder);
+    ~Removal();
+
+    Removal(const Removal&) = delete;
+    Removal& operator=(const Removal&) = delete;
+
+private:
+    QString path;
+};
+
+} // namespace pelloran::FileTree

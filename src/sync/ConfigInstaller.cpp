@@ -1,0 +1,285 @@
+#include "sync/ConfigInstaller.h"
+
+#include "base/Log.h"
+#include "sync/InstallTools.h"
+#include "sync/TarArchive.h"
+
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QFileInfo>
+#include <QLockFile>
+#include <QThread>
+#include <QUuid>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace pelloran {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+using FileTree::checked;
+using FileTree::copyTree;
+using FileTree::exists;
+using FileTree::forEachNameIn;
+using FileTree::makeFolders;
+using FileTree::native;
+using FileTree::removeTree;
+using FileTree::writeAtomically;
+
+constexpr auto downloadPrefix = "pl-config-"_L1;
+// Older than any installation could be.
+constexpr auto abandonedAfter = 1h;
+constexpr std::chrono::duration<unsigned long, std::milli> lockPoll = 50ms;
+
+std::unexpected<ConfigSyncError> failure(const FileTree::Error& error) {
+    return std::unexpected(ConfigSyncError{ConfigSyncError::Platform{error.description}});
+}
+
+QString newUuid() {
+    return QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
+}
+
+// What installations that were killed have left behind. `mine` is the folder of this one: its owner and its age tell
+// what is ours and what is old, without asking who we are and what time it is.
+void removeAbandonedDownloads(const QFileInfo& mine) {
+    const QDir folder(mine.path());
+    for (const QFileInfo& other : folder.entryInfoList({downloadPrefix + u"*"_s}, QDir::Dirs | QDir::NoSymLinks)) {
+        const bool isDownload = !QUuid::fromString(other.fileName().sliced(downloadPrefix.size())).isNull();
+        const auto age = std::chrono::milliseconds(other.lastModified().msecsTo(mine.lastModified()));
+        if (isDownload && other.ownerId() == mine.ownerId() && age > abandonedAfter) {
+            if (const auto removed = removeTree(other.filePath()); !removed) {
+                log(removed.error().description);
+            }
+        }
+    }
+}
+
+// False when another process held it all the time.
+std::expected<bool, FileTree::Error> lockWithin(std::chrono::milliseconds patience, QLockFile& lock) {
+    // The death of the process that held it makes a lock stale. Where the file does not tell who that was, because the
+    // power went before it was written or the machine has another name by now, its age does; a living one's lock is
+    // held by the system too, and stays.
+    lock.setStaleLockTime(abandonedAfter);
+    const QDeadlineTimer deadline(patience);
+    while (!lock.tryLock(0)) {
+        if (lock.error() != QLockFile::LockFailedError) {
+            return std::unexpected(
+                FileTree::Error{u"cannot lock %1: no permission or no space"_s.arg(lock.fileName())});
+        }
+        if (deadline.hasExpired() || QThread::currentThread()->isInterruptionRequested()) {
+            return false;
+        }
+        QThread::msleep(lockPoll.count());
+    }
+    return true;
+}
+
+} // namespace
+
+std::error_code InstallTools::rename(const std::filesystem::path& from, const std::filesystem::path& to) {
+    std::error_code error;
+    std::filesystem::rename(from, to, error);
+    return error;
+}
+
+ConfigInstaller::ConfigInstaller(LocalConfig config)
+    : ConfigInstaller(std::move(config), InstallTools()) {}
+
+ConfigInstaller::ConfigInstaller(LocalConfig config, InstallTools installTools)
+    : local(std::move(config))
+    , tools(std::make_shared<const InstallTools>(std::move(installTools))) {}
+
+QString ConfigInstaller::lockPath() const {
+    return directory() + u".lock"_s;
+}
+
+QString ConfigInstaller::backup() const {
+    return directory() + u".bak"_s;
+}
+
+auto ConfigInstaller::install(const RemoteManifest& manifest, const QByteArray& rawManifest,
+                              const QByteArray& bundle) const -> std::expected<Installation, ConfigSyncError> {
+    if (const auto made = makeFolders(QFileInfo(directory()).path()); !made) {
+        return failure(made.error());
+    }
+    QLockFile lock(lockPath());
+    const auto locked = lockWithin(tools->lockPatience, lock);
+    if (!locked) {
+        return failure(locked.error());
+    }
+    if (!*locked) {
+        return Installation::busy;
+    }
+    restoreLocked(); // before the folder is made, which would hide what another process left between its two moves
+    // Another process may have installed the very same since we asked the server.
+    if (local.localHash() == manifest.hash && local.hasUsableLocalConfig()) {
+        return Installation::done;
+    }
+    if (const auto installed = installLocked(manifest, rawManifest, bundle); !installed) {
+        return std::unexpected(installed.error());
+    }
+    return Installation::done;
+}
+
+std::expected<void, ConfigSyncError> ConfigInstaller::installLocked(const RemoteManifest& manifest,
+                                                                    const QByteArray& rawManifest,
+                                                                    const QByteArray& bundle) const {
+    if (const auto made = makeFolders(directory()); !made) {
+        return failure(made.error());
+    }
+    tools->after(InstallStep::madeConfigFolder);
+
+    const QString download = tools->temporaryFolder + u'/' + downloadPrefix + newUuid();
+    const QString extraction = download + u"/extract"_s;
+    const QString archive = download + u"/config.tar.gz"_s;
+    const FileTree::Removal removal(download);
+    if (const auto made = makeFolders(extraction); !made) {
+        return failure(made.error());
+    }
+    tools->after(InstallStep::madeDownloadFolder);
+    removeAbandonedDownloads(QFileInfo(download));
+
+    if (const auto written = writeAtomically(archive, bundle); !written) {
+        return failure(written.error());
+    }
+    tools->after(InstallStep::wroteArchive);
+    if (auto unpacked = extractTarGz(archive, extraction); !unpacked) {
+        return unpacked;
+    }
+    tools->after(InstallStep::unpacked);
+
+    const QString staging = directory() + u".staging-"_s + newUuid();
+    if (const auto staged = stage(extraction, staging, manifest, rawManifest); !staged) {
+        return failure(staged.error());
+    }
+    if (const auto swapped = swap(staging); !swapped) {
+        return failure(swapped.error());
+    }
+    return {};
+}
+
+std::expected<void, ConfigSyncError> ConfigInstaller::extractTarGz(const QString& archive, const QString& folder) {
+    if (auto harmless = TarArchive::check(archive); !harmless) {
+        return harmless;
+    }
+    if (auto unpacked = TarArchive::extract(archive, folder); !unpacked) {
+        return unpacked;
+    }
+    return TarArchive::checkUnpacked(folder);
+}
+
+// The next content of the configuration folder, beside it.
+FileTree::Done ConfigInstaller::stage(const QString& extraction, const QString& staging, const RemoteManifest& manifest,
+                                      const QByteArray& rawManifest) const {
+    if (auto removed = removeTree(staging); !removed) {
+        return removed;
+    }
+    if (auto made = makeFolders(staging); !made) {
+        return made;
+    }
+    tools->after(InstallStep::madeStaging);
+    const auto copied = forEachNameIn(extraction, [&](const QString& name) -> FileTree::Done {
+        // Two names there may be one here, where case does not matter.
+        if (auto removed = removeTree(staging + u'/' + name); !removed) {
+            return removed;
+        }
+        return copyTree(extraction + u'/' + name, staging + u'/' + name);
+    });
+    if (!copied) {
+        return copied;
+    }
+    tools->after(InstallStep::copiedItems);
+    if (auto written = writeAtomically(staging + u"/.content_hash"_s, manifest.hash.toUtf8()); !written) {
+        return written;
+    }
+    tools->after(InstallStep::wroteHash);
+    if (auto written = writeAtomically(staging + u"/manifest.json"_s, rawManifest); !written) {
+        return written;
+    }
+    tools->after(InstallStep::wroteManifest);
+    // A swap that survives a loss of power must not bring files whose content did not.
+    if (auto synced = syncTree(staging); !synced) {
+        return synced;
+    }
+    tools->after(InstallStep::syncedStaging);
+    return {};
+}
+
+FileTree::Done ConfigInstaller::syncTree(const QString& path) const {
+    if (QFileInfo(path).isDir()) {
+        if (auto synced = forEachNameIn(path, [&](const QString& name) { return syncTree(path + u'/' + name); });
+            !synced) {
+            return synced;
+        }
+    }
+    return checked(tools->sync(native(path)), u"write"_s, path);
+}
+
+FileTree::Done ConfigInstaller::swap(const QString& staging) const {
+    if (auto removed = removeTree(backup()); !removed) {
+        return removed;
+    }
+    tools->after(InstallStep::removedOldBackup);
+    if (!tools->exchange(native(staging), native(directory()))) {
+        tools->after(InstallStep::exchanged);
+        // Under the backup's name the next installation removes what this one could not.
+        if (const auto error = tools->move(native(staging), native(backup()))) {
+            log(u"cannot set the old configuration aside: "_s + QString::fromStdString(error.message()));
+        }
+    } else {
+        if (exists(directory())) {
+            if (auto moved = checked(tools->move(native(directory()), native(backup())), u"move"_s, directory());
+                !moved) {
+                return moved;
+            }
+            tools->after(InstallStep::movedConfigToBackup);
+        }
+        if (auto moved = checked(tools->move(native(staging), native(directory())), u"move"_s, staging); !moved) {
+            if (!exists(directory()) && exists(backup())) {
+                if (const auto error = tools->move(native(backup()), native(directory()))) {
+                    log(u"cannot put the configuration back: "_s + QString::fromStdString(error.message()));
+                }
+            }
+            return moved;
+        }
+        tools->after(InstallStep::movedStagingToConfig);
+    }
+    // The new content is in use, whatever becomes of the old one; which has to be there until that is certain.
+    const QString parent = QFileInfo(directory()).path();
+    if (const auto synced = checked(tools->sync(native(parent)), u"write"_s, parent); !synced) {
+        log(synced.error().description);
+    }
+    if (const auto removed = removeTree(backup()); !removed) {
+        log(removed.error().description);
+    }
+    tools->after(InstallStep::removedBackup);
+    return {};
+}
+
+void ConfigInstaller::restoreInterruptedSwap() const {
+    if (exists(directory()) || !exists(backup())) {
+        return;
+    }
+    // A process that is between its two moves right now needs no help.
+    QLockFile lock(lockPath());
+    if (const auto locked = lockWithin(0ms, lock); locked && *locked) {
+        restoreLocked();
+    }
+}
+
+void ConfigInstaller::restoreLocked() const {
+    if (exists(directory()) || !exists(backup())) {
+        return;
+    }
+    if (const auto error = tools->move(native(backup()), native(directory()))) {
+        log(u"cannot put the configuration back: "_s + QString::fromStdString(error.message()));
+    } else {
+        log(u"an update of the configuration was cut off: the previous files are back in place"_s);
+    }
+}
+
+} // namespace pelloran

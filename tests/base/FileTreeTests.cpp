@@ -1,0 +1,161 @@
+#include "base/FileTree.h"
+
+#include "base/SerialQueue.h"
+#include "tests/support/Printing.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QThread>
+
+#include <gmock/gmock.h>
+
+#include <future>
+#include <optional>
+
+using namespace Qt::StringLiterals;
+
+namespace pelloran {
+
+namespace {
+
+using ::testing::ElementsAre;
+
+class FileTreeTest : public ::testing::Test {
+protected:
+    QString at(const QString& name) const { return folder.filePath(name); }
+
+    void write(const QString& name, const QByteArray& content) const {
+        ASSERT_TRUE(QDir().mkpath(QFileInfo(at(name)).path()));
+        QFile file(at(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        ASSERT_EQ(file.write(content), content.size());
+    }
+
+    QByteArray read(const QString& name) const {
+        QFile file(at(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("nothing");
+    }
+
+    QTemporaryDir folder;
+};
+
+TEST_F(FileTreeTest, SaysWhatCouldNotBeDoneToWhat) {
+    EXPECT_TRUE(FileTree::checked({}, u"move"_s, u"/a"_s));
+    const auto failed = FileTree::checked(std::make_error_code(std::errc::permission_denied), u"move"_s, u"/a"_s);
+    ASSERT_FALSE(failed);
+    EXPECT_EQ(failed.error(), FileTree::Error{u"cannot move /a: Permission denied"_s});
+}
+
+TEST_F(FileTreeTest, KnowsWhatIsThere) {
+    write(u"file"_s, "");
+    ASSERT_TRUE(QFile::link(at(u"nowhere"_s), at(u"link"_s)));
+    EXPECT_TRUE(FileTree::exists(at(u"file"_s)));
+    EXPECT_TRUE(FileTree::exists(folder.path()));
+    EXPECT_TRUE(FileTree::exists(at(u"link"_s))) << "though it leads nowhere";
+    EXPECT_FALSE(FileTree::exists(at(u"nowhere"_s)));
+}
+
+TEST_F(FileTreeTest, MakesFoldersWithThoseAbove) {
+    EXPECT_TRUE(FileTree::makeFolders(at(u"a/b/c"_s)));
+    EXPECT_TRUE(FileTree::makeFolders(at(u"a/b/c"_s))) << "again";
+    EXPECT_TRUE(QFileInfo(at(u"a/b/c"_s)).isDir());
+    write(u"file"_s, "");
+    EXPECT_EQ(FileTree::makeFolders(at(u"file"_s)).error().description,
+              u"cannot make the folder "_s + at(u"file"_s) + u": Not a directory"_s);
+    EXPECT_FALSE(FileTree::makeFolders(at(u"file/below"_s)));
+}
+
+TEST_F(FileTreeTest, RemovesWhateverIsThere) {
+    write(u"outside"_s, "stays");
+    write(u"tree/a/b"_s, "");
+    write(u"tree/closed/c"_s, "");
+    ASSERT_TRUE(QFile::link(at(u"outside"_s), at(u"tree/link"_s)));
+    QFile::setPermissions(at(u"tree/closed"_s), QFileDevice::ReadOwner | QFileDevice::ExeOwner);
+    QFile::setPermissions(at(u"tree"_s), {});
+    EXPECT_TRUE(FileTree::removeTree(at(u"tree"_s)));
+    EXPECT_FALSE(FileTree::exists(at(u"tree"_s)));
+    EXPECT_EQ(read(u"outside"_s), "stays") << "a link is no part of a tree";
+    EXPECT_TRUE(FileTree::removeTree(at(u"outside"_s))) << "a file";
+    EXPECT_TRUE(FileTree::removeTree(at(u"outside"_s))) << "nothing";
+}
+
+TEST_F(FileTreeTest, WritesAllOrNothing) {
+    EXPECT_TRUE(FileTree::writeAtomically(at(u"file"_s), "first"));
+    EXPECT_TRUE(FileTree::writeAtomically(at(u"file"_s), "second"));
+    EXPECT_EQ(read(u"file"_s), "second");
+    const auto failed = FileTree::writeAtomically(at(u"no/such/folder"_s), "x");
+    ASSERT_FALSE(failed);
+    EXPECT_TRUE(failed.error().description.startsWith(u"cannot write "_s + at(u"no/such/folder"_s) + u": "_s));
+    EXPECT_THAT(QDir(folder.path()).entryList(QDir::Files), ElementsAre(u"file"_s));
+}
+
+TEST_F(FileTreeTest, CopiesFilesAndFolders) {
+    const QByteArray large(600'000, 'x'); // more than one block
+    write(u"from/a/large"_s, large);
+    write(u"from/.hidden"_s, "h");
+    ASSERT_TRUE(QDir().mkpath(at(u"from/empty"_s)));
+    EXPECT_TRUE(FileTree::copyTree(at(u"from"_s), at(u"to"_s)));
+    EXPECT_EQ(read(u"to/a/large"_s), large);
+    EXPECT_EQ(read(u"to/.hidden"_s), "h");
+    EXPECT_TRUE(QFileInfo(at(u"to/empty"_s)).isDir());
+    write(u"other/.hidden"_s, "mine");
+    EXPECT_FALSE(FileTree::copyTree(at(u"from/.hidden"_s), at(u"other/.hidden"_s))) << "nothing is written over";
+    EXPECT_EQ(read(u"other/.hidden"_s), "mine");
+    EXPECT_FALSE(FileTree::copyTree(at(u"missing"_s), at(u"copy"_s)));
+}
+
+TEST_F(FileTreeTest, GoesThroughAFolderUntilOneFails) {
+    write(u"tree/a"_s, "");
+    write(u"tree/b"_s, "");
+    QStringList names;
+    EXPECT_TRUE(FileTree::forEachNameIn(at(u"tree"_s), [&](const QString& name) -> FileTree::Done {
+        names.append(name);
+        return {};
+    }));
+    names.sort();
+    EXPECT_EQ(names, (QStringList{u"a"_s, u"b"_s}));
+    int calls = 0;
+    const auto failed = FileTree::forEachNameIn(at(u"tree"_s), [&](const QString&) -> FileTree::Done {
+        ++calls;
+        return std::unexpected(FileTree::Error{u"no"_s});
+    });
+    EXPECT_EQ(failed.error().description, u"no"_s);
+    EXPECT_EQ(calls, 1);
+    EXPECT_EQ(FileTree::forEachNameIn(at(u"none"_s), {}).error().description,
+              u"cannot read "_s + at(u"none"_s) + u": No such file or directory"_s);
+}
+
+TEST_F(FileTreeTest, StopsOnAThreadThatIsToEnd) {
+    write(u"tree/a"_s, "");
+    std::promise<void> begun;
+    std::optional<FileTree::Done> copied;
+    auto queue = SerialQueue::create(u"test"_s);
+    queue->submit(
+        [&] {
+            begun.set_value();
+            while (!QThread::currentThread()->isInterruptionRequested()) {
+                QThread::msleep(1);
+            }
+            copied = FileTree::copyTree(at(u"tree"_s), at(u"copy"_s));
+        },
+        nullptr, [] {});
+    begun.get_future().wait();
+    queue.reset();
+    ASSERT_TRUE(copied);
+    EXPECT_EQ(copied->error().description, u"interrupted"_s);
+}
+
+TEST_F(FileTreeTest, RemovesAtTheEndOfAScope) {
+    write(u"tree/a"_s, "");
+    {
+        const FileTree::Removal removal(at(u"tree"_s));
+        EXPECT_TRUE(FileTree::exists(at(u"tree"_s)));
+    }
+    EXPECT_FALSE(FileTree::exists(at(u"tree"_s)));
+}
+
+} // namespace
+
+} // namespace pelloran
