@@ -4,9 +4,6 @@
 #include "fuzz/Require.h"
 #include "sync/RemoteManifest.h"
 
-#include <QJsonDocument>
-#include <QJsonObject>
-
 #include <cstdint>
 
 namespace {
@@ -28,28 +25,6 @@ bool isWritable(const RemoteManifest& manifest) {
     return writable;
 }
 
-QByteArray written(const RemoteManifest& manifest) {
-    QJsonObject object{{u"hash"_s, manifest.hash}};
-    const auto insert = [&object](const QString& key, const auto& field) {
-        if (field) {
-            object.insert(key, *field);
-        }
-    };
-    insert(u"version"_s, manifest.version);
-    insert(u"bundle"_s, manifest.bundle);
-    insert(u"bundle_sha256"_s, manifest.bundleSha256);
-    insert(u"updated_at"_s, manifest.updatedAt);
-    insert(u"file_count"_s, manifest.fileCount);
-    if (manifest.files) {
-        QJsonObject files;
-        for (auto file = manifest.files->begin(); file != manifest.files->end(); ++file) {
-            files.insert(file.key(), file.value());
-        }
-        object.insert(u"files"_s, files);
-    }
-    return QJsonDocument(object).toJson();
-}
-
 } // namespace
 
 // NOLINTNEXTLINE(readability-identifier-naming): the name is libFuzzer's.
@@ -66,7 +41,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(manifest->bundle ? manifest->bundleName() == *manifest->bundle
                              : manifest->bundleName() == u"config.tar.gz"_s);
     if (isWritable(*manifest)) {
-        require(RemoteManifest::fromJson(written(*manifest)) == *manifest);
+        require(RemoteManifest::fromJson(manifest->toJson()) == *manifest);
     }
     return 0;
 }

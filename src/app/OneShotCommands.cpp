@@ -16,6 +16,7 @@
 #include "reading/BoxedText.h"
 #include "recognition/CardRecognizer.h"
 #include "sync/ConfigSync.h"
+#include "update/AppReleaseFields.h"
 #include "update/AppUpdateChecker.h"
 
 #include <QDir>
@@ -29,6 +30,7 @@
 #include <ctime>
 #include <expected>
 #include <memory>
+#include <tuple>
 #include <utility>
 #include <variant>
 
@@ -255,6 +257,16 @@ struct SyncAnswer {
     }
 };
 
+// What our lines call a field of a file: "minMacos" for "min_macos", and "baseURL" for "base_url".
+QString camelCase(QLatin1StringView key) {
+    const QStringList words = QString(key).split(u'_');
+    QString name = words.first();
+    for (const QString& word : words.sliced(1)) {
+        name += word == QStringLiteral("url") ? word.toUpper() : word.first(1).toUpper() + word.sliced(1);
+    }
+    return name;
+}
+
 struct UpdateAnswer {
     const QString& downloadBase;
 
@@ -283,24 +295,12 @@ struct UpdateAnswer {
 private:
     QJsonObject offer(const QString& name, const QString& local, const AppReleaseInfo& release) const {
         const auto download = release.preferredDownloadURL(downloadBase);
-        const QJsonObject all{
-            {QStringLiteral("name"), json::optional(release.name)},
-            {QStringLiteral("version"), release.version},
-            {QStringLiteral("build"), json::optional(release.build)},
-            {QStringLiteral("minMacos"), json::optional(release.minMacos)},
-            {QStringLiteral("arch"),
-             release.arch ? QJsonArray::fromStringList(*release.arch) : QJsonValue(QJsonValue::Null)},
-            {QStringLiteral("dmg"), json::optional(release.dmg)},
-            {QStringLiteral("zip"), json::optional(release.zip)},
-            {QStringLiteral("baseURL"), json::optional(release.baseURL)},
-            {QStringLiteral("notes"), json::optional(release.notes)},
-            {QStringLiteral("notesZh"), json::optional(release.notesZh)},
-            {QStringLiteral("notesEn"), json::optional(release.notesEn)},
-            {QStringLiteral("publishedAt"), json::optional(release.publishedAt)},
-            {QStringLiteral("force"), json::optional(release.force)},
-            {QStringLiteral("download"),
-             download ? QJsonValue(download->toString(QUrl::FullyEncoded)) : QJsonValue(QJsonValue::Null)},
+        QJsonObject all{{QStringLiteral("download"),
+                         download ? QJsonValue(download->toString(QUrl::FullyEncoded)) : QJsonValue(QJsonValue::Null)}};
+        const auto insert = [&](const auto& field) {
+            all.insert(camelCase(field.key), strict_json::encode(release.*field.member));
         };
+        std::apply([&](const auto&... field) { (insert(field), ...); }, strict_json::fields<AppReleaseInfo>);
         return {{QStringLiteral("result"), name}, {QStringLiteral("local"), local}, {QStringLiteral("release"), all}};
     }
 };

@@ -1,6 +1,6 @@
 #include "data/WinrateFormats.h"
 
-#include "json/StrictJson.h"
+#include "data/WinrateFields.h"
 
 #include <QHash>
 #include <QJsonDocument>
@@ -14,56 +14,6 @@
 using namespace Qt::StringLiterals;
 
 namespace pelloran {
-
-using strict_json::Field;
-
-// What a record's fields are called in files. Decoding, encoding and hashing all go by these tables.
-template <>
-constexpr std::tuple strict_json::fields<CardStats>{
-    Field{"card_id"_L1, &CardStats::cardId},
-    Field{"name_zh"_L1, &CardStats::nameZh},
-    Field{"name_en"_L1, &CardStats::nameEn},
-    Field{"cost"_L1, &CardStats::cost},
-    Field{"rarity"_L1, &CardStats::rarity},
-    Field{"type"_L1, &CardStats::type},
-    Field{"card_class"_L1, &CardStats::cardClass},
-    Field{"set"_L1, &CardStats::set},
-    Field{"deck_win_rate"_L1, &CardStats::deckWinRate},
-    Field{"drawn_win_rate"_L1, &CardStats::drawnWinRate},
-    Field{"played_win_rate"_L1, &CardStats::playedWinRate},
-    Field{"popularity"_L1, &CardStats::popularity},
-    Field{"avg_copies_in_deck"_L1, &CardStats::avgCopiesInDeck},
-    Field{"num_games"_L1, &CardStats::numGames},
-};
-
-template <>
-constexpr std::tuple strict_json::fields<WinrateFile>{
-    Field{"player_class"_L1, &WinrateFile::playerClass},
-    Field{"time_range"_L1, &WinrateFile::timeRange},
-    Field{"fetched_at"_L1, &WinrateFile::fetchedAt},
-    Field{"card_count"_L1, &WinrateFile::cardCount},
-    Field{"cards"_L1, &WinrateFile::cards},
-};
-
-template <>
-constexpr std::tuple strict_json::fields<ClassWinrateRow>{
-    Field{"deck_class_id"_L1, &ClassWinrateRow::deckClassId},
-    Field{"player_class"_L1, &ClassWinrateRow::playerClass},
-    Field{"name_zh"_L1, &ClassWinrateRow::nameZh},
-    Field{"name_en"_L1, &ClassWinrateRow::nameEn},
-    Field{"win_rate"_L1, &ClassWinrateRow::winRate},
-    Field{"pick_rate"_L1, &ClassWinrateRow::pickRate},
-    Field{"pct_7_plus"_L1, &ClassWinrateRow::pct7Plus},
-    Field{"num_drafts"_L1, &ClassWinrateRow::numDrafts},
-    Field{"rank"_L1, &ClassWinrateRow::rank},
-};
-
-template <>
-constexpr std::tuple strict_json::fields<ClassWinrateFile>{
-    Field{"fetched_at"_L1, &ClassWinrateFile::fetchedAt},
-    Field{"selected_params"_L1, &ClassWinrateFile::selectedParams},
-    Field{"classes"_L1, &ClassWinrateFile::classes},
-};
 
 namespace {
 
@@ -83,46 +33,6 @@ template <typename Value>
 std::expected<Value, DataError> decodeAs(const QByteArray& json) {
     const auto parsed = parseJson(json);
     return parsed ? decodeAs<Value>(*parsed) : std::unexpected(parsed.error());
-}
-
-QJsonValue encodeValue(const QString& text) {
-    return text;
-}
-
-QJsonValue encodeValue(double number) {
-    return number;
-}
-
-QJsonValue encodeValue(qint64 number) {
-    return number;
-}
-
-template <typename Value>
-QJsonValue encodeValue(const std::vector<Value>& elements);
-
-template <HasFields Record>
-QJsonValue encodeValue(const Record& record) {
-    QJsonObject object;
-    const auto insert = [&object]<typename Value>(QLatin1StringView key, const Value& value) {
-        if constexpr (requires { value.has_value(); }) {
-            if (value) {
-                object.insert(key, encodeValue(*value));
-            }
-        } else {
-            object.insert(key, encodeValue(value));
-        }
-    };
-    std::apply([&](const auto&... field) { (insert(field.key, record.*field.member), ...); }, fields<Record>);
-    return object;
-}
-
-template <typename Value>
-QJsonValue encodeValue(const std::vector<Value>& elements) {
-    QJsonArray array;
-    for (const Value& element : elements) {
-        array.append(encodeValue(element));
-    }
-    return array;
 }
 
 size_t hashOf(const QString& text, size_t seed) {
@@ -225,7 +135,7 @@ std::expected<WinrateFile, DataError> WinrateFile::fromJson(const QJsonValue& va
 }
 
 QByteArray WinrateFile::encode() const {
-    return QJsonDocument(encodeValue(*this).toObject()).toJson(QJsonDocument::Compact);
+    return QJsonDocument(strict_json::encode(*this)).toJson(QJsonDocument::Compact);
 }
 
 std::expected<ClassWinrateFile, DataError> ClassWinrateFile::decode(const QByteArray& json) {
@@ -233,7 +143,7 @@ std::expected<ClassWinrateFile, DataError> ClassWinrateFile::decode(const QByteA
 }
 
 QByteArray ClassWinrateFile::encode() const {
-    return QJsonDocument(encodeValue(*this).toObject()).toJson(QJsonDocument::Compact);
+    return QJsonDocument(strict_json::encode(*this)).toJson(QJsonDocument::Compact);
 }
 
 std::expected<std::vector<CardStats>, DataError> decodeCards(const QByteArray& json) {
@@ -245,7 +155,7 @@ std::expected<std::vector<CardStats>, DataError> decodeCards(const QJsonArray& r
 }
 
 QByteArray encodeCards(const std::vector<CardStats>& cards) {
-    return QJsonDocument(encodeValue(cards).toArray()).toJson(QJsonDocument::Compact);
+    return QJsonDocument(strict_json::encode(cards)).toJson(QJsonDocument::Compact);
 }
 
 std::expected<QJsonValue, DataError> parseJson(const QByteArray& json) {

@@ -99,4 +99,16 @@ Verdict decodeInto(QMap<QString, QString>& texts, const QJsonValue& value) {
     return {};
 }
 
+QJsonValue encode(const QStringList& texts) {
+    return QJsonArray::fromStringList(texts);
+}
+
+QJsonValue encode(const QMap<QString, QString>& texts) {
+    QJsonObject object;
+    for (auto entry = texts.begin(); entry != texts.end(); ++entry) {
+        object.insert(entry.key(), entry.value());
+    }
+    return object;
+}
+
 } // namespace pelloran::strict_json

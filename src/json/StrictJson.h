@@ -18,7 +18,7 @@
 #include <utility>
 #include <vector>
 
-// JSON into plain values. Strict on what is known and deaf to what is not:
+// JSON into plain values, and back by the same tables of fields. Strict on what is known and deaf to what is not:
 // unknown keys are ignored, a missing or null optional field is absent, a missing required field or one of another type
 // fails the whole. Whole numbers take 3, 3.0 and 1e2, but not 3.5, "3", true or anything beyond 64 bits with sign.
 // The thousand numbers below the least of these are an exception: the parser rounds them to it, and nothing tells
@@ -35,8 +35,8 @@ struct Field {
     Value Record::* member;
 };
 
-// A record's fields, in the order in which they are looked at. Whoever decodes a record specialises this for it with a
-// tuple of `Field`s.
+// A record's fields, in the order in which they are looked at. Whoever decodes or encodes a record specialises this for
+// it with a tuple of `Field`s, or of what has their two members.
 template <typename Record>
 inline constexpr std::tuple<> fields;
 
@@ -65,6 +65,20 @@ std::expected<QJsonValue, ParseError> parse(const QByteArray& json);
 
 template <typename Value>
 std::expected<Value, Mismatch> decode(const QJsonValue& json);
+
+// What decodes as the same value. Absent fields of a record are left out; by itself an absent value is null.
+inline QJsonValue encode(const QString& text);
+inline QJsonValue encode(double number);
+inline QJsonValue encode(qint64 number);
+inline QJsonValue encode(bool truth);
+QJsonValue encode(const QStringList& texts);
+QJsonValue encode(const QMap<QString, QString>& texts);
+template <HasFields Record>
+QJsonObject encode(const Record& record);
+template <typename Value>
+QJsonValue encode(const std::optional<Value>& value);
+template <typename Element>
+QJsonArray encode(const std::vector<Element>& elements);
 
 // What the templates above are made of.
 
@@ -146,6 +160,52 @@ std::expected<Value, Mismatch> decode(const QJsonValue& json) {
         return std::unexpected(std::move(*verdict));
     }
     return value;
+}
+
+inline QJsonValue encode(const QString& text) {
+    return text;
+}
+
+inline QJsonValue encode(double number) {
+    return number;
+}
+
+inline QJsonValue encode(qint64 number) {
+    return number;
+}
+
+inline QJsonValue encode(bool truth) {
+    return truth;
+}
+
+template <HasFields Record>
+QJsonObject encode(const Record& record) {
+    QJsonObject object;
+    const auto insert = [&object]<typename Value>(QLatin1StringView key, const Value& value) {
+        if constexpr (requires { value.has_value(); }) {
+            if (value) {
+                object.insert(key, encode(*value));
+            }
+        } else {
+            object.insert(key, encode(value));
+        }
+    };
+    std::apply([&](const auto&... field) { (insert(field.key, record.*field.member), ...); }, fields<Record>);
+    return object;
+}
+
+template <typename Value>
+QJsonValue encode(const std::optional<Value>& value) {
+    return value ? QJsonValue(encode(*value)) : QJsonValue(QJsonValue::Null);
+}
+
+template <typename Element>
+QJsonArray encode(const std::vector<Element>& elements) {
+    QJsonArray array;
+    for (const Element& element : elements) {
+        array.append(encode(element));
+    }
+    return array;
 }
 
 } // namespace pelloran::strict_json

@@ -1,18 +1,20 @@
 #include "publish/CardTable.h"
 
+#include "data/WinrateFields.h"
 #include "publish/Csv.h"
 #include "publish/Problem.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QLocale>
 #include <QStringDecoder>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstddef>
 #include <optional>
+#include <tuple>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -21,77 +23,56 @@ namespace pelloran {
 
 namespace {
 
-enum class Kind { text, integer, number, percentage };
+constexpr QLatin1StringView idColumn = std::get<0>(strict_json::fields<CardStats>).key;
+
+// What a cell should have been; absent when it is.
+using Wanted = std::optional<QString>;
+
+Wanted take(const QString& cell, QString& text) {
+    text = cell;
+    return {};
+}
+
+Wanted take(const QString& cell, qint64& number) {
+    bool isInteger = false;
+    number = cell.toLongLong(&isInteger);
+    return isInteger ? Wanted() : u"a whole number"_s;
+}
+
+Wanted take(const QString& cell, double& number) {
+    bool isNumber = false;
+    number = QLocale::c().toDouble(cell, &isNumber);
+    // The C locale still takes groups of digits, which leave open what a comma means.
+    return isNumber && std::isfinite(number) && !cell.contains(u',') ? Wanted() : u"a number"_s;
+}
+
+template <typename Value>
+Wanted take(const QString& cell, std::optional<Value>& value) {
+    return take(cell, value.emplace());
+}
 
 struct Column {
     QLatin1StringView name;
-    Kind kind;
+    Wanted (*fill)(const QString& cell, CardStats& card);
 };
 
-constexpr QLatin1StringView idColumn = "card_id"_L1;
-constexpr std::array columns{
-    Column{idColumn, Kind::text},
-    Column{"name_zh"_L1, Kind::text},
-    Column{"name_en"_L1, Kind::text},
-    Column{"cost"_L1, Kind::integer},
-    Column{"rarity"_L1, Kind::text},
-    Column{"type"_L1, Kind::text},
-    Column{"card_class"_L1, Kind::text},
-    Column{"set"_L1, Kind::text},
-    Column{"deck_win_rate"_L1, Kind::percentage},
-    Column{"drawn_win_rate"_L1, Kind::percentage},
-    Column{"played_win_rate"_L1, Kind::percentage},
-    Column{"popularity"_L1, Kind::number},
-    Column{"avg_copies_in_deck"_L1, Kind::number},
-    Column{"num_games"_L1, Kind::integer},
-};
+template <std::size_t index>
+Wanted fill(const QString& cell, CardStats& card) {
+    constexpr auto& field = std::get<index>(strict_json::fields<CardStats>);
+    const bool hasSign = isPercentage<std::remove_cvref_t<decltype(field)>> && cell.endsWith(u'%');
+    return take(hasSign ? cell.chopped(1).trimmed() : cell, card.*field.member);
+}
+
+// One for each field of a card.
+constexpr auto columns = []<std::size_t... index>(std::index_sequence<index...>) {
+    return std::array{Column{std::get<index>(strict_json::fields<CardStats>).key, fill<index>}...};
+}(std::make_index_sequence<std::tuple_size_v<decltype(strict_json::fields<CardStats>)>>());
 
 // "Deck win rate " is the column deck_win_rate.
 const Column* columnFor(const QString& title) {
     const QString name = title.simplified().toLower().replace(u' ', u'_');
     const auto* const found = std::ranges::find(columns, name, &Column::name);
     return found == columns.end() ? nullptr : found;
-}
-
-std::optional<double> number(QString cell, bool isPercentage) {
-    if (isPercentage && cell.endsWith(u'%')) {
-        cell = cell.chopped(1).trimmed();
-    }
-    bool isNumber = false;
-    const double value = QLocale::c().toDouble(cell, &isNumber);
-    // The C locale still takes groups of digits, which leave open what a comma means.
-    return isNumber && std::isfinite(value) && !cell.contains(u',') ? std::optional(value) : std::nullopt;
-}
-
-QJsonValue valueOf(const QString& cell, Kind kind) {
-    switch (kind) {
-    case Kind::text:
-        return cell;
-    case Kind::integer: {
-        bool isInteger = false;
-        const qint64 value = cell.toLongLong(&isInteger);
-        return isInteger ? QJsonValue(value) : QJsonValue(QJsonValue::Undefined);
-    }
-    case Kind::number:
-    case Kind::percentage: {
-        const auto value = number(cell, kind == Kind::percentage);
-        return value ? QJsonValue(*value) : QJsonValue(QJsonValue::Undefined);
-    }
-    }
-    return QJsonValue::Undefined;
-}
-
-QString inWords(Kind kind) {
-    switch (kind) {
-    case Kind::text:
-        return u"a text"_s;
-    case Kind::integer:
-        return u"a whole number"_s;
-    case Kind::number:
-    case Kind::percentage:
-        return u"a number"_s;
-    }
-    return {};
 }
 
 // The separator is the one that makes the first line name the cards' column.
@@ -114,9 +95,9 @@ std::expected<std::vector<CsvRow>, QStringList> readRows(const QString& text) {
     return problem(trouble);
 }
 
-// Field by field; what is wrong goes to `problems`.
-QJsonObject cardFrom(const CsvRow& row, const std::vector<const Column*>& order, QStringList& problems) {
-    QJsonObject card;
+// Absent for a row without any; what is wrong goes to `problems`.
+std::optional<CardStats> cardFrom(const CsvRow& row, const std::vector<const Column*>& order, QStringList& problems) {
+    CardStats card;
     bool isEmpty = true;
     for (qsizetype i = 0; i < row.cells.size(); ++i) {
         const QString cell = row.cells[i].trimmed();
@@ -132,14 +113,14 @@ QJsonObject cardFrom(const CsvRow& row, const std::vector<const Column*>& order,
             continue;
         }
         isEmpty = false;
-        const QJsonValue value = valueOf(cell, column->kind);
-        if (value.isUndefined()) {
-            problems.append(
-                u"line %1, column %2: \"%3\" is not %4"_s.arg(row.line).arg(column->name, cell, inWords(column->kind)));
+        if (const Wanted wanted = column->fill(cell, card)) {
+            problems.append(u"line %1, column %2: \"%3\" is not %4"_s.arg(row.line).arg(column->name, cell, *wanted));
         }
-        card.insert(column->name, value);
     }
-    if (!isEmpty && !card.contains(idColumn)) {
+    if (isEmpty) {
+        return std::nullopt;
+    }
+    if (card.cardId.isEmpty()) {
         problems.append(u"line %1: no card_id"_s.arg(row.line));
     }
     return card;
@@ -167,25 +148,21 @@ std::expected<QByteArray, QStringList> cardFileFromTable(const QByteArray& table
         }
         order.push_back(column);
     }
-    QJsonArray cards;
+    WinrateFile file{
+        .playerClass = u"ALL"_s, .timeRange = u"LAST_7_DAYS"_s, .fetchedAt = fetchedAt, .cardCount = {}, .cards = {}};
     for (auto row = rows->begin() + 1; row != rows->end(); ++row) {
-        const QJsonObject card = cardFrom(*row, order, problems);
-        if (!card.isEmpty()) {
-            cards.append(card);
+        if (auto card = cardFrom(*row, order, problems)) {
+            file.cards.push_back(*std::move(card));
         }
     }
     if (!problems.isEmpty()) {
         return std::unexpected(problems);
     }
-    if (cards.isEmpty()) {
+    if (file.cards.empty()) {
         return problem(u"no card in it"_s);
     }
-    const QJsonObject file{
-        {u"player_class"_s, u"ALL"_s}, {u"time_range"_s, u"LAST_7_DAYS"_s},
-        {u"fetched_at"_s, fetchedAt},  {u"card_count"_s, cards.size()},
-        {u"cards"_s, cards},
-    };
-    return QJsonDocument(file).toJson(QJsonDocument::Compact);
+    file.cardCount = static_cast<qint64>(file.cards.size());
+    return file.encode();
 }
 
 } // namespace pelloran

@@ -9,8 +9,7 @@
 
 #include <QDir>
 #include <QFile>
-#include <QJsonDocument>
-#include <QJsonObject>
+#include <QMap>
 #include <QSaveFile>
 #include <QTemporaryDir>
 
@@ -30,21 +29,20 @@ constexpr qsizetype digestCharactersInName = 16;
 
 using Done = std::expected<void, QStringList>;
 
-QByteArray manifestOf(const std::vector<SourceFile>& files, const Publication& publication) {
-    QJsonObject digests;
+RemoteManifest manifestOf(const std::vector<SourceFile>& files, const Publication& publication) {
+    QMap<QString, QString> digests;
     for (const SourceFile& file : files) {
         digests.insert(file.path, sha256Hex(file.bytes));
     }
-    return QJsonDocument(QJsonObject{
-                             {u"version"_s, manifestVersion},
-                             {u"hash"_s, publication.hash},
-                             {u"bundle"_s, publication.bundle},
-                             {u"bundle_sha256"_s, publication.bundleSha256},
-                             {u"updated_at"_s, publication.updatedAt},
-                             {u"file_count"_s, publication.fileCount},
-                             {u"files"_s, digests},
-                         })
-        .toJson(QJsonDocument::Indented);
+    return {
+        .version = manifestVersion,
+        .hash = publication.hash,
+        .bundle = publication.bundle,
+        .bundleSha256 = publication.bundleSha256,
+        .updatedAt = publication.updatedAt,
+        .fileCount = publication.fileCount,
+        .files = digests,
+    };
 }
 
 QByteArray contentOf(const QString& path) {
@@ -127,7 +125,7 @@ std::expected<Publication, QStringList> publish(const QString& source, const QSt
     publication.updatedAt =
         std::ranges::max_element(content->files, {}, &SourceFile::modified)->modified.toString(Qt::ISODate);
     publication.remarks = content->remarks;
-    const QByteArray manifest = manifestOf(content->files, publication);
+    const QByteArray manifest = manifestOf(content->files, publication).toJson();
     publication.manifestBytes = manifest.size();
     if (const auto accepted = checkAsClient(manifest, *bundle); !accepted) {
         return std::unexpected(accepted.error());

@@ -2,6 +2,7 @@
 
 #include "data/CardFile.h"
 #include "data/DataFiles.h"
+#include "data/WinrateFields.h"
 #include "publish/CardTable.h"
 #include "sync/LocalConfig.h"
 
@@ -10,6 +11,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <tuple>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -126,10 +128,17 @@ private:
     void remark(const QString& path, const QString& what) { remarks.append(path + u": "_s + what); }
 
     // Percentages given as shares look like very bad cards, and nothing else would tell.
-    void checkRange(const QString& path, const QString& whose, QLatin1StringView what, std::optional<double> percent) {
-        if (percent && (*percent < 0 || *percent > 100)) {
-            remark(path, u"%1 of %2 is %3, not from 0 to 100"_s.arg(what, whose).arg(*percent));
-        }
+    template <typename Record>
+    void checkPercentages(const QString& path, const QString& whose, const Record& record) {
+        const auto checkField = [&]<typename Field>(const Field& field) {
+            if constexpr (isPercentage<Field>) {
+                const std::optional<double> percent = record.*field.member;
+                if (percent && (*percent < 0 || *percent > 100)) {
+                    remark(path, u"%1 of %2 is %3, not from 0 to 100"_s.arg(field.key, whose).arg(*percent));
+                }
+            }
+        };
+        std::apply([&](const auto&... field) { (checkField(field), ...); }, strict_json::fields<Record>);
     }
 
     void checkCards(const SourceFile& file) {
@@ -151,9 +160,7 @@ private:
             if (card.nameZh.value_or(QString()).isEmpty() && card.nameEn.value_or(QString()).isEmpty()) {
                 remark(file.path, u"%1 has no name and will not be found"_s.arg(card.cardId));
             }
-            checkRange(file.path, card.cardId, "deck_win_rate"_L1, card.deckWinRate);
-            checkRange(file.path, card.cardId, "drawn_win_rate"_L1, card.drawnWinRate);
-            checkRange(file.path, card.cardId, "played_win_rate"_L1, card.playedWinRate);
+            checkPercentages(file.path, card.cardId, card);
             highest = std::max(highest, card.deckWinRate.value_or(0));
         }
         checkScale(file.path, highest);
@@ -167,9 +174,7 @@ private:
         }
         double highest = 0;
         for (const ClassWinrateRow& row : decoded->classes) {
-            checkRange(file.path, row.playerClass, "win_rate"_L1, row.winRate);
-            checkRange(file.path, row.playerClass, "pick_rate"_L1, row.pickRate);
-            checkRange(file.path, row.playerClass, "pct_7_plus"_L1, row.pct7Plus);
+            checkPercentages(file.path, row.playerClass, row);
             highest = std::max(highest, row.winRate.value_or(0));
         }
         checkScale(file.path, highest);

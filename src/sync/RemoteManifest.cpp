@@ -2,6 +2,8 @@
 
 #include "json/StrictJson.h"
 
+#include <QJsonDocument>
+
 using namespace Qt::StringLiterals;
 
 namespace pelloran {
@@ -37,6 +39,10 @@ std::expected<RemoteManifest, ConfigSyncError> RemoteManifest::fromJson(const QB
         return std::unexpected(ConfigSyncError{ConfigSyncError::InvalidManifest{}});
     }
     return std::move(*manifest);
+}
+
+QByteArray RemoteManifest::toJson() const {
+    return QJsonDocument(strict_json::encode(*this)).toJson(QJsonDocument::Indented);
 }
 
 } // namespace pelloran

@@ -29,6 +29,9 @@ struct RemoteManifest {
     // Errors: the JSON parser's or the decoder's words; InvalidManifest for an empty hash.
     static std::expected<RemoteManifest, ConfigSyncError> fromJson(const QByteArray& json);
 
+    // Lines for people too. fromJson() gives the same again.
+    QByteArray toJson() const;
+
     bool operator==(const RemoteManifest&) const = default;
 };
 

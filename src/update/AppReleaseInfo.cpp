@@ -1,24 +1,11 @@
 #include "update/AppReleaseInfo.h"
 
-#include "json/StrictJson.h"
+#include "update/AppReleaseFields.h"
 #include "update/StrictURL.h"
 
 using namespace Qt::StringLiterals;
 
 namespace pelloran {
-
-using strict_json::Field;
-
-template <>
-constexpr std::tuple strict_json::fields<AppReleaseInfo>{
-    Field{"name"_L1, &AppReleaseInfo::name},        Field{"version"_L1, &AppReleaseInfo::version},
-    Field{"build"_L1, &AppReleaseInfo::build},      Field{"min_macos"_L1, &AppReleaseInfo::minMacos},
-    Field{"arch"_L1, &AppReleaseInfo::arch},        Field{"dmg"_L1, &AppReleaseInfo::dmg},
-    Field{"zip"_L1, &AppReleaseInfo::zip},          Field{"base_url"_L1, &AppReleaseInfo::baseURL},
-    Field{"notes"_L1, &AppReleaseInfo::notes},      Field{"notes_zh"_L1, &AppReleaseInfo::notesZh},
-    Field{"notes_en"_L1, &AppReleaseInfo::notesEn}, Field{"published_at"_L1, &AppReleaseInfo::publishedAt},
-    Field{"force"_L1, &AppReleaseInfo::force},
-};
 
 namespace {
 

@@ -2,6 +2,8 @@
 
 #include "tests/support/Printing.h"
 
+#include <QJsonDocument>
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -341,6 +343,29 @@ TEST(StrictJson, TakesNoOtherTypeForANumberOrAText) {
     for (const QByteArray other : {"1", "false", "null", "[\"a\"]", "{}"}) {
         EXPECT_FALSE(decoded<std::vector<QString>>("[" + other + "]")) << other.toStdString();
     }
+}
+
+TEST(StrictJson, EncodesWhatDecodesAsTheSame) {
+    const File everything{
+        .name = u"火球"_s,
+        .share = -15.0,
+        .sure = false,
+        .words = QStringList{u"a"_s, u""_s},
+        .pairs = QMap<QString, QString>{{u"k"_s, u"v"_s}, {u""_s, u""_s}},
+        .texts = std::vector{u"b"_s},
+        .first = Row{u"1"_s, std::numeric_limits<qint64>::max()},
+        .rows = {{u""_s, std::numeric_limits<qint64>::min()}, {u"2"_s, {}}},
+    };
+    EXPECT_EQ(strict_json::decode<File>(strict_json::encode(everything)), everything);
+    const QByteArray json = QJsonDocument(strict_json::encode(everything)).toJson();
+    EXPECT_EQ(decoded<File>(json), everything) << json.toStdString();
+}
+
+TEST(StrictJson, EncodesNothingForWhatIsAbsent) {
+    EXPECT_EQ(strict_json::encode(Row{u"1"_s, {}}), (QJsonObject{{u"id"_s, u"1"_s}}));
+    EXPECT_EQ(strict_json::encode(std::vector<Row>{}), QJsonArray());
+    EXPECT_EQ(strict_json::encode(std::optional<qint64>()), QJsonValue(QJsonValue::Null)) << "by itself";
+    EXPECT_EQ(strict_json::encode(std::optional<qint64>(3)), QJsonValue(3));
 }
 
 TEST(StrictJson, LetsTheLastOfTwoEqualKeysCount) {

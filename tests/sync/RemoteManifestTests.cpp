@@ -38,6 +38,20 @@ TEST(RemoteManifest, NeedsNothingButAHash) {
               expected);
 }
 
+TEST(RemoteManifest, WritesWhatItReads) {
+    const RemoteManifest everything{.version = 3,
+                                    .hash = u"abc"_s,
+                                    .bundle = u"b.tgz"_s,
+                                    .bundleSha256 = u"0f"_s,
+                                    .updatedAt = u"today"_s,
+                                    .fileCount = 2,
+                                    .files = QMap<QString, QString>{{u"a/b"_s, u"1"_s}, {u"é"_s, u"2"_s}}};
+    EXPECT_EQ(RemoteManifest::fromJson(everything.toJson()), everything) << everything.toJson().toStdString();
+    RemoteManifest least;
+    least.hash = u"abc"_s;
+    EXPECT_EQ(least.toJson(), "{\n    \"hash\": \"abc\"\n}\n") << "what is absent is left out";
+}
+
 TEST(RemoteManifest, NamesTheBundle) {
     struct Case {
         const char* why;
