@@ -1,9 +1,9 @@
 #include "platform/GuiSession.h"
 
+#include "platform/x11/ServerConnector.h"
+
 #include <QByteArray>
 #include <QByteArrayList>
-
-#include <xcb/xcb.h>
 
 namespace pelloran::GuiSession {
 
@@ -17,10 +17,8 @@ bool triesXcbFirst(const QByteArray& platforms) {
 }
 
 bool reachesServer() {
-    xcb_connection_t* connection = xcb_connect(nullptr, nullptr);
-    const bool reached = xcb_connection_has_error(connection) == 0;
-    xcb_disconnect(connection);
-    return reached;
+    // Qt would wait without a limit for a server that hangs.
+    return x11::ServerConnector().connect().has_value();
 }
 
 } // namespace

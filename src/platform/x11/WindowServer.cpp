@@ -11,6 +11,16 @@ namespace pelloran {
 
 namespace {
 
+QString lineFor(x11::NoConnection reason) {
+    switch (reason) {
+    case x11::NoConnection::unreachable:
+        return QStringLiteral("no X display can be reached (DISPLAY is \"%1\"), so no window can be seen; trying on");
+    case x11::NoConnection::silent:
+        return QStringLiteral("the X server (DISPLAY is \"%1\") does not answer, so no window can be seen; trying on");
+    }
+    Q_UNREACHABLE();
+}
+
 // Connects when it is first asked, and again after the connection broke: the program may start before its display, or
 // outlive it.
 class X11WindowServer final : public WindowServer {
@@ -46,20 +56,20 @@ private:
             session.reset();
         }
         if (!session) {
-            if (auto connection = x11::XcbConnection::open()) {
-                session.emplace(std::move(connection));
-                toldOfMissingDisplay = false;
-            } else if (!std::exchange(toldOfMissingDisplay, true)) {
-                log(QStringLiteral(
-                        "no X display can be reached (DISPLAY is \"%1\"), so no window can be seen; trying on")
-                        .arg(qEnvironmentVariable("DISPLAY")));
+            auto connection = x11::XcbConnection::open(connector);
+            if (connection) {
+                session.emplace(*std::move(connection));
+                told.reset();
+            } else if (std::exchange(told, connection.error()) != connection.error()) {
+                log(lineFor(connection.error()).arg(qEnvironmentVariable("DISPLAY")));
             }
         }
         return session.has_value();
     }
 
+    x11::ServerConnector connector;
     std::optional<Session> session;
-    bool toldOfMissingDisplay = false;
+    std::optional<x11::NoConnection> told; // why there is no session, as the log has it
 };
 
 } // namespace

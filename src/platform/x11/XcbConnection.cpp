@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <string_view>
 #include <tuple>
+#include <utility>
 
 namespace pelloran::x11 {
 
@@ -17,11 +18,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// A server that is only busy, with a game that starts or a desktop that comes up, answers well within it.
-constexpr std::chrono::milliseconds patience{5000};
-
-// Once it hangs, each of the many requests of a listing must not wait as long again.
-constexpr std::chrono::milliseconds patienceWhileStalled{10};
+constexpr Patience patience;
 
 bool isPresent(xcb_connection_t* connection, xcb_extension_t* extension) {
     const xcb_query_extension_reply_t* reply = xcb_get_extension_data(connection, extension);
@@ -30,36 +27,44 @@ bool isPresent(xcb_connection_t* connection, xcb_extension_t* extension) {
 
 } // namespace
 
-std::unique_ptr<XcbConnection> XcbConnection::open() {
-    int number = 0;
-    xcb_connection_t* opened = xcb_connect(nullptr, &number);
+std::expected<std::unique_ptr<XcbConnection>, NoConnection> XcbConnection::open(ServerConnector& connector) {
+    auto opened = connector.connect();
+    if (!opened) {
+        return std::unexpected(opened.error());
+    }
     xcb_screen_t* screen = nullptr;
-    if (!xcb_connection_has_error(opened)) {
-        xcb_screen_iterator_t screens = xcb_setup_roots_iterator(xcb_get_setup(opened));
-        for (int i = 0; screens.rem > 0; ++i, xcb_screen_next(&screens)) {
-            if (i == number) {
-                screen = screens.data;
-            }
+    xcb_screen_iterator_t screens = xcb_setup_roots_iterator(xcb_get_setup(opened->connection.get()));
+    for (int i = 0; screens.rem > 0; ++i, xcb_screen_next(&screens)) {
+        if (i == opened->screenNumber) {
+            screen = screens.data;
         }
     }
     if (!screen) {
-        xcb_disconnect(opened);
-        return nullptr;
+        return std::unexpected(NoConnection::unreachable);
     }
-    std::unique_ptr<XcbConnection> connection(new XcbConnection(opened, screen, number));
-    return connection->initialize() ? std::move(connection) : nullptr;
+    std::unique_ptr<XcbConnection> connection(new XcbConnection(*std::move(opened), screen));
+    if (!connection->initialize()) {
+        return std::unexpected(NoConnection::unreachable);
+    }
+    return connection;
 }
 
-XcbConnection::XcbConnection(xcb_connection_t* opened, xcb_screen_t* ofDisplay, int number)
-    : connection(opened)
+std::unique_ptr<XcbConnection> XcbConnection::open() {
+    ServerConnector connector;
+    auto connection = open(connector);
+    return connection ? *std::move(connection) : nullptr;
+}
+
+XcbConnection::XcbConnection(OpenedConnection opened, xcb_screen_t* ofDisplay)
+    : ownConnection(std::move(opened.connection))
+    , connection(ownConnection.get())
     , screen(ofDisplay)
-    , screenNumber(number) {}
+    , screenNumber(opened.screenNumber) {}
 
 XcbConnection::~XcbConnection() {
     if (hasAtoms) {
         xcb_ewmh_connection_wipe(&ewmh);
     }
-    xcb_disconnect(connection);
 }
 
 bool XcbConnection::initialize() {
@@ -148,7 +153,7 @@ std::expected<void, Failure> XcbConnection::check(xcb_void_cookie_t cookie, cons
 
 // The answer, or null with `error` set where there is one.
 void* XcbConnection::wait(unsigned int request, xcb_generic_error_t** error) const {
-    const auto deadline = Clock::now() + (stalled ? patienceWhileStalled : patience);
+    const auto deadline = Clock::now() + (stalled ? patience.whileStalled : patience.usual);
     xcb_flush(connection);
     void* reply = nullptr;
     while (xcb_poll_for_reply(connection, request, &reply, error) == 0) {

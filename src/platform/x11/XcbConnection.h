@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/x11/ServerConnector.h"
+
 #include <xcb/xcb.h>
 #include <xcb/xcb_ewmh.h>
 
@@ -29,7 +31,10 @@ struct Failure {
 // requests until it goes on. One thread at a time.
 class XcbConnection {
 public:
-    // Null when there is no display or it refuses us.
+    // A server that falls silent as soon as it has been reached, or lacks what every one has, counts as unreachable.
+    static std::expected<std::unique_ptr<XcbConnection>, NoConnection> open(ServerConnector& connector);
+
+    // For whoever asks once: null where there is no connection, for whatever reason.
     static std::unique_ptr<XcbConnection> open();
 
     ~XcbConnection();
@@ -85,14 +90,15 @@ public:
     std::expected<void, Failure> check(xcb_void_cookie_t cookie, const char* call) const;
 
 private:
-    XcbConnection(xcb_connection_t* opened, xcb_screen_t* ofDisplay, int number);
+    XcbConnection(OpenedConnection opened, xcb_screen_t* ofDisplay);
 
     bool initialize();
     bool isLocal() const;
     void* wait(unsigned int request, xcb_generic_error_t** error) const;
     Failure failure(xcb_generic_error_t* error, const char* call) const;
 
-    xcb_connection_t* connection;
+    std::unique_ptr<xcb_connection_t, Disconnect> ownConnection;
+    xcb_connection_t* connection; // the same
     xcb_screen_t* screen;
     int screenNumber;
     xcb_ewmh_connection_t ewmh{};
