@@ -12,9 +12,11 @@
 #include "platform/ApplicationFiles.h"
 #include "platform/TextReader.h"
 #include "platform/UserDefaults.h"
+#include "platform/WindowServer.h"
 #include "publish/Publisher.h"
 #include "reading/BoxedText.h"
 #include "recognition/CardRecognizer.h"
+#include "recognition/ScreenReader.h"
 #include "sync/ConfigSync.h"
 #include "update/AppReleaseFields.h"
 #include "update/AppUpdateChecker.h"
@@ -357,7 +359,12 @@ int run(const PrintText& command) {
 }
 
 int run(const PrintDraftState& command) {
-    print(json::line(json::toJson(LogWatcher(logsDirToRead(command.logsDir)).poll())));
+    const DraftState state = LogWatcher(logsDirToRead(command.logsDir)).poll();
+    print(json::line(json::toJson(state)));
+    if (state.inDraft) {
+        // For what it logs where the game cannot be seen.
+        static_cast<void>(ScreenReader(WindowServer::create, {}).look(AppConfig().windowOwnerHint, std::nullopt));
+    }
     return EXIT_SUCCESS;
 }
 

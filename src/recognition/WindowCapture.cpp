@@ -40,17 +40,37 @@ bool replaces(const HSWindowInfo& later, const HSWindowInfo& best) {
     return area(later) > area(best);
 }
 
-// Whole pixels from `from` to `to`, to the outside, within 0 and `limit`. Stays in floating point: fractions may be
+// Whole pixels between `from` and `to`, whichever comes first, to the outside, within 0 and `limit`. Stays in floating point: fractions may be
 // anything, and what does not fit an int must not reach one before it is clipped.
 std::optional<std::pair<int, int>> pixelRange(double from, double to, int limit) {
-    const double first = std::clamp(std::floor(from), 0.0, static_cast<double>(limit));
-    const double end = std::clamp(std::ceil(to), 0.0, static_cast<double>(limit));
+    const auto [low, high] = std::minmax(from, to); // a negative size runs backwards
+    const double first = std::clamp(std::floor(low), 0.0, static_cast<double>(limit));
+    const double end = std::clamp(std::ceil(high), 0.0, static_cast<double>(limit));
     const double length = end - first;
     if (!(length > 2)) { // also when one is not a number
         return std::nullopt;
     }
     return std::pair(static_cast<int>(first), static_cast<int>(length));
 }
+
+struct CauseText {
+    QString operator()(const WindowGone&) const {
+        return QStringLiteral("the game's window closed while its picture was taken; another one is looked for");
+    }
+
+    QString operator()(const CaptureDenied&) const {
+        return QStringLiteral("the system does not let Pelloran see other programs' windows: allow it in the system's "
+                              "settings (on macOS: Privacy & Security, Screen Recording) and start Pelloran again; "
+                              "where it was built without window capture, nothing helps");
+    }
+
+    QString operator()(const WindowServerFailed& failed) const {
+        return QStringLiteral("the game's window cannot be captured: %1 (error %2); bring the game back where it is "
+                              "minimised, and start it anew where this goes on")
+            .arg(QString::fromStdString(failed.call))
+            .arg(failed.code);
+    }
+};
 
 } // namespace
 
@@ -62,6 +82,31 @@ QString localizedDescription(WindowCaptureError error) {
         return QStringLiteral("截屏失败：请在 系统设置 → 隐私与安全性 → 屏幕录制 中授权 Pelloran，并重启应用");
     case WindowCaptureError::zeroSize:
         return QStringLiteral("截到的窗口尺寸为 0");
+    }
+    Q_UNREACHABLE();
+}
+
+QString explanation(const CaptureFailure& failure, CapturePermission permission) {
+    switch (permission) {
+    case CapturePermission::granted:
+        break;
+    case CapturePermission::notAsked:
+        return QStringLiteral("the system has not asked yet whether Pelloran may see other programs' windows: answer "
+                              "its question and start Pelloran again");
+    case CapturePermission::denied:
+        return CauseText()(CaptureDenied());
+    }
+    switch (failure.error) {
+    case WindowCaptureError::noWindow:
+        if (failure.cause) {
+            return QStringLiteral("no window can be seen at all: look whether the desktop of this program runs and answers");
+        }
+        return QStringLiteral("no window of the game is found: start the game, bring it back where it is minimised, or "
+                              "name its window with --window-owner");
+    case WindowCaptureError::captureFailed:
+        return failure.cause ? std::visit(CauseText(), *failure.cause) : localizedDescription(failure.error);
+    case WindowCaptureError::zeroSize:
+        return QStringLiteral("the game's window has no size: bring it back or make it larger");
     }
     Q_UNREACHABLE();
 }
@@ -125,13 +170,13 @@ std::optional<HSWindowInfo> chooseHearthstone(std::span<const HSWindowInfo> wind
     return best ? std::optional(*best) : std::nullopt;
 }
 
-std::expected<QImage, WindowCaptureError> capture(WindowServer& server, std::uint32_t windowId) {
+std::expected<QImage, CaptureFailure> capture(WindowServer& server, std::uint32_t windowId) {
     std::expected<QImage, WindowImageError> image = server.image(windowId);
     if (!image) {
-        return std::unexpected(WindowCaptureError::captureFailed);
+        return std::unexpected(CaptureFailure{WindowCaptureError::captureFailed, std::move(image).error()});
     }
     if (image->width() == 0 || image->height() == 0) {
-        return std::unexpected(WindowCaptureError::zeroSize);
+        return std::unexpected(CaptureFailure{WindowCaptureError::zeroSize, std::nullopt});
     }
     image->setDevicePixelRatio(1);
     return *std::move(image);

@@ -28,7 +28,7 @@ public:
         return found->second;
     }
 
-    CapturePermission permission() const override { return CapturePermission::granted; }
+    CapturePermission permission() const override { return allowed; }
 
     void failNext(WindowImageError failure) { failures.push_back(std::move(failure)); }
 
@@ -36,6 +36,7 @@ public:
     std::optional<std::vector<WindowDescription>> all = std::vector<WindowDescription>{};
     std::map<std::uint32_t, QImage> images;
     int captures = 0;
+    CapturePermission allowed = CapturePermission::granted;
 
 private:
     std::deque<WindowImageError> failures;

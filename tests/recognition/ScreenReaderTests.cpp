@@ -87,6 +87,54 @@ TEST_F(ScreenReaderTest, HandsOnWhyThereIsNoPicture) {
     EXPECT_EQ(screen.look({}, ReadingHints()).error(), WindowCaptureError::zeroSize);
 }
 
+TEST_F(ScreenReaderTest, TellsOnceOfEachCauseOfNoPicture) {
+    const auto told = [this](std::initializer_list<const char*> parts) {
+        const QStringList lines = std::exchange(logged, {});
+        EXPECT_EQ(std::size_t(lines.size()), parts.size()) << lines.join(u'\n').toStdString();
+        qsizetype line = 0;
+        for (const char* part : parts) {
+            EXPECT_TRUE(lines.value(line++).contains(QString::fromLatin1(part))) << part;
+        }
+    };
+    const auto look = [this](int times) {
+        for (int i = 0; i < times; ++i) {
+            static_cast<void>(screen.look({}, ReadingHints()));
+        }
+    };
+    look(3);
+    told({"no window of the game is found"});
+
+    windowServer->onScreen = std::nullopt;
+    windowServer->all = std::nullopt;
+    look(2);
+    told({"no window can be seen at all"});
+
+    showWindow();
+    look(2);
+    told({});
+
+    for (int i = 0; i < 3; ++i) {
+        windowServer->failNext(WindowServerFailed{"NameWindowPixmap", 8});
+    }
+    windowServer->failNext(WindowServerFailed{"ShmGetImage", 11});
+    windowServer->failNext(WindowGone{});
+    look(5);
+    told({"NameWindowPixmap (error 8)", "ShmGetImage (error 11)", "closed"});
+
+    look(1);
+    windowServer->failNext(WindowGone{});
+    look(1);
+    told({"closed"}); // what worked in between has failed anew
+
+    windowServer->allowed = CapturePermission::denied;
+    windowServer->failNext(CaptureDenied{});
+    windowServer->failNext(WindowServerFailed{"GetImage", 8});
+    look(2);
+    told({"Screen Recording"});
+    look(1);
+    told({});
+}
+
 TEST_F(ScreenReaderTest, TellsOnceOfAMissingReaderAndTriesAgain) {
     showWindow();
     readerMissing = true;

@@ -35,7 +35,7 @@ std::vector<std::uint32_t> idsOf(const std::vector<HSWindowInfo>& windows) {
 
 std::optional<WindowCaptureError> captureError(FakeWindowServer& server, std::uint32_t windowId) {
     const auto image = WindowCapture::capture(server, windowId);
-    return image ? std::nullopt : std::optional(image.error());
+    return image ? std::nullopt : std::optional(image.error().error);
 }
 
 // Every pixel tells where it came from.
@@ -305,11 +305,62 @@ TEST(Capture, TranslatesEveryFailure) {
     server.failNext(CaptureDenied{});
     server.failNext(WindowServerFailed{"GetImage", 8});
     for (int i = 0; i < 3; ++i) {
-        EXPECT_EQ(captureError(server, 1), WindowCaptureError::captureFailed);
+        const auto image = WindowCapture::capture(server, 1);
+        ASSERT_FALSE(image);
+        EXPECT_EQ(image.error().error, WindowCaptureError::captureFailed);
+        ASSERT_TRUE(image.error().cause) << "what the server said must not get lost";
+        EXPECT_EQ(image.error().cause->index(), std::size_t(i)) << "in the order in which the causes are declared";
     }
     EXPECT_EQ(captureError(server, 1), std::nullopt) << "a failure must not last";
     EXPECT_EQ(captureError(server, 2), WindowCaptureError::zeroSize);
     EXPECT_EQ(captureError(server, 3), WindowCaptureError::captureFailed);
+}
+
+TEST(Explanation, NamesTheCauseAndWhatCanBeDone) {
+    struct Row {
+        const char* why;
+        CaptureFailure failure;
+        CapturePermission permission;
+        QStringList named;
+    };
+
+    constexpr auto granted = CapturePermission::granted;
+    constexpr auto failed = WindowCaptureError::captureFailed;
+    const QString settings = QStringLiteral("Screen Recording");
+    const Row table[] = {
+        {"none found", {WindowCaptureError::noWindow, {}}, granted, {QStringLiteral("--window-owner")}},
+        {"none can be listed",
+         {WindowCaptureError::noWindow, WindowServerFailed{"", 0}},
+         granted,
+         {QStringLiteral("desktop")}},
+        {"no size", {WindowCaptureError::zeroSize, {}}, granted, {QStringLiteral("size"), QStringLiteral("larger")}},
+        {"closed meanwhile", {failed, WindowGone{}}, granted, {QStringLiteral("closed")}},
+        {"denied by the capture itself", {failed, CaptureDenied{}}, granted, {settings}},
+        {"the system's own words",
+         {failed, WindowServerFailed{"NameWindowPixmap", 8}},
+         granted,
+         {QStringLiteral("NameWindowPixmap"), QStringLiteral("error 8"), QStringLiteral("minimised")}},
+        {"a cause that nobody told", {failed, {}}, granted, {localizedDescription(failed)}},
+        {"denied, which looks like a failure",
+         {failed, WindowServerFailed{"GetImage", 8}},
+         CapturePermission::denied,
+         {settings}},
+        {"denied, which looks like no window",
+         {WindowCaptureError::noWindow, {}},
+         CapturePermission::denied,
+         {settings}},
+        {"not asked yet",
+         {WindowCaptureError::noWindow, {}},
+         CapturePermission::notAsked,
+         {QStringLiteral("answer its question")}},
+    };
+    for (const Row& row : table) {
+        SCOPED_TRACE(row.why);
+        const QString text = explanation(row.failure, row.permission);
+        for (const QString& part : row.named) {
+            EXPECT_TRUE(text.contains(part)) << text.toStdString();
+        }
+    }
 }
 
 TEST(Crop, RoundsOutwardsAndClips) {
@@ -340,7 +391,15 @@ TEST(Crop, RoundsOutwardsAndClips) {
         {"2.5 pixels wide come to 3", {0.5, 0.5, 0.025, 0.5}, QRect(50, 25, 3, 25)},
         {"2 pixels wide after clipping", {0.98, 0, 0.5, 1}, std::nullopt},
         {"no size", {0.5, 0.5, 0, 0}, std::nullopt},
-        {"negative size", {0.8, 0.8, -0.5, -0.5}, std::nullopt},
+        {"negative size", {0.8, 0.8, -0.5, -0.5}, QRect(30, 15, 50, 25)},
+        {"negative width alone", {0.8, 0.2, -0.5, 0.5}, QRect(30, 10, 50, 25)},
+        {"negative height alone", {0.2, 0.8, 0.5, -0.5}, QRect(20, 15, 50, 25)},
+        {"negative, to the outside of the pixels", {0.805, 0.81, -0.1, -0.1}, QRect(70, 35, 11, 6)},
+        {"negative, over the near edges", {0.1, 0.2, -0.5, -0.7}, QRect(0, 0, 10, 10)},
+        {"negative, over the far edges", {1.4, 1.3, -0.5, -0.5}, QRect(90, 40, 10, 10)},
+        {"negative, from the edge outwards", {0, 0, -0.5, -0.5}, std::nullopt},
+        {"negative, 2 pixels wide", {0.52, 0.5, -0.02, -0.5}, std::nullopt},
+        {"negative, without end", {1, 1, -infinity, -infinity}, QRect(0, 0, 100, 50)},
         {"far beyond any number of pixels", {-1e300, -1e300, 2e300, 2e300}, QRect(0, 0, 100, 50)},
         {"without end", {0, 0, infinity, infinity}, QRect(0, 0, 100, 50)},
         {"not a number", {notANumber, 0, 1, 1}, std::nullopt},
