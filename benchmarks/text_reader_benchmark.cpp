@@ -136,7 +136,7 @@ std::pair<Plane, QRect> bestLine(const QImage& image) {
         return {};
     }
     const QRect around = boxes.front().area.adjusted(-9, -9, 9, 9) & QRect(0, 0, plane.width, plane.height);
-    return {part(plane, around), boxes.front().area.translated(-around.topLeft())};
+    return {cropped(plane, around), boxes.front().area.translated(-around.topLeft())};
 }
 
 void clean(benchmark::State& state, const char* name) {
@@ -154,7 +154,7 @@ void readLine(benchmark::State& state, const char* name) {
         state.SkipWithError("no line or no language data");
         return;
     }
-    const std::vector<QImage> pictures{imageOf(picture(*line, {36, 0.16}))};
+    const std::vector<QImage> pictures{imageOf(pictureOf(*line, {36, 0.16}))};
     for (auto _ : state) {
         benchmark::DoNotOptimize((*reader)->read(pictures));
     }

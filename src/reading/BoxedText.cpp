@@ -82,7 +82,7 @@ std::optional<QString> readBoxedText(const QImage& window, const QRect& box, Chi
         const Plane plane = planeOf(picture, way.ink);
         if (!way.curve) {
             const double scale = double(stripRows) / straight.height();
-            const Plane strip = resampled(part(plane, straight), scale);
+            const Plane strip = resampled(cropped(plane, straight), scale);
             const Extent seen{int(margin * scale), strip.width - int(margin * scale)};
             return trimmedLine(inkOf(strip, seen), seen);
         }

@@ -79,9 +79,9 @@ struct Line {
 };
 
 // The lines of one image, read row by row.
-class Reading {
+class FreeReading {
 public:
-    Reading(ReadingTools& readingTools, std::optional<Script>& rememberedScript, const QImage& picture,
+    FreeReading(ReadingTools& readingTools, std::optional<Script>& rememberedScript, const QImage& picture,
             const ReadingHints& readingHints)
         : tools(readingTools)
         , remembered(rememberedScript)
@@ -146,7 +146,7 @@ private:
     std::optional<Script> script; // of this image, once sure
 };
 
-void Reading::readRows() {
+void FreeReading::readRows() {
     for (LineRow& row : rows) {
         readOnce(row, attempts.front());
         if (hasKnown(row) && finishes(row)) {
@@ -163,7 +163,7 @@ void Reading::readRows() {
     }
 }
 
-void Reading::findLines() {
+void FreeReading::findLines() {
     const QRect band = rectangleIn(hints.band, image.size());
     const int marginX = int(halfLongestLine * unit);
     const int marginY = int(halfTallestLine * unit);
@@ -185,14 +185,14 @@ void Reading::findLines() {
     }
 }
 
-Line Reading::lineAt(const TextBox& box) const {
+Line FreeReading::lineAt(const TextBox& box) const {
     const int margin = int(std::lround(cropMargin * unit));
     const QRect around = box.area.adjusted(-margin, -margin, margin, margin).intersected(planeArea);
-    return {box, part(plane, around.translated(-planeArea.topLeft())), around.topLeft(), {}, {}};
+    return {box, cropped(plane, around.translated(-planeArea.topLeft())), around.topLeft(), {}, {}};
 }
 
 // With two names of a row at hand, the third is where it must be, whatever hid it from the search.
-std::optional<std::size_t> Reading::findThird(const LineRow& row, std::size_t place) {
+std::optional<std::size_t> FreeReading::findThird(const LineRow& row, std::size_t place) {
     const QRectF first(lines[row[0]].box.area);
     const QRectF second(lines[row[1]].box.area);
     const double spacing = second.center().x() - first.center().x();
@@ -218,7 +218,7 @@ std::optional<std::size_t> Reading::findThird(const LineRow& row, std::size_t pl
 
 // Reads on in a row until each name is known or everything has been tried. True if this is the row of names: a known
 // name on its own may be a word of the rules, beside other lines it is an offer.
-bool Reading::finishes(LineRow& row) {
+bool FreeReading::finishes(LineRow& row) {
     retry(row);
     if (!hasKnown(row)) {
         return false;
@@ -239,7 +239,7 @@ bool Reading::finishes(LineRow& row) {
     return row.size() > 1;
 }
 
-void Reading::cleanLines() {
+void FreeReading::cleanLines() {
     for (Line& line : lines) {
         line.clean = cleanLine(line.crop, line.box.area.translated(-line.origin), unit, attempts.front().cleaning);
     }
@@ -247,11 +247,11 @@ void Reading::cleanLines() {
         lines, [](const Line& line) { return !line.clean || line.clean->rows != 1 || line.clean->fill > fullestLine; });
 }
 
-bool Reading::hasKnown(const LineRow& row) const {
+bool FreeReading::hasKnown(const LineRow& row) const {
     return std::ranges::any_of(row, [&](std::size_t index) { return lines[index].known; });
 }
 
-void Reading::retry(const LineRow& row) {
+void FreeReading::retry(const LineRow& row) {
     if (!hints.names) {
         return;
     }
@@ -272,7 +272,7 @@ void Reading::retry(const LineRow& row) {
     }
 }
 
-void Reading::readOnce(const LineRow& row, const Attempt& attempt) {
+void FreeReading::readOnce(const LineRow& row, const Attempt& attempt) {
     if (row.empty()) {
         return;
     }
@@ -306,7 +306,7 @@ void Reading::readOnce(const LineRow& row, const Attempt& attempt) {
     }
 }
 
-std::vector<LineReading> Reading::readWith(Script with, const LineRow& row, double margin) {
+std::vector<LineReading> FreeReading::readWith(Script with, const LineRow& row, double margin) {
     std::vector<LineReading> results(row.size()); // those beyond what may be read stay nothing
     if (with == Script::chinese) {
         for (std::size_t i = 0; i < row.size() && tools.chinese && hints.names; ++i) {
@@ -322,14 +322,14 @@ std::vector<LineReading> Reading::readWith(Script with, const LineRow& row, doub
     }
     std::vector<QImage> work;
     for (const std::size_t index : row) {
-        work.push_back(imageOf(picture(*lines[index].clean, {latinHeight, latinMargin * margin})));
+        work.push_back(imageOf(pictureOf(*lines[index].clean, {latinHeight, latinMargin * margin})));
     }
     std::ranges::copy(tools.read(std::move(work)), results.begin());
     return results;
 }
 
 // A known name is worth more than any confidence.
-double Reading::worth(const std::vector<LineReading>& results) const {
+double FreeReading::worth(const std::vector<LineReading>& results) const {
     double sum = 0;
     for (const LineReading& result : results) {
         sum += isKnown(result.text) ? double(results.size()) : double(result.confidence);
@@ -337,7 +337,7 @@ double Reading::worth(const std::vector<LineReading>& results) const {
     return sum / double(results.size());
 }
 
-Script Reading::guess(const LineRow& row) const {
+Script FreeReading::guess(const LineRow& row) const {
     double runs = 0;
     for (const std::size_t index : row) {
         runs += lines[index].clean->runsPerColumn;
@@ -347,7 +347,7 @@ Script Reading::guess(const LineRow& row) const {
 
 // One reading a line: two that resemble different names would make two offers of one. Confidence is a poor judge of
 // misread names; how close they come to a name that exists is a good one.
-const LineReading& Reading::bestOf(const Line& line) const {
+const LineReading& FreeReading::bestOf(const Line& line) const {
     if (line.readings.size() == 1 || !hints.names) {
         return *std::ranges::max_element(line.readings, {}, &LineReading::confidence);
     }
@@ -357,14 +357,14 @@ const LineReading& Reading::bestOf(const Line& line) const {
 }
 
 // What becomes of a reading, if anything.
-std::optional<QString> Reading::offered(const LineReading& reading) const {
+std::optional<QString> FreeReading::offered(const LineReading& reading) const {
     const auto settled = hints.names->settle(reading.text);
     return settled ? std::optional(settled->text) : std::nullopt;
 }
 
 // Three beside each other at the height at which cards have their names and heroes their classes; of cards also two,
 // where one was not found.
-bool Reading::canBeOffers(const LineRow& row) const {
+bool FreeReading::canBeOffers(const LineRow& row) const {
     if (row.size() < fewestOffers()) {
         return false;
     }
@@ -375,7 +375,7 @@ bool Reading::canBeOffers(const LineRow& row) const {
     });
 }
 
-OCRToken Reading::tokenOf(const Line& line, const LineReading& reading) const {
+OCRToken FreeReading::tokenOf(const Line& line, const LineReading& reading) const {
     const QRectF box(line.clean->area.translated(line.origin));
     return {reading.text,
             reading.confidence,
@@ -387,7 +387,7 @@ OCRToken Reading::tokenOf(const Line& line, const LineReading& reading) const {
 
 // The row in which most lines can be names, if it has enough of them: a known word on its own is a keyword or a button.
 // With them all other lines, for whoever asks.
-ReadText Reading::offer() const {
+ReadText FreeReading::offer() const {
     ReadText best;
     std::vector<OCRToken> others;
     for (const LineRow& row : rows) {
@@ -423,7 +423,7 @@ ReadText Reading::offer() const {
 }
 
 // Where nobody knows the names.
-ReadText Reading::everything() const {
+ReadText FreeReading::everything() const {
     ReadText text;
     for (const Line& line : lines) {
         if (!line.readings.empty()) {
@@ -437,7 +437,7 @@ ReadText Reading::everything() const {
 
 ReadText readAnywhere(ReadingTools& tools, std::optional<Script>& remembered, const QImage& window,
                       const ReadingHints& hints) {
-    return Reading(tools, remembered, window, hints).text();
+    return FreeReading(tools, remembered, window, hints).text();
 }
 
 } // namespace pelloran

@@ -282,7 +282,7 @@ std::optional<CleanLine> cleanLine(const Plane& plane, const QRect& box, double 
     return line;
 }
 
-Plane picture(const CleanLine& line, const PictureShape& shape) {
+Plane pictureOf(const CleanLine& line, const PictureShape& shape) {
     const double margin = shape.margin * line.letters.height();
     const double scale = shape.height / (line.letters.height() + 2 * margin); // of the line's pixels
     const int width = std::max(narrowestPicture, int(std::lround((line.letters.width() + 2 * margin) * scale)));

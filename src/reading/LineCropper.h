@@ -38,6 +38,6 @@ struct PictureShape {
 };
 
 // The straightened letters in black on white.
-Plane picture(const CleanLine& line, const PictureShape& shape);
+Plane pictureOf(const CleanLine& line, const PictureShape& shape);
 
 } // namespace pelloran

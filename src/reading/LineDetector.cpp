@@ -123,7 +123,7 @@ bool looksLikeLine(const TextBox& box, double unit) {
 
 } // namespace
 
-double promise(const TextBox& box, double unit) {
+double nameLikeness(const TextBox& box, double unit) {
     const double size = std::min(box.area.height() / unit, heightOfNames) / heightOfNames;
     return box.ink * box.darkness * box.darkness * size * size;
 }
@@ -203,7 +203,7 @@ std::vector<TextBox> detectLines(const Plane& plane, double unit) {
         }
     }
     const auto rank = [unit](const TextBox& box) {
-        return std::tuple(-promise(box, unit), box.area.top(), box.area.left());
+        return std::tuple(-nameLikeness(box, unit), box.area.top(), box.area.left());
     };
     std::ranges::sort(boxes, {}, rank);
     boxes.resize(std::min(boxes.size(), mostLines));

@@ -19,7 +19,7 @@ struct TextBox {
 
 // How much a box looks like a name: these have the largest letters and the most ink of all lines on a card, and the
 // blackest outlines. `unit` is the size of one pixel of a window 1080 pixels high, in pixels of the box.
-double promise(const TextBox& box, double unit);
+double nameLikeness(const TextBox& box, double unit);
 
 // Where `plane` has strokes of letters: 1, elsewhere 0. A stroke is bright, has something much darker beside it, and is
 // thin. `unit` is the size of one pixel of a window 1080 pixels high, in pixels of the plane.

@@ -16,7 +16,7 @@ constexpr double rivalShare = 0.3;      // of the best row's promise: also likel
 double promiseOf(const LineRow& row, const std::vector<TextBox>& boxes, double unit) {
     double sum = 0;
     for (const std::size_t index : row) {
-        sum += promise(boxes[index], unit);
+        sum += nameLikeness(boxes[index], unit);
     }
     return sum;
 }
@@ -53,7 +53,7 @@ std::vector<LineRow> rowsOf(const std::vector<TextBox>& boxes, double unit, RowO
     for (std::size_t i = 0; i < rest.size(); ++i) {
         rest[i] = i;
     }
-    std::ranges::sort(rest, {}, [&](std::size_t index) { return std::pair(-promise(boxes[index], unit), index); });
+    std::ranges::sort(rest, {}, [&](std::size_t index) { return std::pair(-nameLikeness(boxes[index], unit), index); });
 
     std::vector<LineRow> rows;
     while (!rest.empty()) {

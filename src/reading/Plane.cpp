@@ -132,7 +132,7 @@ Plane lightness(const QImage& image, const QRect& area, Lettering lettering) {
     return plane;
 }
 
-Plane part(const Plane& plane, const QRect& area) {
+Plane cropped(const Plane& plane, const QRect& area) {
     Plane result(area.width(), area.height());
     for (int y = 0; y < result.height; ++y) {
         std::copy_n(plane.row(area.top() + y) + area.left(), result.width, result.row(y));

@@ -40,7 +40,7 @@ struct Plane {
 Plane lightness(const QImage& image, const QRect& area, Lettering lettering);
 
 // The pixels of `area`, which must lie within the plane.
-Plane part(const Plane& plane, const QRect& area);
+Plane cropped(const Plane& plane, const QRect& area);
 
 // The value that `share` (0 to 1) of the pixels stay below or reach; 255 for no pixels.
 int percentile(const Plane& plane, double share);

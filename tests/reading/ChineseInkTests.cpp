@@ -200,7 +200,7 @@ TEST(TrimmedLineTest, KeepsTheLettersAloneAndAllOfThem) {
         const QRect box = testing::inkBox(clean).adjusted(-1, -1, 1, 1);
         EXPECT_EQ(QSize(line->width, line->height), box.size());
         if (QSize(line->width, line->height) == box.size()) {
-            EXPECT_LT(meanDifference(*line, part(clean, box)), 1);
+            EXPECT_LT(meanDifference(*line, cropped(clean, box)), 1);
         }
     }
 }

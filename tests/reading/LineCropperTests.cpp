@@ -110,7 +110,7 @@ TEST(LineCropperTest, PictureHasTheNetworksShapeInBlackOnWhite) {
     const auto line = cleanLine(planeOf(image), lettersBox, 1, {});
     ASSERT_TRUE(line);
     for (const PictureShape shape : {PictureShape{36, 0.16}, PictureShape{48, 0.22}, PictureShape{48, 0}}) {
-        const Plane result = picture(*line, shape);
+        const Plane result = pictureOf(*line, shape);
         EXPECT_EQ(result.height, shape.height);
         EXPECT_NEAR(result.width,
                     (line->letters.width() / line->letters.height() + 2 * shape.margin) * shape.height /
@@ -119,7 +119,7 @@ TEST(LineCropperTest, PictureHasTheNetworksShapeInBlackOnWhite) {
         EXPECT_LT(*std::ranges::min_element(result.pixels), 20) << "ink";
         EXPECT_EQ(*std::ranges::max_element(result.pixels), 255) << "paper";
     }
-    const Plane wide = picture(*line, {48, 0.5});
+    const Plane wide = pictureOf(*line, {48, 0.5});
     for (int x = 0; x < wide.width; ++x) {
         ASSERT_EQ(wide.at(x, 0), 255) << "the margin is empty";
         ASSERT_EQ(wide.at(x, 47), 255);

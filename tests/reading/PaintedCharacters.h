@@ -187,7 +187,7 @@ inline QRect inkBox(const Plane& ink, int level = 128) {
 // The line's ink and nothing around it.
 inline Plane inkOfLine(const QString& text, double size, const CharacterStyle& style = {}) {
     const Plane ink = inkWithMargin(text, size, style);
-    return part(ink, inkBox(ink, 1));
+    return cropped(ink, inkBox(ink, 1));
 }
 
 // Learned from these characters as they are painted in some sizes and weights: each is a direction of its own, and so

@@ -35,7 +35,7 @@ Plane inkOf(const Plane& strip, Extent seen, InkRange range) {
     if (columns.isEmpty()) {
         return ink;
     }
-    const Plane letters = part(strip, columns);
+    const Plane letters = cropped(strip, columns);
     const double ground = percentile(letters, 0.5);
     const double bright = percentile(letters, 0.98);
     const double dark = percentile(letters, 0.02);
@@ -130,7 +130,7 @@ std::optional<Plane> trimmedLine(Plane ink, Extent seen, int level) {
     }
     const QRect area =
         QRect(QPoint(left - 1, top - 1), QPoint(right, bottom)).intersected(QRect(0, 0, ink.width, ink.height));
-    return part(ink, area);
+    return cropped(ink, area);
 }
 
 } // namespace pelloran

@@ -72,7 +72,7 @@ std::optional<ChineseReading> readHeroLine(const HeroLine& line, ChineseLineRead
     if (area.isEmpty()) {
         return std::nullopt;
     }
-    const Plane ink = resampled(part(line.ink, area), double(stripRows) / area.height());
+    const Plane ink = resampled(cropped(line.ink, area), double(stripRows) / area.height());
     return reader.read(
         heroLevels.size(), [&](std::size_t index) { return trimmedLine(ink, {0, ink.width}, heroLevels[index]); },
         names, ofChineseClasses);
@@ -80,7 +80,7 @@ std::optional<ChineseReading> readHeroLine(const HeroLine& line, ChineseLineRead
 
 std::optional<ChineseReading> readCleanLine(const CleanLine& line, const ChineseAcceptance& acceptance,
                                             ChineseLineReader& reader, const Lexicon& names) {
-    Plane ink = picture(line, {stripRows, roomAnywhere});
+    Plane ink = pictureOf(line, {stripRows, roomAnywhere});
     for (std::uint8_t& pixel : ink.pixels) {
         pixel = std::uint8_t(255 - pixel);
     }

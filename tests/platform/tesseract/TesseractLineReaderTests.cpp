@@ -19,7 +19,7 @@ QImage pictureOf(const QString& word) {
     QImage image = testing::wood(400, 100);
     testing::paintWord(image, QPoint(200, 50), word, 32);
     const auto line = cleanLine(testing::planeOf(image), QRect(20, 30, 360, 40), 1, {});
-    return imageOf(line ? picture(*line, shape) : Plane(16, 16, 255));
+    return imageOf(line ? pictureOf(*line, shape) : Plane(16, 16, 255));
 }
 
 QImage grey(int width, int height, int value) {
