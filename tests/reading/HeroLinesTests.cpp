@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 
 namespace pelloran {
 
@@ -73,6 +74,89 @@ TEST(HeroLinesTest, WhatIsNeitherParchmentNorFelt) {
         QImage image(tiny, QImage::Format_RGB32);
         image.fill(QColor(200, 175, 135));
         EXPECT_TRUE(findHeroLines(image, frameOf(tiny), heroCentres[0][1]).empty()) << tiny.width();
+    }
+}
+
+struct Ground {
+    QColor colour;
+    QColor ink;
+};
+
+const Ground parchmentGround{QColor(200, 175, 135), QColor(40, 28, 16)};
+const Ground feltGround{QColor(60, 5, 3), QColor(250, 160, 140)};
+
+// The hero's own name, and below it whatever is painted.
+QImage belowAHero(const QSize& size, const Ground& ground,
+                  const std::function<void(QPainter&, const GameFrame&)>& paint) {
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(ground.colour);
+    QPainter painter(&image);
+    const GameFrame frame = frameOf(size);
+    testing::paintAlong(painter, frame, testing::straight(), heroCentres[0][1], testing::HeroText::nameBase, heroName,
+                        {ground.ink, Qt::transparent, 0}, {.stroke = 0.0029});
+    paint(painter, frame);
+    return image;
+}
+
+// In small windows the letters of a class touch.
+TEST(HeroLinesTest, LettersThatRunTogetherAreALine) {
+    testing::BarLetters touching{.stroke = 0.0029};
+    touching.advance = touching.width;
+    const QString word = QStringLiteral("Houceno");
+    for (const QSize size : {QSize(640, 480), QSize(1280, 720), QSize(1920, 1080)}) {
+        for (const Ground& ground : {parchmentGround, feltGround}) {
+            SCOPED_TRACE(size.height());
+            const QImage image = belowAHero(size, ground, [&](QPainter& painter, const GameFrame& frame) {
+                testing::paintAlong(painter, frame, testing::straight(), heroCentres[0][1],
+                                    testing::HeroText::classBase, word, {ground.ink, Qt::transparent, 0}, touching);
+            });
+            const GameFrame frame = frameOf(size);
+            const auto lines = findHeroLines(image, frame, heroCentres[0][1]);
+            ASSERT_EQ(lines.size(), 2U);
+            EXPECT_NEAR(lines[0].area.width() / frame.height, touching.widthOf(word), 0.006);
+        }
+    }
+}
+
+TEST(HeroLinesTest, WhatIsNoLineOfThisHero) {
+    struct Row {
+        Ground ground;
+        std::function<void(QPainter&, const GameFrame&)> paint;
+        std::size_t lines; // with the hero's own name
+        const char* why;
+    };
+
+    const double centre = heroCentres[0][1];
+    const auto word = [&](double off, const QColor& ink) {
+        return [=](QPainter& painter, const GameFrame& frame) {
+            testing::paintAlong(painter, frame, testing::straight(), centre + off, testing::HeroText::classBase,
+                                QStringLiteral("Hoeno"), {ink, Qt::transparent, 0}, {.stroke = 0.0029});
+        };
+    };
+    const auto bar = [&](double width, double height) {
+        return [=](QPainter& painter, const GameFrame& frame) {
+            painter.fillRect(QRectF(frame.pixelX(centre - width / 2), frame.pixelY(0.53), width * frame.height,
+                                    height * frame.height),
+                             parchmentGround.ink);
+        };
+    };
+    const Row table[] = {
+        {parchmentGround, word(0, parchmentGround.ink), 2, "a line, or nothing is shown by the others"},
+        {parchmentGround, word(0.02, parchmentGround.ink), 2, "a little off the middle, as letters are"},
+        {parchmentGround, word(0.06, parchmentGround.ink), 1, "off the middle: the name of a neighbouring hero"},
+        {parchmentGround, word(-0.06, parchmentGround.ink), 1, "and of the other one"},
+        {feltGround, word(0, feltGround.ink), 2, "light on felt"},
+        {{QColor(20, 4, 3), feltGround.ink},
+         word(0, feltGround.ink),
+         0,
+         "light on what is nearly black, and so no felt"},
+        {parchmentGround, bar(0.1, 0.006), 1, "a frame: as wide as a word that runs together, but thinner"},
+        {parchmentGround, bar(0.1, 0.027), 1, "or taller"},
+    };
+    const QSize size(1920, 1080);
+    for (const Row& row : table) {
+        SCOPED_TRACE(row.why);
+        EXPECT_EQ(findHeroLines(belowAHero(size, row.ground, row.paint), frameOf(size), centre).size(), row.lines);
     }
 }
 

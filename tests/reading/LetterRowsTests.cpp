@@ -53,6 +53,26 @@ TEST(LetterRowsTest, FindsThePictureByItsNames) {
     }
 }
 
+// More of them than are looked at, and left of some names.
+TEST(LetterRowsTest, TheSmallerLettersOfRulesDoNotCrowdOutNames) {
+    const GameFrame frame = frameOf(window);
+    QImage image = wordsAt(frame, 0.378);
+    QPainter painter(&image);
+    const testing::BarLetters small{
+        .capital = 0.008, .small = 0.008, .stroke = 0.0018, .width = 0.0055, .advance = 0.0076};
+    for (int line = 0; line < 14; ++line) {
+        for (const double centre : {cardCentres[0], cardCentres[1]}) {
+            testing::paintAlong(painter, frame, testing::straight(), centre, 0.46 + 0.02 * line,
+                                QStringLiteral("HELTHFLTEHLFTHELTFHLETHFLE"), {}, small);
+        }
+    }
+    painter.end();
+    const auto rows = findLetterRows(planeOf(image), frame);
+    ASSERT_FALSE(rows.empty());
+    EXPECT_NEAR(rows[0].level, 0.372, 0.003);
+    EXPECT_NEAR(rows[0].frame.height, frame.height, 0.01 * frame.height);
+}
+
 TEST(LetterRowsTest, ScalesWithTheWindow) {
     for (const QSize size : {QSize(1024, 768), QSize(1366, 768), QSize(2560, 1440), QSize(3840, 2160)}) {
         SCOPED_TRACE(size.width());

@@ -93,6 +93,76 @@ TEST_F(LineByLineReaderTest, NamesAtTheirPlacesAreReadNowhereElse) {
     EXPECT_EQ(told.readings, 3U);
 }
 
+// By the width of the words that stand elsewhere, and of one of four letters.
+LineReading readingOf(const QImage& picture, const std::array<QString, 3>& texts) {
+    const double shape = double(picture.width()) / picture.height();
+    return {shape < 2.9 ? texts[1] : shape < 3.8 ? texts[0] : texts[2], 0.9F};
+}
+
+TEST_F(LineByLineReaderTest, AnywhereCardsNeedARowOfTwoAndClassesOneOfThree) {
+    struct Row {
+        ReadingHints::Offers asked;
+        std::array<QString, 3> words;
+        QStringList tokens;
+        const char* why;
+    };
+
+    constexpr auto cards = ReadingHints::Offers::cards;
+    constexpr auto heroes = ReadingHints::Offers::heroes;
+    const QString none;
+    const Row table[] = {
+        {cards, latinWords, names, "three cards"},
+        {cards, {latinWords[0], latinWords[1], none}, {names[0], names[1]}, "two: the third may be hidden"},
+        {cards, {latinWords[0], none, none}, {}, "one is a keyword or a button"},
+        {heroes, latinWords, names, "three classes"},
+        {heroes, {latinWords[0], latinWords[1], none}, {}, "two: all classes are known, so these are something else"},
+    };
+    const std::array<QString, 3> texts{names[0], names[1], names[2]};
+    told.answer = [&](const QImage& picture) { return readingOf(picture, texts); };
+    for (const Row& row : table) {
+        SCOPED_TRACE(row.why);
+        reader.forget();
+        QImage image = testing::wood(1920, 1080);
+        for (int i = 0; i < 3; ++i) {
+            if (!row.words[std::size_t(i)].isEmpty()) {
+                testing::paintWord(image, QPoint(446 + 325 * i, row.asked == cards ? 450 : 575),
+                                   row.words[std::size_t(i)], 30);
+            }
+        }
+        EXPECT_EQ(textsOf(reader.read(image, {cardBand, row.asked, std::nullopt, lexiconOf(names)}).tokens),
+                  row.tokens);
+    }
+}
+
+// Strokes so far apart that the search takes none of them for a line.
+TEST_F(LineByLineReaderTest, AThirdNameIsLookedForWhereTwoOthersSayThatItIs) {
+    for (std::size_t sparse = 0; sparse < 3; ++sparse) {
+        SCOPED_TRACE(sparse);
+        reader.forget();
+        QImage image = testing::wood(1920, 1080);
+        std::array<QString, 3> texts{names[0], names[1], names[2]};
+        std::vector<QString> words{latinWords[0], latinWords[2]};
+        for (std::size_t i = 0; i < 3; ++i) {
+            const QPoint middle(446 + 325 * int(i), 450);
+            if (i == sparse) {
+                for (const int off : {-36, 0, 36}) {
+                    testing::paintWord(image, middle + QPoint(off, 0), QStringLiteral("I"), 30);
+                }
+                texts[1] = names[qsizetype(i)];
+            } else {
+                testing::paintWord(image, middle, words.front(), 30);
+                texts[words.size() == 2 ? 0 : 2] = names[qsizetype(i)];
+                words.erase(words.begin());
+            }
+        }
+        told.answer = [&](const QImage& picture) { return readingOf(picture, texts); };
+        const ReadText read =
+            reader.read(image, {cardBand, ReadingHints::Offers::cards, std::nullopt, lexiconOf(names)});
+        EXPECT_EQ(textsOf(read.tokens), names);
+        EXPECT_TRUE(read.columns);
+    }
+}
+
 TEST_F(LineByLineReaderTest, WithoutNamesEveryLineIsAToken) {
     told.answer = [](const QImage&) { return LineReading{QStringLiteral("Whatever"), 0.9F}; };
     QImage image = elsewhere(latinWords);
