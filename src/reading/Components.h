@@ -8,7 +8,8 @@
 
 namespace pelloran {
 
-// Groups of pixels that touch, also at their corners.
+// Groups of pixels that touch, also at their corners. Leptonica's pixConnComp finds the same boxes as quickly, but
+// which pixels are whose only in a picture for each group, at 1.7 times the cost.
 struct Components {
     struct Group {
         QRect box;
