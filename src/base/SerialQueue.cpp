@@ -1,5 +1,7 @@
 #include "base/SerialQueue.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QObject>
 #include <QPointer>
 #include <QThread>
@@ -13,12 +15,16 @@ namespace pelloran {
 
 namespace {
 
+// What goes to the thread and comes back from it does so under the mutex here. Qt's event loop and its thread carry
+// none of it: their own locks are beyond the sight of the thread sanitizer, so that a race beside them would have to be
+// suppressed with them.
 class ThreadQueue final : public SerialQueue {
 public:
     explicit ThreadQueue(const QString& name)
-        : thread(QThread::create([this] { run(); })) {
-        thread->setObjectName(name);
-        thread->start();
+        : mailbox(*this)
+        , thread(*this) {
+        thread.setObjectName(name);
+        thread.start();
     }
 
     ~ThreadQueue() override {
@@ -27,9 +33,10 @@ public:
             ending = true;
             pieces.clear();
         }
-        thread->requestInterruption();
+        thread.requestInterruption();
         wake.notify_one();
-        thread->wait();
+        thread.wait();
+        const std::scoped_lock lock(mutex); // after the thread's last unlocking: all it did is seen from here on
     }
 
     void submit(std::function<void()> work, QObject* receiver, std::function<void()> done) override {
@@ -47,6 +54,29 @@ private:
         std::function<void()> done;
     };
 
+    // Lives on the maker's thread; wake-ups that were posted to it die with it. Each is for one result.
+    class Mailbox final : public QObject {
+    public:
+        explicit Mailbox(ThreadQueue& itsQueue)
+            : queue(itsQueue) {}
+
+    private:
+        void customEvent(QEvent*) override { queue.deliver(); }
+
+        ThreadQueue& queue;
+    };
+
+    class Thread final : public QThread {
+    public:
+        explicit Thread(ThreadQueue& itsQueue)
+            : queue(itsQueue) {}
+
+    private:
+        void run() override { queue.run(); }
+
+        ThreadQueue& queue;
+    };
+
     void run() {
         std::unique_lock lock(mutex);
         while (true) {
@@ -59,25 +89,35 @@ private:
             lock.unlock();
             piece.work();
             piece.work = {};
-            // Whether the receiver still lives is asked on its own thread, where it cannot die meanwhile.
-            QMetaObject::invokeMethod(
-                &mailbox,
-                [receiver = std::move(piece.receiver), done = std::move(piece.done)] {
-                    if (receiver) {
-                        done();
-                    }
-                },
-                Qt::QueuedConnection);
+            lock.lock();
+            results.push_back(std::move(piece));
+            lock.unlock();
+            QCoreApplication::postEvent(&mailbox, new QEvent(QEvent::User)); // Qt deletes it
             lock.lock();
         }
     }
 
-    QObject mailbox; // lives on the maker's thread; what was posted to it dies with it
+    // Nothing of the queue is touched once `done` runs, which may end it.
+    void deliver() {
+        Piece piece;
+        {
+            const std::scoped_lock lock(mutex);
+            piece = std::move(results.front());
+            results.pop_front();
+        }
+        // Asked here, on the receiver's own thread, where it cannot die meanwhile.
+        if (piece.receiver) {
+            piece.done();
+        }
+    }
+
     std::mutex mutex;
     std::condition_variable wake;
     std::deque<Piece> pieces;
+    std::deque<Piece> results;
     bool ending = false;
-    std::unique_ptr<QThread> thread;
+    Mailbox mailbox;
+    Thread thread;
 };
 
 } // namespace
