@@ -1,0 +1,5 @@
+#include "names/Lexicon.h"
+
+int main() {
+    return 0;
+}
