@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/QtThread.h"
+
 #include <QByteArray>
 #include <QEventLoop>
 #include <QHostAddress>
@@ -7,7 +9,6 @@
 #include <QSslServer>
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <QThread>
 #include <QTimer>
 #include <QUrl>
 
@@ -32,14 +33,14 @@ public:
     // Speaks TLS where it is told how.
     explicit ScriptedServer(std::optional<QSslConfiguration> configuration = {})
         : tls(std::move(configuration))
-        , thread(QThread::create([this] { serve(); })) {
-        thread->start();
+        , thread([this] { serve(); }) {
+        thread.start();
         listening.acquire();
     }
 
     ~ScriptedServer() {
-        thread->quit();
-        thread->wait();
+        thread.quit();
+        thread.join();
     }
 
     ScriptedServer(const ScriptedServer&) = delete;
@@ -120,7 +121,7 @@ private:
         });
         listening.release();
         QEventLoop loop;
-        QObject::connect(thread.get(), &QThread::finished, &loop, &QEventLoop::quit);
+        QObject::connect(&thread, &QThread::finished, &loop, &QEventLoop::quit);
         loop.exec();
     }
 
@@ -137,7 +138,7 @@ private:
     std::vector<QByteArray> heads;
     quint16 port = 0;
     std::binary_semaphore listening{0};
-    std::unique_ptr<QThread> thread; // last, for it uses the rest
+    QtThread thread; // last, for it uses the rest
 };
 
 } // namespace pelloran::testing

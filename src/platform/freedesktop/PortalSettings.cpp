@@ -63,25 +63,29 @@ PortalSettings::PortalSettings(const QString& busAddress)
     : connectionName(newConnectionName())
     , bus(connectionName) {
     connecting = std::thread([this, busAddress, name = connectionName] {
-        if (busAddress.isEmpty() && !sessionHasBus()) {
-            QMetaObject::invokeMethod(this, [this] { tell(std::nullopt); }, Qt::QueuedConnection);
-            return;
+        if (!busAddress.isEmpty() || sessionHasBus()) {
+            made = busAddress.isEmpty() ? QDBusConnection::connectToBus(QDBusConnection::SessionBus, name)
+                                        : QDBusConnection::connectToBus(busAddress, name);
         }
-        const QDBusConnection connection = busAddress.isEmpty()
-                                               ? QDBusConnection::connectToBus(QDBusConnection::SessionBus, name)
-                                               : QDBusConnection::connectToBus(busAddress, name);
-        QMetaObject::invokeMethod(this, [this, connection] { connected(connection); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, "connectingEnded", Qt::QueuedConnection);
     });
 }
 
 PortalSettings::~PortalSettings() {
-    connecting.join();
+    if (connecting.joinable()) {
+        connecting.join();
+    }
     bus = QDBusConnection(QString());
     QDBusConnection::disconnectFromBus(connectionName);
 }
 
-void PortalSettings::connected(const QDBusConnection& connection) {
-    bus = connection;
+void PortalSettings::connectingEnded() {
+    connecting.join(); // it has nothing left to do
+    if (!made) {
+        tell(std::nullopt);
+        return;
+    }
+    bus = *std::exchange(made, std::nullopt);
     if (!bus.isConnected()) {
         tell(std::nullopt);
         return;

@@ -31,12 +31,12 @@ public:
     std::function<void(const QString& group, const QString& key, const QVariant& value)> changed;
 
 private Q_SLOTS:
+    void connectingEnded();
     void settingChanged(const QString& group, const QString& key, const QDBusVariant& value,
                         const QDBusMessage& message);
     void ownerChanged(const QString& name, const QString& before, const QString& now);
 
 private:
-    void connected(const QDBusConnection& connection);
     void readAll();
     void tell(std::optional<PortalGroups> groups) const;
 
@@ -44,6 +44,7 @@ private:
     QDBusConnection bus;
     QString portal; // unique name of who answered; empty: nobody
     bool asking = false;
+    std::optional<QDBusConnection> made; // the thread's, until it has ended
     std::thread connecting;
 };
 

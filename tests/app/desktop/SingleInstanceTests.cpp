@@ -2,6 +2,7 @@
 
 #include "base/Log.h"
 #include "tests/support/Printing.h"
+#include "tests/support/QtThread.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
@@ -10,12 +11,13 @@
 #include <QLocalSocket>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QThread>
 
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <memory>
 #include <thread>
+#include <vector>
 
 namespace pelloran {
 namespace {
@@ -96,9 +98,9 @@ TEST_F(SingleInstanceTest, HasOneWinnerOfARace) {
     std::atomic<int> firsts = 0;
     std::atomic<int> handedOver = 0;
     std::atomic<int> reopened = 0;
-    std::vector<std::unique_ptr<QThread>> threads; // of Qt's: the first listens on its own
+    std::vector<std::unique_ptr<testing::QtThread>> threads; // of Qt's: the first listens on its own
     for (int i = 0; i < starts; ++i) {
-        threads.emplace_back(QThread::create([&] {
+        threads.push_back(std::make_unique<testing::QtThread>([&] {
             SingleInstance instance(folder.path(), name);
             instance.reopen = [&reopened] { ++reopened; };
             switch (instance.begin(10s)) {
@@ -122,7 +124,7 @@ TEST_F(SingleInstanceTest, HasOneWinnerOfARace) {
         threads.back()->start();
     }
     for (const auto& thread : threads) {
-        thread->wait();
+        thread->join();
     }
     EXPECT_EQ(firsts, 1);
     EXPECT_EQ(handedOver, starts - 1);
