@@ -1,9 +1,9 @@
 // From a snapshot to pixels, and a drag of the panel's edge. Runs on whatever Qt runs on: QT_QPA_PLATFORM=offscreen
 // without a display, xcb for the real way. Wall times contain the pause that Qt makes between two repaints of a window.
 
-#include "overlay/OverlayPanel/FloatingPanel.h"
-#include "overlay/OverlayPanel/FontCache.h"
-#include "overlay/OverlayPanel/Motion.h"
+#include "overlay/OverlayPanel/views/FloatingPanel.h"
+#include "overlay/OverlayPanel/views/FontCache.h"
+#include "overlay/OverlayPanel/views/Motion.h"
 #include "overlay/OverlayPanelController.h"
 #include "platform/PanelWindow.h"
 #include "platform/SystemSettings.h"

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "model/OverlayModel.h"
-#include "overlay/OverlayPanel/GeometryDriver.h"
-#include "overlay/OverlayPanel/PanelColors.h"
-#include "overlay/OverlayPanel/PanelDecisions.h"
-#include "overlay/OverlayPanel/ResolvedMetrics.h"
+#include "overlay/OverlayPanel/layout/PanelDecisions.h"
+#include "overlay/OverlayPanel/layout/ResolvedMetrics.h"
+#include "overlay/OverlayPanel/views/GeometryDriver.h"
+#include "overlay/OverlayPanel/views/PanelColors.h"
 
 #include <QObject>
 #include <QPoint>

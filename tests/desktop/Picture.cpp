@@ -1,6 +1,6 @@
 #include "tests/desktop/Picture.h"
 
-#include "overlay/OverlayPanel/PanelColors.h"
+#include "overlay/OverlayPanel/views/PanelColors.h"
 
 #include <algorithm>
 #include <cmath>

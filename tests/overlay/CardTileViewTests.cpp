@@ -1,9 +1,9 @@
-#include "overlay/OverlayPanel/CardTileView.h"
+#include "overlay/OverlayPanel/views/CardTileView.h"
 
 #include "localisation/AppLanguage.h"
-#include "overlay/OverlayPanel/FontCache.h"
-#include "overlay/OverlayPanel/MetricRowView.h"
-#include "overlay/OverlayPanel/TextLabel.h"
+#include "overlay/OverlayPanel/views/FontCache.h"
+#include "overlay/OverlayPanel/views/MetricRowView.h"
+#include "overlay/OverlayPanel/views/TextLabel.h"
 #include "tests/support/EventCounter.h"
 #include "tests/support/ManualAnimationTime.h"
 #include "tests/support/Printing.h"

@@ -1,6 +1,6 @@
-#include "overlay/OverlayPanel/FloatingPanel.h"
+#include "overlay/OverlayPanel/views/FloatingPanel.h"
 
-#include "overlay/OverlayPanel/CloseButton.h"
+#include "overlay/OverlayPanel/views/CloseButton.h"
 #include "tests/overlay/RectPrinting.h"
 #include "tests/support/ManualAnimationTime.h"
 #include "tests/support/PanelDrag.h"

@@ -1,4 +1,4 @@
-#include "overlay/OverlayPanel/Motion.h"
+#include "overlay/OverlayPanel/views/Motion.h"
 
 #include "tests/fakes/FakeSystemSettings.h"
 #include "tests/support/ManualAnimationTime.h"

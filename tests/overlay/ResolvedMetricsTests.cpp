@@ -1,4 +1,4 @@
-#include "overlay/OverlayPanel/ResolvedMetrics.h"
+#include "overlay/OverlayPanel/layout/ResolvedMetrics.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "overlay/OverlayPanel/TextLabel.h"
+#include "overlay/OverlayPanel/views/TextLabel.h"
 
-#include "overlay/OverlayPanel/FontCache.h"
+#include "overlay/OverlayPanel/views/FontCache.h"
 #include "tests/support/EventCounter.h"
 #include "tests/support/ManualAnimationTime.h"
 

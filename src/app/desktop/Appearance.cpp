@@ -1,7 +1,7 @@
 #include "app/desktop/Appearance.h"
 
 #include "base/Log.h"
-#include "overlay/OverlayPanel/PanelColors.h"
+#include "overlay/OverlayPanel/views/PanelColors.h"
 
 #include <QApplication>
 #include <QFontDatabase>

@@ -9,7 +9,7 @@
 #include "app/Servers.h"
 #include "base/Log.h"
 #include "base/SerialQueue.h"
-#include "overlay/OverlayPanel/Motion.h"
+#include "overlay/OverlayPanel/views/Motion.h"
 #include "overlay/OverlayPanelController.h"
 #include "platform/ApplicationFiles.h"
 #include "platform/Browser.h"

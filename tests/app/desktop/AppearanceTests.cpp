@@ -1,6 +1,6 @@
 #include "app/desktop/Appearance.h"
 
-#include "overlay/OverlayPanel/PanelColors.h"
+#include "overlay/OverlayPanel/views/PanelColors.h"
 
 #include <QApplication>
 #include <QStyle>

@@ -1,4 +1,4 @@
-#include "overlay/OverlayPanel/CloseButton.h"
+#include "overlay/OverlayPanel/views/CloseButton.h"
 
 #include <QPainter>
 

@@ -1,10 +1,10 @@
-#include "overlay/OverlayPanel/CardTileView.h"
+#include "overlay/OverlayPanel/views/CardTileView.h"
 
 #include "localisation/L10n.h"
-#include "overlay/OverlayPanel/FontCache.h"
-#include "overlay/OverlayPanel/MetricRowView.h"
-#include "overlay/OverlayPanel/TextLabel.h"
-#include "overlay/OverlayPanel/TileFit.h"
+#include "overlay/OverlayPanel/layout/TileFit.h"
+#include "overlay/OverlayPanel/views/FontCache.h"
+#include "overlay/OverlayPanel/views/MetricRowView.h"
+#include "overlay/OverlayPanel/views/TextLabel.h"
 
 #include <QEvent>
 #include <QPainter>

@@ -1,7 +1,7 @@
-#include "overlay/OverlayPanel/MetricRowView.h"
+#include "overlay/OverlayPanel/views/MetricRowView.h"
 
-#include "overlay/OverlayPanel/FontCache.h"
-#include "overlay/OverlayPanel/TextLabel.h"
+#include "overlay/OverlayPanel/views/FontCache.h"
+#include "overlay/OverlayPanel/views/TextLabel.h"
 
 #include <QEvent>
 

@@ -1,4 +1,4 @@
-#include "overlay/OverlayPanel/FontCache.h"
+#include "overlay/OverlayPanel/views/FontCache.h"
 
 #include <QFontDatabase>
 #include <QFontInfo>

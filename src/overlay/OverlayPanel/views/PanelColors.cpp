@@ -1,4 +1,4 @@
-#include "overlay/OverlayPanel/PanelColors.h"
+#include "overlay/OverlayPanel/views/PanelColors.h"
 
 namespace pelloran {
 

@@ -1,4 +1,4 @@
-#include "overlay/OverlayPanel/PanelGeometry.h"
+#include "overlay/OverlayPanel/layout/PanelGeometry.h"
 
 #include <algorithm>
 #include <cmath>

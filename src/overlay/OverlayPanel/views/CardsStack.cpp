@@ -1,4 +1,4 @@
-#include "overlay/OverlayPanel/CardsStack.h"
+#include "overlay/OverlayPanel/views/CardsStack.h"
 
 #include <QEvent>
 #include <QPainter>

@@ -1,4 +1,4 @@
-#include "overlay/OverlayPanel/TextLabel.h"
+#include "overlay/OverlayPanel/views/TextLabel.h"
 
 #include <QCoreApplication>
 #include <QEvent>

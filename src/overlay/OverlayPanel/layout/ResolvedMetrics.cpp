@@ -1,4 +1,4 @@
-#include "overlay/OverlayPanel/ResolvedMetrics.h"
+#include "overlay/OverlayPanel/layout/ResolvedMetrics.h"
 
 #include <algorithm>
 #include <array>

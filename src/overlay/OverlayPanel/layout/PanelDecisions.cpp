@@ -1,4 +1,4 @@
-#include "overlay/OverlayPanel/PanelDecisions.h"
+#include "overlay/OverlayPanel/layout/PanelDecisions.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "overlay/OverlayPanel/PanelGeometry.h"
+#include "overlay/OverlayPanel/layout/PanelGeometry.h"
 
 #include <QWidget>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "model/OverlayModel.h"
-#include "overlay/OverlayPanel/ResolvedMetrics.h"
+#include "overlay/OverlayPanel/layout/ResolvedMetrics.h"
 
 #include <optional>
 

@@ -1,6 +1,6 @@
-#include "overlay/OverlayPanel/FloatingPanel.h"
+#include "overlay/OverlayPanel/views/FloatingPanel.h"
 
-#include "overlay/OverlayPanel/CloseButton.h"
+#include "overlay/OverlayPanel/views/CloseButton.h"
 
 #include <QGuiApplication>
 #include <QMouseEvent>

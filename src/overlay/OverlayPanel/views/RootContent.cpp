@@ -1,7 +1,7 @@
-#include "overlay/OverlayPanel/RootContent.h"
+#include "overlay/OverlayPanel/views/RootContent.h"
 
-#include "overlay/OverlayPanel/CardsStack.h"
-#include "overlay/OverlayPanel/TextLabel.h"
+#include "overlay/OverlayPanel/views/CardsStack.h"
+#include "overlay/OverlayPanel/views/TextLabel.h"
 
 #include <QEvent>
 

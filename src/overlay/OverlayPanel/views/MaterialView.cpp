@@ -1,4 +1,4 @@
-#include "overlay/OverlayPanel/MaterialView.h"
+#include "overlay/OverlayPanel/views/MaterialView.h"
 
 #include <QPainter>
 

@@ -1,4 +1,4 @@
-#include "overlay/OverlayPanel/TileFit.h"
+#include "overlay/OverlayPanel/layout/TileFit.h"
 
 #include <algorithm>
 #include <numeric>

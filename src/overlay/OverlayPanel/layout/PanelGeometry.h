@@ -1,6 +1,6 @@
 #pragma once
 
-#include "overlay/OverlayPanel/ResolvedMetrics.h"
+#include "overlay/OverlayPanel/layout/ResolvedMetrics.h"
 
 #include <QPointF>
 #include <QRect>

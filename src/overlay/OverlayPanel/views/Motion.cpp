@@ -1,4 +1,4 @@
-#include "overlay/OverlayPanel/Motion.h"
+#include "overlay/OverlayPanel/views/Motion.h"
 
 #include "platform/SystemSettings.h"
 

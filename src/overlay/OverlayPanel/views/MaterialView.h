@@ -1,6 +1,6 @@
 #pragma once
 
-#include "overlay/OverlayPanel/PanelColors.h"
+#include "overlay/OverlayPanel/views/PanelColors.h"
 
 #include <QWidget>
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "model/OverlayModel.h"
-#include "overlay/OverlayPanel/PanelColors.h"
-#include "overlay/OverlayPanel/ResolvedMetrics.h"
+#include "overlay/OverlayPanel/layout/ResolvedMetrics.h"
+#include "overlay/OverlayPanel/views/PanelColors.h"
 
 #include <QWidget>
 

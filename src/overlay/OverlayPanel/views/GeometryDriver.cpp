@@ -1,6 +1,6 @@
-#include "overlay/OverlayPanel/GeometryDriver.h"
+#include "overlay/OverlayPanel/views/GeometryDriver.h"
 
-#include "overlay/OverlayPanel/FloatingPanel.h"
+#include "overlay/OverlayPanel/views/FloatingPanel.h"
 
 namespace pelloran {
 
