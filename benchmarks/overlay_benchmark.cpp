@@ -3,7 +3,6 @@
 
 #include "overlay/OverlayPanel/views/FloatingPanel.h"
 #include "overlay/OverlayPanel/views/FontCache.h"
-#include "overlay/OverlayPanel/views/Motion.h"
 #include "overlay/OverlayPanelController.h"
 #include "platform/PanelWindow.h"
 #include "platform/SystemSettings.h"
@@ -41,12 +40,12 @@ protected:
 
 struct Bench {
     std::unique_ptr<SystemSettings> settings = SystemSettings::create();
-    OverlayPanelController controller{*settings, PanelWindow::create()};
+    // What is measured is the work, not the length of an animation.
+    OverlayPanelController controller{*settings, PanelWindow::create(), MotionPreference::reduced};
     PaintCounter counter;
     std::mt19937 random{7};
 
     Bench() {
-        Motion::forceReducedMotion(true); // what is measured is the work, not the length of an animation
         controller.window().installEventFilter(&counter);
         controller.show();
         showAndPaint(pick());

@@ -1,26 +1,22 @@
 #include "overlay/OverlayPanelController.h"
 
-#include "localisation/L10n.h"
 #include "overlay/OverlayPanel/views/CardsStack.h"
-#include "overlay/OverlayPanel/views/CardTileView.h"
 #include "overlay/OverlayPanel/views/FloatingPanel.h"
-#include "overlay/OverlayPanel/views/FontCache.h"
-#include "overlay/OverlayPanel/views/MaterialView.h"
-#include "overlay/OverlayPanel/views/Motion.h"
+#include "overlay/OverlayPanel/views/GeometryDriver.h"
+#include "overlay/OverlayPanel/views/PanelColors.h"
+#include "overlay/OverlayPanel/views/PanelViews.h"
 #include "overlay/OverlayPanel/views/RootContent.h"
-#include "overlay/OverlayPanel/views/TextLabel.h"
 #include "platform/PanelWindow.h"
 #include "platform/SystemSettings.h"
 
 #include <QGuiApplication>
 #include <QMetaObject>
-#include <QPainterPath>
 #include <QPalette>
-#include <QScopedValueRollback>
 #include <QScreen>
 
 #include <algorithm>
 #include <utility>
+#include <variant>
 
 namespace pelloran {
 
@@ -37,25 +33,8 @@ constexpr auto layoutAnimation = "layout";
 constexpr auto frameAnimation = "frame";
 constexpr auto alphaAnimation = "alpha";
 
-Appearance appearanceOf(const SystemSettings& settings) {
-    return settings.appearance().value_or(pelloran::appearanceOf(QGuiApplication::palette()));
-}
-
-ContentConstraints constraintsFor(const ResolvedMetrics& layout) {
-    const double inset = layout.contentInset;
-    const double gap = layout.sectionSpacing;
-    return {
-        .titleTop = inset,
-        .titleLeading = inset,
-        .titleTrailing = -inset,
-        .messageTop = gap,
-        .messageLeading = inset,
-        .messageTrailing = -inset,
-        .stackTop = gap,
-        .stackLeading = inset,
-        .stackTrailing = -inset,
-        .stackBottom = -inset,
-    };
+PanelColors colorsOf(const SystemSettings& settings) {
+    return PanelColors::of(settings.appearance().value_or(appearanceOf(QGuiApplication::palette())));
 }
 
 void fadeIn(AnimationGroup& group, CardsStack& stack) {
@@ -66,61 +45,24 @@ void fadeIn(AnimationGroup& group, CardsStack& stack) {
 } // namespace
 
 OverlayPanelController::OverlayPanelController(const SystemSettings& systemSettings,
-                                               std::unique_ptr<PanelWindow> window)
+                                               std::unique_ptr<PanelWindow> window, MotionPreference motionPreference)
     : settings(systemSettings)
-    , panelWindow(std::move(window))
-    , colors(PanelColors::of(appearanceOf(systemSettings)))
-    , panel(std::make_unique<FloatingPanel>(panelWindow->windowFlags())) {
-    panel->setWindowTitle(QStringLiteral("Pelloran"));
-    // All views below are owned by the panel.
-    materialView = new MaterialView(panel.get(), colors);
-    rootContent = new RootContent(materialView);
-    titleLabel = rootContent->titleLabel;
-    messageLabel = rootContent->messageLabel;
-    cardsStack = rootContent->cardsStack;
-    titleLabel->setText(L10n::tr(u"overlay.arena"));
-    messageLabel->hide();
-    for (CardTileView*& tile : cardPool) {
-        tile = new CardTileView(cardsStack, colors);
-        tile->hide();
-    }
-    // The panel moves and resizes itself wherever it is touched.
-    materialView->setAttribute(Qt::WA_TransparentForMouseEvents);
-    materialView->lower();
-    rootContent->setTitleReserve(panel->closeButtonWidth());
-    applyColors();
-
-    metrics.current = ResolvedMetrics::resolve(initialFrame.size(), 0, Axis::vertical);
-    shownLayout = metrics.current;
-    materialView->resize(panel->size());
-    rootContent->resize(panel->size());
-
-    connect(panel.get(), &FloatingPanel::didResize, this, [this] {
-        // At once: where the drag ends in the same turn of the event loop, the tick that follows is no live one.
-        if (panel->inLiveResize() && !suppressUserResizeTracking) {
-            userResizedFrame = panel->frame().size();
-        }
-        materialView->resize(panel->size());
-        rootContent->resize(panel->size());
-        applyMaterial();
-    });
-    connect(panel.get(), &FloatingPanel::willStartDrag, this, [this] { Motion::end(*panel, frameAnimation); });
+    , motion(systemSettings, motionPreference)
+    , views(std::make_unique<PanelViews>(std::move(window), colorsOf(systemSettings), state.metrics.current))
+    , geometry(std::make_unique<GeometryDriver>(views->panel)) {
+    FloatingPanel* panel = &views->panel;
+    connect(panel, &FloatingPanel::didResize, this,
+            [this, panel] { panelResized(state, panel->hold(), panel->frame().size()); });
+    connect(panel, &FloatingPanel::willStartDrag, this, [panel] { Motion::end(*panel, frameAnimation); });
     // It tells of light and dark where the desktop says nothing else.
-    connect(panel.get(), &FloatingPanel::paletteDidChange, this, &OverlayPanelController::systemSettingsChanged);
-    connect(panel.get(), &QWidget::customContextMenuRequested, this,
-            [this](QPoint at) { Q_EMIT contextMenuRequested(panel->mapToGlobal(at)); });
-    geometry = std::make_unique<GeometryDriver>(*panel);
-    geometry->onTick = [this](GeometryDriver::Phase phase) { geometryTick(phase); };
-
-    Motion::instant([this](AnimationGroup& group) {
-        applyLayout(group, true);
-        applyTypography();
+    connect(panel, &FloatingPanel::paletteDidChange, this, &OverlayPanelController::systemSettingsChanged);
+    connect(panel, &QWidget::customContextMenuRequested, this, [this, panel](QPoint at) {
+        if (contextMenuRequested) {
+            contextMenuRequested(panel->mapToGlobal(at));
+        }
     });
+    geometry->onTick = [this](GeometryPhase phase) { geometryTick(phase); };
 
-    panel->winId(); // makes the window known to the window server, for the one that takes charge of it
-    panelWindow->attach(*panel->windowHandle());
-    panelWindow->compositingChanged = [this] { applyMaterial(); };
-    applyMaterial();
     const auto watch = [this](QScreen* screen) {
         connect(screen, &QScreen::availableGeometryChanged, this, &OverlayPanelController::bringBackIfLost,
                 Qt::QueuedConnection);
@@ -132,27 +74,27 @@ OverlayPanelController::OverlayPanelController(const SystemSettings& systemSetti
     }
 }
 
-OverlayPanelController::~OverlayPanelController() {
-    panelWindow.reset(); // it has charge of a window that goes with the panel
+OverlayPanelController::~OverlayPanelController() = default;
+
+FloatingPanel& OverlayPanelController::window() const {
+    return views->panel;
 }
 
 void OverlayPanelController::show() {
     if (const auto visible = FloatingPanel::mainVisibleFrame();
-        visible && !isComfortablyOnScreen(panel->frame(), *visible)) {
-        Motion::end(*panel, frameAnimation);
-        panel->setFrame(broughtBack(panel->frame(), *visible));
+        visible && !isComfortablyOnScreen(window().frame(), *visible)) {
+        bringBack(*visible);
     }
-    panel->show();
-    panelWindow->raise();
-    geometry->enqueue(GeometryDriver::Phase::settle, true);
+    views->show();
+    geometry->enqueue(GeometryPhase::settle, true);
 }
 
 void OverlayPanelController::hide() {
-    panel->hide();
+    window().hide();
 }
 
 bool OverlayPanelController::isVisible() const {
-    return panel->isVisible();
+    return window().isVisible();
 }
 
 void OverlayPanelController::update(const OverlaySnapshot& snapshot) {
@@ -160,227 +102,135 @@ void OverlayPanelController::update(const OverlaySnapshot& snapshot) {
 }
 
 void OverlayPanelController::present(const OverlaySnapshot& snapshot) {
-    const SnapshotUpdate change = snapshotUpdate(lastSnapshot ? &*lastSnapshot : nullptr, snapshot, activeCardCount);
-    lastSnapshot = snapshot;
-    titleLabel->setText(snapshot.title);
+    const SnapshotUpdate change = snapshotArrived(state, snapshot);
+    views->showTitle(snapshot.title);
     switch (change) {
     case SnapshotUpdate::bindAll:
-        bindCards(snapshot, false);
-        break;
     case SnapshotUpdate::bindAppearing:
-        bindCards(snapshot, true);
+        if (showsMessageOnly(snapshot)) {
+            views->showMessage(*snapshot.message);
+        } else {
+            showTiles(snapshot, change == SnapshotUpdate::bindAppearing);
+        }
         break;
     case SnapshotUpdate::showMessage:
-        bindMessage(*snapshot.message);
+        views->showMessage(*snapshot.message);
         break;
     case SnapshotUpdate::rebind:
-        for (int index = 0; index < activeCardCount; ++index) {
-            cardPool[index]->bind(snapshot.cards[index]);
-        }
+        views->rebindTiles(snapshot.cards);
         break;
     }
-    adaptWindowSize(static_cast<int>(snapshot.cards.size()), true);
-    geometry->enqueue(GeometryDriver::Phase::settle, true);
+    adaptWindowSize();
+    geometry->enqueue(GeometryPhase::settle, true);
 }
 
-void OverlayPanelController::bindMessage(const QString& message) {
-    messageLabel->setText(message);
-    messageLabel->show();
-    cardsStack->hide();
-    for (CardTileView* tile : cardPool) {
-        tile->hide();
-    }
-    activeCardCount = 0;
-}
-
-void OverlayPanelController::bindCards(const OverlaySnapshot& snapshot, bool animateAppear) {
-    if (showsMessageOnly(snapshot)) {
-        bindMessage(*snapshot.message);
-        rootContent->layoutSubviews();
-        return;
-    }
-    messageLabel->hide();
-    cardsStack->show();
-    activeCardCount = shownCardCount(snapshot);
-    for (int index = 0; index < tilePoolSize; ++index) {
-        CardTileView* tile = cardPool[index];
-        const bool shown = index < activeCardCount;
-        if (shown) {
-            tile->bind(snapshot.cards[index]);
-            tile->applyLayout(shownLayout);
-        }
-        tile->setHidden(!shown);
-    }
-    rootContent->layoutSubviews();
-    cardsStack->layoutSubviews();
-    Motion::end(*cardsStack, alphaAnimation);
-    if (animateAppear && !Motion::reducesMotion()) {
-        cardsStack->setAlpha(0);
-        Motion::run(appearDuration, [this](AnimationGroup& group) { fadeIn(group, *cardsStack); });
+void OverlayPanelController::showTiles(const OverlaySnapshot& snapshot, bool appearing) {
+    views->showTiles(snapshot.cards);
+    CardsStack& stack = *views->cardsStack;
+    Motion::end(stack, alphaAnimation);
+    if (appearing && !motion.isReduced()) {
+        stack.setAlpha(0);
+        motion.run(appearDuration, [&stack](AnimationGroup& group) { fadeIn(group, stack); });
     } else {
-        cardsStack->setAlpha(1);
+        stack.setAlpha(1);
     }
 }
 
-void OverlayPanelController::adaptWindowSize(int cardCount, bool animated) {
-    if (panel->isDragged()) {
-        return; // it is in the user's hand
+void OverlayPanelController::adaptWindowSize() {
+    FloatingPanel& panel = window();
+    const UpwardRect from = panel.frame();
+    const FrameDecision decision = frameSuited(state, from, panel.hold(), panel.visibleFrame());
+    if (std::holds_alternative<StopFrame>(decision)) {
+        Motion::end(panel, frameAnimation);
+    } else if (const auto* move = std::get_if<MoveFrame>(&decision)) {
+        motion.run(
+            frameDuration,
+            [&panel, from, to = move->target](AnimationGroup& group) {
+                group.animate(panel, frameAnimation, [&panel, from, to](double progress) {
+                    panel.setFrame(betweenFrames(from, to, progress));
+                });
+            },
+            [this, number = move->number] { frameMoveEnded(state, number); });
     }
-    const UpwardRect from = panel->frame();
-    const auto target = adaptedFrame(cardCount, from, userResizedFrame, metrics.current.scale, metrics.current.axis,
-                                     panel->visibleFrame());
-    if (!target) {
-        Motion::end(*panel, frameAnimation); // on the way to where an earlier snapshot wanted it
-        return;
-    }
-    suppressUserResizeTracking = true;
-    const int animation = ++frameAnimations;
-    const auto change = [this, from, to = *target](AnimationGroup& group) {
-        group.animate(*panel, frameAnimation,
-                      [this, from, to](double progress) { panel->setFrame(betweenFrames(from, to, progress)); });
-    };
-    const auto complete = [this, animation] {
-        if (animation == frameAnimations) {
-            suppressUserResizeTracking = false;
-        }
-    };
-    Motion::run(animated ? frameDuration : 0, change, complete);
 }
 
-void OverlayPanelController::transitionAxis(bool animated) {
-    isAxisTransitioning = true;
+void OverlayPanelController::transitionAxis() {
+    CardsStack& stack = *views->cardsStack;
     const auto turn = [this] {
         Motion::instant([this](AnimationGroup& group) {
-            applyLayout(group, true);
+            applyLayout(group);
+            views->layoutSubviews();
             applyTypography();
         });
     };
-    if (!animated || Motion::reducesMotion()) {
+    if (motion.isReduced()) {
         turn();
-        cardsStack->setAlpha(1);
-        isAxisTransitioning = false;
+        stack.setAlpha(1);
+        axisTurned(state);
         return;
     }
-    auto* picture = new FadingPicture(rootContent, cardsStack->picture()); // owned by the content until it has faded
-    picture->setGeometry(cardsStack->geometry());
-    picture->show();
-    Motion::end(*cardsStack, alphaAnimation);
-    cardsStack->setAlpha(0);
+    FadingPicture& picture = views->coverTiles();
+    Motion::end(stack, alphaAnimation);
+    stack.setAlpha(0);
     turn();
-    Motion::run(
+    motion.run(
         axisDuration,
-        [this, picture](AnimationGroup& group) {
-            group.animate(*picture, alphaAnimation, [picture](double progress) { picture->setAlpha(1 - progress); });
-            fadeIn(group, *cardsStack);
+        [&stack, &picture](AnimationGroup& group) {
+            group.animate(picture, alphaAnimation, [&picture](double progress) { picture.setAlpha(1 - progress); });
+            fadeIn(group, stack);
         },
-        [this, picture] {
-            picture->deleteLater();
-            isAxisTransitioning = false;
+        [this, &picture] {
+            picture.deleteLater();
+            axisTurned(state);
         });
 }
 
-void OverlayPanelController::geometryTick(GeometryDriver::Phase phase) {
-    if (isApplyingLayout || isAxisTransitioning) {
-        return;
-    }
-    // A snapshot may ask for a settled look in the middle of a drag: the axis must not turn under the user's hand.
-    const bool live = phase == GeometryDriver::Phase::live || panel->inLiveResize();
-    const UpwardRect frame = panel->frame();
-    if (phase == GeometryDriver::Phase::live && !suppressUserResizeTracking) {
-        userResizedFrame = frame.size();
-    }
-    const QSizeF content = materialView->width() > 1 ? QSizeF(materialView->size()) : frame.size();
-    const auto resolved = ResolvedMetrics::resolve(content, activeCardCount, metrics.current.axis);
-    const GeometryDecision decision = live ? liveDecision(metrics, resolved) : settleDecision(metrics, resolved);
-    if (decision.store) {
-        metrics.current = *decision.store;
-    }
+void OverlayPanelController::geometryTick(GeometryPhase phase) {
+    const FloatingPanel& panel = window();
+    const GeometryDecision decision =
+        panelMeasured(state, phase, panel.hold(), panel.frame().size(), views->contentSize());
     if (decision.transitionAxis) {
-        transitionAxis(true);
+        transitionAxis();
     } else if (decision.applyAnimated) {
-        Motion::run(relayoutDuration, [this](AnimationGroup& group) {
-            applyLayout(group, false);
+        motion.run(relayoutDuration, [this](AnimationGroup& group) {
+            applyLayout(group);
             applyTypography();
         });
     }
     if (decision.applyLayoutAtOnce) {
-        Motion::instant([this](AnimationGroup& group) { applyLayout(group, false); });
+        Motion::instant([this](AnimationGroup& group) { applyLayout(group); });
     }
     if (decision.applyTypographyAtOnce) {
         applyTypography();
     }
 }
 
-void OverlayPanelController::applyLayout(AnimationGroup& group, bool syncLayout) {
-    const QScopedValueRollback applying(isApplyingLayout, true);
-    group.animate(*rootContent, layoutAnimation, [this, from = shownLayout, to = metrics.current](double progress) {
-        showLayout(betweenLayouts(from, to, progress));
-    });
-    metrics.appliedLayout = metrics.current;
-    if (syncLayout) {
-        rootContent->layoutSubviews();
-        cardsStack->layoutSubviews();
-    }
+void OverlayPanelController::applyLayout(AnimationGroup& group) {
+    group.animate(*views->content, layoutAnimation,
+                  [this, from = views->shownLayout(), to = state.metrics.current](double progress) {
+                      views->showLayout(betweenLayouts(from, to, progress));
+                  });
     Q_EMIT layoutApplied();
 }
 
-void OverlayPanelController::showLayout(const ResolvedMetrics& layout) {
-    shownLayout = layout;
-    rootContent->setConstraints(constraintsFor(layout));
-    cardsStack->applyLayout(layout);
-    materialView->setCornerRadius(layout.panelCornerRadius);
-    panel->placeCloseButton(layout.contentInset);
-    for (int index = 0; index < activeCardCount; ++index) {
-        cardPool[index]->applyLayout(layout);
-    }
-    applyMaterial();
-}
-
 void OverlayPanelController::applyTypography() {
-    titleLabel->setTextFont(FontCache::shared().font(metrics.current.titleSize, QFont::DemiBold));
-    messageLabel->setTextFont(FontCache::shared().font(metrics.current.messageSize, QFont::Normal));
-    for (CardTileView* tile : cardPool) {
-        tile->applyTypography(metrics.current);
-    }
-    metrics.appliedTypography = metrics.current;
+    views->applyTypography(state.metrics.current);
 }
 
 void OverlayPanelController::systemSettingsChanged() {
-    colors = PanelColors::of(appearanceOf(settings));
-    applyColors();
+    views->applyColors(colorsOf(settings));
 }
 
-void OverlayPanelController::applyColors() {
-    materialView->setColors(colors);
-    titleLabel->setColor(colors.title);
-    messageLabel->setColor(colors.secondaryLabel);
-    panel->setCloseButtonColor(colors.secondaryLabel);
-    for (CardTileView* tile : cardPool) {
-        tile->setColors(colors);
-    }
-}
-
-void OverlayPanelController::applyMaterial() {
-    const double radius = materialView->cornerRadius();
-    const bool translucent = panelWindow->isComposited();
-    materialView->setTranslucent(translucent);
-    if (translucent) {
-        panel->clearMask();
-    } else {
-        // Without a compositor nothing is half transparent: the corners are cut.
-        QPainterPath outline;
-        outline.addRoundedRect(panel->rect(), radius, radius);
-        panel->setMask(QRegion(outline.toFillPolygon().toPolygon()));
-    }
-    panelWindow->blurBehind(radius);
+void OverlayPanelController::bringBack(const UpwardRect& visible) {
+    Motion::end(window(), frameAnimation);
+    window().setFrame(broughtBack(window().frame(), visible));
 }
 
 void OverlayPanelController::bringBackIfLost() {
     const auto main = FloatingPanel::mainVisibleFrame();
-    const auto own = panel->visibleFrame();
-    if (main && own && !isComfortablyOnScreen(panel->frame(), *own)) {
-        Motion::end(*panel, frameAnimation);
-        panel->setFrame(broughtBack(panel->frame(), *main));
+    const auto own = window().visibleFrame();
+    if (main && own && !isComfortablyOnScreen(window().frame(), *own)) {
+        bringBack(*main);
     }
 }
 

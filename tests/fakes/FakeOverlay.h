@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/desktop/Overlay.h"
+#include "overlay/Overlay.h"
 
 #include <QStringList>
 

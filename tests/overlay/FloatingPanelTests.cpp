@@ -43,14 +43,14 @@ TEST_F(FloatingPanelTest, OpensAtItsPlace) {
 TEST_F(FloatingPanelTest, IsMovedByItsBackground) {
     PanelDrag drag(panel, {180, 200});
     EXPECT_EQ(dragStarts.count(), 1);
-    EXPECT_TRUE(panel.isDragged());
+    EXPECT_EQ(panel.hold(), UserHold::background);
     EXPECT_FALSE(panel.inLiveResize());
     drag.moveBy({30, 50});
     EXPECT_EQ(panel.frame(), (UpwardRect{70, 10, 360, 420}));
     drag.moveBy({-10, -20});
     EXPECT_EQ(panel.frame(), (UpwardRect{30, 80, 360, 420})) << "from where it began";
     drag.release();
-    EXPECT_FALSE(panel.isDragged());
+    EXPECT_EQ(panel.hold(), UserHold::nothing);
     EXPECT_EQ(liveStarts.count() + liveEnds.count(), 0) << "a move is no resizing";
 }
 
@@ -98,7 +98,7 @@ TEST_F(FloatingPanelTest, ListensToTheLeftButtonOnly) {
         const QPointF at(180, 200);
         QMouseEvent press(QEvent::MouseButtonPress, at, panel.mapToGlobal(at), button, button, Qt::NoModifier);
         QCoreApplication::sendEvent(&panel, &press);
-        EXPECT_FALSE(panel.isDragged());
+        EXPECT_EQ(panel.hold(), UserHold::nothing);
     }
     PanelDrag drag(panel, {358, 200});
     const QPointF at(180, 200);
@@ -113,7 +113,7 @@ TEST_F(FloatingPanelTest, EndsItsDragWhenItIsHidden) {
     PanelDrag drag(panel, {358, 200});
     panel.hide();
     EXPECT_EQ(liveEnds.count(), 1);
-    EXPECT_FALSE(panel.isDragged());
+    EXPECT_EQ(panel.hold(), UserHold::nothing);
     drag.release();
     EXPECT_EQ(liveEnds.count(), 1);
 }
@@ -127,7 +127,7 @@ TEST_F(FloatingPanelTest, EndsItsDragWhenTheReleaseWentElsewhere) {
     const QPointF at(100, 100);
     QMouseEvent hover(QEvent::MouseMove, at, panel.mapToGlobal(at), Qt::NoButton, Qt::NoButton, Qt::NoModifier);
     QCoreApplication::sendEvent(&panel, &hover);
-    EXPECT_FALSE(panel.isDragged()) << "a pointer without a button held holds nothing";
+    EXPECT_EQ(panel.hold(), UserHold::nothing) << "a pointer without a button held holds nothing";
     EXPECT_EQ(panel.frame(), frame);
     EXPECT_EQ(liveEnds.count(), 1);
     EXPECT_EQ(panel.cursor().shape(), Qt::ArrowCursor);
@@ -138,7 +138,7 @@ TEST_F(FloatingPanelTest, EndsItsDragWhenTheReleaseWentElsewhere) {
     }
     PanelDrag next(panel, {180, 200}); // without a move in between
     EXPECT_EQ(liveEnds.count(), 2);
-    EXPECT_TRUE(panel.isDragged());
+    EXPECT_EQ(panel.hold(), UserHold::background);
     EXPECT_FALSE(panel.inLiveResize());
     next.release();
     EXPECT_EQ(liveEnds.count(), 2);

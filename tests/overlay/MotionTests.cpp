@@ -14,16 +14,10 @@ namespace pelloran {
 namespace {
 
 class MotionTest : public ::testing::Test {
-public:
-    ~MotionTest() override {
-        Motion::forceReducedMotion(false);
-        Motion::configure(nullptr);
-    }
-
 protected:
     // Writes the progress of one animation into `steps`, and its completion into `completions`.
     void run(double seconds, const char* name = "test") {
-        Motion::run(
+        motion.run(
             seconds,
             [&](AnimationGroup& group) {
                 group.animate(target, name, [this](double progress) { steps.push_back(progress); });
@@ -32,6 +26,8 @@ protected:
     }
 
     testing::ManualAnimationTime time;
+    testing::FakeSystemSettings settings;
+    Motion motion{settings};
     QObject target;
     std::vector<double> steps;
     int completions = 0;
@@ -93,11 +89,9 @@ TEST_F(MotionTest, IsInstantWithoutADuration) {
 }
 
 TEST_F(MotionTest, IsInstantForWhoAsksForLessOfIt) {
-    testing::FakeSystemSettings settings;
-    Motion::configure(&settings);
-    EXPECT_FALSE(Motion::reducesMotion());
+    EXPECT_FALSE(motion.isReduced());
     settings.setReducesMotion(true);
-    EXPECT_TRUE(Motion::reducesMotion());
+    EXPECT_TRUE(motion.isReduced());
     run(0.28);
     EXPECT_EQ(steps, std::vector{1.0});
     EXPECT_EQ(completions, 1) << "completions still run";
@@ -106,15 +100,15 @@ TEST_F(MotionTest, IsInstantForWhoAsksForLessOfIt) {
     run(0.28);
     EXPECT_EQ(completions, 1) << "it moves again";
 
-    Motion::forceReducedMotion(true);
-    EXPECT_TRUE(Motion::reducesMotion()) << "whatever the system says";
-    run(0.28);
+    const Motion reduced(settings, MotionPreference::reduced);
+    EXPECT_TRUE(reduced.isReduced()) << "whatever the system says";
+    reduced.run(
+        0.28, [&](AnimationGroup& group) { group.animate(target, "test", [](double) {}); }, [this] { ++completions; });
     EXPECT_EQ(completions, 3) << "the one that was taken over and the new one";
 }
 
-TEST_F(MotionTest, NeedsNoSettingsAndNoCompletion) {
-    EXPECT_FALSE(Motion::reducesMotion());
-    Motion::run(0.1, [&](AnimationGroup& group) {
+TEST_F(MotionTest, NeedsNoCompletion) {
+    motion.run(0.1, [&](AnimationGroup& group) {
         group.animate(target, "test", [this](double progress) { steps.push_back(progress); });
     });
     time.pass(200);
@@ -132,7 +126,7 @@ TEST_F(MotionTest, InstantMovesAtOnce) {
 
 TEST_F(MotionTest, CompletesWhenNothingMoves) {
     bool completed = false;
-    Motion::run(0.28, [](AnimationGroup&) {}, [&] { completed = true; });
+    motion.run(0.28, [](AnimationGroup&) {}, [&] { completed = true; });
     time.pass(0);
     EXPECT_TRUE(completed);
 }
@@ -140,7 +134,7 @@ TEST_F(MotionTest, CompletesWhenNothingMoves) {
 TEST_F(MotionTest, CompletesWhenTheLastHasEnded) {
     QObject other;
     std::vector<double> otherSteps;
-    Motion::run(
+    motion.run(
         0.16,
         [&](AnimationGroup& group) {
             group.animate(target, "one", [this](double progress) { steps.push_back(progress); });
@@ -165,7 +159,7 @@ TEST_F(MotionTest, OfTheSameNameTakesOver) {
     EXPECT_GT(reached, 0);
     EXPECT_LT(reached, 1);
     std::vector<double> second;
-    Motion::run(0.16, [&](AnimationGroup& group) {
+    motion.run(0.16, [&](AnimationGroup& group) {
         group.animate(target, "test", [&](double progress) { second.push_back(progress); });
     });
     EXPECT_EQ(completions, 1) << "the first counts as complete";
@@ -205,7 +199,7 @@ TEST_F(MotionTest, EndsOnlyWhatRuns) {
 }
 
 TEST_F(MotionTest, MayBeginAgainWhenItCompletes) {
-    Motion::run(
+    motion.run(
         0.1,
         [&](AnimationGroup& group) {
             group.animate(target, "test", [this](double progress) { steps.push_back(progress); });
@@ -220,7 +214,7 @@ TEST_F(MotionTest, MayBeginAgainWhenItCompletes) {
 
 TEST_F(MotionTest, GoesWithItsTargetAndDoesNotComplete) {
     const auto runOn = [&](QObject& doomed) {
-        Motion::run(
+        motion.run(
             0.16,
             [&](AnimationGroup& group) {
                 group.animate(doomed, "test", [this](double progress) { steps.push_back(progress); });

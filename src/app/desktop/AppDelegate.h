@@ -1,9 +1,9 @@
 #pragma once
 
-#include "app/desktop/Overlay.h"
 #include "app/desktop/StatusMenu.h"
 #include "data/WinrateData.h"
 #include "draft/DraftService.h"
+#include "overlay/Overlay.h"
 #include "sync/ConfigSyncResult.h"
 
 #include <QMetaObject>

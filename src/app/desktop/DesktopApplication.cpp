@@ -9,7 +9,6 @@
 #include "app/Servers.h"
 #include "base/Log.h"
 #include "base/SerialQueue.h"
-#include "overlay/OverlayPanel/views/Motion.h"
 #include "overlay/OverlayPanelController.h"
 #include "platform/ApplicationFiles.h"
 #include "platform/Browser.h"
@@ -31,32 +30,6 @@
 namespace pelloran {
 
 namespace {
-
-class PanelOverlay final : public Overlay {
-public:
-    explicit PanelOverlay(const SystemSettings& settings)
-        : controller(settings, PanelWindow::create()) {
-        QObject::connect(&controller, &OverlayPanelController::contextMenuRequested, &controller,
-                         [this](QPoint position) {
-                             if (contextMenuRequested) {
-                                 contextMenuRequested(position);
-                             }
-                         });
-    }
-
-    void show() override { controller.show(); }
-
-    void hide() override { controller.hide(); }
-
-    bool isVisible() const override { return controller.isVisible(); }
-
-    void update(const OverlaySnapshot& snapshot) override { controller.update(snapshot); }
-
-    void systemSettingsChanged() override { controller.systemSettingsChanged(); }
-
-private:
-    OverlayPanelController controller;
-};
 
 // What the session manager restarts at the next log-in is the user's list of programs, not what happened to run.
 void leaveRestartToTheUser(QSessionManager& manager) {
@@ -85,8 +58,6 @@ int runOnDesktop(const RunLoop& command, SystemSettings& settings, UserDefaults&
     QObject::connect(qApp, &QGuiApplication::commitDataRequest, qApp, leaveRestartToTheUser);
     QObject::connect(qApp, &QGuiApplication::saveStateRequest, qApp, leaveRestartToTheUser);
     applyAppearance(settings.appearance());
-    Motion::configure(&settings);
-    Motion::forceReducedMotion(command.reduceMotion);
     remarkOnMissingFonts();
 
     DraftParts parts(command);
@@ -103,6 +74,7 @@ int runOnDesktop(const RunLoop& command, SystemSettings& settings, UserDefaults&
     const UpdateService updates(command.updateServer, defaults);
     const auto browser = Browser::create();
     UpdatePrompts updatePrompts(updates.checker(), alerts, *browser);
+    const auto motion = command.reduceMotion ? MotionPreference::reduced : MotionPreference::asDesktopSays;
     const auto delegate = std::make_shared<AppDelegate>(AppDelegate::Surroundings{
         .store = parts.store,
         .screenReader = parts.screenReader,
@@ -114,7 +86,10 @@ int runOnDesktop(const RunLoop& command, SystemSettings& settings, UserDefaults&
         .settings = settings,
         .files = *parts.files,
         .config = parts.config,
-        .makeOverlay = [&settings] { return std::make_unique<PanelOverlay>(settings); },
+        .makeOverlay =
+            [&settings, motion] {
+                return std::make_unique<OverlayPanelController>(settings, PanelWindow::create(), motion);
+            },
         .terminate = &QCoreApplication::exit,
         .alsoReceives = parts.printer,
     });

@@ -31,6 +31,8 @@ struct PanelMetrics {
     ResolvedMetrics current;
     std::optional<ResolvedMetrics> appliedLayout;
     std::optional<ResolvedMetrics> appliedTypography;
+
+    bool operator==(const PanelMetrics&) const = default;
 };
 
 // What follows from a look at the panel's size. At most one of the three kinds of work is asked for.
@@ -40,6 +42,8 @@ struct GeometryDecision {
     bool applyAnimated = false;           // layout and fonts together
     bool applyLayoutAtOnce = false;
     bool applyTypographyAtOnce = false;
+
+    bool operator==(const GeometryDecision&) const = default;
 };
 
 // The panel came to rest at a size for which `resolved` holds.

@@ -63,6 +63,9 @@ struct ResizeHandle {
     bool operator==(const ResizeHandle&) const = default;
 };
 
+// What of the panel the user has hold of.
+enum class UserHold { nothing, background, edge };
+
 // `position` is measured from the panel's top left corner downward, as Qt's mouse events tell it.
 ResizeHandle resizeHandleAt(QPointF position, QSizeF panelSize);
 

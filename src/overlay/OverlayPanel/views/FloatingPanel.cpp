@@ -62,6 +62,13 @@ std::optional<UpwardRect> FloatingPanel::mainVisibleFrame() {
     return main ? std::optional(toUpward(main->availableGeometry(), main->geometry())) : std::nullopt;
 }
 
+UserHold FloatingPanel::hold() const {
+    if (!drag) {
+        return UserHold::nothing;
+    }
+    return drag->handle.isNone() ? UserHold::background : UserHold::edge;
+}
+
 void FloatingPanel::placeCloseButton(double inset) {
     closeButtonInset = inset;
     const int gap = static_cast<int>(std::lround(inset)) - CloseButton::margin;

@@ -26,11 +26,9 @@ public:
     std::optional<UpwardRect> visibleFrame() const;
     static std::optional<UpwardRect> mainVisibleFrame();
 
-    // The user has hold of an edge.
-    bool inLiveResize() const { return drag && !drag->handle.isNone(); }
+    UserHold hold() const;
 
-    // The user has hold of an edge or of the background.
-    bool isDragged() const { return drag.has_value(); }
+    bool inLiveResize() const { return hold() == UserHold::edge; }
 
     // Room for the close button in the top right corner: its centre lies `inset` + half a line below and beside it.
     void placeCloseButton(double inset);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "overlay/OverlayPanel/layout/PanelState.h"
+
 #include <QMetaObject>
 #include <QObject>
 #include <QPointer>
@@ -13,10 +15,7 @@ class FloatingPanel;
 // Turns the panel's resizing into at most one geometry update per turn of the event loop. Main thread.
 class GeometryDriver final : public QObject {
 public:
-    enum class Phase {
-        live,   // the user is dragging
-        settle, // the drag ended, or the size changed otherwise
-    };
+    using Phase = GeometryPhase;
 
     explicit GeometryDriver(FloatingPanel& panel);
     ~GeometryDriver() override;

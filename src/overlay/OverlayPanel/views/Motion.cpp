@@ -13,16 +13,6 @@ namespace pelloran {
 
 namespace {
 
-struct ReducedMotion {
-    const SystemSettings* settings = nullptr;
-    bool forced = false;
-};
-
-ReducedMotion& reducedMotion() {
-    static ReducedMotion shared;
-    return shared;
-}
-
 // Quick at first, then gently into place.
 QEasingCurve timingCurve() {
     QEasingCurve curve(QEasingCurve::BezierSpline);
@@ -84,21 +74,16 @@ void AnimationGroup::animate(QObject& target, const char* name, std::function<vo
     animation->start();
 }
 
-void Motion::configure(const SystemSettings* settings) {
-    reducedMotion().settings = settings;
+Motion::Motion(const SystemSettings& systemSettings, MotionPreference preferred)
+    : settings(systemSettings)
+    , preference(preferred) {}
+
+bool Motion::isReduced() const {
+    return preference == MotionPreference::reduced || settings.reducesMotion();
 }
 
-void Motion::forceReducedMotion(bool reduced) {
-    reducedMotion().forced = reduced;
-}
-
-bool Motion::reducesMotion() {
-    const ReducedMotion& asked = reducedMotion();
-    return asked.forced || (asked.settings && asked.settings->reducesMotion());
-}
-
-void Motion::run(double duration, const Animations& animations, const std::function<void()>& completion) {
-    const double effective = reducesMotion() ? 0 : duration;
+void Motion::run(double duration, const Animations& animations, const std::function<void()>& completion) const {
+    const double effective = isReduced() ? 0 : duration;
     if (effective <= 0) {
         instant(animations);
         if (completion) {

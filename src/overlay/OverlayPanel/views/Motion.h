@@ -28,28 +28,34 @@ private:
     std::shared_ptr<Completion> completion;
 };
 
+enum class MotionPreference {
+    asDesktopSays,
+    reduced, // whatever the desktop says
+};
+
 // All of the panel's animations: one timing curve, and none at all for who asks for less motion. Main thread.
 class Motion {
 public:
     using Animations = std::function<void(AnimationGroup& group)>;
 
-    // Whom to ask about reduced motion; must outlive every later call. Null: nobody asks for it.
-    static void configure(const SystemSettings* settings);
+    // `settings` must outlive it.
+    explicit Motion(const SystemSettings& settings, MotionPreference preference = MotionPreference::asDesktopSays);
 
-    // For this run, whatever the system says (the command line's --reduce-motion).
-    static void forceReducedMotion(bool reduced);
-
-    static bool reducesMotion();
+    bool isReduced() const;
 
     // Runs `animations` over `duration` seconds, then `completion`; both at once, before it returns, when motion is
     // reduced or the duration is 0.
-    static void run(double duration, const Animations& animations, const std::function<void()>& completion = {});
+    void run(double duration, const Animations& animations, const std::function<void()>& completion = {}) const;
 
     // Everything that `animations` names is at its end when this returns.
     static void instant(const Animations& animations);
 
     // Ends the animation of that name where it is.
     static void end(QObject& target, const char* name);
+
+private:
+    const SystemSettings& settings;
+    const MotionPreference preference;
 };
 
 } // namespace pelloran

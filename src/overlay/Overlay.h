@@ -13,7 +13,7 @@ class Overlay {
 public:
     virtual ~Overlay() = default;
 
-    // In front, without taking the keyboard.
+    // Brings it on screen, in front, without taking the keyboard.
     virtual void show() = 0;
     virtual void hide() = 0;
     virtual bool isVisible() const = 0;
