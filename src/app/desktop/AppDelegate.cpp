@@ -50,11 +50,9 @@ const char16_t* headKey(const ConfigSyncResult& result) {
 
 } // namespace
 
-AppDelegate::AppDelegate(Surroundings parts)
-    : surroundings(std::move(parts))
-    , statusItem(surroundings.statusItem)
-    , store(surroundings.store) {
-    surroundings.configSync.prepareUpdate = [this, &files = surroundings.files] {
+AppDelegate::AppDelegate(Parts toWire)
+    : parts(std::move(toWire)) {
+    parts.configSync.prepareUpdate = [this, &files = parts.files] {
         return [this, data = std::make_shared<WinrateData>(WinrateData::read(files))] { broughtData = data; };
     };
 }
@@ -65,35 +63,35 @@ AppDelegate::~AppDelegate() {
 
 void AppDelegate::applicationDidFinishLaunching() {
     // With a place in the Dock: a regular application is what Qt makes everywhere.
-    overlay = surroundings.makeOverlay();
-    overlay->contextMenuRequested = [this](QPoint position) { statusItem.openMenu(position); };
-    surroundings.settings.changed = [this] { systemSettingsDidChange(); };
+    overlay = parts.makeOverlay();
+    overlay->contextMenuRequested = [this](QPoint position) { parts.statusItem.openMenu(position); };
+    parts.settings.changed = [this] { systemSettingsDidChange(); };
     setupStatusItem();
     overlay->show(); // in front, but the keyboard stays with the game
 
-    if (const auto loaded = store.loadFromBundle(); !loaded) {
+    if (const auto loaded = parts.store.loadFromBundle(); !loaded) {
         log(loadFailureLine(loaded.error()));
-        surroundings.alerts.runModal({
+        parts.alerts.runModal({
             .style = Alerts::Style::critical,
             .messageText = L10n::tr(u"fatal.loadTitle"),
             .informativeText = loaded.error().localizedDescription,
             .buttons = {},
         });
-        surroundings.terminate(EXIT_FAILURE);
+        parts.terminate(EXIT_FAILURE);
         return;
     }
-    remarkOnSampleData(store);
+    remarkOnSampleData(parts.store);
 
-    service.emplace(surroundings.config, store, surroundings.queue, surroundings.screenReader);
+    service.emplace(parts.config, parts.store, parts.queue, parts.screenReader);
     service->delegate = weak_from_this();
     service->start();
     applyIdleBootMessage();
-    log(bootLine(store));
+    log(bootLine(parts.store));
     languageObserver =
         connect(&AppLanguageNotifier::shared(), &AppLanguageNotifier::posted, this, &AppDelegate::languageDidChange);
-    surroundings.configSync.startPeriodicSync(
+    parts.configSync.startPeriodicSync(
         this, [this](const ConfigSyncResult& result) { handleConfigSyncResult(result); }, true);
-    surroundings.updatePrompts.presentLaunchPromptIfNeeded();
+    parts.updatePrompts.presentLaunchPromptIfNeeded();
 }
 
 void AppDelegate::applicationShouldHandleReopen() {
@@ -107,9 +105,9 @@ void AppDelegate::applicationWillTerminate() {
         return;
     }
     disconnect(languageObserver);
-    surroundings.settings.changed = {};
-    statusItem.chosen = {};
-    surroundings.configSync.stopPeriodicSync();
+    parts.settings.changed = {};
+    parts.statusItem.chosen = {};
+    parts.configSync.stopPeriodicSync();
     if (service) {
         service->stop();
     }
@@ -117,11 +115,11 @@ void AppDelegate::applicationWillTerminate() {
 
 void AppDelegate::draftServiceDidUpdate(const OverlaySnapshot& snapshot) {
     overlay->update(snapshot);
-    if (!statusItem.hasImage()) {
-        statusItem.setTitle(snapshot.inDraft ? draftTitle : idleTitle);
+    if (!parts.statusItem.hasImage()) {
+        parts.statusItem.setTitle(snapshot.inDraft ? draftTitle : idleTitle);
     }
-    if (surroundings.alsoReceives) {
-        surroundings.alsoReceives->draftServiceDidUpdate(snapshot);
+    if (parts.alsoReceives) {
+        parts.alsoReceives->draftServiceDidUpdate(snapshot);
     }
 }
 
@@ -143,11 +141,11 @@ void AppDelegate::refreshNow() {
 }
 
 void AppDelegate::checkConfigNow() {
-    surroundings.configSync.syncAsync(this, [this](const ConfigSyncResult& result) { handleConfigSyncResult(result); });
+    parts.configSync.syncAsync(this, [this](const ConfigSyncResult& result) { handleConfigSyncResult(result); });
 }
 
 void AppDelegate::checkAppUpdateNow() {
-    surroundings.updatePrompts.presentManualCheck();
+    parts.updatePrompts.presentManualCheck();
 }
 
 void AppDelegate::selectLanguage(const QString& representedObject) {
@@ -160,25 +158,25 @@ void AppDelegate::selectLanguage(const QString& representedObject) {
 }
 
 void AppDelegate::quit() {
-    surroundings.terminate(EXIT_SUCCESS);
+    parts.terminate(EXIT_SUCCESS);
 }
 
 void AppDelegate::setupStatusItem() {
-    statusItem.chosen = [this](const StatusMenuEntry& entry) { perform(entry); };
-    const auto image = surroundings.files.resource(QStringLiteral("MenuIcon"), QStringLiteral("png"), QString());
-    if (!image || !statusItem.setImage(*image)) {
-        statusItem.setTitle(idleTitle);
+    parts.statusItem.chosen = [this](const StatusMenuEntry& entry) { perform(entry); };
+    const auto image = parts.files.resource(QStringLiteral("MenuIcon"), QStringLiteral("png"), QString());
+    if (!image || !parts.statusItem.setImage(*image)) {
+        parts.statusItem.setTitle(idleTitle);
     }
-    statusItem.setToolTip(L10n::tr(u"app.tooltip"));
+    parts.statusItem.setToolTip(L10n::tr(u"app.tooltip"));
     rebuildStatusMenu();
 }
 
 void AppDelegate::rebuildStatusMenu() {
-    statusItem.setMenu(statusMenu(AppLanguage::preference()));
+    parts.statusItem.setMenu(statusMenu(AppLanguage::preference()));
 }
 
 void AppDelegate::applyIdleBootMessage() {
-    idleStatusLine = L10n::tr(u"idle.boot", {installedConfiguration(surroundings.configSync)});
+    idleStatusLine = L10n::tr(u"idle.boot", {installedConfiguration(parts.configSync)});
     service->idleMessage = idleStatusLine;
     overlay->update(OverlaySnapshot::idle(idleStatusLine));
 }
@@ -188,7 +186,7 @@ void AppDelegate::applySyncIdleMessage(const ConfigSyncResult& result) {
     if (!head) {
         return;
     }
-    idleStatusLine = L10n::tr(u"idle.line", {L10n::tr(head, {installedConfiguration(surroundings.configSync)})});
+    idleStatusLine = L10n::tr(u"idle.line", {L10n::tr(head, {installedConfiguration(parts.configSync)})});
     if (service) {
         service->idleMessage = idleStatusLine;
     }
@@ -205,11 +203,11 @@ void AppDelegate::handleConfigSyncResult(const ConfigSyncResult& result) {
     lastSyncResult = result;
     log(QStringLiteral("config sync: ") + result.userMessage());
     if (result.didUpdateFiles()) {
-        if (const auto loaded = store.adopt(*std::exchange(broughtData, nullptr)); !loaded) {
+        if (const auto loaded = parts.store.adopt(*std::exchange(broughtData, nullptr)); !loaded) {
             log(QStringLiteral("reload after sync failed: ") + loaded.error().localizedDescription);
         } else {
             log(QStringLiteral("reloaded store cards=%1; source=%2")
-                    .arg(store.metaDescription(), store.cardsSourceDescription()));
+                    .arg(parts.store.metaDescription(), parts.store.cardsSourceDescription()));
         }
     }
     applySyncIdleMessage(result);
@@ -217,7 +215,7 @@ void AppDelegate::handleConfigSyncResult(const ConfigSyncResult& result) {
 
 void AppDelegate::languageDidChange() {
     rebuildStatusMenu();
-    statusItem.setToolTip(L10n::tr(u"app.tooltip"));
+    parts.statusItem.setToolTip(L10n::tr(u"app.tooltip"));
     if (lastSyncResult) {
         applySyncIdleMessage(*lastSyncResult);
     } else {
@@ -227,7 +225,7 @@ void AppDelegate::languageDidChange() {
 }
 
 void AppDelegate::systemSettingsDidChange() {
-    applyAppearance(surroundings.settings.appearance());
+    applyAppearance(parts.settings.appearance());
     overlay->systemSettingsChanged();
 }
 

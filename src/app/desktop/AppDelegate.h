@@ -34,8 +34,8 @@ class AppDelegate final : public QObject,
                           public DraftServiceDelegate,
                           public std::enable_shared_from_this<AppDelegate> {
 public:
-    // What it works with. All references outlive it.
-    struct Surroundings {
+    // What it wires together. All references outlive it.
+    struct Parts {
         WinrateStore& store;
         ScreenReader& screenReader;
         SerialQueue& queue;
@@ -51,7 +51,7 @@ public:
         std::shared_ptr<DraftServiceDelegate> alsoReceives; // every snapshot of the service; may be null
     };
 
-    explicit AppDelegate(Surroundings parts);
+    explicit AppDelegate(Parts toWire);
     ~AppDelegate() override;
 
     // The whole start, from the running event loop. Where the data cannot be loaded it says so and terminates.
@@ -83,10 +83,8 @@ private:
     void systemSettingsDidChange();
     void perform(const StatusMenuEntry& entry);
 
-    const Surroundings surroundings;
-    StatusItem& statusItem;
+    const Parts parts;
     std::unique_ptr<Overlay> overlay;
-    WinrateStore& store;
     std::optional<DraftService> service; // once the data has been loaded
     QString idleStatusLine;
     std::optional<ConfigSyncResult> lastSyncResult; // the last that was not about being busy

@@ -75,7 +75,7 @@ int runOnDesktop(const RunLoop& command, SystemSettings& settings, UserDefaults&
     const auto browser = Browser::create();
     UpdatePrompts updatePrompts(updates.checker(), alerts, *browser);
     const auto motion = command.reduceMotion ? MotionPreference::reduced : MotionPreference::asDesktopSays;
-    const auto delegate = std::make_shared<AppDelegate>(AppDelegate::Surroundings{
+    const auto delegate = std::make_shared<AppDelegate>(AppDelegate::Parts{
         .store = parts.store,
         .screenReader = parts.screenReader,
         .queue = *parts.recognition,

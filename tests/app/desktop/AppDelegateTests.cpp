@@ -78,7 +78,7 @@ protected:
     }
 
     void launch() {
-        delegate = std::make_shared<AppDelegate>(AppDelegate::Surroundings{
+        delegate = std::make_shared<AppDelegate>(AppDelegate::Parts{
             .store = store,
             .screenReader = reader,
             .queue = queue,
