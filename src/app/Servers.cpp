@@ -19,7 +19,7 @@ UpdateService::UpdateService(const std::optional<QString>& asked, UserDefaults& 
     : http(HttpClient::create())
     , queue(SerialQueue::create(AppUpdateChecker::workQueueLabel.toString()))
     , updates(std::make_unique<AppUpdateChecker>(
-          AppUpdateChecker::Surroundings{*http, defaults, *queue},
+          AppUpdateChecker::Means{*http, defaults, *queue},
           AppUpdateChecker::LocalApplication{QCoreApplication::applicationVersion(), std::nullopt},
           asked.value_or(QStringLiteral(PELLORAN_UPDATE_SERVER)) + QStringLiteral("/download"))) {}
 

@@ -41,8 +41,8 @@ QString describe(const AppReleaseInfo::DecodeError& error) {
 
 } // namespace
 
-AppUpdateChecker::AppUpdateChecker(Surroundings parts, LocalApplication application, const QString& base)
-    : surroundings(parts)
+AppUpdateChecker::AppUpdateChecker(Means checkWith, LocalApplication application, const QString& base)
+    : means(checkWith)
     , local(std::move(application))
     , downloadBase(base)
     , latestURLString(base + QStringLiteral("/latest.json")) {}
@@ -56,15 +56,15 @@ QString AppUpdateChecker::localBuild() const {
 }
 
 std::optional<QString> AppUpdateChecker::skippedVersion() const {
-    const auto stored = surroundings.defaults.string(skippedVersionKey());
+    const auto stored = means.defaults.string(skippedVersionKey());
     return hasText(stored) ? stored : std::nullopt;
 }
 
 void AppUpdateChecker::setSkippedVersion(const std::optional<QString>& version) const {
     if (hasText(version)) {
-        surroundings.defaults.setString(skippedVersionKey(), *version);
+        means.defaults.setString(skippedVersionKey(), *version);
     } else {
-        surroundings.defaults.remove(skippedVersionKey());
+        means.defaults.remove(skippedVersionKey());
     }
 }
 
@@ -100,8 +100,8 @@ AppUpdateCheckResult AppUpdateChecker::evaluate(const AppReleaseInfo& release) c
 void AppUpdateChecker::checkAsync(QObject* receiver,
                                   std::function<void(const AppUpdateCheckResult& result)> onComplete) const {
     const auto result = std::make_shared<AppUpdateCheckResult>();
-    surroundings.workQueue.submit([checker = *this, result] { *result = checker.checkNow(); }, receiver,
-                                  [result, onComplete = std::move(onComplete)] { onComplete(*result); });
+    means.workQueue.submit([checker = *this, result] { *result = checker.checkNow(); }, receiver,
+                           [result, onComplete = std::move(onComplete)] { onComplete(*result); });
 }
 
 struct AppUpdateChecker::Reason {
@@ -117,7 +117,7 @@ std::expected<AppReleaseInfo, AppUpdateChecker::FetchError> AppUpdateChecker::fe
     if (!url) {
         return std::unexpected(AppUpdateError{AppUpdateError::BadURL{}});
     }
-    const auto body = checkedGet(surroundings.http, *url, QByteArrayLiteral("application/json"), timeout, maximumBytes);
+    const auto body = checkedGet(means.http, *url, QByteArrayLiteral("application/json"), timeout, maximumBytes);
     if (!body) {
         return std::unexpected(std::visit(Reason(), body.error()));
     }

@@ -26,8 +26,8 @@ class UserDefaults;
 // the user does not want. All but the remembered version is fixed when it is made; from any thread, except as said.
 class AppUpdateChecker {
 public:
-    // What it works with. All of it outlives the work that was begun.
-    struct Surroundings {
+    // What it checks with. All of it outlives the work that was begun.
+    struct Means {
         HttpClient& http; // used by checks alone
         UserDefaults& defaults;
         SerialQueue& workQueue;
@@ -46,7 +46,7 @@ public:
     static constexpr std::chrono::seconds timeout{10};
 
     // `downloadBase`: the server's address followed by "/download"; the description of the newest release lies below.
-    AppUpdateChecker(Surroundings parts, LocalApplication application, const QString& downloadBase);
+    AppUpdateChecker(Means checkWith, LocalApplication application, const QString& downloadBase);
 
     // The version, else the build number, else "0"; an empty one counts as absent.
     QString localVersion() const;
@@ -76,7 +76,7 @@ private:
 
     std::expected<AppReleaseInfo, FetchError> fetchLatest() const;
 
-    Surroundings surroundings;
+    Means means;
     LocalApplication local;
     QString downloadBase;
     QString latestURLString;
