@@ -27,20 +27,20 @@ QRect physicalBounds(const QScreen& screen) {
     return {screen.geometry().topLeft(), size.toSize()};
 }
 
-x11::Surroundings describeSurroundings() {
-    x11::Surroundings surroundings;
+x11::WindowsAndScreens describeWindowsAndScreens() {
+    x11::WindowsAndScreens described;
     for (const QWindow* window : QGuiApplication::allWindows()) {
         // Asking the others for their number would make them.
         if (window->handle() && window->isTopLevel()) {
             // A tray icon bypasses the manager too, and sits in a window of the desktop's which is not ours.
             const bool managed = !window->flags().testFlag(Qt::BypassWindowManagerHint);
-            surroundings.ourWindows.push_back({static_cast<xcb_window_t>(window->winId()), managed});
+            described.ourWindows.push_back({static_cast<xcb_window_t>(window->winId()), managed});
         }
     }
     for (const QScreen* screen : QGuiApplication::screens()) {
-        surroundings.screens.push_back(physicalBounds(*screen));
+        described.screens.push_back(physicalBounds(*screen));
     }
-    return surroundings;
+    return described;
 }
 
 class X11PanelWindow final : public QObject, public PanelWindow {
@@ -51,7 +51,7 @@ public:
             return;
         }
         if (auto connection = x11::XcbConnection::open()) {
-            panel = std::make_unique<x11::X11Panel>(std::move(connection), describeSurroundings);
+            panel = std::make_unique<x11::X11Panel>(std::move(connection), describeWindowsAndScreens);
             panel->compositingChanged = [this] {
                 if (compositingChanged) {
                     compositingChanged();

@@ -37,9 +37,10 @@ struct X11Panel::View {
     PanelView state = PanelView::free;
 };
 
-X11Panel::X11Panel(std::unique_ptr<XcbConnection> serverConnection, std::function<Surroundings()> describeSurroundings)
+X11Panel::X11Panel(std::unique_ptr<XcbConnection> serverConnection,
+                   std::function<WindowsAndScreens()> describeWindowsAndScreens)
     : connection(std::move(serverConnection))
-    , surroundings(std::move(describeSurroundings))
+    , windowsAndScreens(std::move(describeWindowsAndScreens))
     , incoming(xcb_get_file_descriptor(*connection), QSocketNotifier::Read) {
     nextLook.setSingleShot(true);
     nextLook.setTimerType(Qt::PreciseTimer);
@@ -221,7 +222,7 @@ X11Panel::View X11Panel::view() const {
     if (above.empty()) {
         return {.viewable = true};
     }
-    const Surroundings around = surroundings();
+    const WindowsAndScreens around = windowsAndScreens();
     const std::vector<xcb_window_t> ours = topLevelsOf(around.ourWindows);
     for (StackedWindow& window : above) {
         window.ours = std::ranges::find(ours, window.id) != ours.end();
@@ -254,9 +255,9 @@ bool X11Panel::holdsManaged(xcb_window_t window, int depth) const {
 }
 
 // The children of the root that `windows` are, or are framed by.
-std::vector<xcb_window_t> X11Panel::topLevelsOf(const std::vector<Surroundings::Window>& windows) const {
+std::vector<xcb_window_t> X11Panel::topLevelsOf(const std::vector<WindowsAndScreens::Window>& windows) const {
     std::vector<xcb_window_t> topLevels;
-    for (const Surroundings::Window& window : windows) {
+    for (const WindowsAndScreens::Window& window : windows) {
         xcb_window_t topLevel = window.id;
         for (int i = 0; window.managed && i < deepestFrame; ++i) {
             const auto tree = connection->ask<xcb_query_tree_reply>(xcb_query_tree(*connection, topLevel), "QueryTree");

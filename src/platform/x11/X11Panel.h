@@ -14,7 +14,7 @@
 namespace pelloran::x11 {
 
 // What the X server does not tell of our own program and of the screens.
-struct Surroundings {
+struct WindowsAndScreens {
     struct Window {
         xcb_window_t id = XCB_WINDOW_NONE;
         bool managed = true; // so that a window manager may have put a frame around it
@@ -28,7 +28,8 @@ struct Surroundings {
 // in the event loop of the thread that made it. Once the connection has broken nothing happens any more.
 class X11Panel {
 public:
-    X11Panel(std::unique_ptr<XcbConnection> serverConnection, std::function<Surroundings()> describeSurroundings);
+    X11Panel(std::unique_ptr<XcbConnection> serverConnection,
+             std::function<WindowsAndScreens()> describeWindowsAndScreens);
 
     // It need not be known to the server yet: what is asked for it until then is made up for when it is mapped.
     void setWindow(xcb_window_t window);
@@ -55,13 +56,13 @@ private:
     void look();
     View view() const;
     bool holdsManaged(xcb_window_t window, int depth) const;
-    std::vector<xcb_window_t> topLevelsOf(const std::vector<Surroundings::Window>& windows) const;
+    std::vector<xcb_window_t> topLevelsOf(const std::vector<WindowsAndScreens::Window>& windows) const;
     void putOnTop();
     void storeBlurRegion();
     void planLook();
 
     std::unique_ptr<XcbConnection> connection;
-    std::function<Surroundings()> surroundings;
+    std::function<WindowsAndScreens()> windowsAndScreens;
     xcb_window_t panel = XCB_WINDOW_NONE;
     xcb_atom_t blurAtom = XCB_ATOM_NONE;
     int firstFixesEvent = -1; // none: the extension is missing

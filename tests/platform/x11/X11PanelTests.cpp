@@ -45,7 +45,7 @@ protected:
         EXPECT_TRUE(inTime([&] { return isAbove(probe); })) << "it does not look at all";
     }
 
-    x11::Surroundings surroundings{.ourWindows = {}, .screens = {screen}};
+    x11::WindowsAndScreens around{.ourWindows = {}, .screens = {screen}};
     xcb_window_t window = XCB_WINDOW_NONE;
     std::unique_ptr<x11::X11Panel> panel;
 
@@ -54,7 +54,7 @@ private:
         auto connection = x11::XcbConnection::open();
         ASSERT_TRUE(connection);
         window = this->client->create({.bounds = panelBounds, .overrideRedirect = true});
-        panel = std::make_unique<x11::X11Panel>(std::move(connection), [this] { return surroundings; });
+        panel = std::make_unique<x11::X11Panel>(std::move(connection), [this] { return around; });
         panel->setWindow(window);
         // The look that comes with the window is over, or it could pass for one of the test's.
         QTest::qWait(0);
@@ -89,7 +89,7 @@ TEST_F(X11PanelTest, StaysBelowWindowsThatCannotBeSeen) {
 
 TEST_F(X11PanelTest, StaysBelowOurOwnMenus) {
     const auto menu = client->create({.bounds = panelBounds, .overrideRedirect = true, .mapped = false});
-    surroundings.ourWindows = {{menu, false}};
+    around.ourWindows = {{menu, false}};
     client->map(menu);
     expectStaysBelow(menu);
 }
@@ -269,11 +269,11 @@ TEST_F(ManagedX11PanelTest, IsRaisedAboveAFullScreenWindow) {
 
 TEST_F(ManagedX11PanelTest, StaysBelowOurOwnAlerts) {
     const auto alert = createManaged({.bounds = panelBounds});
-    surroundings.ourWindows = {{window, false}, {alert, true}};
+    around.ourWindows = {{window, false}, {alert, true}};
     client->lower(window);
     QTest::qWait(static_cast<int>(3 * x11::RaiseSchedule::betweenLooks.count()));
     EXPECT_FALSE(isAbove(alert));
-    surroundings.ourWindows = {{window, false}};
+    around.ourWindows = {{window, false}};
     client->create({.bounds = {0, 0, 10, 10}}); // so that it looks again
     EXPECT_TRUE(inTime([&] { return isAbove(alert); })) << "it was not the frame that was known";
 }
@@ -281,7 +281,7 @@ TEST_F(ManagedX11PanelTest, StaysBelowOurOwnAlerts) {
 TEST_F(ManagedX11PanelTest, ATrayIconIsOursButNotTheDock) {
     const auto dock = createManaged({.bounds = panelBounds});
     const auto icon = client->create({.bounds = {0, 0, 22, 22}, .parent = dock});
-    surroundings.ourWindows = {{window, false}, {icon, false}};
+    around.ourWindows = {{window, false}, {icon, false}};
     client->lower(window);
     EXPECT_TRUE(inTime([&] { return isAbove(dock); }));
 }
