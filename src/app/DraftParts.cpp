@@ -2,9 +2,9 @@
 
 #include "app/DataErrorText.h"
 #include "app/Json.h"
-#include "app/LogsDir.h"
 #include "base/Log.h"
 #include "base/SerialQueue.h"
+#include "draft/logs/LogsDir.h"
 #include "localisation/AppLanguage.h"
 #include "localisation/L10n.h"
 #include "platform/ApplicationFiles.h"

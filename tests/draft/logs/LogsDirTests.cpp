@@ -1,4 +1,4 @@
-#include "draft/logs/LogFolder.h"
+#include "draft/logs/LogsDir.h"
 
 #include "tests/support/Printing.h"
 
@@ -18,7 +18,7 @@ namespace {
 
 using Text = std::optional<QString>;
 
-class LogFolder : public ::testing::Test {
+class LogsDir : public ::testing::Test {
 protected:
     // Installs the game in a Wine prefix below the home folder and gives its log folder.
     QString install(const QString& prefix, int secondsAgo = 0) const {
@@ -40,7 +40,7 @@ protected:
 
 } // namespace
 
-TEST_F(LogFolder, IsAbsentWithoutTheGame) {
+TEST_F(LogsDir, IsAbsentWithoutTheGame) {
     EXPECT_EQ(find(), Text());
     QDir(folder.path()).mkpath(u".wine/drive_c/Program Files (x86)"_s);
     EXPECT_EQ(find(), Text()) << "a prefix without the game";
@@ -48,7 +48,7 @@ TEST_F(LogFolder, IsAbsentWithoutTheGame) {
     EXPECT_EQ(find(folder.filePath(u"missing"_s)), Text());
 }
 
-TEST_F(LogFolder, IsTheStandardOneWhereItExists) {
+TEST_F(LogsDir, IsTheStandardOneWhereItExists) {
     const QString wine = install(u".wine"_s);
     const QString standard = folder.filePath(u"standard"_s);
     QFile file(standard);
@@ -60,7 +60,7 @@ TEST_F(LogFolder, IsTheStandardOneWhereItExists) {
     EXPECT_EQ(find(), standard) << "however old, however many others there are";
 }
 
-TEST_F(LogFolder, IsFoundInEveryUsualPrefix) {
+TEST_F(LogsDir, IsFoundInEveryUsualPrefix) {
     for (const QString& prefix : {
              u".wine"_s,
              u"Games/hearthstone"_s,
@@ -79,13 +79,13 @@ TEST_F(LogFolder, IsFoundInEveryUsualPrefix) {
     }
 }
 
-TEST_F(LogFolder, IsFoundInTheChosenPrefix) {
+TEST_F(LogsDir, IsFoundInTheChosenPrefix) {
     const QString path = install(u"elsewhere"_s);
     EXPECT_EQ(find(), Text());
     EXPECT_EQ(find(folder.filePath(u"elsewhere"_s)), path);
 }
 
-TEST_F(LogFolder, IsTheMostRecentlyChangedOfSeveral) {
+TEST_F(LogsDir, IsTheMostRecentlyChangedOfSeveral) {
     install(u"chosen"_s, 5);
     install(u".wine"_s, 4);
     install(u"Games/a"_s, 3);
@@ -94,7 +94,7 @@ TEST_F(LogFolder, IsTheMostRecentlyChangedOfSeveral) {
     EXPECT_EQ(find(folder.filePath(u"chosen"_s)), recent);
 }
 
-TEST_F(LogFolder, IsTheFirstInOrderOfEquallyRecentOnes) {
+TEST_F(LogsDir, IsTheFirstInOrderOfEquallyRecentOnes) {
     install(u".PlayOnLinux/wineprefix/a"_s);
     install(u"Games/b"_s);
     const QString first = install(u"Games/a"_s);
@@ -105,7 +105,7 @@ TEST_F(LogFolder, IsTheFirstInOrderOfEquallyRecentOnes) {
     EXPECT_EQ(find(folder.filePath(u"z"_s)), chosen);
 }
 
-TEST_F(LogFolder, IsNotWhereAFileStandsInItsWay) {
+TEST_F(LogsDir, IsNotWhereAFileStandsInItsWay) {
     QDir(folder.path()).mkpath(u"Games"_s);
     QFile file(folder.filePath(u"Games/notes.txt"_s));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));

@@ -1,7 +1,11 @@
-#include "draft/logs/LogFolder.h"
+#include "draft/logs/LogsDir.h"
 
+#include "model/DraftModel.h"
+
+#include <QDir>
 #include <QFile>
 #include <QStringList>
+#include <QtGlobal>
 
 #include <algorithm>
 #include <filesystem>
@@ -78,6 +82,21 @@ std::optional<QString> gameLogsDir(const QString& standard, const QString& home,
         }
     }
     return newest;
+}
+
+std::optional<QString> foundLogsDir() {
+    const EnvironmentLookup environment = [](const QString& name) {
+        const QByteArray variable = name.toLocal8Bit();
+        return qEnvironmentVariableIsSet(variable) ? std::optional(qEnvironmentVariable(variable)) : std::nullopt;
+    };
+    return gameLogsDir(AppConfig().logsDir, QDir::homePath(), environment);
+}
+
+QString logsDirToRead(const std::optional<QString>& asked) {
+    if (asked) {
+        return *asked;
+    }
+    return foundLogsDir().value_or(AppConfig().logsDir);
 }
 
 } // namespace pelloran

@@ -15,4 +15,10 @@ using EnvironmentLookup = std::function<std::optional<QString>(const QString& na
 // ones the first in that order and then by name. Absent when there is none.
 std::optional<QString> gameLogsDir(const QString& standard, const QString& home, const EnvironmentLookup& environment);
 
+// The same on this machine, for this user.
+std::optional<QString> foundLogsDir();
+
+// The folder to read: the one asked for, else the one found, else the standard one, so that diagnostics name a place.
+QString logsDirToRead(const std::optional<QString>& asked);
+
 } // namespace pelloran
