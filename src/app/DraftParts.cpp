@@ -1,9 +1,9 @@
 #include "app/DraftParts.h"
 
-#include "app/DataErrorText.h"
 #include "app/Json.h"
 #include "base/Log.h"
 #include "base/SerialQueue.h"
+#include "data/DataErrorText.h"
 #include "draft/logs/LogsDir.h"
 #include "localisation/AppLanguage.h"
 #include "localisation/L10n.h"

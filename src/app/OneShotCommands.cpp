@@ -1,10 +1,10 @@
 #include "app/OneShotCommands.h"
 
-#include "app/DataErrorText.h"
 #include "app/Evaluation.h"
 #include "app/Json.h"
 #include "app/Servers.h"
 #include "base/Log.h"
+#include "data/DataErrorText.h"
 #include "data/DataFiles.h"
 #include "data/WinrateStore.h"
 #include "draft/logs/LogsDir.h"
