@@ -2,7 +2,7 @@
 
 #include "app/Evaluation.h"
 #include "app/Json.h"
-#include "app/Servers.h"
+#include "app/ServerClients.h"
 #include "base/Log.h"
 #include "data/DataErrorText.h"
 #include "data/DataFiles.h"
@@ -322,9 +322,9 @@ int run(const SyncOnce& command) {
 
 int run(const CheckUpdateOnce& command) {
     const auto defaults = UserDefaults::create();
-    const UpdateService service(command.updateServer, *defaults);
-    const AppUpdateCheckResult result = service.checker().checkNow();
-    QJsonObject answer = std::visit(UpdateAnswer{service.checker().downloadBaseURLString()}, result.outcome);
+    const UpdateClient client(command.updateServer, *defaults);
+    const AppUpdateCheckResult result = client.checker().checkNow();
+    QJsonObject answer = std::visit(UpdateAnswer{client.checker().downloadBaseURLString()}, result.outcome);
     answer.insert(QStringLiteral("hasUpdate"), result.hasUpdate());
     answer.insert(QStringLiteral("userMessage"), result.userMessage());
     print(json::line(answer));

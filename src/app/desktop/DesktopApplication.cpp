@@ -6,7 +6,7 @@
 #include "app/desktop/SingleInstance.h"
 #include "app/desktop/TrayStatusItem.h"
 #include "app/DraftParts.h"
-#include "app/Servers.h"
+#include "app/ServerClients.h"
 #include "base/Log.h"
 #include "base/SerialQueue.h"
 #include "overlay/OverlayPanelController.h"
@@ -71,7 +71,7 @@ int runOnDesktop(const RunLoop& command, SystemSettings& settings, UserDefaults&
     }
     // Mends what an earlier run left half done, so before the data is loaded.
     const auto configSync = makeConfigSync(command.configServer, *parts.files);
-    const UpdateService updates(command.updateServer, defaults);
+    const UpdateClient updates(command.updateServer, defaults);
     const auto browser = Browser::create();
     UpdatePrompts updatePrompts(updates.checker(), alerts, *browser);
     const auto motion = command.reduceMotion ? MotionPreference::reduced : MotionPreference::asDesktopSays;

@@ -18,10 +18,10 @@ class UserDefaults;
 std::unique_ptr<ConfigSync> makeConfigSync(const std::optional<QString>& asked, const ApplicationFiles& files);
 
 // Asks the update server, the one asked for or the one of this build, with all that takes. Main thread.
-class UpdateService {
+class UpdateClient {
 public:
-    UpdateService(const std::optional<QString>& asked, UserDefaults& defaults);
-    ~UpdateService();
+    UpdateClient(const std::optional<QString>& asked, UserDefaults& defaults);
+    ~UpdateClient();
 
     const AppUpdateChecker& checker() const { return *updates; }
 

@@ -1,4 +1,4 @@
-#include "app/Servers.h"
+#include "app/ServerClients.h"
 
 #include "base/SerialQueue.h"
 #include "platform/HttpClient.h"
@@ -15,7 +15,7 @@ std::unique_ptr<ConfigSync> makeConfigSync(const std::optional<QString>& asked, 
                                         HttpClient::create(), SerialQueue::create(ConfigSync::queueName()));
 }
 
-UpdateService::UpdateService(const std::optional<QString>& asked, UserDefaults& defaults)
+UpdateClient::UpdateClient(const std::optional<QString>& asked, UserDefaults& defaults)
     : http(HttpClient::create())
     , queue(SerialQueue::create(AppUpdateChecker::workQueueLabel.toString()))
     , updates(std::make_unique<AppUpdateChecker>(
@@ -23,6 +23,6 @@ UpdateService::UpdateService(const std::optional<QString>& asked, UserDefaults& 
           AppUpdateChecker::LocalApplication{QCoreApplication::applicationVersion(), std::nullopt},
           asked.value_or(QStringLiteral(PELLORAN_UPDATE_SERVER)) + QStringLiteral("/download"))) {}
 
-UpdateService::~UpdateService() = default;
+UpdateClient::~UpdateClient() = default;
 
 } // namespace pelloran
