@@ -1,6 +1,6 @@
 #include "app/OneShotCommands.h"
 
-#include "app/Evaluation.h"
+#include "app/evaluation/Totals.h"
 #include "app/Json.h"
 #include "app/ServerClients.h"
 #include "base/Log.h"
