@@ -1,7 +1,7 @@
 #include "app/CommandLine.h"
+#include "app/commands/Commands.h"
 #include "app/desktop/DesktopApplication.h"
 #include "app/MainLoop.h"
-#include "app/OneShotCommands.h"
 #include "base/Log.h"
 #include "localisation/AppLanguage.h"
 #include "platform/GuiSession.h"

@@ -6,6 +6,7 @@
 // and gives the exit code (0: done, 1: failed). None needs a display; all need the application object.
 namespace pelloran {
 
+// Each is in the file of its name on the command line.
 int run(const PrintDraftState& command);
 int run(const PrintLogsDir& command);
 int run(const RecognizeImages& command);
