@@ -82,7 +82,7 @@ struct Line {
 class FreeReading {
 public:
     FreeReading(ReadingTools& readingTools, std::optional<Script>& rememberedScript, const QImage& picture,
-            const ReadingHints& readingHints)
+                const ReadingHints& readingHints)
         : tools(readingTools)
         , remembered(rememberedScript)
         , image(picture)

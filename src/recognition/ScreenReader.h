@@ -25,8 +25,9 @@ public:
     ScreenReader(MakeWindowServer makeWindowServer, MakeTextReader makeTextReader);
 
     // Lines on the game's window, as WindowCapture::findHearthstone chooses it; with no `hints` the window is only
-    // captured and no text is read. Why there is no picture is logged when it is another reason than at the last look. A text reader that cannot be made is logged once, gives no lines, and is tried for
-    // again next time: the user may be installing what it lacks.
+    // captured and no text is read. Why there is no picture is logged when it is another reason than at the last look.
+    // A text reader that cannot be made is logged once, gives no lines, and is tried for again next time: the user may
+    // be installing what it lacks.
     std::expected<ReadText, WindowCaptureError> look(const QString& ownerHint,
                                                      const std::optional<ReadingHints>& hints);
 

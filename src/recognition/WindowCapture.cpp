@@ -40,8 +40,8 @@ bool replaces(const HSWindowInfo& later, const HSWindowInfo& best) {
     return area(later) > area(best);
 }
 
-// Whole pixels between `from` and `to`, whichever comes first, to the outside, within 0 and `limit`. Stays in floating point: fractions may be
-// anything, and what does not fit an int must not reach one before it is clipped.
+// Whole pixels between `from` and `to`, whichever comes first, to the outside, within 0 and `limit`. Stays in floating
+// point: fractions may be anything, and what does not fit an int must not reach one before it is clipped.
 std::optional<std::pair<int, int>> pixelRange(double from, double to, int limit) {
     const auto [low, high] = std::minmax(from, to); // a negative size runs backwards
     const double first = std::clamp(std::floor(low), 0.0, static_cast<double>(limit));
@@ -99,7 +99,8 @@ QString explanation(const CaptureFailure& failure, CapturePermission permission)
     switch (failure.error) {
     case WindowCaptureError::noWindow:
         if (failure.cause) {
-            return QStringLiteral("no window can be seen at all: look whether the desktop of this program runs and answers");
+            return QStringLiteral(
+                "no window can be seen at all: look whether the desktop of this program runs and answers");
         }
         return QStringLiteral("no window of the game is found: start the game, bring it back where it is minimised, or "
                               "name its window with --window-owner");

@@ -30,14 +30,15 @@ enum class WindowCaptureError { noWindow, captureFailed, zeroSize };
 // Always Chinese, whatever the language of the user interface: a text for logs, not for the panel.
 QString localizedDescription(WindowCaptureError error);
 
-// Why there is no picture of the game's window: one of the three that everybody handles, and what the window server said.
+// Why there is no picture of the game's window: one of the three that everybody handles, and what the window server
+// said.
 struct CaptureFailure {
     WindowCaptureError error;
     std::optional<WindowImageError> cause; // of `captureFailed`; of `noWindow`, why none can be listed
 };
 
-// For the log: what keeps the game from being seen, and what the user can do about it. A permission that is missing comes
-// before what looks like another cause without it.
+// For the log: what keeps the game from being seen, and what the user can do about it. A permission that is missing
+// comes before what looks like another cause without it.
 QString explanation(const CaptureFailure& failure, CapturePermission permission);
 
 // Finds the game's window, takes its picture and cuts pieces out of pictures. Keeps nothing from call to call: between
@@ -59,13 +60,13 @@ std::optional<HSWindowInfo> findHearthstone(WindowServer& server, const QString&
 // earlier one.
 std::optional<HSWindowInfo> chooseHearthstone(std::span<const HSWindowInfo> windows, const QString& hint);
 
-// The window alone, one pixel a point. Fails with `captureFailed` and its cause, or `zeroSize`; `noWindow` is for callers
-// that found no window to capture.
+// The window alone, one pixel a point. Fails with `captureFailed` and its cause, or `zeroSize`; `noWindow` is for
+// callers that found no window to capture.
 std::expected<QImage, CaptureFailure> capture(WindowServer& server, std::uint32_t windowId);
 
 // The part of `image` under `frac` (fractions of its size, y from the top), grown to whole pixels and clipped to the
-// image; a negative width or height runs from the origin to the left or upward. Absent when 2 pixels or fewer are left in
-// either direction, so also for no image.
+// image; a negative width or height runs from the origin to the left or upward. Absent when 2 pixels or fewer are left
+// in either direction, so also for no image.
 std::optional<QImage> crop(const QImage& image, const QRectF& frac);
 
 } // namespace WindowCapture

@@ -1,9 +1,9 @@
 #include "app/commands/Commands.h"
 #include "app/commands/Output.h"
 #include "app/Json.h"
-#include "draft/DraftService.h"
 #include "draft/logs/LogsDir.h"
 #include "draft/logs/LogWatcher.h"
+#include "model/DraftModel.h"
 #include "platform/WindowServer.h"
 #include "recognition/ScreenReader.h"
 

@@ -93,7 +93,8 @@ int runOnDesktop(const RunLoop& command, SystemSettings& settings, UserDefaults&
         .terminate = &QCoreApplication::exit,
         .alsoReceives = parts.printer,
     });
-    instance.reopen = [&delegate] { delegate->applicationShouldHandleReopen(); };
+    QObject::connect(&instance, &SingleInstance::reopenRequested, delegate.get(),
+                     &AppDelegate::applicationShouldHandleReopen);
     QObject::connect(qApp, &QCoreApplication::aboutToQuit, delegate.get(), [&instance, &delegate] {
         instance.end(); // a start from now on is not to wait for this one
         delegate->applicationWillTerminate();

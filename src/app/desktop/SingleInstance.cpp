@@ -108,9 +108,7 @@ void SingleInstance::answer(QLocalSocket& asking) {
         asking.abort(); // none of ours
         return;
     }
-    if (reopen) {
-        reopen();
-    }
+    Q_EMIT reopenRequested();
     asking.write(acknowledgement);
     asking.disconnectFromServer(); // when that has been written
 }

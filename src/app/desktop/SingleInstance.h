@@ -6,7 +6,6 @@
 #include <QString>
 
 #include <chrono>
-#include <functional>
 
 namespace pelloran {
 
@@ -14,6 +13,8 @@ namespace pelloran {
 // Whoever holds the lock file is the first; the socket beside it carries the request. Both outlive a crash without
 // harm. Main thread.
 class SingleInstance final : public QObject {
+    Q_OBJECT
+
 public:
     enum class Outcome {
         first,       // go on
@@ -36,8 +37,9 @@ public:
     // The next start will be a first one.
     void end();
 
+Q_SIGNALS:
     // Another start asks this one to come forward; from the event loop.
-    std::function<void()> reopen;
+    void reopenRequested();
 
 private:
     bool listen();

@@ -18,15 +18,17 @@ DesktopPlaces DesktopPlaces::ofSession() {
 DesktopSettings::DesktopSettings(DesktopPlaces where)
     : places(std::move(where))
     , portal(places.busAddress) {
-    portal.answered = [this](std::optional<PortalGroups> groups) { portalAnswered(std::move(groups)); };
-    portal.changed = [this](const QString& group, const QString& key, const QVariant& value) {
-        preferences.setInPortal(group, key, value);
-        tellIfChanged();
-    };
+    QObject::connect(&portal, &PortalSettings::answered, &portal,
+                     [this](const std::optional<PortalGroups>& groups) { portalAnswered(groups); });
+    QObject::connect(&portal, &PortalSettings::changed, &portal,
+                     [this](const QString& group, const QString& key, const QVariant& value) {
+                         preferences.setInPortal(group, key, value);
+                         tellIfChanged();
+                     });
 }
 
-void DesktopSettings::portalAnswered(std::optional<PortalGroups> groups) {
-    preferences.setPortal(std::move(groups));
+void DesktopSettings::portalAnswered(const std::optional<PortalGroups>& groups) {
+    preferences.setPortal(groups);
     if (!preferences.portalTellsOfMotion()) {
         askElsewhere();
     }

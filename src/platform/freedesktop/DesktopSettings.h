@@ -35,7 +35,7 @@ public:
     std::function<void()> changed;
 
 private:
-    void portalAnswered(std::optional<PortalGroups> groups);
+    void portalAnswered(const std::optional<PortalGroups>& groups);
     void askElsewhere();
     void tellIfChanged();
 

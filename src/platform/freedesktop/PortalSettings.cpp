@@ -82,12 +82,12 @@ PortalSettings::~PortalSettings() {
 void PortalSettings::connectingEnded() {
     connecting.join(); // it has nothing left to do
     if (!made) {
-        tell(std::nullopt);
+        Q_EMIT answered(std::nullopt);
         return;
     }
     bus = *std::exchange(made, std::nullopt);
     if (!bus.isConnected()) {
-        tell(std::nullopt);
+        Q_EMIT answered(std::nullopt);
         return;
     }
     // Qt looks up a slot's parameters by their names, and knows these only once they have been used.
@@ -111,18 +111,16 @@ void PortalSettings::readAll() {
         watcher->deleteLater();
         asking = false;
         const QDBusMessage reply = watcher->reply();
-        auto groups = groupsOf(reply);
+        const auto groups = groupsOf(reply);
         portal = groups ? reply.service() : QString();
-        tell(std::move(groups));
+        Q_EMIT answered(groups);
     });
 }
 
 void PortalSettings::settingChanged(const QString& group, const QString& key, const QDBusVariant& value,
                                     const QDBusMessage& message) {
     if (message.service() == portal) {
-        if (changed) {
-            changed(group, key, unwrapped(value.variant()));
-        }
+        Q_EMIT changed(group, key, unwrapped(value.variant()));
     } else if (portal.isEmpty() && !asking) {
         readAll(); // it was too slow to answer, and is there after all
     }
@@ -135,12 +133,6 @@ void PortalSettings::ownerChanged(const QString&, const QString&, const QString&
     portal.clear();
     if (!asking && (hadAnswered || !now.isEmpty())) {
         readAll();
-    }
-}
-
-void PortalSettings::tell(std::optional<PortalGroups> groups) const {
-    if (answered) {
-        answered(std::move(groups));
     }
 }
 

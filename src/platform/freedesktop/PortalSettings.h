@@ -8,7 +8,6 @@
 #include <QObject>
 #include <QString>
 
-#include <functional>
 #include <optional>
 #include <thread>
 
@@ -26,9 +25,10 @@ public:
     // Waits for the thread, at the worst until the bus library gives up on a bus that takes connections and is silent.
     ~PortalSettings() override;
 
+Q_SIGNALS:
     // All groups; absent when there is no bus or no portal, or the portal has gone.
-    std::function<void(std::optional<PortalGroups>)> answered;
-    std::function<void(const QString& group, const QString& key, const QVariant& value)> changed;
+    void answered(const std::optional<pelloran::freedesktop::PortalGroups>& groups);
+    void changed(const QString& group, const QString& key, const QVariant& value);
 
 private Q_SLOTS:
     void connectingEnded();
@@ -38,7 +38,6 @@ private Q_SLOTS:
 
 private:
     void readAll();
-    void tell(std::optional<PortalGroups> groups) const;
 
     QString connectionName;
     QDBusConnection bus;

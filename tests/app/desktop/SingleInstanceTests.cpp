@@ -48,7 +48,7 @@ protected:
 TEST_F(SingleInstanceTest, LetsTheFirstComeForward) {
     SingleInstance first(folder.path(), name);
     int reopened = 0;
-    first.reopen = [&reopened] { ++reopened; };
+    QObject::connect(&first, &SingleInstance::reopenRequested, [&reopened] { ++reopened; });
     ASSERT_EQ(first.begin(), Outcome::first);
     EXPECT_EQ(startBeside(), Outcome::handedOver);
     EXPECT_EQ(reopened, 1);
@@ -102,7 +102,7 @@ TEST_F(SingleInstanceTest, HasOneWinnerOfARace) {
     for (int i = 0; i < starts; ++i) {
         threads.push_back(std::make_unique<testing::QtThread>([&] {
             SingleInstance instance(folder.path(), name);
-            instance.reopen = [&reopened] { ++reopened; };
+            QObject::connect(&instance, &SingleInstance::reopenRequested, [&reopened] { ++reopened; });
             switch (instance.begin(10s)) {
             case Outcome::first: {
                 ++firsts;
@@ -134,7 +134,7 @@ TEST_F(SingleInstanceTest, HasOneWinnerOfARace) {
 TEST_F(SingleInstanceTest, IgnoresWhoSaysSomethingElse) {
     SingleInstance first(folder.path(), name);
     int reopened = 0;
-    first.reopen = [&reopened] { ++reopened; };
+    QObject::connect(&first, &SingleInstance::reopenRequested, [&reopened] { ++reopened; });
     ASSERT_EQ(first.begin(), Outcome::first);
     QLocalSocket stranger;
     stranger.connectToServer(folder.filePath(name + QStringLiteral(".socket")));
