@@ -2,6 +2,7 @@
 
 #include "platform/x11/RoundedRegion.h"
 #include "platform/x11/X11Panel.h"
+#include "platform/x11/X11PanelWindow.h"
 
 #include <QEvent>
 #include <QGuiApplication>
@@ -11,6 +12,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 #include <vector>
 
 namespace pelloran {
@@ -45,13 +47,13 @@ x11::WindowsAndScreens describeWindowsAndScreens() {
 
 class X11PanelWindow final : public QObject, public PanelWindow {
 public:
-    X11PanelWindow() {
+    explicit X11PanelWindow(std::unique_ptr<x11::PanelClock> clock) {
         inOrder.push_back(this);
         if (!qtIsOnX11()) {
             return;
         }
         if (auto connection = x11::XcbConnection::open()) {
-            panel = std::make_unique<x11::X11Panel>(std::move(connection), describeWindowsAndScreens);
+            panel = std::make_unique<x11::X11Panel>(std::move(connection), describeWindowsAndScreens, std::move(clock));
             panel->compositingChanged = [this] {
                 if (compositingChanged) {
                     compositingChanged();
@@ -129,7 +131,11 @@ private:
 } // namespace
 
 std::unique_ptr<PanelWindow> PanelWindow::create() {
-    return std::make_unique<X11PanelWindow>();
+    return x11::createPanelWindow(std::make_unique<x11::EventLoopClock>());
+}
+
+std::unique_ptr<PanelWindow> x11::createPanelWindow(std::unique_ptr<PanelClock> clock) {
+    return std::make_unique<X11PanelWindow>(std::move(clock));
 }
 
 } // namespace pelloran

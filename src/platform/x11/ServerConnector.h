@@ -45,6 +45,8 @@ public:
 
     std::expected<OpenedConnection, NoConnection> connect();
 
+    Patience limits() const { return patience; }
+
 private:
     Patience patience;
     std::future<OpenedConnection> attempt; // under way

@@ -5,7 +5,6 @@
 #include <xcb/xfixes.h>
 
 #include <algorithm>
-#include <chrono>
 #include <span>
 #include <string_view>
 #include <utility>
@@ -14,12 +13,10 @@ namespace pelloran::x11 {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 constexpr int deepestFrame = 8; // windows that a window manager puts around one
 
 // More than any desktop has. The rest would only make each look slower.
-constexpr std::size_t mostWindows = 2000;
+constexpr std::size_t mostStacked = 2000;
 
 // A frame holds what it frames within so many steps, among so many parts.
 constexpr int deepestManaged = 2;
@@ -38,13 +35,12 @@ struct X11Panel::View {
 };
 
 X11Panel::X11Panel(std::unique_ptr<XcbConnection> serverConnection,
-                   std::function<WindowsAndScreens()> describeWindowsAndScreens)
+                   std::function<WindowsAndScreens()> describeWindowsAndScreens, std::unique_ptr<PanelClock> time)
     : connection(std::move(serverConnection))
     , windowsAndScreens(std::move(describeWindowsAndScreens))
+    , clock(std::move(time))
     , incoming(xcb_get_file_descriptor(*connection), QSocketNotifier::Read) {
-    nextLook.setSingleShot(true);
-    nextLook.setTimerType(Qt::PreciseTimer);
-    nextLook.callOnTimeout(&nextLook, [this] { look(); });
+    clock->alarm = [this] { look(); };
     QObject::connect(&incoming, &QSocketNotifier::activated, &incoming, [this] { readEvents(); });
     watchServer();
 }
@@ -84,14 +80,14 @@ void X11Panel::watchServer() {
 void X11Panel::setWindow(xcb_window_t window) {
     panel = window;
     storeBlurRegion();
-    schedule.changed(Clock::now());
+    schedule.changed(clock->now());
     planLook();
 }
 
 void X11Panel::raise() {
     if (const View found = view(); found.viewable && found.state != PanelView::locked) {
         putOnTop();
-        schedule.raised(Clock::now());
+        schedule.raised(clock->now());
     }
     readEvents();
 }
@@ -110,7 +106,7 @@ void X11Panel::readEvents() {
     if (connection->broken()) {
         // The descriptor stays readable for ever.
         incoming.setEnabled(false);
-        nextLook.stop();
+        clock->clearAlarm();
         return;
     }
     planLook();
@@ -143,7 +139,7 @@ void X11Panel::note(const xcb_generic_event_t& event) {
     // When a locker goes it may uncover what came on top of the panel meanwhile.
     case XCB_UNMAP_NOTIFY:
     case XCB_DESTROY_NOTIFY:
-        schedule.changed(Clock::now());
+        schedule.changed(clock->now());
         break;
     default:
         break;
@@ -153,18 +149,17 @@ void X11Panel::note(const xcb_generic_event_t& event) {
 void X11Panel::planLook() {
     const auto due = schedule.nextLook();
     if (!due || panel == XCB_WINDOW_NONE || connection->broken()) {
-        nextLook.stop();
+        clock->clearAlarm();
         return;
     }
-    if (!nextLook.isActive()) {
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(*due - Clock::now());
-        nextLook.start(std::max(left, std::chrono::milliseconds(0)));
+    if (!clock->hasAlarm()) {
+        clock->setAlarm(*due);
     }
 }
 
 void X11Panel::look() {
     const View found = view();
-    if (schedule.looked(Clock::now(), found.viewable && found.state == PanelView::obscured)) {
+    if (schedule.looked(clock->now(), found.viewable && found.state == PanelView::obscured)) {
         putOnTop();
     }
     readEvents(); // while waiting for answers, events have been read off the socket
@@ -185,7 +180,7 @@ X11Panel::View X11Panel::view() const {
                                                  static_cast<std::size_t>(xcb_query_tree_children_length(tree->get())));
     const auto place = std::ranges::find(children, panel);
     const std::span<const xcb_window_t> windows(
-        place, std::min(mostWindows, static_cast<std::size_t>(children.end() - place)));
+        place, std::min(mostStacked, static_cast<std::size_t>(children.end() - place)));
 
     struct Request {
         xcb_get_window_attributes_cookie_t attributes;

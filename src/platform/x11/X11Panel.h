@@ -1,11 +1,11 @@
 #pragma once
 
+#include "platform/x11/PanelClock.h"
 #include "platform/x11/RaiseSchedule.h"
 #include "platform/x11/XcbConnection.h"
 
 #include <QRect>
 #include <QSocketNotifier>
-#include <QTimer>
 
 #include <functional>
 #include <memory>
@@ -29,7 +29,8 @@ struct WindowsAndScreens {
 class X11Panel {
 public:
     X11Panel(std::unique_ptr<XcbConnection> serverConnection,
-             std::function<WindowsAndScreens()> describeWindowsAndScreens);
+             std::function<WindowsAndScreens()> describeWindowsAndScreens,
+             std::unique_ptr<PanelClock> time = std::make_unique<EventLoopClock>());
 
     // It need not be known to the server yet: what is asked for it until then is made up for when it is mapped.
     void setWindow(xcb_window_t window);
@@ -70,7 +71,7 @@ private:
     std::vector<QRect> blurRegion;
     bool wantsBlur = false;
     RaiseSchedule schedule;
-    QTimer nextLook;
+    std::unique_ptr<PanelClock> clock;
     QSocketNotifier incoming;
 };
 

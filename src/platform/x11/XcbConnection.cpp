@@ -18,8 +18,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr Patience patience;
-
 bool isPresent(xcb_connection_t* connection, xcb_extension_t* extension) {
     const xcb_query_extension_reply_t* reply = xcb_get_extension_data(connection, extension);
     return reply && reply->present;
@@ -42,24 +40,25 @@ std::expected<std::unique_ptr<XcbConnection>, NoConnection> XcbConnection::open(
     if (!screen) {
         return std::unexpected(NoConnection::unreachable);
     }
-    std::unique_ptr<XcbConnection> connection(new XcbConnection(*std::move(opened), screen));
+    std::unique_ptr<XcbConnection> connection(new XcbConnection(*std::move(opened), screen, connector.limits()));
     if (!connection->initialize()) {
         return std::unexpected(NoConnection::unreachable);
     }
     return connection;
 }
 
-std::unique_ptr<XcbConnection> XcbConnection::open() {
-    ServerConnector connector;
+std::unique_ptr<XcbConnection> XcbConnection::open(Patience patience) {
+    ServerConnector connector(patience);
     auto connection = open(connector);
     return connection ? *std::move(connection) : nullptr;
 }
 
-XcbConnection::XcbConnection(OpenedConnection opened, xcb_screen_t* ofDisplay)
+XcbConnection::XcbConnection(OpenedConnection opened, xcb_screen_t* ofDisplay, Patience limits)
     : ownConnection(std::move(opened.connection))
     , connection(ownConnection.get())
     , screen(ofDisplay)
-    , screenNumber(opened.screenNumber) {}
+    , screenNumber(opened.screenNumber)
+    , patience(limits) {}
 
 XcbConnection::~XcbConnection() {
     if (hasAtoms) {

@@ -35,7 +35,7 @@ public:
     static std::expected<std::unique_ptr<XcbConnection>, NoConnection> open(ServerConnector& connector);
 
     // For whoever asks once: null where there is no connection, for whatever reason.
-    static std::unique_ptr<XcbConnection> open();
+    static std::unique_ptr<XcbConnection> open(Patience patience = {});
 
     ~XcbConnection();
     XcbConnection(const XcbConnection&) = delete;
@@ -90,7 +90,7 @@ public:
     std::expected<void, Failure> check(xcb_void_cookie_t cookie, const char* call) const;
 
 private:
-    XcbConnection(OpenedConnection opened, xcb_screen_t* ofDisplay);
+    XcbConnection(OpenedConnection opened, xcb_screen_t* ofDisplay, Patience limits);
 
     bool initialize();
     bool isLocal() const;
@@ -101,6 +101,7 @@ private:
     xcb_connection_t* connection; // the same
     xcb_screen_t* screen;
     int screenNumber;
+    Patience patience;
     xcb_ewmh_connection_t ewmh{};
     bool hasAtoms = false;
     xcb_atom_t windowState = XCB_ATOM_NONE;

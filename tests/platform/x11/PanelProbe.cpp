@@ -2,6 +2,7 @@
 // then each change of the compositor. Lines of standard input tell it what to do.
 #include "platform/GuiSession.h"
 #include "platform/PanelWindow.h"
+#include "platform/x11/X11PanelWindow.h"
 
 #include <QApplication>
 #include <QMenu>
@@ -12,6 +13,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <memory>
 
@@ -24,6 +26,32 @@ void say(const QString& line) {
     std::fflush(stdout);
 }
 
+// Real time, which can be put forward.
+class ProbeClock final : public x11::PanelClock {
+public:
+    explicit ProbeClock(std::chrono::hours& putForwardBy, int& countedLooks)
+        : ahead(putForwardBy)
+        , looks(countedLooks) {
+        real.alarm = [this] {
+            alarm();
+            ++looks;
+        };
+    }
+
+    TimePoint now() const override { return real.now() + ahead; }
+
+    void setAlarm(TimePoint due) override { real.setAlarm(due - ahead); }
+
+    void clearAlarm() override { real.clearAlarm(); }
+
+    bool hasAlarm() const override { return real.hasAlarm(); }
+
+private:
+    std::chrono::hours& ahead;
+    int& looks;
+    x11::EventLoopClock real;
+};
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -32,7 +60,9 @@ int main(int argc, char** argv) {
         return 1;
     }
     QApplication application(argc, argv);
-    const auto panel = PanelWindow::create();
+    std::chrono::hours ahead{0};
+    int looks = 0;
+    const auto panel = x11::createPanelWindow(std::make_unique<ProbeClock>(ahead, looks));
     QWidget widget(nullptr, panel->windowFlags());
     widget.setAttribute(Qt::WA_ShowWithoutActivating);
     widget.setGeometry(100, 100, 360, 420);
@@ -51,11 +81,7 @@ int main(int argc, char** argv) {
     std::unique_ptr<PanelWindow> aboveAll; // goes before the alert
     QMenu menu;
     menu.addAction(QStringLiteral("an entry"));
-    QSocketNotifier commands(STDIN_FILENO, QSocketNotifier::Read);
-    QObject::connect(&commands, &QSocketNotifier::activated, &application, [&] {
-        char line[100];
-        const auto size = read(STDIN_FILENO, line, sizeof line);
-        const QByteArray command = QByteArray(line, std::max<qsizetype>(size, 0)).trimmed();
+    const auto obey = [&](const QByteArray& command) {
         if (command == "raise") {
             panel->raise();
         } else if (command == "hide") {
@@ -66,8 +92,13 @@ int main(int argc, char** argv) {
         } else if (command == "resize") {
             widget.resize(200, 100);
             panel->blurBehind(10);
+        } else if (command == "later") {
+            ++ahead;
+            say(QString::number(looks));
+        } else if (command == "looks") {
+            say(QString::number(looks));
         } else if (command == "alert") {
-            aboveAll = PanelWindow::create();
+            aboveAll = x11::createPanelWindow(std::make_unique<ProbeClock>(ahead, looks));
             alert = std::make_unique<QWidget>(nullptr, aboveAll->windowFlags());
             alert->setGeometry(200, 200, 360, 420);
             alert->winId();
@@ -83,6 +114,15 @@ int main(int argc, char** argv) {
             say(QString::number(menu.winId()));
         } else {
             QCoreApplication::quit();
+        }
+    };
+    QSocketNotifier commands(STDIN_FILENO, QSocketNotifier::Read);
+    QObject::connect(&commands, &QSocketNotifier::activated, &application, [&] {
+        char bytes[100];
+        const auto size = read(STDIN_FILENO, bytes, sizeof bytes);
+        const QByteArray lines = QByteArray(bytes, std::max<qsizetype>(size, 0)).trimmed();
+        for (const QByteArray& line : lines.split('\n')) { // none: whoever gave the commands is gone
+            obey(line);
         }
     });
     return QApplication::exec();

@@ -2,7 +2,6 @@
 #include "tests/platform/x11/X11Test.h"
 
 #include <QProcess>
-#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -55,6 +54,23 @@ protected:
         probe.waitForBytesWritten(patience);
     }
 
+    // Raised as it may have been, from now on that is long ago. Returns how often it has looked at the screen.
+    int putClockForward() {
+        tell("later");
+        return line().toInt();
+    }
+
+    // Returns when it has looked at what is on the screen now, at a time when nothing keeps it from being raised.
+    void awaitLook() {
+        const int before = putClockForward();
+        const auto change = client->create({.bounds = {0, 0, 1, 1}, .overrideRedirect = true});
+        EXPECT_TRUE(eventually([&] {
+            tell("looks");
+            return line().toInt() > before;
+        })) << "it does not look";
+        client->destroy(change);
+    }
+
     QProcess probe;
     xcb_window_t panel = XCB_WINDOW_NONE;
 };
@@ -66,6 +82,7 @@ TEST_F(PanelWindowOnScreen, IsNotManagedAndStaysAboveAFullScreenGame) {
     client->sendToRoot(game, "_NET_WM_STATE", 1, client->atom("_NET_WM_STATE_FULLSCREEN"));
     ASSERT_TRUE(eventually([&] { return !client->numbers(game, "_NET_WM_STATE").empty(); }));
     EXPECT_TRUE(client->isAbove(panel, game));
+    putClockForward();
     client->lower(panel);
     EXPECT_TRUE(eventually([&] { return client->isAbove(panel, game); }));
 }
@@ -81,6 +98,7 @@ TEST_F(PanelWindowOnScreen, LeavesTheKeyboardToTheGame) {
     ASSERT_TRUE(eventually([&] { return !client->isViewable(panel); }));
     tell("show");
     ASSERT_TRUE(eventually([&] { return client->isViewable(panel); }));
+    putClockForward();
     client->lower(panel);
     ASSERT_TRUE(eventually([&] { return client->isAbove(panel, game); }));
     EXPECT_EQ(active(), std::vector{game});
@@ -92,7 +110,7 @@ TEST_F(PanelWindowOnScreen, StaysBelowItsOwnMenu) {
     tell("menu");
     const xcb_window_t menu = line().toUInt();
     ASSERT_TRUE(eventually([&] { return client->isViewable(menu); }));
-    QTest::qWait(1500); // longer than any raise is put off
+    awaitLook();
     EXPECT_TRUE(client->isAbove(menu, panel));
 }
 
@@ -116,12 +134,14 @@ TEST_F(PanelWindowOnScreen, StaysBelowOneThatWasMadeLater) {
     const auto game = createManaged({.bounds = {0, 0, 640, 480}});
     client->sendToRoot(game, "_NET_WM_STATE", 1, client->atom("_NET_WM_STATE_FULLSCREEN"));
     ASSERT_TRUE(eventually([&] { return !client->numbers(game, "_NET_WM_STATE").empty(); }));
+    putClockForward();
     client->lower(alert);
     client->lower(panel);
     EXPECT_TRUE(eventually([&] { return raisedInOrder(game); })) << "when the game comes up over both";
 
     tell("answer");
     ASSERT_TRUE(eventually([&] { return !client->isViewable(alert); }));
+    putClockForward();
     client->lower(panel);
     EXPECT_TRUE(eventually([&] { return client->isAbove(panel, game); })) << "and without it as before";
 }
@@ -130,7 +150,7 @@ TEST_F(PanelWindowOnScreen, StaysBelowALockerOverTheWholeScreen) {
     startProbe("1.5");
     const auto locker = client->create({.bounds = {0, 0, 1280, 1024}, .overrideRedirect = true});
     tell("raise");
-    QTest::qWait(1500);
+    awaitLook();
     EXPECT_FALSE(client->isAbove(panel, locker));
     client->destroy(locker);
     const auto window = client->create({.bounds = {0, 0, 1280, 1000}, .overrideRedirect = true});

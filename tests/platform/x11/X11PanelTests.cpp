@@ -2,13 +2,16 @@
 
 #include "tests/platform/x11/X11Test.h"
 
+#include <QAbstractEventDispatcher>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QTest>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <csignal>
-#include <ctime>
+#include <optional>
 
 namespace pelloran::testing {
 
@@ -20,6 +23,38 @@ constexpr QRect panelBounds(800, 100, 360, 420);
 bool inTime(const std::function<bool()>& condition) {
     return QTest::qWaitFor(condition, patience);
 }
+
+// Stands still until the test says that it is later.
+class StoppedClock final : public x11::PanelClock {
+public:
+    TimePoint now() const override { return time; }
+
+    void setAlarm(TimePoint when) override { due = when; }
+
+    void clearAlarm() override { due.reset(); }
+
+    bool hasAlarm() const override { return due.has_value(); }
+
+    // It is so much later, and what was due meanwhile has rung at its time.
+    void goOn(std::chrono::milliseconds by) {
+        const TimePoint end = time + by;
+        while (due && *due <= end) {
+            goToAlarm();
+        }
+        time = end;
+    }
+
+    // It is as late as the alarm, which rings.
+    void goToAlarm() {
+        time = std::max(time, *due);
+        due.reset();
+        alarm();
+    }
+
+private:
+    TimePoint time{std::chrono::hours(1)};
+    std::optional<TimePoint> due;
+};
 
 // A window of a test client stands for the panel's own. On displays with or without a window manager.
 template <typename Display>
@@ -36,37 +71,70 @@ protected:
 
     bool isAbove(xcb_window_t other) { return this->client->isAbove(window, other); }
 
+    // As time goes on, from alarm to alarm.
+    bool comesAbove(xcb_window_t other) {
+        return inTime([&] {
+            if (clock->hasAlarm()) {
+                clock->goToAlarm();
+            }
+            return isAbove(other);
+        });
+    }
+
+    // Notices what has changed, and does what it does about it, however long that is put off. What it asks the server
+    // at its first look is answered after everything that the test has done.
+    void settle() {
+        EXPECT_TRUE(inTime([&] { return clock->hasAlarm(); })) << "it notices nothing";
+        while (clock->hasAlarm()) {
+            clock->goToAlarm();
+        }
+    }
+
     // The panel had the time to do something and did not, though it does look.
     void expectStaysBelow(xcb_window_t other) {
-        QTest::qWait(static_cast<int>(3 * x11::RaiseSchedule::betweenLooks.count()));
+        settle();
         EXPECT_FALSE(isAbove(other));
         const xcb_window_t probe = this->client->create({.bounds = panelBounds});
         this->client->destroy(other);
-        EXPECT_TRUE(inTime([&] { return isAbove(probe); })) << "it does not look at all";
+        EXPECT_TRUE(comesAbove(probe)) << "it does not look at all";
     }
 
     x11::WindowsAndScreens around{.ourWindows = {}, .screens = {screen}};
     xcb_window_t window = XCB_WINDOW_NONE;
     std::unique_ptr<x11::X11Panel> panel;
+    StoppedClock* clock = nullptr; // the panel's
 
 private:
     void begin() {
         auto connection = x11::XcbConnection::open();
         ASSERT_TRUE(connection);
         window = this->client->create({.bounds = panelBounds, .overrideRedirect = true});
-        panel = std::make_unique<x11::X11Panel>(std::move(connection), [this] { return around; });
+        auto stopped = std::make_unique<StoppedClock>();
+        clock = stopped.get();
+        panel = std::make_unique<x11::X11Panel>(std::move(connection), [this] { return around; }, std::move(stopped));
+        // Whoever is told of it is told when the server has done it.
+        panel->cameToTop = [] {};
         panel->setWindow(window);
-        // The look that comes with the window is over, or it could pass for one of the test's.
-        QTest::qWait(0);
+        settle(); // the look that comes with the window could pass for one of the test's
     }
 };
+
+// As the system tells it: T is stopped.
+char stateOf(qint64 process) {
+    QFile file(QStringLiteral("/proc/%1/stat").arg(process));
+    if (!file.open(QIODevice::ReadOnly)) {
+        return 0;
+    }
+    const QByteArray line = file.readAll();
+    return line.mid(line.lastIndexOf(')') + 2).front();
+}
 
 using X11PanelTest = PanelTest<X11Test>;
 using ManagedX11PanelTest = PanelTest<ManagedX11Test>;
 
 TEST_F(X11PanelTest, IsRaisedAboveAWindowThatCoversIt) {
     const auto other = client->create({.bounds = {700, 0, 300, 300}});
-    EXPECT_TRUE(inTime([&] { return isAbove(other); }));
+    EXPECT_TRUE(comesAbove(other));
 }
 
 TEST_F(X11PanelTest, IsRaisedAboveAWindowThatIsRaisedOrMoved) {
@@ -74,9 +142,9 @@ TEST_F(X11PanelTest, IsRaisedAboveAWindowThatIsRaisedOrMoved) {
     client->map(other);
     client->raise(other);
     client->setBounds(other, {700, 0, 300, 300});
-    EXPECT_TRUE(inTime([&] { return isAbove(other); }));
+    EXPECT_TRUE(comesAbove(other));
     client->raise(other);
-    EXPECT_TRUE(inTime([&] { return isAbove(other); }));
+    EXPECT_TRUE(comesAbove(other));
 }
 
 TEST_F(X11PanelTest, StaysBelowAWindowThatDoesNotCoverIt) {
@@ -104,7 +172,7 @@ TEST_F(X11PanelTest, IsRaisedAboveAFrameThatBypassesTheManager) {
     client->setNumbers(managed, "WM_STATE", "WM_STATE", {1, 0});
     client->map(frame);
     client->raise(frame);
-    EXPECT_TRUE(inTime([&] { return isAbove(frame); }));
+    EXPECT_TRUE(comesAbove(frame));
 }
 
 TEST_F(X11PanelTest, StaysBelowAScreenLocker) {
@@ -119,30 +187,34 @@ TEST_F(X11PanelTest, ComesUpWhenTheLockerGoes) {
     client->map(other);
     client->raise(other);
     client->raise(locker);
-    QTest::qWait(static_cast<int>(3 * x11::RaiseSchedule::betweenLooks.count()));
+    settle();
     EXPECT_FALSE(isAbove(other));
     client->unmap(locker);
-    EXPECT_TRUE(inTime([&] { return isAbove(other); }));
+    EXPECT_TRUE(comesAbove(other));
 }
 
 TEST_F(X11PanelTest, IsRaisedAtMostOnceASecondAndNeverForgetsTheLastChange) {
     const auto other = client->create({.bounds = panelBounds});
-    ASSERT_TRUE(inTime([&] { return isAbove(other); }));
-    QElapsedTimer sinceRaise;
-    sinceRaise.start();
+    ASSERT_TRUE(comesAbove(other));
+    const auto raised = clock->now();
     for (int i = 0; i < 5; ++i) {
         client->raise(other);
-        QTest::qWait(20);
+        ASSERT_TRUE(inTime([&] { return clock->hasAlarm(); }));
+        clock->goOn(x11::RaiseSchedule::betweenLooks);
+        EXPECT_FALSE(isAbove(other));
     }
-    ASSERT_FALSE(isAbove(other));
-    EXPECT_TRUE(inTime([&] { return isAbove(other); })) << "nothing changes after the last look";
-    // The first one was seen a moment after it happened.
-    EXPECT_GT(sinceRaise.elapsed(), x11::RaiseSchedule::betweenRaises.count() - 200);
+    ASSERT_LT(clock->now(), raised + x11::RaiseSchedule::betweenRaises);
+    const auto left =
+        std::chrono::floor<std::chrono::milliseconds>(raised + x11::RaiseSchedule::betweenRaises - clock->now());
+    clock->goOn(left - std::chrono::milliseconds(1));
+    EXPECT_FALSE(isAbove(other)) << "a second has not gone by";
+    clock->goOn(std::chrono::milliseconds(1));
+    EXPECT_TRUE(isAbove(other)) << "nothing changes after the last look";
 }
 
 TEST_F(X11PanelTest, IsRaisedAtOnceWhenAskedFor) {
     const auto other = client->create({.bounds = panelBounds});
-    ASSERT_TRUE(inTime([&] { return isAbove(other); }));
+    ASSERT_TRUE(comesAbove(other));
     client->raise(other);
     ASSERT_FALSE(isAbove(other));
     panel->raise();
@@ -153,10 +225,10 @@ TEST_F(X11PanelTest, IsOnTopWhenItIsMappedAgain) {
     client->unmap(window);
     const auto other = client->create({.bounds = {0, 0, 300, 300}});
     panel->raise();
-    QTest::qWait(static_cast<int>(2 * x11::RaiseSchedule::betweenLooks.count()));
+    settle();
     EXPECT_FALSE(isAbove(other));
     client->map(window);
-    EXPECT_TRUE(inTime([&] { return isAbove(other); }));
+    EXPECT_TRUE(comesAbove(other));
 }
 
 TEST_F(X11PanelTest, AWindowThatIsNotThereYetHurtsNothing) {
@@ -164,10 +236,10 @@ TEST_F(X11PanelTest, AWindowThatIsNotThereYetHurtsNothing) {
     panel->setWindow(next);
     panel->setBlurRegion({QRect(0, 0, 5, 5)});
     panel->raise();
-    QTest::qWait(static_cast<int>(2 * x11::RaiseSchedule::betweenLooks.count()));
+    settle();
     panel->setWindow(window);
     const auto other = client->create({.bounds = panelBounds});
-    EXPECT_TRUE(inTime([&] { return isAbove(other); }));
+    EXPECT_TRUE(comesAbove(other));
 }
 
 TEST_F(X11PanelTest, TellsTheCompositorWhatToBlur) {
@@ -212,7 +284,7 @@ TEST_F(X11PanelTest, StaysOnTopUnderARealCompositor) {
                                                         QStringLiteral("--config"), QStringLiteral("/dev/null")}));
     EXPECT_TRUE(inTime([&] { return panel->isComposited(); }));
     const auto other = client->create({.bounds = panelBounds});
-    EXPECT_TRUE(inTime([&] { return isAbove(other); })) << "nothing of the compositor's passes for a locker";
+    EXPECT_TRUE(comesAbove(other)) << "nothing of the compositor's passes for a locker";
     display->stopPrograms();
     EXPECT_TRUE(inTime([&] { return !panel->isComposited(); }));
 }
@@ -221,33 +293,37 @@ TEST_F(X11PanelTest, SurvivesItsServer) {
     client->create({.bounds = panelBounds});
     client.reset();
     display->stop();
-    QTest::qWait(50);
     panel->raise();
     panel->setBlurRegion({QRect(0, 0, 5, 5)});
     panel->setWindow(window + 1);
     EXPECT_FALSE(panel->isComposited());
-    // The socket of a lost server stays readable: whoever went on listening would be busy all the time.
-    const std::clock_t before = std::clock();
-    QTest::qWait(500);
-    EXPECT_LT(1000 * (std::clock() - before) / CLOCKS_PER_SEC, 100) << "milliseconds of work";
+    EXPECT_FALSE(clock->hasAlarm());
+    // The socket of a lost server stays readable: whoever went on listening would find something to do in every turn.
+    EXPECT_TRUE(inTime([] { return !QAbstractEventDispatcher::instance()->processEvents(QEventLoop::AllEvents); }))
+        << "the event loop does not come to rest";
 }
 
 TEST_F(X11PanelTest, AServerThatHangsFailsRequestsUntilItGoesOn) {
-    const auto connection = x11::XcbConnection::open();
+    using std::chrono::milliseconds;
+    EXPECT_GE(x11::Patience().usual, std::chrono::seconds(1)) << "a server may be busy";
+    const x11::Patience brief{.usual = milliseconds(200), .whileStalled = milliseconds(1)};
+    const auto connection = x11::XcbConnection::open(brief);
     ASSERT_TRUE(connection);
     kill(static_cast<pid_t>(display->processId()), SIGSTOP);
+    // It may still answer until it has got the signal.
+    ASSERT_TRUE(eventually([this] { return stateOf(display->processId()) == 'T'; }));
     QElapsedTimer time;
     time.start();
     const auto answer = connection->ask<xcb_query_tree_reply>(xcb_query_tree(*connection, window), "QueryTree");
     ASSERT_FALSE(answer);
     EXPECT_EQ(answer.error().code, 0);
-    const auto first = time.restart();
-    EXPECT_GE(first, 1000) << "a server may be busy";
-    for (int i = 0; i < 20; ++i) {
+    EXPECT_GE(time.restart(), brief.usual.count());
+    constexpr int rounds = 20;
+    for (int i = 0; i < rounds; ++i) {
         EXPECT_FALSE(connection->ask<xcb_query_tree_reply>(xcb_query_tree(*connection, window), "QueryTree"));
         EXPECT_FALSE(connection->check(xcb_map_window_checked(*connection, window), "MapWindow"));
     }
-    EXPECT_LT(time.elapsed(), first) << "the next ones wait as long again";
+    EXPECT_LT(time.elapsed(), rounds * brief.usual.count()) << "the next ones wait as long again";
     kill(static_cast<pid_t>(display->processId()), SIGCONT);
     EXPECT_TRUE(eventually([&] {
         return connection->ask<xcb_query_tree_reply>(xcb_query_tree(*connection, window), "QueryTree").has_value();
@@ -264,18 +340,18 @@ TEST_F(ManagedX11PanelTest, IsRaisedAboveAFullScreenWindow) {
     EXPECT_TRUE(isAbove(game));
     client->lower(window);
     EXPECT_FALSE(isAbove(game));
-    EXPECT_TRUE(inTime([&] { return isAbove(game); }));
+    EXPECT_TRUE(comesAbove(game));
 }
 
 TEST_F(ManagedX11PanelTest, StaysBelowOurOwnAlerts) {
     const auto alert = createManaged({.bounds = panelBounds});
     around.ourWindows = {{window, false}, {alert, true}};
     client->lower(window);
-    QTest::qWait(static_cast<int>(3 * x11::RaiseSchedule::betweenLooks.count()));
+    settle();
     EXPECT_FALSE(isAbove(alert));
     around.ourWindows = {{window, false}};
     client->create({.bounds = {0, 0, 10, 10}}); // so that it looks again
-    EXPECT_TRUE(inTime([&] { return isAbove(alert); })) << "it was not the frame that was known";
+    EXPECT_TRUE(comesAbove(alert)) << "it was not the frame that was known";
 }
 
 TEST_F(ManagedX11PanelTest, ATrayIconIsOursButNotTheDock) {
@@ -283,7 +359,7 @@ TEST_F(ManagedX11PanelTest, ATrayIconIsOursButNotTheDock) {
     const auto icon = client->create({.bounds = {0, 0, 22, 22}, .parent = dock});
     around.ourWindows = {{window, false}, {icon, false}};
     client->lower(window);
-    EXPECT_TRUE(inTime([&] { return isAbove(dock); }));
+    EXPECT_TRUE(comesAbove(dock));
 }
 
 } // namespace
