@@ -23,7 +23,7 @@ inline QProcessEnvironment cleanEnvironment(const QString& home) {
     environment.insert(QStringLiteral("XDG_DATA_HOME"), home + QStringLiteral("/data"));
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), home + QStringLiteral("/config"));
     environment.insert(QStringLiteral("LANG"), QStringLiteral("C.UTF-8"));
-    for (const char* kept : {"ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS"}) {
+    for (const char* kept : {"FONTCONFIG_FILE", "ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS"}) {
         if (qEnvironmentVariableIsSet(kept)) {
             environment.insert(QString::fromLatin1(kept), qEnvironmentVariable(kept));
         }

@@ -1,18 +1,21 @@
 #pragma once
 
+#include "tests/support/TestFonts.h"
+
 #include <QStandardPaths>
 
 #include <gtest/gtest.h>
 
 namespace pelloran::testing {
 
-// What the main() of every test program does: no display, no network, and an unexpected warning from Qt fails the test
-// that caused it.
+// What the main() of every test program does: no display, no network, the same fonts everywhere, and an unexpected
+// warning from Qt fails the test that caused it.
 template <typename Application>
 int runAllTests(int argc, char** argv) {
     static QtMessageHandler printMessage = nullptr;
     ::testing::InitGoogleTest(&argc, argv);
     QStandardPaths::setTestModeEnabled(true);
+    useTestFonts();
     const Application application(argc, argv);
     printMessage =
         qInstallMessageHandler([](QtMsgType type, const QMessageLogContext& context, const QString& message) {
