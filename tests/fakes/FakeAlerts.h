@@ -2,7 +2,9 @@
 
 #include "platform/Alerts.h"
 
+#include <algorithm>
 #include <functional>
+#include <optional>
 #include <vector>
 
 namespace pelloran::testing {
@@ -12,14 +14,15 @@ class FakeAlerts final : public Alerts {
 public:
     int runModal(const Alert& alert) override {
         shown.push_back(alert);
-        if (whenShown) {
-            whenShown();
+        if (const auto user = whenShown) { // who may be told otherwise meanwhile
+            user();
         }
-        return pressed;
+        const int last = std::max(static_cast<int>(alert.buttons.size()), 1) - 1;
+        return pressed.value_or(last);
     }
 
     std::vector<Alert> shown;
-    int pressed = 0;
+    std::optional<int> pressed = 0; // absent: closes it
     std::function<void()> whenShown;
 };
 

@@ -2,6 +2,7 @@
 
 #include "platform/ApplicationFiles.h"
 
+#include <QDir>
 #include <QFileInfo>
 
 namespace pelloran::testing {
@@ -18,8 +19,7 @@ public:
 
     std::optional<QString> resource(const QString& baseName, const QString& extension,
                                     const QString& subfolder) const override {
-        const QString path = resourceFolder() + u'/' + (subfolder.isEmpty() ? QString() : subfolder + u'/') + baseName +
-                             u'.' + extension;
+        const QString path = QDir::cleanPath(resourceFolder() + u'/' + subfolder + u'/' + baseName + u'.' + extension);
         return QFileInfo(path).isFile() ? std::optional(path) : std::nullopt;
     }
 

@@ -29,10 +29,14 @@ public:
         if (found == answers.end()) {
             return std::unexpected(TransportError{QStringLiteral("Connection refused")});
         }
-        if (found->second && found->second->body.size() > request.maximumBytes) {
-            return std::unexpected(TransportError{QStringLiteral("answer too long")});
+        Answer answer = found->second;
+        if (answer && answer->body.size() > request.maximumBytes) {
+            if (answer->status >= 200 && answer->status <= 299) {
+                return std::unexpected(TransportError{QStringLiteral("answer too long")});
+            }
+            answer->body.truncate(request.maximumBytes);
         }
-        return found->second;
+        return answer;
     }
 
     std::vector<Request> requests;

@@ -41,6 +41,7 @@ public:
             } else {
                 readings.push_back(told.answer ? told.answer(picture) : LineReading());
             }
+            readings.back().text = readings.back().text.trimmed();
         }
         return readings;
     }

@@ -4,6 +4,8 @@
 
 #include <QWindow>
 
+#include <utility>
+
 namespace pelloran::testing {
 
 // Remembers what was asked of it, on a desktop that composes windows or does not, as told.
@@ -28,8 +30,7 @@ public:
     void blurBehind(double cornerRadius) override { blurRadius = cornerRadius; }
 
     void setComposited(bool nowComposited) {
-        composited = nowComposited;
-        if (compositingChanged) {
+        if (std::exchange(composited, nowComposited) != nowComposited && compositingChanged) {
             compositingChanged();
         }
     }

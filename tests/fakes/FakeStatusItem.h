@@ -5,8 +5,6 @@
 #include <QImage>
 #include <QStringList>
 
-#include <gtest/gtest.h>
-
 namespace pelloran::testing {
 
 // Remembers what it shows, and each step in `steps`.
@@ -19,8 +17,11 @@ public:
 
     bool setImage(const QString& path) override {
         steps << QStringLiteral("image");
-        withImage = !QImage(path).isNull();
-        return withImage;
+        if (QImage(path).isNull()) {
+            return false;
+        }
+        withImage = true;
+        return true;
     }
 
     bool hasImage() const override { return withImage; }
@@ -43,9 +44,10 @@ public:
 
     void openMenu(QPoint position) override { openedAt.push_back(position); }
 
-    // The user chooses the first entry, or entry of a submenu, that does this. There must be one.
-    void choose(StatusMenuEntry::Action action, const QString& representedObject = {}) const {
-        EXPECT_TRUE(choose(menu, action, representedObject)) << "the menu has no such entry that is enabled";
+    // The user chooses the first entry, or entry of a submenu, that does this. False when the menu has none that is
+    // enabled.
+    [[nodiscard]] bool choose(StatusMenuEntry::Action action, const QString& representedObject = {}) const {
+        return choose(menu, action, representedObject);
     }
 
     QString title;

@@ -2,6 +2,8 @@
 
 #include "platform/SystemSettings.h"
 
+#include <utility>
+
 namespace pelloran::testing {
 
 class FakeSystemSettings final : public SystemSettings {
@@ -15,13 +17,15 @@ public:
     std::optional<Appearance> appearance() const override { return look; }
 
     void setReducesMotion(bool reduced) {
-        lessMotion = reduced;
-        tellChange();
+        if (std::exchange(lessMotion, reduced) != reduced) {
+            tellChange();
+        }
     }
 
     void setAppearance(std::optional<Appearance> appearance) {
-        look = appearance;
-        tellChange();
+        if (std::exchange(look, appearance) != appearance) {
+            tellChange();
+        }
     }
 
     QStringList languages{QStringLiteral("en-US")};

@@ -132,8 +132,8 @@ protected:
 
     // Has a second sync come while the first waits for its server, and looks at what the second has done.
     void syncMeetsAnother(const std::function<void()>& look) {
-        item.choose(Action::checkConfigNow);
-        item.choose(Action::checkConfigNow);
+        EXPECT_TRUE(item.choose(Action::checkConfigNow));
+        EXPECT_TRUE(item.choose(Action::checkConfigNow));
         bool met = false;
         configServer->onRequest = [this, &look, &met](const HttpClient::Request&) {
             if (std::exchange(met, true)) {
@@ -235,7 +235,7 @@ TEST_F(AppDelegateTest, SaysWhyTheDataCannotBeLoadedAndEnds) {
     ASSERT_TRUE(steps.last().startsWith(QStringLiteral("log Failed to load win-rate data: ")));
     EXPECT_TRUE(steps.last().contains(alerts.shown[0].informativeText));
 
-    item.choose(Action::refreshNow);
+    EXPECT_TRUE(item.choose(Action::refreshNow));
     AppLanguage::setPreference(AppLanguage::zh);
     EXPECT_TRUE(panel.snapshots.empty()) << "what is left of the program does not stumble over what was never made";
 }
@@ -243,16 +243,16 @@ TEST_F(AppDelegateTest, SaysWhyTheDataCannotBeLoadedAndEnds) {
 TEST_F(AppDelegateTest, ServesTheUserWhileTheAlertIsUp) {
     write("resources/winrates/all_classes_LAST_7_DAYS.json", "no figures");
     alerts.whenShown = [this] {
-        item.choose(Action::refreshNow);
-        item.choose(Action::selectLanguage, QStringLiteral("zh"));
+        EXPECT_TRUE(item.choose(Action::refreshNow));
+        EXPECT_TRUE(item.choose(Action::selectLanguage, QStringLiteral("zh")));
         EXPECT_EQ(item.menu, statusMenu(AppLanguage::zh)) << "though nothing follows the language yet";
-        settings.setAppearance(std::nullopt);
+        settings.setReducesMotion(true);
         EXPECT_EQ(panel.settingsChanges, 1);
-        item.choose(Action::toggleOverlay);
+        EXPECT_TRUE(item.choose(Action::toggleOverlay));
         EXPECT_FALSE(panel.visible);
         delegate->applicationShouldHandleReopen();
         EXPECT_TRUE(panel.visible) << "a second start meanwhile";
-        item.choose(Action::quit);
+        EXPECT_TRUE(item.choose(Action::quit));
     };
     launch();
     EXPECT_EQ(alerts.shown.size(), 1U);
@@ -265,36 +265,36 @@ TEST_F(AppDelegateTest, MayBeTerminatedWhileTheAlertIsUp) {
     alerts.whenShown = [this] { delegate->applicationWillTerminate(); };
     launch();
     EXPECT_THAT(exitCodes, ElementsAre(1));
-    item.choose(Action::toggleOverlay);
+    EXPECT_TRUE(item.choose(Action::toggleOverlay));
     EXPECT_TRUE(panel.visible);
     EXPECT_TRUE(panel.snapshots.empty());
 }
 
 TEST_F(AppDelegateTest, TogglesThePanel) {
     launch();
-    item.choose(Action::toggleOverlay);
+    EXPECT_TRUE(item.choose(Action::toggleOverlay));
     EXPECT_FALSE(panel.visible);
-    item.choose(Action::toggleOverlay);
+    EXPECT_TRUE(item.choose(Action::toggleOverlay));
     EXPECT_TRUE(panel.visible);
 }
 
 TEST_F(AppDelegateTest, RefreshesWithOneTick) {
     launch();
     const auto before = panel.snapshots.size();
-    item.choose(Action::refreshNow);
+    EXPECT_TRUE(item.choose(Action::refreshNow));
     EXPECT_EQ(panel.snapshots.size(), before + 1);
     EXPECT_EQ(lastMessage(), bootEnglish) << "which is the idle line from now on";
 }
 
 TEST_F(AppDelegateTest, QuitsFromTheMenu) {
     launch();
-    item.choose(Action::quit);
+    EXPECT_TRUE(item.choose(Action::quit));
     EXPECT_THAT(exitCodes, ElementsAre(0));
 }
 
 TEST_F(AppDelegateTest, SpeaksTheLanguageChosen) {
     launch();
-    item.choose(Action::selectLanguage, QStringLiteral("zh"));
+    EXPECT_TRUE(item.choose(Action::selectLanguage, QStringLiteral("zh")));
     EXPECT_EQ(defaults.string(QStringLiteral("pelloran.language")), QStringLiteral("zh"));
     EXPECT_EQ(item.menu, statusMenu(AppLanguage::zh));
     EXPECT_EQ(item.menu[0].title, QStringLiteral("显示/隐藏悬浮窗"));
@@ -311,7 +311,7 @@ TEST_F(AppDelegateTest, RebuildsTheMenuOnlyWhenTheLanguageStaysTheSame) {
     int posted = 0;
     const auto counting =
         QObject::connect(&AppLanguageNotifier::shared(), &AppLanguageNotifier::posted, [&posted] { ++posted; });
-    item.choose(Action::selectLanguage, QStringLiteral("system"));
+    EXPECT_TRUE(item.choose(Action::selectLanguage, QStringLiteral("system")));
     EXPECT_EQ(posted, 0);
     EXPECT_EQ(item.menus, menus + 1);
     EXPECT_EQ(panel.snapshots.size(), before);
@@ -391,8 +391,8 @@ TEST_F(AppDelegateTest, StopsEverythingOnTermination) {
     delegate->applicationWillTerminate();
     queue.finishNext();
     AppLanguage::setPreference(AppLanguage::zh);
-    item.choose(Action::toggleOverlay);
-    settings.setAppearance(std::nullopt);
+    EXPECT_TRUE(item.choose(Action::toggleOverlay));
+    settings.setReducesMotion(true);
     delegate->applicationWillTerminate();
     EXPECT_EQ(panel.snapshots.size(), before);
     EXPECT_EQ(item.menus, menus);
@@ -634,13 +634,13 @@ TEST_F(AppDelegateTest, GoesOnAtItsWorkWhileAnAlertIsUp) {
         delegate->refreshNow();
         queue.finishNext();
         EXPECT_TRUE(panel.snapshots.back().inDraft) << "a draft is followed";
-        item.choose(Action::selectLanguage, QStringLiteral("zh"));
+        EXPECT_TRUE(item.choose(Action::selectLanguage, QStringLiteral("zh")));
         EXPECT_EQ(item.menu, statusMenu(AppLanguage::zh)) << "a language is taken";
-        item.choose(Action::checkAppUpdateNow);
+        EXPECT_TRUE(item.choose(Action::checkAppUpdateNow));
         updateQueue.finishNext();
         EXPECT_EQ(alerts.shown.size(), 2U) << "another alert comes on top";
         delegate->applicationShouldHandleReopen();
-        item.choose(Action::quit);
+        EXPECT_TRUE(item.choose(Action::quit));
         delegate->applicationWillTerminate();
     };
     updateQueue.finishNext();
@@ -655,9 +655,9 @@ TEST_F(AppDelegateTest, AsksItsServersWhenTold) {
     syncQueue->finishNext();
     updateQueue.finishNext();
     ASSERT_TRUE(alerts.shown.empty()) << "nobody asked";
-    item.choose(Action::checkConfigNow);
+    EXPECT_TRUE(item.choose(Action::checkConfigNow));
     EXPECT_EQ(syncQueue->waiting(), 1U);
-    item.choose(Action::checkAppUpdateNow);
+    EXPECT_TRUE(item.choose(Action::checkAppUpdateNow));
     ASSERT_EQ(updateQueue.waiting(), 1U);
     updateQueue.finishNext();
     ASSERT_EQ(alerts.shown.size(), 1U);
