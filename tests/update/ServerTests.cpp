@@ -2,6 +2,7 @@
 
 #include "base/SerialQueue.h"
 #include "localisation/AppLanguage.h"
+#include "platform/HttpClient.h"
 #include "tests/fakes/FakeUserDefaults.h"
 #include "tests/support/Printing.h"
 #include "tests/support/ScriptedServer.h"
@@ -15,6 +16,8 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <expected>
 #include <future>
 #include <memory>
 #include <optional>
@@ -25,8 +28,28 @@ namespace pelloran {
 
 namespace {
 
+using namespace std::chrono_literals;
 using Result = AppUpdateCheckResult;
 using testing::ScriptedServer;
+
+// Asks as it is told, with a fiftieth of one kind of patience.
+class HurriedHttpClient final : public HttpClient {
+public:
+    static constexpr int times = 50;
+
+    std::expected<Response, TransportError> get(const Request& request) override {
+        asked = request;
+        Request hurried = request;
+        hurried.*limit /= times;
+        return http->get(hurried);
+    }
+
+    std::chrono::milliseconds Request::* limit = &Request::deadline;
+    std::optional<Request> asked;
+
+private:
+    const std::unique_ptr<HttpClient> http = HttpClient::create();
+};
 
 class UpdateServerTest : public ::testing::Test {
 protected:
@@ -176,31 +199,33 @@ TEST_F(UpdateServerTest, AsksNoServerThatIsNoneOfTheWeb) {
 }
 
 TEST_F(UpdateServerTest, IsGivenUpAfterTenSecondsOfSilenceAndTwelveOfTrickle) {
-    ScriptedServer trickling;
-    const auto itsHttp = HttpClient::create();
-    const auto itsQueue = SerialQueue::create(u"trickle"_s);
-    const AppUpdateChecker itsChecker({*itsHttp, defaults, *itsQueue}, {u"1.2"_s, {}},
-                                      trickling.base() + u"/download"_s);
-    server.on(latest, [](QTcpSocket&) {});
-    trickling.on(latest, ScriptedServer::trickle("HTTP/1.0 200 OK\r\n\r\n", " ", 500));
+    HurriedHttpClient hurried;
+    const AppUpdateChecker hurriedChecker({hurried, defaults, *queue}, {u"1.2"_s, {}}, server.base() + u"/download"_s);
     const Result timedOut{Result::Offline{u"The request timed out."_s}};
 
-    QElapsedTimer time;
-    time.start();
-    std::optional<qint64> silence;
-    std::optional<qint64> trickle;
-    checker.checkAsync(&receiver, [&](const Result& result) {
-        EXPECT_EQ(result, timedOut);
-        silence = time.elapsed();
-    });
-    itsChecker.checkAsync(&receiver, [&](const Result& result) {
-        EXPECT_EQ(result, timedOut);
-        trickle = time.elapsed();
-    });
-    ASSERT_TRUE(QTest::qWaitFor([&] { return silence && trickle; }, 30'000));
-    EXPECT_GE(*silence, 9'900);
-    EXPECT_GE(*trickle, 11'900);
-    EXPECT_LT(*silence, *trickle);
+    struct Case {
+        const char* why;
+        ScriptedServer::Script script;
+        std::chrono::milliseconds HttpClient::Request::* limit;
+        std::chrono::milliseconds expected;
+    };
+
+    const Case cases[] = {
+        {"it says nothing", [](QTcpSocket&) {}, &HttpClient::Request::transferTimeout, 10s},
+        {"it never comes to an end", ScriptedServer::trickle("HTTP/1.0 200 OK\r\n\r\n", " ", 10),
+         &HttpClient::Request::deadline, 12s},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        server.on(latest, c.script);
+        hurried.limit = c.limit;
+        QElapsedTimer time;
+        time.start();
+        EXPECT_EQ(hurriedChecker.checkNow(), timedOut);
+        ASSERT_TRUE(hurried.asked);
+        EXPECT_EQ((*hurried.asked).*c.limit, c.expected);
+        EXPECT_GE(time.elapsed(), (c.expected / HurriedHttpClient::times).count());
+    }
 }
 
 TEST_F(UpdateServerTest, AStalledServerDoesNotHoldUpTheEnd) {

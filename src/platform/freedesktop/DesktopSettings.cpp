@@ -17,7 +17,7 @@ DesktopPlaces DesktopPlaces::ofSession() {
 
 DesktopSettings::DesktopSettings(DesktopPlaces where)
     : places(std::move(where))
-    , portal(places.busAddress) {
+    , portal(places.busAddress, places.portalPatience) {
     QObject::connect(&portal, &PortalSettings::answered, &portal,
                      [this](const std::optional<PortalGroups>& groups) { portalAnswered(groups); });
     QObject::connect(&portal, &PortalSettings::changed, &portal,

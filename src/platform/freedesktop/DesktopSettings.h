@@ -7,6 +7,7 @@
 
 #include <QString>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -20,6 +21,7 @@ struct DesktopPlaces {
     QString busAddress; // empty: the session's
     QString kdeGlobals; // the file
     bool gnome = false; // the desktop is GNOME, so that its tool knows
+    std::chrono::milliseconds portalPatience = PortalSettings::usualPatience;
 };
 
 // Follows the user's preferences. It begins with defaults and tells when it knows better; nothing waits. Main thread,

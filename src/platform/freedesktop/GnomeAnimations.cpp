@@ -4,13 +4,9 @@
 
 #include <QStringList>
 
-#include <chrono>
-
 namespace pelloran::freedesktop {
 
 namespace {
-
-constexpr std::chrono::seconds toolPatience{5};
 
 std::optional<bool> truth(const QByteArray& text) {
     if (text == "true") {
@@ -30,7 +26,8 @@ bool isGnome(QStringView currentDesktop) {
     return false;
 }
 
-GnomeAnimations::GnomeAnimations(const std::function<void(std::optional<bool>)>& answered, const QString& program) {
+GnomeAnimations::GnomeAnimations(const std::function<void(std::optional<bool>)>& answered, const QString& program,
+                                 std::chrono::milliseconds patience) {
     QObject::connect(&process, &QProcess::finished, &process,
                      [this, answered](int exitCode, QProcess::ExitStatus status) {
                          deadline.stop();
@@ -44,7 +41,7 @@ GnomeAnimations::GnomeAnimations(const std::function<void(std::optional<bool>)>&
     });
     deadline.setSingleShot(true);
     deadline.callOnTimeout(&process, &QProcess::kill);
-    deadline.start(toolPatience);
+    deadline.start(patience);
     process.setStandardErrorFile(QProcess::nullDevice());
     process.start(program, {QStringLiteral("get"), gnomeGroup, gnomeAnimationsKey}, QIODevice::ReadOnly);
 }

@@ -6,6 +6,7 @@
 #include <QStringView>
 #include <QTimer>
 
+#include <chrono>
 #include <functional>
 #include <optional>
 
@@ -18,9 +19,12 @@ bool isGnome(QStringView currentDesktop);
 // thread.
 class GnomeAnimations {
 public:
-    // Absent when the tool is missing, fails, or does not know.
+    static constexpr std::chrono::milliseconds usualPatience{5'000};
+
+    // Absent when the tool is missing, fails, does not know or takes longer than `patience`.
     explicit GnomeAnimations(const std::function<void(std::optional<bool>)>& answered,
-                             const QString& program = QStringLiteral("gsettings"));
+                             const QString& program = QStringLiteral("gsettings"),
+                             std::chrono::milliseconds patience = usualPatience);
     ~GnomeAnimations();
     GnomeAnimations(const GnomeAnimations&) = delete;
     GnomeAnimations& operator=(const GnomeAnimations&) = delete;

@@ -21,9 +21,6 @@ const QString service = QStringLiteral("org.freedesktop.portal.Desktop");
 const QString path = QStringLiteral("/org/freedesktop/portal/desktop");
 const QString interface = QStringLiteral("org.freedesktop.portal.Settings");
 
-// A portal has to be started first, and starts its own helpers. One that comes later still is asked when it comes.
-constexpr int portalPatience = 10'000; // milliseconds
-
 constexpr int deepestVariant = 4; // older portals put a value into a variant in a variant
 
 QVariant unwrapped(QVariant value) {
@@ -59,8 +56,9 @@ QString newConnectionName() {
 
 } // namespace
 
-PortalSettings::PortalSettings(const QString& busAddress)
+PortalSettings::PortalSettings(const QString& busAddress, std::chrono::milliseconds portalPatience)
     : connectionName(newConnectionName())
+    , patience(portalPatience)
     , bus(connectionName) {
     connecting = std::thread([this, busAddress, name = connectionName] {
         if (!busAddress.isEmpty() || sessionHasBus()) {
@@ -106,7 +104,7 @@ void PortalSettings::readAll() {
     auto message = QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("ReadAll"));
     message << QStringList{appearanceGroup, gnomeGroup, kdeGroup};
     asking = true;
-    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(message, portalPatience), this);
+    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(message, static_cast<int>(patience.count())), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
         watcher->deleteLater();
         asking = false;

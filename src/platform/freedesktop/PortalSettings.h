@@ -8,6 +8,7 @@
 #include <QObject>
 #include <QString>
 
+#include <chrono>
 #include <optional>
 #include <thread>
 
@@ -19,8 +20,11 @@ class PortalSettings final : public QObject {
     Q_OBJECT
 
 public:
-    // Of the bus; empty for the session's.
-    explicit PortalSettings(const QString& busAddress);
+    // A portal has to be started first, and starts its own helpers. One that comes later still is asked when it comes.
+    static constexpr std::chrono::milliseconds usualPatience{10'000};
+
+    // Of the bus; empty for the session's. `patience` is for the portal's answer.
+    explicit PortalSettings(const QString& busAddress, std::chrono::milliseconds patience = usualPatience);
 
     // Waits for the thread, at the worst until the bus library gives up on a bus that takes connections and is silent.
     ~PortalSettings() override;
@@ -40,6 +44,7 @@ private:
     void readAll();
 
     QString connectionName;
+    std::chrono::milliseconds patience;
     QDBusConnection bus;
     QString portal; // unique name of who answered; empty: nobody
     bool asking = false;

@@ -50,7 +50,8 @@ protected:
     void follow() { follow(bus->address()); }
 
     void follow(const QString& address) {
-        settings = std::make_unique<DesktopSettings>(DesktopPlaces{.busAddress = address, .kdeGlobals = kdeGlobals});
+        settings = std::make_unique<DesktopSettings>(
+            DesktopPlaces{.busAddress = address, .kdeGlobals = kdeGlobals, .portalPatience = portalPatience});
         settings->changed = [this] { ++changes; };
     }
 
@@ -63,6 +64,7 @@ protected:
     const QString kdeGlobals = folder.filePath(QStringLiteral("kdeglobals"));
     std::unique_ptr<PrivateBus> bus;
     std::unique_ptr<DesktopSettings> settings;
+    std::chrono::milliseconds portalPatience = PortalSettings::usualPatience;
     int changes = 0;
 };
 
@@ -165,6 +167,7 @@ TEST_F(DesktopSettingsTest, APortalThatIsOfNoUseLeavesItToKdesFile) {
           Case{"no answer at all", FakePortal::Manner::isSilent}}) {
         SCOPED_TRACE(c.why);
         const FakePortal portal(bus->address(), groups(1, 0), c.manner);
+        portalPatience = std::chrono::milliseconds(c.manner == FakePortal::Manner::isSilent ? 100 : 10'000);
         follow();
         EXPECT_TRUE(becomes(std::nullopt, true));
         settings.reset();
