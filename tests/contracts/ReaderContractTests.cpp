@@ -68,7 +68,7 @@ QImage pictureOf(const QString& word) {
     QImage image = wood(400, 100);
     paintWord(image, QPoint(200, 50), word, 32);
     const auto line = cleanLine(planeOf(image), QRect(20, 30, 360, 40), 1, {});
-    return imageOf(line ? picture(*line, {36, 0.16}) : Plane(16, 16, 255));
+    return imageOf(line ? pictureOf(*line, {36, 0.16}) : Plane(16, 16, 255));
 }
 
 ReadPictures lineReader() {

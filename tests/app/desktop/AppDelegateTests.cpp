@@ -542,7 +542,7 @@ TEST_F(AppDelegateTest, LoadsWhatASyncBringsWhileTheFirstAlertIsUp) {
     serveManifest("feedbeef");
     serveBundle(R"({"cards": [{"card_id": "NEW"}]})");
     alerts.whenShown = [this] {
-        item.choose(Action::checkConfigNow);
+        EXPECT_TRUE(item.choose(Action::checkConfigNow));
         syncQueue->finishNext();
         EXPECT_TRUE(store.stats(QStringLiteral("NEW")));
     };
