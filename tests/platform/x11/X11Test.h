@@ -13,24 +13,10 @@
 
 namespace pelloran::testing {
 
-#if defined(__has_feature)
-#if __has_feature(thread_sanitizer)
-constexpr bool threadSanitizer = true;
-#else
-constexpr bool threadSanitizer = false;
-#endif
-#else
-constexpr bool threadSanitizer = false;
-#endif
-
 // A display of its own for each case, another program on it, and the window server under test.
 class X11Test : public ::testing::Test {
 protected:
     void SetUp() override {
-        if (threadSanitizer) {
-            GTEST_SKIP()
-                << "the thread sanitizer does not follow Qt into a child process; this back end has one thread";
-        }
         if (!VirtualDisplay::isInstalled()) {
             GTEST_SKIP() << "needs Xvfb, which is not installed";
         }
