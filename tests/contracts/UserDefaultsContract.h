@@ -73,8 +73,10 @@ TEST_P(UserDefaultsContract, ForgetsWhatIsRemovedAndNothingElse) {
 TEST_P(UserDefaultsContract, IsSafeFromAnyThread) {
     defaults->setString(key, QStringLiteral("zh"));
     std::atomic<int> strange = 0;
+    constexpr int count = 4;
     std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
+    threads.reserve(count);
+    for (int i = 0; i < count; ++i) {
         threads.emplace_back([&, i] {
             for (int round = 0; round < 10; ++round) {
                 defaults->setString(key, i % 2 ? QStringLiteral("zh") : QStringLiteral("en"));

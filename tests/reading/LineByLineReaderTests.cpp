@@ -19,7 +19,7 @@ using testing::wordsByWidth;
 const QStringList names{QStringLiteral("Amber Wolf"), QStringLiteral("Copper Kettle"), QStringLiteral("Quiet Orchard")};
 const QRectF cardBand(0.08, 0.28, 0.64, 0.5);
 // In one look: at the places in either script, and everywhere.
-constexpr std::size_t cap = 3 * 24;
+constexpr std::size_t cap = std::size_t{3} * 24;
 
 std::shared_ptr<const Lexicon> lexiconOf(const QStringList& texts) {
     std::vector<KnownName> list;

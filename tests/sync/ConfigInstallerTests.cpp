@@ -443,7 +443,7 @@ protected:
     static QByteArray largeBundle() {
         TarWriter writer;
         writer.add({.name = "winrates/class_winrates.json", .content = "new"});
-        writer.add({.name = "zeros", .content = QByteArray(2 * 1024 * 1024, '\0')});
+        writer.add({.name = "zeros", .content = QByteArray(qsizetype{2} * 1024 * 1024, '\0')});
         return writer.gzipped();
     }
 
@@ -484,7 +484,7 @@ TEST_F(FullDiskTest, KeepsTheOldContentWhereTheDownloadHasNoRoom) {
 TEST_F(ConfigInstallerTest, AFullDiskKeepsTheOldContent) {
     installFirst();
     TarWriter writer;
-    writer.add({.name = "zeros", .content = QByteArray(8 * 1024 * 1024, '\0')});
+    writer.add({.name = "zeros", .content = QByteArray(qsizetype{8} * 1024 * 1024, '\0')});
     const QByteArray bytes = writer.gzipped();
     rlimit before{};
     ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
@@ -498,7 +498,7 @@ TEST_F(ConfigInstallerTest, AFullDiskKeepsTheOldContent) {
 
     const Case cases[] = {
         {"no room for the archive", 1000, u"File too large"_s},
-        {"no room for what it holds", 1024 * 1024, u"Failed to extract config: "_s},
+        {"no room for what it holds", rlim_t{1024} * 1024, u"Failed to extract config: "_s},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
