@@ -78,7 +78,7 @@ TEST_P(UserDefaultsContract, IsSafeFromAnyThread) {
     threads.reserve(count);
     for (int i = 0; i < count; ++i) {
         threads.emplace_back([&, i] {
-            for (int round = 0; round < 10; ++round) {
+            for (int round = 0; round < 25; ++round) {
                 defaults->setString(key, i % 2 ? QStringLiteral("zh") : QStringLiteral("en"));
                 const auto value = defaults->string(key);
                 strange += value != QStringLiteral("zh") && value != QStringLiteral("en");

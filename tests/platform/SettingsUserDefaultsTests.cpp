@@ -11,10 +11,7 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
-#include <atomic>
 #include <csignal>
-#include <thread>
-#include <vector>
 
 #ifdef Q_OS_LINUX // elsewhere the store is the system's own, and a test would write into the user's
 
@@ -209,28 +206,6 @@ TEST_F(SettingsUserDefaultsTest, ARemovalThatCannotBeWrittenIsLoggedAndHolds) {
     EXPECT_EQ(defaults->string(key), std::nullopt);
     ASSERT_EQ(logged.size(), 1);
     EXPECT_TRUE(logged.front().contains(key)) << logged.front().toStdString();
-}
-
-TEST_F(SettingsUserDefaultsTest, IsSafeFromAnyThread) {
-    const auto defaults = UserDefaults::create();
-    defaults->setString(key, QStringLiteral("zh"));
-    constexpr int threadCount = 4;
-    std::vector<std::thread> threads;
-    threads.reserve(threadCount);
-    std::atomic<int> strange = 0;
-    for (int i = 0; i < threadCount; ++i) {
-        threads.emplace_back([&, i] {
-            for (int round = 0; round < 25; ++round) {
-                defaults->setString(key, i % 2 ? QStringLiteral("zh") : QStringLiteral("en"));
-                const auto value = defaults->string(key);
-                strange += value != QStringLiteral("zh") && value != QStringLiteral("en");
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    EXPECT_EQ(strange, 0);
 }
 
 } // namespace
