@@ -129,6 +129,7 @@ Plane unbent(const Plane& plane, const GameFrame& frame, const NameCurve& curve,
         QPoint(int(std::floor(within(left, plane.width))) - 2, int(std::floor(within(top, plane.height))) - 2),
         QPoint(int(std::ceil(within(right, plane.width))) + 3, int(std::ceil(within(bottom, plane.height))) + 3));
     const Patch patch(plane, area);
+    constexpr float half = 0.5F; // to the nearest phase
     const float lastX = float(area.width() - 3);
     const float lastY = float(area.height() - 3);
     for (Column& column : places) {
@@ -144,8 +145,8 @@ Plane unbent(const Plane& plane, const GameFrame& frame, const NameCurve& curve,
             const float y = std::min(std::max(column.y + down, 1.0F), lastY);
             const int leftX = int(x);
             const int topY = int(y);
-            const Quad& weightX = weights[std::size_t((x - float(leftX)) * phases + 0.5F)];
-            const Quad& weightY = weights[std::size_t((y - float(topY)) * phases + 0.5F)];
+            const Quad& weightX = weights[std::size_t((x - float(leftX)) * phases + half)];
+            const Quad& weightY = weights[std::size_t((y - float(topY)) * phases + half)];
             const float* from = patch.pixels.data() + std::ptrdiff_t(topY - 1) * patch.width + leftX - 1;
             Quad sums{};
             for (int j = 0; j < 4; ++j, from += patch.width) {

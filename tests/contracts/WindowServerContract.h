@@ -77,8 +77,8 @@ TEST_P(WindowServerContract, HasNoPictureOfWhatIsNoWindow) {
 
 TEST_P(WindowServerContract, AsksForNothingThatChangesItsPermission) {
     const CapturePermission permission = given.server->permission();
-    static_cast<void>(given.server->describeWindows(WindowListing::all));
-    static_cast<void>(given.server->image(1));
+    [[maybe_unused]] const auto listed = given.server->describeWindows(WindowListing::all);
+    [[maybe_unused]] const auto image = given.server->image(1);
     EXPECT_EQ(given.server->permission(), permission);
     if (permission == CapturePermission::denied) {
         EXPECT_FALSE(given.server->image(1));
