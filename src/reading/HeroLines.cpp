@@ -29,7 +29,6 @@ constexpr double enoughInkOfRow = 5;     // pixels: a short class below a long n
 constexpr int lowestLine = 7;
 constexpr int tallestLine = 32;
 constexpr int narrowestLine = 18; // two Chinese characters
-constexpr std::size_t mostLines = 3;
 
 constexpr int leastInk = 30;       // 0 to 255; less is the grain of the paper
 constexpr double paperRank = 0.80; // of the brightest channel's values: letters cover less than a fifth
@@ -168,7 +167,7 @@ std::vector<HeroLine> findHeroLines(const QImage& window, const GameFrame& frame
         begin = -1;
     }
     std::ranges::reverse(lines);
-    lines.resize(std::min(lines.size(), mostLines));
+    lines.resize(std::min(lines.size(), mostHeroLines));
     for (HeroLine& line : lines) {
         line.ink = ink;
     }

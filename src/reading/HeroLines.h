@@ -6,6 +6,7 @@
 #include <QImage>
 #include <QRectF>
 
+#include <cstddef>
 #include <vector>
 
 namespace pelloran {
@@ -17,12 +18,14 @@ struct HeroLine {
     QRectF area;    // the same in pixels of the window
 };
 
+inline constexpr std::size_t mostHeroLines = 3; // below one hero
+
 inline constexpr double usualStroke = 0.5;
 inline constexpr double thinStroke = 0.35; // of Chinese characters in small windows
 
 // The lines below the hero with its middle at `centre` (see NamePlaces), the lowest first: the class stands below the
-// hero's name. At most three. `stroke` is the least share of full ink that is taken for a stroke: bold letters run
-// together at low shares, thin ones are lost at high ones.
+// hero's name. At most `mostHeroLines`. `stroke` is the least share of full ink that is taken for a stroke: bold
+// letters run together at low shares, thin ones are lost at high ones.
 std::vector<HeroLine> findHeroLines(const QImage& window, const GameFrame& frame, double centre,
                                     double stroke = usualStroke);
 

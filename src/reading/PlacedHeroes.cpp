@@ -12,7 +12,6 @@ namespace pelloran {
 namespace {
 
 constexpr std::ptrdiff_t fewestOffers = 2;
-constexpr std::size_t mostLines = 3; // below one hero
 
 constexpr std::array latinAttempts{
     HeroRecipe{},
@@ -66,7 +65,7 @@ public:
 
 private:
     void readLatin(ReadingTools& tools, const Lexicon& names) {
-        for (std::size_t index = 0; index < mostLines; ++index) {
+        for (std::size_t index = 0; index < mostHeroLines; ++index) {
             readLines(index, latinAttempts.front(), tools, names);
         }
         for (std::size_t attempt = 1; attempt < latinAttempts.size() && countSettled(slots) > 0; ++attempt) {

@@ -3,6 +3,7 @@
 #include "base/Digest.h"
 #include "platform/CheckedGet.h"
 
+#include <QPointer>
 #include <QUrl>
 
 #include <cmath>
@@ -69,8 +70,11 @@ void ConfigSync::syncAsync(QObject* receiver, const Completion& onComplete) {
                 return;
             }
             outcome->prepared();
+            const QPointer<ConfigSync> self(this); // whoever is told may end it
             onComplete(outcome->result);
-            workQueue->submit([prepared = std::move(outcome->prepared)] {}, nullptr, [] {});
+            if (self) {
+                workQueue->submit([prepared = std::move(outcome->prepared)] {}, nullptr, [] {});
+            }
         });
 }
 
