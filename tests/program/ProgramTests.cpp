@@ -577,6 +577,9 @@ TEST_F(PanelProgramTest, RunsOnceForAUserAndADisplay) {
     EXPECT_EQ(third.exitCode, 1) << "the first does not answer";
     EXPECT_TRUE(third.standardError.contains("does not answer")) << third.standardError.toStdString();
     ::kill(static_cast<pid_t>(first.processId()), SIGCONT);
+    // Until it answers it may still lie stopped, and whichever thread wakes first gets the next signal; the thread
+    // sanitizer hands on what reaches a thread inside of Qt only when that one comes back from there.
+    EXPECT_EQ(run({}).exitCode, 0) << "it goes on";
     EXPECT_EQ(endedBy(first, SIGTERM), 0);
 }
 
