@@ -174,6 +174,9 @@ struct Lexicon::Index {
     // Of the name at that place, a misfit's with what it is taken to be farther away.
     std::optional<Halves> distance(const Query& query, const FoldedNames& names, std::size_t place, Halves limit) const;
 
+    // Whether a longer name begins with the reading.
+    static bool beginsOne(std::u16string_view reading, const std::map<std::size_t, FoldedNames>& among);
+
     // For a folded reading that is no name's, among one of the groups.
     std::optional<Settled> nearest(const QString& folded, const std::map<std::size_t, FoldedNames>& among,
                                    NameKinds fitting, const Tolerance& nearEnough) const;
@@ -252,6 +255,18 @@ std::optional<Halves> Lexicon::Index::distance(const Query& query, const FoldedN
     return found ? std::optional(*found + misfit) : std::nullopt;
 }
 
+bool Lexicon::Index::beginsOne(std::u16string_view reading, const std::map<std::size_t, FoldedNames>& among) {
+    for (auto group = among.upper_bound(reading.size()); group != among.end(); ++group) {
+        const auto& [length, names] = *group;
+        for (std::size_t at = 0; at < names.characters.size(); at += length) {
+            if (std::u16string_view(names.characters).substr(at, reading.size()) == reading) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
 std::optional<Lexicon::Settled> Lexicon::Index::nearest(const QString& folded,
                                                         const std::map<std::size_t, FoldedNames>& among,
                                                         NameKinds fitting, const Tolerance& nearEnough) const {
@@ -296,6 +311,10 @@ std::optional<Lexicon::Settled> Lexicon::Index::nearest(const QString& folded,
                 return std::nullopt;
             }
         }
+    }
+    // What goes beyond the nearest name, and is how another one begins, may be that other one with its end hidden.
+    if (!ReadingDistance::folded(entries[bestEntry].name->text).startsWith(folded) && beginsOne(reading, among)) {
+        return std::nullopt;
     }
     return Settled{entries[bestEntry].name->text, inCharacters(best)};
 }

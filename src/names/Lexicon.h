@@ -65,10 +65,11 @@ public:
     // The one name that `line` can be. One that is spelled alike, as for contains(), or but for accents and whatever is
     // no letter or digit; none where it could then be either of two. Else the nearest one, of those with Chinese
     // characters or of those without as the line has them, if it is within the tolerance (a Chinese character in three
-    // at least) and four characters, and no other is too near; mistakes that the recogniser is prone to count half (see
-    // ReadingDistance). Of names that are the same to contains() the first stands for all. `fitting`, if any, are the
-    // kinds of cards that can stand where the line was read: a name of none of these is taken for one character farther
-    // away, unless it was read exactly.
+    // at least) and four characters, no other is too near, and no other begins with the line where the nearest one does
+    // not: its end may be hidden. Mistakes that the recogniser is prone to count half (see ReadingDistance). Of names
+    // that are the same to contains() the first stands for all. `fitting`, if any, are the kinds of cards that can
+    // stand where the line was read: a name of none of these is taken for one character farther away, unless it was
+    // read exactly.
     std::optional<Settled> settle(const QString& line, NameKinds fitting = {}) const;
 
     // How close `line` comes to the nearest name, for choosing between readings of one line: 1 for the same, 0 for

@@ -93,6 +93,16 @@ TEST(Lexicon, SettlesWhatCanBeOnlyOneName) {
          Settled{u"Summoning Stone"_s, 1}},
         {"a stroke that was lost", {u"Frostbolt"_s}, u"Frostbot"_s, Settled{u"Frostbolt"_s, 1}},
         {"an end that was cut off", {u"Frostbolt Volley"_s}, u"Frostbolt Vo"_s, {}},
+        {"and what is left is near a shorter name", {u"Frostbolt"_s, u"Frostbolt Volley"_s}, u"Frostbolt V"_s, {}},
+        {"so near that only one letter more was read", {u"Whirlwind"_s, u"Whirlwinds of Sand"_s}, u"Whirlwindso"_s, {}},
+        {"junk that begins no other name",
+         {u"Frostbolt"_s, u"Frostbolt Volley"_s},
+         u"Frostbolt x"_s,
+         Settled{u"Frostbolt"_s, 0.5}},
+        {"both names begin so: the nearer one",
+         {u"Frostbolt"_s, u"Frostbolt Volley"_s},
+         u"Frostbol"_s,
+         Settled{u"Frostbolt"_s, 1}},
         {"a dash read as white space", {u"Auto-Vacuum"_s}, u"Auto Vacuum"_s, Settled{u"Auto-Vacuum"_s, 0}},
         {"a longer dash", {u"Auto-Vacuum"_s}, u"Auto\u2014Vacuum"_s, Settled{u"Auto-Vacuum"_s, 0}},
         {"a letter that is not confused", {u"Fireball"_s}, u"Firebaxl"_s, Settled{u"Fireball"_s, 1}},
@@ -361,7 +371,10 @@ public:
         const auto length = static_cast<double>(nearest->folded.size());
         const bool near = distance <= 4 && distance <= perCharacter * length;
         const bool alone = distances.size() == 1 || distances[1].first - distance >= tolerance.margin;
-        return near && alone ? std::optional(Settled{nearest->text, distance}) : std::nullopt;
+        const bool cutFromAnother =
+            !nearest->folded.startsWith(folded) &&
+            std::ranges::any_of(distances, [&](const auto& other) { return other.second->folded.startsWith(folded); });
+        return near && alone && !cutFromAnother ? std::optional(Settled{nearest->text, distance}) : std::nullopt;
     }
 
 private:
@@ -384,7 +397,7 @@ QString perturbed(const QString& text, std::mt19937& random) {
         return letters[static_cast<qsizetype>(random() % static_cast<unsigned>(letters.size()))];
     };
     const QStringList confused{u"il"_s, u"tf"_s, u"ec"_s, u"oe"_s, u"hb"_s, u"nu"_s, u"rt"_s, u"as"_s, u"l1"_s};
-    QString result = text;
+    QString result = random() % 8 == 0 ? text.left(text.size() - 1 - static_cast<qsizetype>(random() % 6)) : text;
     for (auto changes = random() % 5; changes > 0; --changes) {
         const auto at = static_cast<qsizetype>(random() % static_cast<unsigned>(result.size() + 1));
         switch (random() % 6) {
