@@ -1,6 +1,7 @@
 #include "sync/ConfigSync.h"
 
 #include "base/Digest.h"
+#include "base/StrictURL.h"
 #include "platform/CheckedGet.h"
 
 #include <QPointer>
@@ -156,12 +157,12 @@ std::expected<ConfigInstaller::Installation, ConfigSyncError> ConfigSync::downlo
 
 std::expected<QByteArray, ConfigSyncError> ConfigSync::httpGET(const Server& server, const QString& url,
                                                                qint64 maximumBytes) {
-    const QUrl parsed(url, QUrl::StrictMode);
-    if (!parsed.isValid() || parsed.isEmpty()) {
+    const auto strict = strictURL(url);
+    if (!strict) {
         return failure(ConfigSyncError::BadURL{});
     }
     const std::chrono::milliseconds silence(std::llround(server.timeout * 1000));
-    auto body = checkedGet(*http, parsed, {}, silence, maximumBytes);
+    auto body = checkedGet(*http, *strict, {}, silence, maximumBytes);
     if (!body) {
         return failure(std::visit(Reason(), body.error()));
     }

@@ -1,7 +1,7 @@
 #include "update/AppReleaseInfo.h"
 
+#include "base/StrictURL.h"
 #include "update/AppReleaseFields.h"
-#include "update/StrictURL.h"
 
 using namespace Qt::StringLiterals;
 

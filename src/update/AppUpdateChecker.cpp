@@ -1,10 +1,10 @@
 #include "update/AppUpdateChecker.h"
 
 #include "base/SerialQueue.h"
+#include "base/StrictURL.h"
 #include "localisation/L10n.h"
 #include "platform/CheckedGet.h"
 #include "platform/UserDefaults.h"
-#include "update/StrictURL.h"
 #include "update/Versions.h"
 
 #include <QUrl>

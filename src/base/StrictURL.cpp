@@ -1,4 +1,4 @@
-#include "update/StrictURL.h"
+#include "base/StrictURL.h"
 
 namespace pelloran {
 
