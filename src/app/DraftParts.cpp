@@ -10,6 +10,7 @@
 #include "platform/ApplicationFiles.h"
 #include "platform/TextReader.h"
 #include "platform/WindowServer.h"
+#include "sync/ConfigInstaller.h"
 
 #include <QFileInfo>
 
@@ -47,7 +48,10 @@ DraftParts::DraftParts(const RunLoop& command)
     , store(*files)
     , screenReader(WindowServer::create, [this] { return TextReader::create(*files); })
     , recognition(SerialQueue::create(QStringLiteral("com.local.pelloran.recognition")))
-    , printer(command.snapshots ? std::make_shared<SnapshotPrinter>() : nullptr) {}
+    , printer(command.snapshots ? std::make_shared<SnapshotPrinter>() : nullptr) {
+    // Before the data is loaded.
+    ConfigInstaller(LocalConfig(*files)).restoreInterruptedSwap();
+}
 
 DraftParts::~DraftParts() = default;
 

@@ -9,7 +9,7 @@
 #include <system_error>
 
 // Folders with everything in them, and files as they are to end up on the disk. From any thread; on a QThread whose
-// interruption is requested, what goes through folders fails with "interrupted".
+// interruption is requested, what goes through folders fails with "interrupted", but for removeTree().
 namespace pelloran::FileTree {
 
 struct Error {

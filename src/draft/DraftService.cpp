@@ -212,6 +212,7 @@ OverlayCardViewModel DraftService::steadyTile(std::optional<OverlayCardViewModel
     return tile;
 }
 
+// Whoever receives it may have the service drop its last good one, which therefore is copied before.
 void DraftService::publish(const OverlaySnapshot& snapshot) {
     if (const auto receiver = delegate.lock()) {
         receiver->draftServiceDidUpdate(snapshot);
@@ -223,7 +224,7 @@ void DraftService::publishSticky(const OverlaySnapshot& snapshot, DraftPhase pha
         lastGoodSnapshot = snapshot;
         publish(snapshot);
     } else if (lastGoodSnapshot && lastGoodSnapshot->phase == phase && hasRecognizedTile(*lastGoodSnapshot)) {
-        publish(*lastGoodSnapshot);
+        publish(OverlaySnapshot(*lastGoodSnapshot));
     } else {
         publish(snapshot);
     }
@@ -231,7 +232,7 @@ void DraftService::publishSticky(const OverlaySnapshot& snapshot, DraftPhase pha
 
 void DraftService::keepPreviousOrStatus(const QString& message) {
     if (lastGoodSnapshot && hasRecognizedTile(*lastGoodSnapshot)) {
-        publish(*lastGoodSnapshot);
+        publish(OverlaySnapshot(*lastGoodSnapshot));
     } else {
         publish(OverlaySnapshot::status(message, true));
     }

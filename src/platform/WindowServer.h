@@ -66,9 +66,8 @@ public:
     virtual std::optional<std::vector<WindowDescription>> describeWindows(WindowListing listing) = 0;
 
     // The contents of one window as they are now, also when other windows cover it: without its frame and shadow, one
-    // pixel a point, opaque. Blocks for about a
-    // frame, and for some more the first time a window is asked for, until it has painted what was covered. A window
-    // that closes or changes its size meanwhile is an error.
+    // pixel a point, opaque. Blocks for about a frame, and for some more the first time a window is asked for, until it
+    // has painted what was covered. A window that closes or changes its size meanwhile is an error.
     virtual std::expected<QImage, WindowImageError> image(std::uint32_t windowId) = 0;
 
     virtual CapturePermission permission() const = 0;

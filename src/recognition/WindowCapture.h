@@ -27,7 +27,7 @@ struct HSWindowInfo {
 
 enum class WindowCaptureError { noWindow, captureFailed, zeroSize };
 
-// Always Chinese, whatever the language of the user interface: a text for logs, not for the panel.
+// Always Chinese, whatever the language of the user interface; not for the panel. What is logged is explanation().
 QString localizedDescription(WindowCaptureError error);
 
 // Why there is no picture of the game's window: one of the three that everybody handles, and what the window server

@@ -35,7 +35,7 @@ public:
 
     // `server` is the base URL, to which "/pelloran/latest" is added. An installation that an earlier run did not
     // survive is mended here, so load the data files afterwards. Destruction waits for a sync under way, which gives up
-    // early then.
+    // early then; but what prepareUpdate makes of files already installed is made to its end.
     ConfigSync(const QString& server, ConfigInstaller configInstaller, std::unique_ptr<HttpClient> client,
                std::unique_ptr<SerialQueue> queue);
 

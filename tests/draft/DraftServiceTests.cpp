@@ -489,6 +489,36 @@ TEST_F(DraftServiceTest, MayBeStoppedByWhoReceivesASnapshot) {
     EXPECT_EQ(queue.waiting(), 0U);
 }
 
+TEST_F(DraftServiceTest, MayBeRefreshedByWhoReceivesASnapshot) {
+    struct Refresher final : DraftServiceDelegate {
+        void draftServiceDidUpdate(const OverlaySnapshot& snapshot) override {
+            if (std::exchange(refreshes, false)) {
+                service->relocalizeAndRefresh(); // forgets the last good one
+            }
+            titles.append(snapshot.title);
+        }
+
+        DraftService* service = nullptr;
+        bool refreshes = false;
+        QStringList titles;
+    };
+
+    const auto refresher = std::make_shared<Refresher>();
+    refresher->service = &*service;
+    service->delegate = refresher;
+    writeLog(cardPickLog);
+    setReads({"Fireball", "Frostbolt", "Chillwind Yeti"});
+    service->tick();
+    queue.finishNext();
+    ASSERT_EQ(refresher->titles.size(), 1);
+    hideWindow();
+    refresher->refreshes = true;
+    service->tick();
+    queue.finishNext();
+    ASSERT_EQ(refresher->titles.size(), 2);
+    EXPECT_EQ(refresher->titles[1], refresher->titles[0]) << "what was published again stays as it was";
+}
+
 TEST_F(DraftServiceTest, SurvivesItsEndDuringATick) {
     writeLog(cardPickLog);
     service->tick();

@@ -446,6 +446,22 @@ TEST_F(ProgramTest, PublishesFromTheFirstTickAndEndsWhenTold) {
     }
 }
 
+TEST_F(ProgramTest, BeginsWithTheFilesThatACutOffUpdateLeft) {
+    const QString cardFile = write("data/Pelloran/config.bak/winrates/all_classes_LAST_7_DAYS.json",
+                                   R"({"cards": [{"card_id": "OWN", "name_en": "Own Card"}]})");
+    QDir(path("data/Pelloran/config")).removeRecursively();
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    process.start(program, {QStringLiteral("--no-panel"), QStringLiteral("--logs-dir"), path("logs")});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return process.canReadLine(); }, 20'000));
+    process.terminate();
+    ASSERT_TRUE(process.waitForFinished(20'000));
+    const QByteArray diagnostics = process.readAllStandardError();
+    EXPECT_TRUE(diagnostics.contains("the previous files are back in place")) << diagnostics.toStdString();
+    EXPECT_FALSE(diagnostics.contains("invented")) << "not the sample figures: " << diagnostics.toStdString();
+    EXPECT_FALSE(QFileInfo::exists(cardFile));
+}
+
 TEST_F(ProgramTest, TellsOfTheMissingWindowWithoutADisplay) {
     write("logs/Hearthstone_1/Arena.log", "D 1 SetDraftMode - DRAFTING\n");
     QProcess process;

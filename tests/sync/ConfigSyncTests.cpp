@@ -372,6 +372,21 @@ TEST_F(ConfigSyncTest, HasAnUpdatePreparedOnTheQueue) {
     EXPECT_TRUE(held.expired());
 }
 
+TEST_F(ConfigSyncTest, MayBeEndedByWhoIsToldOfAnUpdate) {
+    bool destroyed = false;
+    sync->prepareUpdate = [&destroyed] {
+        const std::shared_ptr<int> data(new int, [&destroyed](const int* held) {
+            destroyed = true;
+            delete held;
+        });
+        return [data] {};
+    };
+    offer(R"({"hash": "new"})", bundle("new"));
+    sync->syncAsync(&receiver, [this](const Result&) { sync.reset(); });
+    queue->finishNext();
+    EXPECT_TRUE(destroyed) << "there is no queue any more to do it on";
+}
+
 TEST_F(ConfigSyncTest, PreparesTheFilesOfItsOwnSync) {
     QList<QByteArray> prepared;
     sync->prepareUpdate = [&] {

@@ -108,6 +108,7 @@ void AppDelegate::applicationWillTerminate() {
     parts.settings.changed = {};
     parts.statusItem.chosen = {};
     parts.configSync.stopPeriodicSync();
+    parts.configSync.prepareUpdate = {};
     if (service) {
         service->stop();
     }

@@ -676,6 +676,27 @@ TEST_F(AppDelegateTest, HearsOfNoSyncAfterItsEnd) {
     EXPECT_TRUE(steps.filter(QStringLiteral("config sync")).isEmpty());
 }
 
+TEST_F(AppDelegateTest, TakesNoDataOverAfterItsEnd) {
+    launch();
+    serveManifest("feedbeef");
+    serveBundle(R"({"cards": [{"card_id": "NEW"}]})");
+    delegate->applicationWillTerminate();
+    syncQueue->finishNext();
+    EXPECT_FALSE(store.stats(QStringLiteral("NEW")));
+    EXPECT_TRUE(steps.filter(QStringLiteral("config sync")).isEmpty());
+
+    // The sync outlives it, and may go on for somebody else.
+    delegate.reset();
+    QObject somebody;
+    bool told = false;
+    serveManifest("newer");
+    configSync->syncAsync(&somebody, [&told](const ConfigSyncResult& result) { told = result.didUpdateFiles(); });
+    while (syncQueue->waiting() > 0) {
+        syncQueue->finishNext();
+    }
+    EXPECT_TRUE(told);
+}
+
 TEST_F(AppDelegateTest, IsHeldWeaklyByItsService) {
     launch();
     const std::weak_ptr<AppDelegate> watched = delegate;
