@@ -63,6 +63,9 @@ if(NOT PELLORAN_SANITIZERS)
   # Without the fortified C library, which some systems switch on: it complains when nothing is optimised.
   target_compile_options(pelloran_test_options INTERFACE -O0 -U_FORTIFY_SOURCE)
 endif()
+if(PELLORAN_FUZZERS)
+  target_compile_options(pelloran_test_options INTERFACE -fno-sanitize=fuzzer-no-link) # a sixth of compiling them
+endif()
 
 # pelloran_test(NAME [WIDGETS] SOURCES file... LINKS library... [LABELS label...])
 # One program per folder of tests; each TEST becomes a case of its own in CTest. WIDGETS for what needs a QApplication.
