@@ -1,0 +1,14 @@
+#pragma once
+
+#include "platform/WindowServer.h"
+
+#include <optional>
+#include <vector>
+
+namespace pelloran::macos {
+
+// The windows of the user's session in the window server's order. Absent outside of a session with a desktop. Any
+// thread. Without the permission to record the screen, windows of other programs have no titles here.
+std::optional<std::vector<WindowDescription>> describeWindows(WindowListing listing);
+
+} // namespace pelloran::macos

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "platform/WindowServer.h"
+
+#include <QString>
+
+#include <cstdint>
+#include <optional>
+#include <variant>
+
+namespace pelloran::macos {
+
+// What a key of a window's dictionary leads to: nothing or something of no use here, a number, or text.
+using Value = std::variant<std::monostate, std::int64_t, double, QString>;
+
+// The entries of a window's dictionary that are of use, as they were found: nothing is promised of their kinds.
+struct WindowRecord {
+    struct Bounds {
+        Value x;
+        Value y;
+        Value width;
+        Value height;
+    };
+
+    Value number;
+    Value ownerName;
+    Value name;
+    Value layer;
+    std::optional<Bounds> bounds; // absent: no dictionary
+};
+
+// What is of another kind than it should be, no finite number or too large for its field counts as absent; fractions of
+// whole numbers are dropped.
+WindowDescription describe(const WindowRecord& record);
+
+} // namespace pelloran::macos
