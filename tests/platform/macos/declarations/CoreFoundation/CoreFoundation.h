@@ -1,0 +1,49 @@
+#pragma once
+
+#include <Availability.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+#pragma clang assume_nonnull begin
+
+// objectivec/bool-swift.struct and objectivec: on arm64 BOOL is bool, on x86_64 a signed char; clang knows which.
+typedef unsigned char Boolean; // corefoundation/boolean
+typedef double CGFloat;        // corefoundation/cgfloat, on 64-bit systems
+typedef unsigned long CFTypeID;
+
+// corefoundation/cftype and the types' own pages: bridged with NSString, NSArray, NSDictionary, NSNumber.
+typedef const void* CFTypeRef;
+typedef const struct __attribute__((objc_bridge(NSString))) __CFString* CFStringRef;
+typedef const struct __attribute__((objc_bridge(NSArray))) __CFArray* CFArrayRef;
+typedef const struct __attribute__((objc_bridge(NSDictionary))) __CFDictionary* CFDictionaryRef;
+typedef const struct __attribute__((objc_bridge(NSNumber))) __CFNumber* CFNumberRef;
+
+// corefoundation/cfnumberisfloattype(_:)
+Boolean CFNumberIsFloatType(CFNumberRef number);
+
+// corefoundation/cgpoint, cgsize, cgrect
+struct CGPoint {
+    CGFloat x;
+    CGFloat y;
+};
+typedef struct CGPoint CGPoint;
+
+struct CGSize {
+    CGFloat width;
+    CGFloat height;
+};
+typedef struct CGSize CGSize;
+
+struct CGRect {
+    CGPoint origin;
+    CGSize size;
+};
+typedef struct CGRect CGRect;
+
+#pragma clang assume_nonnull end
+
+#ifdef __cplusplus
+}
+#endif
