@@ -51,12 +51,10 @@ WindowRecord recordOf(NSDictionary* window) {
     return record;
 }
 
-} // namespace
-
-std::optional<std::vector<WindowDescription>> describeWindows(WindowListing listing) {
+std::optional<std::vector<WindowDescription>> describe(CGWindowListOption option, CGWindowID relativeTo) {
     // The thread may have no pool of its own, and is asked again and again.
     @autoreleasepool {
-        NSArray* const windows = CFBridgingRelease(CGWindowListCopyWindowInfo(optionsOf(listing), kCGNullWindowID));
+        NSArray* const windows = CFBridgingRelease(CGWindowListCopyWindowInfo(option, relativeTo));
         if (!windows) {
             return std::nullopt;
         }
@@ -69,6 +67,25 @@ std::optional<std::vector<WindowDescription>> describeWindows(WindowListing list
         }
         return descriptions;
     }
+}
+
+} // namespace
+
+std::optional<std::vector<WindowDescription>> describeWindows(WindowListing listing) {
+    return describe(optionsOf(listing), kCGNullWindowID);
+}
+
+std::optional<WindowDescription> describeWindow(std::uint32_t windowId) {
+    if (windowId == kCGNullWindowID) {
+        return std::nullopt;
+    }
+    for (const WindowDescription& window :
+         describe(kCGWindowListOptionIncludingWindow, windowId).value_or(std::vector<WindowDescription>())) {
+        if (window.number == windowId) {
+            return window;
+        }
+    }
+    return std::nullopt;
 }
 
 } // namespace pelloran::macos

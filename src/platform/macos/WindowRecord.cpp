@@ -65,4 +65,15 @@ WindowDescription describe(const WindowRecord& record) {
     return description;
 }
 
+std::optional<QSize> pointsOf(const WindowDescription& window) {
+    constexpr double most = std::numeric_limits<std::int16_t>::max(); // more than any display
+    const WindowBounds bounds = window.bounds.value_or(WindowBounds());
+    const double width = std::round(bounds.width.value_or(-1));
+    const double height = std::round(bounds.height.value_or(-1));
+    if (!(width >= 0 && height >= 0 && width <= most && height <= most)) { // not a number: neither
+        return std::nullopt;
+    }
+    return QSize(static_cast<int>(width), static_cast<int>(height));
+}
+
 } // namespace pelloran::macos

@@ -2,6 +2,7 @@
 
 #include "platform/WindowServer.h"
 
+#include <QSize>
 #include <QString>
 
 #include <cstdint>
@@ -32,5 +33,8 @@ struct WindowRecord {
 // What is of another kind than it should be, no finite number or too large for its field counts as absent; fractions of
 // whole numbers are dropped.
 WindowDescription describe(const WindowRecord& record);
+
+// The window's size in whole points. Absent where it is not known, or no size of a window.
+std::optional<QSize> pointsOf(const WindowDescription& window);
 
 } // namespace pelloran::macos

@@ -144,6 +144,31 @@ TEST(WindowRecord, EachSideOfTheBoundsStandsForItself) {
     }
 }
 
+TEST(WindowRecord, SizesAreInWholePoints) {
+    struct Case {
+        const char* why;
+        std::optional<WindowBounds> bounds;
+        std::optional<QSize> expected;
+    };
+
+    const Case cases[] = {
+        {"usual", WindowBounds{10, 20, 1280, 748}, QSize(1280, 748)},
+        {"between two points", WindowBounds{0, 0, 1279.6, 748.4}, QSize(1280, 748)},
+        {"where it stands does not matter", WindowBounds{{}, {}, 1280, 748}, QSize(1280, 748)},
+        {"of no size", WindowBounds{0, 0, 0, 0}, QSize(0, 0)},
+        {"less than nothing", WindowBounds{0, 0, -1280, 748}, std::nullopt},
+        {"no width", WindowBounds{0, 0, {}, 748}, std::nullopt},
+        {"no height", WindowBounds{0, 0, 1280, {}}, std::nullopt},
+        {"no bounds", std::nullopt, std::nullopt},
+        {"wider than any display", WindowBounds{0, 0, 1e9, 748}, std::nullopt},
+        {"not a number", WindowBounds{0, 0, notANumber, 748}, std::nullopt},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.why);
+        EXPECT_EQ(pointsOf({.number = 1, .ownerName = {}, .name = {}, .layer = {}, .bounds = c.bounds}), c.expected);
+    }
+}
+
 } // namespace
 
 } // namespace pelloran::macos

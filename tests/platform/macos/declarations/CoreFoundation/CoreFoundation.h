@@ -11,7 +11,6 @@ extern "C" {
 // objectivec/bool-swift.struct and objectivec: on arm64 BOOL is bool, on x86_64 a signed char; clang knows which.
 typedef unsigned char Boolean; // corefoundation/boolean
 typedef double CGFloat;        // corefoundation/cgfloat, on 64-bit systems
-typedef unsigned long CFTypeID;
 
 // corefoundation/cftype and the types' own pages: bridged with NSString, NSArray, NSDictionary, NSNumber.
 typedef const void* CFTypeRef;
@@ -22,6 +21,14 @@ typedef const struct __attribute__((objc_bridge(NSNumber))) __CFNumber* CFNumber
 
 // corefoundation/cfnumberisfloattype(_:)
 Boolean CFNumberIsFloatType(CFNumberRef number);
+
+// corefoundation/cfdata, cfdatagetbyteptr(_:), cfdatagetlength(_:), cfrelease: the object must be there
+typedef long CFIndex;
+typedef unsigned char UInt8;
+typedef const struct __attribute__((objc_bridge(NSData))) __CFData* CFDataRef;
+const UInt8* _Nullable CFDataGetBytePtr(CFDataRef data);
+CFIndex CFDataGetLength(CFDataRef data);
+void CFRelease(CFTypeRef object);
 
 // corefoundation/cgpoint, cgsize, cgrect
 struct CGPoint {

@@ -34,8 +34,52 @@ extern const CFStringRef kCGWindowName SINCE(10.5);
 extern const CFStringRef kCGWindowLayer SINCE(10.5);
 extern const CFStringRef kCGWindowBounds SINCE(10.5);
 
-// coregraphics/cgimage
+// coregraphics/cgimage and its functions' pages: counting references takes null, too
 typedef struct CGImage* CGImageRef;
+typedef uint32_t CGBitmapInfo;
+CGImageRef _Nullable CGImageRetain(CGImageRef _Nullable image);
+void CGImageRelease(CGImageRef _Nullable image);
+__SIZE_TYPE__ CGImageGetWidth(CGImageRef _Nullable image);
+__SIZE_TYPE__ CGImageGetHeight(CGImageRef _Nullable image);
+__SIZE_TYPE__ CGImageGetBitsPerComponent(CGImageRef _Nullable image);
+__SIZE_TYPE__ CGImageGetBitsPerPixel(CGImageRef _Nullable image);
+__SIZE_TYPE__ CGImageGetBytesPerRow(CGImageRef _Nullable image);
+CGBitmapInfo CGImageGetBitmapInfo(CGImageRef _Nullable image);
+
+// coregraphics/cgimagealphainfo, cgimagebyteorderinfo, cgbitmapinfo
+enum CGImageAlphaInfo : uint32_t {
+    kCGImageAlphaNoneSkipFirst = 6,
+};
+
+enum : CGBitmapInfo {
+    kCGBitmapByteOrder32Little = 2 << 12,
+};
+
+// coregraphics/cgdataprovider, cgimage/dataprovider, cgdataprovider/data
+typedef struct CGDataProvider* CGDataProviderRef;
+CGDataProviderRef _Nullable CGImageGetDataProvider(CGImageRef _Nullable image);
+CFDataRef _Nullable CGDataProviderCopyData(CGDataProviderRef _Nullable provider) __attribute__((cf_returns_retained));
+
+// coregraphics/cgcolorspacecreatedevicergb(), cgcolorspacerelease
+typedef struct CGColorSpace* CGColorSpaceRef;
+CGColorSpaceRef _Nullable CGColorSpaceCreateDeviceRGB(void);
+void CGColorSpaceRelease(CGColorSpaceRef _Nullable space);
+
+// coregraphics/cgcontext, cgbitmapcontextcreate(_:_:_:_:_:_:_:), cgcontext/draw(_:in:bytiling:), cgcontextrelease
+typedef struct CGContext* CGContextRef;
+CGContextRef _Nullable CGBitmapContextCreate(void* _Nullable data, __SIZE_TYPE__ width, __SIZE_TYPE__ height,
+                                             __SIZE_TYPE__ bitsPerComponent, __SIZE_TYPE__ bytesPerRow,
+                                             CGColorSpaceRef _Nullable space, uint32_t bitmapInfo);
+void CGContextDrawImage(CGContextRef _Nullable context, CGRect rect, CGImageRef _Nullable image);
+void CGContextRelease(CGContextRef _Nullable context);
+
+// coregraphics/cgrectmake, cgrectnull
+CGRect CGRectMake(CGFloat x, CGFloat y, CGFloat width, CGFloat height);
+extern const CGRect CGRectNull;
+
+// coregraphics/cgmaindisplayid()
+typedef uint32_t CGDirectDisplayID;
+CGDirectDisplayID CGMainDisplayID(void);
 
 // coregraphics/cgpreflightscreencaptureaccess(), cgrequestscreencaptureaccess()
 bool CGPreflightScreenCaptureAccess(void) SINCE(10.15);

@@ -49,6 +49,7 @@ __attribute__((objc_root_class))
 
 // foundation/nsstring
 @interface NSString : NSObject <NSCopying>
+- (BOOL)isEqualToString:(NSString*)aString;
 @end
 
 // foundation/nsnumber

@@ -29,6 +29,16 @@ SINCE(12.3)
 - (instancetype)initWithDesktopIndependentWindow:(SCWindow*)window;
 @end
 
+// screencapturekit/sccaptureresolutiontype: named by the system since 12.3, used by the property since 14.0
+typedef enum SCCaptureResolutionType : NSInteger {
+    SCCaptureResolutionAutomatic,
+    SCCaptureResolutionBest,
+    SCCaptureResolutionNominal,
+} SCCaptureResolutionType SINCE(12.3);
+
+// screencapturekit/scstreamerrordomain
+extern NSString* const SCStreamErrorDomain SINCE(12.3);
+
 // screencapturekit/scstreamconfiguration and its members' pages
 SINCE(12.3)
 @interface SCStreamConfiguration : NSObject
@@ -36,6 +46,7 @@ SINCE(12.3)
 @property(nonatomic, assign) __SIZE_TYPE__ height;
 @property(nonatomic, assign) BOOL scalesToFit;
 @property(nonatomic, assign) BOOL showsCursor;
+@property(nonatomic, assign) SCCaptureResolutionType captureResolution SINCE(14.0);
 @property(nonatomic, assign) BOOL ignoreShadowsSingleWindow SINCE(14.0);
 @end
 
