@@ -61,6 +61,7 @@ __attribute__((objc_root_class))
 // foundation/nsarray
 @interface NSArray<__covariant ObjectType> : NSObject <NSFastEnumeration>
 @property(readonly) NSUInteger count;
+@property(readonly, nullable) ObjectType firstObject;
 + (instancetype)arrayWithObjects:(const ObjectType _Nonnull[_Nullable])objects count:(NSUInteger)count;
 - (ObjectType)objectAtIndexedSubscript:(NSUInteger)index;
 @end
