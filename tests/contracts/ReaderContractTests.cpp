@@ -1,5 +1,5 @@
-// The contracts of what reads. Without Tesseract only the fakes are built, and what a build for such a system has
-// instead is in NullContractTests.cpp.
+// The contracts of what reads. Where the system has no reader only the fakes are built, and what a build for such a
+// system has instead is in NullContractTests.cpp.
 #include "tests/contracts/LineReaderContract.h"
 #include "tests/contracts/TextReaderContract.h"
 #include "tests/fakes/FakeApplicationFiles.h"
@@ -58,11 +58,18 @@ INSTANTIATE_TEST_SUITE_P(Fake, TextReaderContract, Values(BackEnd<ReadScreen>{"F
 INSTANTIATE_TEST_SUITE_P(Fake, LineReaderContract, Values(BackEnd<ReadPictures>{"Fake", fakeLineReader}),
                          nameOfBackEnd);
 
-#ifdef PELLORAN_WITH_TESSERACT
+#ifdef PELLORAN_TEXT_READER
 
 ReadScreen textReader() {
     return {TextReader::create(FakeApplicationFiles(QStringLiteral(PELLORAN_SOURCES))), paintedPick(), hints()};
 }
+
+INSTANTIATE_TEST_SUITE_P(System, TextReaderContract, Values(BackEnd<ReadScreen>{PELLORAN_TEXT_READER, textReader}),
+                         nameOfBackEnd);
+
+#endif
+
+#ifdef PELLORAN_WITH_TESSERACT
 
 QImage pictureOf(const QString& word) {
     QImage image = wood(400, 100);
@@ -81,8 +88,6 @@ ReadPictures lineReader() {
     return {{}, reader ? *std::move(reader) : nullptr, pictures, words};
 }
 
-INSTANTIATE_TEST_SUITE_P(System, TextReaderContract, Values(BackEnd<ReadScreen>{"Tesseract", textReader}),
-                         nameOfBackEnd);
 INSTANTIATE_TEST_SUITE_P(System, LineReaderContract, Values(BackEnd<ReadPictures>{"Tesseract", lineReader}),
                          nameOfBackEnd);
 

@@ -41,6 +41,16 @@ INSTANTIATE_TEST_SUITE_P(
            fakeServer("Refusing", [](FakeWindowServer& server) { server.onScreen = std::nullopt; })),
     nameOfBackEnd);
 
+#ifdef PELLORAN_WITH_QUARTZ
+
+// The session's own windows, whatever they are. Without consent to recordings of the screen it has no pictures.
+INSTANTIATE_TEST_SUITE_P(System, WindowServerContract,
+                         Values(BackEnd<ServedDisplay>{"Quartz",
+                                                       [] { return ServedDisplay{{}, WindowServer::create()}; }}),
+                         nameOfBackEnd);
+
+#endif
+
 } // namespace
 
 } // namespace pelloran::testing
