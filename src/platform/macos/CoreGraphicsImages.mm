@@ -13,8 +13,13 @@ namespace pelloran::macos {
 
 namespace {
 
+template <auto release>
+struct Releasing {
+    void operator()(auto* object) const { release(object); }
+};
+
 template <typename Reference, auto release>
-using Owned = std::unique_ptr<std::remove_pointer_t<Reference>, decltype([](Reference object) { release(object); })>;
+using Owned = std::unique_ptr<std::remove_pointer_t<Reference>, Releasing<release>>;
 
 // Drawn into a picture of the layout that is read here, whatever its own is.
 QImage drawn(CGImageRef picture) {

@@ -1,10 +1,8 @@
 #include "platform/macos/QuartzWindowServer.h"
 
-#include "platform/macos/BitmapLayout.h"
 #include "platform/macos/CaptureConsent.h"
-#include "platform/macos/CaptureErrors.h"
+#include "platform/macos/SteadyPicture.h"
 #include "platform/macos/WindowList.h"
-#include "platform/macos/WindowRecord.h"
 
 #import <CoreGraphics/CoreGraphics.h>
 
@@ -35,34 +33,8 @@ std::expected<QImage, WindowImageError> QuartzWindowServer::image(std::uint32_t 
     if (permission() != CapturePermission::granted) {
         return std::unexpected(CaptureDenied());
     }
-    const auto before = describeWindow(windowId);
-    if (!before) {
-        return std::unexpected(WindowGone());
-    }
-    const auto points = pointsOf(*before);
-    if (!points || points->isEmpty()) {
-        return QImage(); // there is a window, and nothing of it to take
-    }
-    auto picture = pictures.take(windowId, *points);
-    if (!picture) {
-        return picture;
-    }
-    // The system brings whatever the window has become meanwhile to the size that was asked for.
-    const auto after = describeWindow(windowId);
-    if (!after) {
-        return std::unexpected(WindowGone());
-    }
-    if (pointsOf(*after) != points) {
-        return std::unexpected(sizeChanged());
-    }
-    if (picture->isNull()) {
-        return std::unexpected(WindowServerFailed{"the picture cannot be read", 0});
-    }
-    QImage image = atNominalSize(*picture, *points);
-    if (image.isNull()) {
-        return std::unexpected(sizeChanged());
-    }
-    return image;
+    return steadyPicture([windowId] { return describeWindow(windowId); },
+                         [this, windowId](QSize points) { return pictures.take(windowId, points); });
 }
 
 CapturePermission QuartzWindowServer::permission() const {

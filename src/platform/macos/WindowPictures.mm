@@ -158,7 +158,7 @@ std::expected<QImage, WindowImageError> WindowPictures::take(std::uint32_t windo
                 if (made.error) {
                     return std::unexpected(*made.error);
                 }
-                found = std::make_unique<Found>(windowId, points, made.filter);
+                found = std::make_unique<Found>(Found{.windowId = windowId, .points = points, .filter = made.filter});
             }
             auto picture = takeFiltered(found->filter, points);
             if (!picture) {
