@@ -1,8 +1,8 @@
 #include "platform/ApplicationFiles.h"
+#include "platform/ResourceLookup.h"
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QFileInfo>
 #include <QStandardPaths>
 
 namespace pelloran {
@@ -21,14 +21,9 @@ public:
     // relative to the program's folder).
     std::optional<QString> resource(const QString& baseName, const QString& extension,
                                     const QString& subfolder) const override {
-        const QString relative = subfolder + u'/' + baseName + u'.' + extension;
-        for (const QString& folder : {QStringLiteral("resources"), QStringLiteral(PELLORAN_RESOURCES)}) {
-            QString path = QDir::cleanPath(executableFolder() + u'/' + folder + u'/' + relative);
-            if (QFileInfo(path).isFile()) {
-                return path;
-            }
-        }
-        return std::nullopt;
+        const QString here = executableFolder();
+        return findResource({here + QStringLiteral("/resources"), here + QStringLiteral("/" PELLORAN_RESOURCES)},
+                            baseName, extension, subfolder);
     }
 
     QString executableFolder() const override { return QCoreApplication::applicationDirPath(); }
