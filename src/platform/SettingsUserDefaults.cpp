@@ -9,16 +9,11 @@ namespace pelloran {
 
 namespace {
 
-// QSettings speaks to each system's own store; objects on the same store share its contents.
+// Objects on the same store share its contents.
 class Store final : public QSettings {
 public:
     Store()
-#ifdef Q_OS_MACOS
-        : QSettings(NativeFormat, UserScope, QStringLiteral("com.local"), QStringLiteral("Pelloran"))
-#else
-        : QSettings(IniFormat, UserScope, QStringLiteral("Pelloran"), QStringLiteral("Pelloran"))
-#endif
-    {
+        : QSettings(IniFormat, UserScope, QStringLiteral("Pelloran"), QStringLiteral("Pelloran")) {
         setFallbacksEnabled(false);
     }
 };
