@@ -49,6 +49,10 @@ struct CGRect {
 };
 typedef struct CGRect CGRect;
 
+// corefoundation/cfpreferencesappsynchronize(_:), kcfpreferencescurrentapplication
+extern const CFStringRef kCFPreferencesCurrentApplication;
+Boolean CFPreferencesAppSynchronize(CFStringRef applicationID);
+
 #pragma clang assume_nonnull end
 
 #ifdef __cplusplus

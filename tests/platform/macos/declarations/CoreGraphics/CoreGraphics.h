@@ -85,6 +85,9 @@ CGDirectDisplayID CGMainDisplayID(void);
 bool CGPreflightScreenCaptureAccess(void) SINCE(10.15);
 bool CGRequestScreenCaptureAccess(void) SINCE(10.15);
 
+// coregraphics/cgsessioncopycurrentdictionary(): null outside of a session with a desktop
+CFDictionaryRef _Nullable CGSessionCopyCurrentDictionary(void) __attribute__((cf_returns_retained)) SINCE(10.3);
+
 #pragma clang assume_nonnull end
 
 #ifdef __cplusplus

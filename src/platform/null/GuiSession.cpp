@@ -1,9 +1,0 @@
-#include "platform/GuiSession.h"
-
-namespace pelloran::GuiSession {
-
-std::expected<void, QString> prepare() {
-    return {};
-}
-
-} // namespace pelloran::GuiSession
