@@ -49,8 +49,15 @@ QPalette paletteFor(Appearance appearance) {
     return palette;
 }
 
+bool followsTheSystem(const QString& style) {
+    return style.compare(QStringLiteral("macos"), Qt::CaseInsensitive) == 0;
+}
+
 void applyAppearance(std::optional<Appearance> asked) {
     const OwnChoice& own = ownChoice();
+    if (followsTheSystem(own.style)) {
+        return;
+    }
     if (!asked || *asked == appearanceOf(own.palette)) {
         if (QApplication::style()->name() != own.style) {
             QApplication::setStyle(own.style);

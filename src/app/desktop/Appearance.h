@@ -3,6 +3,7 @@
 #include "platform/SystemSettings.h"
 
 #include <QPalette>
+#include <QString>
 
 #include <optional>
 
@@ -10,6 +11,9 @@ namespace pelloran {
 
 // The colours of menus and alerts on a light or a dark desktop.
 QPalette paletteFor(Appearance appearance);
+
+// Whether this style of Qt's takes its looks from the system by itself, and goes on doing so while the program runs.
+bool followsTheSystem(const QString& style);
 
 // Brings menus and alerts into the look that the desktop asks for, where Qt has not done so by itself: not every
 // desktop has a theme that Qt knows. Absent: Qt's own choice. Needs a QApplication.

@@ -2,6 +2,7 @@
 
 #include <QCursor>
 #include <QFont>
+#include <QGuiApplication>
 #include <QIcon>
 #include <QMenu>
 #include <QPainter>
@@ -43,8 +44,9 @@ void TrayStatusItem::DeleteLater::operator()(QMenu* replaced) const {
 }
 
 TrayStatusItem::TrayStatusItem() {
-    connect(&icon, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
-        if (reason == QSystemTrayIcon::Trigger) {
+    const bool opensItself = opensMenusItself(QGuiApplication::platformName());
+    connect(&icon, &QSystemTrayIcon::activated, this, [this, opensItself](QSystemTrayIcon::ActivationReason reason) {
+        if (reason == QSystemTrayIcon::Trigger && !opensItself) {
             openMenu(QCursor::pos());
         }
     });
@@ -55,6 +57,10 @@ TrayStatusItem::TrayStatusItem() {
 
 TrayStatusItem::~TrayStatusItem() {
     delete menu.release(); // no event loop need come after this one
+}
+
+bool opensMenusItself(const QString& platform) {
+    return platform == QStringLiteral("cocoa");
 }
 
 bool TrayStatusItem::isAvailable() const {

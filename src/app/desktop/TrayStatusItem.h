@@ -41,4 +41,8 @@ private:
     bool withImage = false;
 };
 
+// Whether the status area that Qt's plugin of this name speaks to opens an item's menu on any click by itself, so that
+// opening it too would show two.
+bool opensMenusItself(const QString& platform);
+
 } // namespace pelloran

@@ -68,5 +68,13 @@ TEST(Appearance, ChangesOnlyWhatQtDidNotChoose) {
     EXPECT_EQ(QApplication::style()->name(), style);
 }
 
+TEST(Appearance, IsLeftToAStyleThatFollowsTheSystem) {
+    EXPECT_TRUE(followsTheSystem(QStringLiteral("macos")));
+    EXPECT_TRUE(followsTheSystem(QStringLiteral("macOS"))) << "as it is asked for";
+    for (const char* style : {"fusion", "windows", "breeze", ""}) {
+        EXPECT_FALSE(followsTheSystem(QString::fromLatin1(style))) << style;
+    }
+}
+
 } // namespace
 } // namespace pelloran

@@ -77,6 +77,13 @@ TEST_F(TrayStatusItemTest, OpensItsMenuOnALeftClickToo) {
     EXPECT_EQ(openedMenu(), nullptr);
 }
 
+TEST(TrayStatusItem, LeavesTheMenuToStatusAreasThatOpenItThemselves) {
+    EXPECT_TRUE(opensMenusItself(QStringLiteral("cocoa")));
+    for (const char* platform : {"xcb", "wayland", "offscreen", ""}) {
+        EXPECT_FALSE(opensMenusItself(QString::fromLatin1(platform))) << platform;
+    }
+}
+
 TEST_F(TrayStatusItemTest, ReplacesAMenuWhoseEntryIsBeingServed) {
     QStringList chosen;
     item.chosen = [&](const StatusMenuEntry& entry) {
