@@ -1,10 +1,10 @@
 #include "app/ServerClients.h"
 
 #include "base/SerialQueue.h"
+#include "platform/BundleVersion.h"
 #include "platform/HttpClient.h"
 #include "platform/UserDefaults.h"
 #include "sync/ConfigSync.h"
-#include "update/AppUpdateChecker.h"
 
 #include <QCoreApplication>
 
@@ -15,12 +15,20 @@ std::unique_ptr<ConfigSync> makeConfigSync(const std::optional<QString>& asked, 
                                         HttpClient::create(), SerialQueue::create(ConfigSync::queueName()));
 }
 
+AppUpdateChecker::LocalApplication localApplication(const BundleVersion& bundle, const QString& builtVersion) {
+    const auto says = [](const std::optional<QString>& entry) { return entry && !entry->isEmpty(); };
+    if (says(bundle.version) || says(bundle.build)) {
+        return {bundle.version, bundle.build};
+    }
+    return {builtVersion, std::nullopt};
+}
+
 UpdateClient::UpdateClient(const std::optional<QString>& asked, UserDefaults& defaults)
     : http(HttpClient::create())
     , queue(SerialQueue::create(AppUpdateChecker::workQueueLabel.toString()))
     , updates(std::make_unique<AppUpdateChecker>(
           AppUpdateChecker::Means{*http, defaults, *queue},
-          AppUpdateChecker::LocalApplication{QCoreApplication::applicationVersion(), std::nullopt},
+          localApplication(BundleVersion::ofProgram(), QCoreApplication::applicationVersion()),
           asked.value_or(QStringLiteral(PELLORAN_UPDATE_SERVER)) + QStringLiteral("/download"))) {}
 
 UpdateClient::~UpdateClient() = default;

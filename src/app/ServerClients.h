@@ -1,5 +1,7 @@
 #pragma once
 
+#include "update/AppUpdateChecker.h"
+
 #include <QString>
 
 #include <memory>
@@ -8,14 +10,17 @@
 namespace pelloran {
 
 class ApplicationFiles;
-class AppUpdateChecker;
 class ConfigSync;
 class HttpClient;
 class SerialQueue;
 class UserDefaults;
+struct BundleVersion;
 
 // The sync with the configuration server, the one asked for or the one of this build. Main thread.
 std::unique_ptr<ConfigSync> makeConfigSync(const std::optional<QString>& asked, const ApplicationFiles& files);
+
+// What the running program says of itself: what its bundle says, else the version that it was built as.
+AppUpdateChecker::LocalApplication localApplication(const BundleVersion& bundle, const QString& builtVersion);
 
 // Asks the update server, the one asked for or the one of this build, with all that takes. Main thread.
 class UpdateClient {

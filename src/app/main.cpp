@@ -5,6 +5,7 @@
 #include "base/Log.h"
 #include "localisation/AppLanguage.h"
 #include "platform/GuiSession.h"
+#include "platform/SystemLog.h"
 #include "platform/SystemSettings.h"
 #include "platform/UserDefaults.h"
 
@@ -38,6 +39,9 @@ int main(int argc, char** argv) {
     }
     const auto* loop = std::get_if<RunLoop>(&*command);
     const bool withPanel = loop && loop->panel;
+    if (withPanel) {
+        setLogSink(SystemLog::sink()); // commands have somebody who reads their standard error
+    }
     const auto session = withPanel ? GuiSession::prepare() : std::expected<void, QString>();
 
     // Only the panel needs a display, and the bigger application object with it.

@@ -23,11 +23,14 @@ void log(const QString& message) {
         sink()(message);
         return;
     }
-    QByteArray line = QByteArrayLiteral("[Pelloran] ") + message.toUtf8();
-    line.replace('\n', ' ').replace('\r', ' '); // paths and the like come from outside
-    line += '\n';
+    const QByteArray line = logLine(message).toUtf8() + '\n';
     std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), stderr);
     std::fflush(stderr);
+}
+
+QString logLine(const QString& message) {
+    QString line = QStringLiteral("[Pelloran] ") + message;
+    return line.replace(u'\n', u' ').replace(u'\r', u' '); // paths and the like come from outside
 }
 
 void setLogSink(std::function<void(const QString&)> newSink) {

@@ -6,13 +6,15 @@
 
 namespace pelloran {
 
-// Writes "[Pelloran] " and the message as one line to standard error, where diagnostics belong: standard output is kept
-// for snapshots and answers. Line breaks in the message become spaces. From any thread; lines of several threads never
-// mix.
+// Writes logLine(message) to standard error, where diagnostics belong: standard output is kept for snapshots and
+// answers. From any thread; lines of several threads never mix.
 void log(const QString& message);
 
-// Receives every later message, without the prefix, in place of standard error; an empty function restores standard
-// error. For tests. Not while other threads log.
+// "[Pelloran] " and the message in one line: line breaks in it become spaces.
+QString logLine(const QString& message);
+
+// Receives every later message, as it was given, in place of standard error; an empty function restores standard error.
+// For a system with a log of its own, and for tests. Not while other threads log.
 void setLogSink(std::function<void(const QString& message)> sink);
 
 } // namespace pelloran

@@ -11,4 +11,7 @@ namespace pelloran::GuiSession {
 // sentence for the user. Once, on the main thread, before any other starts.
 std::expected<void, QString> prepare();
 
+// What tells this display from others of the same user; empty where a user has only one.
+QString display();
+
 } // namespace pelloran::GuiSession

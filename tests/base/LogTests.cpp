@@ -27,6 +27,11 @@ TEST(Log, WritesOnePrefixedLineToStandardError) {
     EXPECT_EQ(standardErrorOf([] { log(QString()); }), "[Pelloran] \n");
 }
 
+TEST(Log, ALineIsOne) {
+    EXPECT_EQ(logLine(QStringLiteral("a\nb\r\nc")), QStringLiteral("[Pelloran] a b  c"));
+    EXPECT_EQ(standardErrorOf([] { log(QStringLiteral("a\nb")); }), "[Pelloran] a b\n");
+}
+
 TEST(Log, LinesOfSeveralThreadsNeverMix) {
     constexpr int threadCount = 4;
     constexpr int lineCount = 200;

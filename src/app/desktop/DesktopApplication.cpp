@@ -12,6 +12,7 @@
 #include "overlay/OverlayPanelController.h"
 #include "platform/ApplicationFiles.h"
 #include "platform/Browser.h"
+#include "platform/GuiSession.h"
 #include "platform/PanelWindow.h"
 #include "platform/posix/PrivateFolder.h"
 #include "platform/posix/TerminationSignals.h"
@@ -40,7 +41,7 @@ void leaveRestartToTheUser(QSessionManager& manager) {
 
 int runOnDesktop(const RunLoop& command, SystemSettings& settings, UserDefaults& defaults) {
     SingleInstance instance(privateRuntimeFolder(qEnvironmentVariable("XDG_RUNTIME_DIR"), QDir::tempPath()),
-                            instanceName(qEnvironmentVariable("DISPLAY")));
+                            instanceName(GuiSession::display()));
     switch (instance.begin()) {
     case SingleInstance::Outcome::first:
     case SingleInstance::Outcome::unavailable:

@@ -40,4 +40,8 @@ std::expected<void, QString> prepare() {
             .arg(display));
 }
 
+QString display() {
+    return qEnvironmentVariable("DISPLAY");
+}
+
 } // namespace pelloran::GuiSession

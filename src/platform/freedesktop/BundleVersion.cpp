@@ -1,0 +1,9 @@
+#include "platform/BundleVersion.h"
+
+namespace pelloran {
+
+BundleVersion BundleVersion::ofProgram() {
+    return {};
+}
+
+} // namespace pelloran
