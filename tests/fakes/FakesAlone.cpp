@@ -1,6 +1,7 @@
 // Compiles every fake as a program without the test framework would.
 #include "tests/fakes/FakeAlerts.h"
 #include "tests/fakes/FakeApplicationFiles.h"
+#include "tests/fakes/FakeApplicationPresence.h"
 #include "tests/fakes/FakeBrowser.h"
 #include "tests/fakes/FakeHttpClient.h"
 #include "tests/fakes/FakeLineReader.h"

@@ -9,6 +9,7 @@
 #include "localisation/L10n.h"
 #include "platform/Alerts.h"
 #include "platform/ApplicationFiles.h"
+#include "platform/ApplicationPresence.h"
 #include "platform/SystemSettings.h"
 #include "sync/ConfigSync.h"
 #include "sync/ShortHash.h"
@@ -62,12 +63,14 @@ AppDelegate::~AppDelegate() {
 }
 
 void AppDelegate::applicationDidFinishLaunching() {
-    // With a place in the Dock: a regular application is what Qt makes everywhere.
+    parts.presence.begin();
+    parts.presence.reopened = [this] { applicationShouldHandleReopen(); };
     overlay = parts.makeOverlay();
     overlay->contextMenuRequested = [this](QPoint position) { parts.statusItem.openMenu(position); };
     parts.settings.changed = [this] { systemSettingsDidChange(); };
     setupStatusItem();
     overlay->show(); // in front, but the keyboard stays with the game
+    parts.presence.activate();
 
     if (const auto loaded = parts.store.loadFromBundle(); !loaded) {
         log(loadFailureLine(loaded.error()));
@@ -97,6 +100,7 @@ void AppDelegate::applicationDidFinishLaunching() {
 void AppDelegate::applicationShouldHandleReopen() {
     if (overlay) {
         overlay->show();
+        parts.presence.activate();
     }
 }
 
@@ -106,6 +110,7 @@ void AppDelegate::applicationWillTerminate() {
     }
     disconnect(languageObserver);
     parts.settings.changed = {};
+    parts.presence.reopened = {};
     parts.statusItem.chosen = {};
     parts.configSync.stopPeriodicSync();
     parts.configSync.prepareUpdate = {};

@@ -18,6 +18,7 @@ namespace pelloran {
 
 class Alerts;
 class ApplicationFiles;
+class ApplicationPresence;
 class ConfigSync;
 class ScreenReader;
 class SerialQueue;
@@ -39,6 +40,7 @@ public:
         WinrateStore& store;
         ScreenReader& screenReader;
         SerialQueue& queue;
+        ApplicationPresence& presence;
         StatusItem& statusItem;
         Alerts& alerts;
         ConfigSync& configSync;

@@ -11,6 +11,7 @@
 #include "base/SerialQueue.h"
 #include "overlay/OverlayPanelController.h"
 #include "platform/ApplicationFiles.h"
+#include "platform/ApplicationPresence.h"
 #include "platform/Browser.h"
 #include "platform/GuiSession.h"
 #include "platform/PanelWindow.h"
@@ -65,7 +66,8 @@ int runOnDesktop(const RunLoop& command, SystemSettings& settings, UserDefaults&
     if (const auto icon = parts.files->resource(QStringLiteral("pelloran"), QStringLiteral("png"), QString())) {
         QApplication::setWindowIcon(QIcon(*icon));
     }
-    MessageBoxAlerts alerts(PanelWindow::create);
+    const auto presence = ApplicationPresence::create();
+    MessageBoxAlerts alerts(PanelWindow::create, [&presence] { presence->activate(); });
     TrayStatusItem statusItem;
     if (!statusItem.isAvailable()) {
         log(QStringLiteral("this desktop has no status area; the menu opens on a right click of the panel"));
@@ -80,6 +82,7 @@ int runOnDesktop(const RunLoop& command, SystemSettings& settings, UserDefaults&
         .store = parts.store,
         .screenReader = parts.screenReader,
         .queue = *parts.recognition,
+        .presence = *presence,
         .statusItem = statusItem,
         .alerts = alerts,
         .configSync = *configSync,

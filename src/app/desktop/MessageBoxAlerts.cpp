@@ -226,8 +226,10 @@ private:
 
 } // namespace
 
-MessageBoxAlerts::MessageBoxAlerts(std::function<std::unique_ptr<PanelWindow>()> above)
-    : makeWindow(std::move(above)) {}
+MessageBoxAlerts::MessageBoxAlerts(std::function<std::unique_ptr<PanelWindow>()> above,
+                                   std::function<void()> activateProgram)
+    : makeWindow(std::move(above))
+    , activate(std::move(activateProgram)) {}
 
 int MessageBoxAlerts::runModal(const Alert& alert) {
     auto above = makeWindow();
@@ -242,6 +244,9 @@ int MessageBoxAlerts::runModal(const Alert& alert) {
         window->raise();
         box.activateWindow();
     });
+    if (activate) {
+        activate();
+    }
     box.exec();
     return box.index();
 }

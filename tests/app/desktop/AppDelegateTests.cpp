@@ -7,6 +7,7 @@
 #include "sync/ConfigSync.h"
 #include "tests/fakes/FakeAlerts.h"
 #include "tests/fakes/FakeApplicationFiles.h"
+#include "tests/fakes/FakeApplicationPresence.h"
 #include "tests/fakes/FakeBrowser.h"
 #include "tests/fakes/FakeHttpClient.h"
 #include "tests/fakes/FakeOverlay.h"
@@ -82,6 +83,7 @@ protected:
             .store = store,
             .screenReader = reader,
             .queue = queue,
+            .presence = presence,
             .statusItem = item,
             .alerts = alerts,
             .configSync = *configSync,
@@ -162,6 +164,7 @@ protected:
                         [] { return std::make_unique<testing::FakeTextReader>(); }};
     testing::ManualQueue queue;
     QStringList steps;
+    testing::FakeApplicationPresence presence{steps};
     testing::FakeStatusItem item{steps};
     testing::FakeAlerts alerts;
     testing::OverlayRecord panel;
@@ -187,11 +190,13 @@ TEST_F(AppDelegateTest, StartsInItsOrder) {
     withMenuIcon();
     launch();
     EXPECT_EQ(steps, (QStringList{
+                         QStringLiteral("presence begun"),
                          QStringLiteral("panel made"),
                          QStringLiteral("image"),
                          QStringLiteral("tooltip"),
                          QStringLiteral("menu"),
                          QStringLiteral("panel shown"),
+                         QStringLiteral("program activated"),
                          QStringLiteral("snapshot Waiting for Arena draft…"), // of the first tick
                          QStringLiteral("snapshot ") + bootEnglish,
                          QStringLiteral("log boot cards=") + store.metaDescription() + QStringLiteral("; source=") +
@@ -202,6 +207,17 @@ TEST_F(AppDelegateTest, StartsInItsOrder) {
     EXPECT_TRUE(panel.visible);
     EXPECT_TRUE(alerts.shown.empty());
     EXPECT_TRUE(exitCodes.empty());
+}
+
+TEST_F(AppDelegateTest, ComesForwardWhenTheDesktopOpensItAgain) {
+    launch();
+    delegate->toggleOverlay();
+    ASSERT_FALSE(panel.visible);
+    steps.clear();
+    presence.reopened();
+    EXPECT_EQ(steps, (QStringList{QStringLiteral("panel shown"), QStringLiteral("program activated")}));
+    delegate->applicationWillTerminate();
+    EXPECT_FALSE(presence.reopened) << "nobody is left to be called";
 }
 
 TEST_F(AppDelegateTest, SaysInWhichLanguageItStarts) {

@@ -224,6 +224,20 @@ TEST(MessageBoxAlerts, MayLieOnTopOfOneAnother) {
     EXPECT_EQ(lower, 0);
 }
 
+TEST(MessageBoxAlerts, BringTheProgramForwardBeforeTheyWait) {
+    QStringList steps;
+    MessageBoxAlerts alerts([] { return std::make_unique<HighWindow>(); },
+                            [&] { steps << QStringLiteral("activated"); });
+    QTimer::singleShot(0, [&] {
+        QTimer::singleShot(0, [&] {
+            steps << QStringLiteral("waits");
+            QApplication::activeModalWidget()->close();
+        });
+    });
+    alerts.runModal(threeChoices);
+    EXPECT_EQ(steps, (QStringList{QStringLiteral("activated"), QStringLiteral("waits")}));
+}
+
 TEST(MessageBoxAlerts, TellTheButtonPressed) {
     for (int i = 0; i < 3; ++i) {
         EXPECT_EQ(answer(threeChoices, [i](QDialog& box) { buttonsLeftToRight(box)[i]->click(); }), i);
