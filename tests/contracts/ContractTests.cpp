@@ -11,6 +11,9 @@
 #include "tests/fakes/ManualQueue.h"
 #include "tests/platform/UrlHandler.h"
 #include "tests/support/ScriptedServer.h"
+#ifdef PELLORAN_WITH_MACOS
+#include "platform/macos/CocoaUserDefaults.h"
+#endif
 
 #include <QNetworkProxyFactory>
 #include <QStandardPaths>
@@ -26,6 +29,20 @@ using ::testing::Values;
 
 // UserDefaults
 
+#ifdef PELLORAN_WITH_MACOS
+
+// A suite of the tests' own, not the user's choices.
+std::unique_ptr<UserDefaults> suiteDefaults() {
+    const QString suite = QStringLiteral("com.local.pelloran.tests");
+    macos::forgetSuite(suite);
+    return std::make_unique<macos::DefaultsStore>(macos::cocoaDefaults(suite));
+}
+
+INSTANTIATE_TEST_SUITE_P(Suite, UserDefaultsContract,
+                         Values(BackEnd<std::unique_ptr<UserDefaults>>{"Suite", suiteDefaults}), nameOfBackEnd);
+
+#else
+
 // Qt asks for the user's folder once in a run, so all cases share one and clear it.
 std::unique_ptr<UserDefaults> storedDefaults() {
     static const QTemporaryDir folder;
@@ -35,9 +52,9 @@ std::unique_ptr<UserDefaults> storedDefaults() {
     return UserDefaults::create();
 }
 
-#ifdef Q_OS_LINUX // elsewhere the store is the system's own, and a test would write into the user's
 INSTANTIATE_TEST_SUITE_P(Settings, UserDefaultsContract,
                          Values(BackEnd<std::unique_ptr<UserDefaults>>{"Settings", storedDefaults}), nameOfBackEnd);
+
 #endif
 INSTANTIATE_TEST_SUITE_P(Fake, UserDefaultsContract,
                          Values(BackEnd<std::unique_ptr<UserDefaults>>{

@@ -4,6 +4,7 @@
 #include <QSocketNotifier>
 
 #include <fcntl.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include <array>
@@ -14,7 +15,8 @@ namespace pelloran {
 
 namespace {
 
-// A signal handler may do next to nothing, but it may write to a pipe; the event loop reads the other end.
+// A signal handler may do next to nothing, but it may write to a socket; the event loop reads the other end. Not a
+// pipe: behind Qt's notifier is what the system has for sockets on a Mac.
 int writeEnd = -1;
 
 void tellEventLoop(int) {
@@ -31,7 +33,7 @@ constexpr std::array terminating{SIGTERM, SIGINT, SIGHUP};
 TerminationSignals::TerminationSignals() {
     std::signal(SIGPIPE, SIG_IGN);
     std::array<int, 2> ends{};
-    if (::pipe(ends.data()) != 0) {
+    if (::socketpair(AF_UNIX, SOCK_STREAM, 0, ends.data()) != 0) {
         return; // the signals keep ending the program at once
     }
     ::fcntl(ends[0], F_SETFD, FD_CLOEXEC);
