@@ -85,10 +85,6 @@ __attribute__((objc_root_class))
 // foundation/nslog: the format's arguments are checked as the system's compiler does
 extern "C" void NSLog(NSString* format, ...) __attribute__((format(__NSString__, 1, 2)));
 
-@interface NSArray <ObjectType>(Ends)
-@property(nullable, nonatomic, readonly) ObjectType firstObject; // foundation/nsarray/firstobject
-@end
-
 // foundation/nssearchpathfordirectoriesindomains(_:_:_:), with its two enumerations' pages
 typedef enum NSSearchPathDirectory : NSUInteger {
     NSApplicationSupportDirectory = 14,
