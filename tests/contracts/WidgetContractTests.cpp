@@ -3,10 +3,12 @@
 #include "app/desktop/TrayStatusItem.h"
 #include "overlay/OverlayPanelController.h"
 #include "tests/contracts/AlertsContract.h"
+#include "tests/contracts/ApplicationPresenceContract.h"
 #include "tests/contracts/OverlayContract.h"
 #include "tests/contracts/PanelWindowContract.h"
 #include "tests/contracts/StatusItemContract.h"
 #include "tests/fakes/FakeAlerts.h"
+#include "tests/fakes/FakeApplicationPresence.h"
 #include "tests/fakes/FakeOverlay.h"
 #include "tests/fakes/FakePanelWindow.h"
 #include "tests/fakes/FakeStatusItem.h"
@@ -32,6 +34,18 @@ INSTANTIATE_TEST_SUITE_P(BackEnds, PanelWindowContract,
                          Values(BackEnd<std::unique_ptr<PanelWindow>>{"System", PanelWindow::create},
                                 BackEnd<std::unique_ptr<PanelWindow>>{
                                     "Fake", [] { return std::make_unique<FakePanelWindow>(); }}),
+                         nameOfBackEnd);
+
+// ApplicationPresence
+
+std::unique_ptr<ApplicationPresence> fakePresence() {
+    static QStringList steps;
+    return std::make_unique<FakeApplicationPresence>(steps);
+}
+
+INSTANTIATE_TEST_SUITE_P(BackEnds, ApplicationPresenceContract,
+                         Values(BackEnd<std::unique_ptr<ApplicationPresence>>{"System", ApplicationPresence::create},
+                                BackEnd<std::unique_ptr<ApplicationPresence>>{"Fake", fakePresence}),
                          nameOfBackEnd);
 
 // Alerts
