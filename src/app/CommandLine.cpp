@@ -40,6 +40,19 @@ const QString jsonOption = QStringLiteral("json");
 const QString textsOption = QStringLiteral("texts");
 const QString cardsOption = QStringLiteral("cards");
 const QString classesOption = QStringLiteral("classes");
+const QString nameOption = QStringLiteral("name");
+const QString versionOption = QStringLiteral("version");
+const QString buildOption = QStringLiteral("build");
+const QString minMacosOption = QStringLiteral("min-macos");
+const QString archOption = QStringLiteral("arch");
+const QString dmgOption = QStringLiteral("dmg");
+const QString zipOption = QStringLiteral("zip");
+const QString baseURLOption = QStringLiteral("base-url");
+const QString notesOption = QStringLiteral("notes");
+const QString notesZhOption = QStringLiteral("notes-zh");
+const QString notesEnOption = QStringLiteral("notes-en");
+const QString publishedAtOption = QStringLiteral("published-at");
+const QString forceOption = QStringLiteral("force");
 
 std::optional<QString> optionalValue(const QCommandLineParser& parsed, const QString& option) {
     return parsed.isSet(option) ? std::optional(parsed.value(option)) : std::nullopt;
@@ -136,6 +149,37 @@ std::expected<Command, QString> buildPublish(const QCommandLineParser& parsed) {
         return std::unexpected(QStringLiteral("publish needs the folder of data files and the web server's"));
     }
     return PublishData{folders[0], folders[1], optionalValue(parsed, cardsOption)};
+}
+
+std::expected<Command, QString> buildReleaseInfo(const QCommandLineParser& parsed) {
+    if (!parsed.isSet(versionOption)) {
+        return std::unexpected(QStringLiteral("release-info needs --version"));
+    }
+    std::optional<qint64> build;
+    if (parsed.isSet(buildOption)) {
+        bool isNumber = false;
+        build = parsed.value(buildOption).toLongLong(&isNumber);
+        if (!isNumber) {
+            return std::unexpected(QStringLiteral("--build takes a whole number"));
+        }
+    }
+    return noArguments(parsed, DescribeRelease{
+                                   .parts = {.name = optionalValue(parsed, nameOption),
+                                             .version = parsed.value(versionOption),
+                                             .build = build,
+                                             .minMacos = optionalValue(parsed, minMacosOption),
+                                             .arch = parsed.isSet(archOption) ? std::optional(parsed.values(archOption))
+                                                                              : std::nullopt,
+                                             .dmgFile = optionalValue(parsed, dmgOption),
+                                             .zipFile = optionalValue(parsed, zipOption),
+                                             .baseURL = optionalValue(parsed, baseURLOption),
+                                             .notesFile = optionalValue(parsed, notesOption),
+                                             .notesZhFile = optionalValue(parsed, notesZhOption),
+                                             .notesEnFile = optionalValue(parsed, notesEnOption),
+                                             .publishedAt = optionalValue(parsed, publishedAtOption),
+                                             .force = parsed.isSet(forceOption)},
+                                   .updateServer = optionalValue(parsed, updateServerOption),
+                               });
 }
 
 const std::vector<Syntax>& syntaxes() {
@@ -236,6 +280,28 @@ const std::vector<Syntax>& syntaxes() {
             {{cardsOption, QStringLiteral("FILE.csv"),
               QStringLiteral("a table of cards that is made into the card file first")}},
             buildPublish,
+        },
+        {
+            QStringLiteral("release-info"),
+            {},
+            QStringLiteral("Checks what is said of a release and prints it as the update server's latest.json."),
+            {
+                {versionOption, QStringLiteral("VERSION"), QStringLiteral("the release's, such as 1.4.2")},
+                {buildOption, QStringLiteral("NUMBER"), QStringLiteral("its build number")},
+                {dmgOption, QStringLiteral("FILE"), QStringLiteral("its disk image, served under its file name")},
+                {zipOption, QStringLiteral("FILE"), QStringLiteral("its archive, likewise")},
+                {baseURLOption, QStringLiteral("URL"), QStringLiteral("where they lie, if not beside latest.json")},
+                {notesOption, QStringLiteral("FILE"), QStringLiteral("notes in no particular language")},
+                {notesZhOption, QStringLiteral("FILE"), QStringLiteral("notes in Chinese")},
+                {notesEnOption, QStringLiteral("FILE"), QStringLiteral("notes in English")},
+                {minMacosOption, QStringLiteral("VERSION"), QStringLiteral("the oldest macOS it runs on")},
+                {archOption, QStringLiteral("NAME"), QStringLiteral("arm64 or x86_64; may be given twice")},
+                {nameOption, QStringLiteral("TEXT"), QStringLiteral("the product's name")},
+                {publishedAtOption, QStringLiteral("TEXT"), QStringLiteral("when it was published")},
+                {forceOption, {}, QStringLiteral("clients may not skip it")},
+                updateServer,
+            },
+            buildReleaseInfo,
         },
     };
     return all;

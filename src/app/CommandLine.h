@@ -3,6 +3,7 @@
 #include "localisation/AppLanguage.h"
 #include "model/DraftModel.h"
 #include "names/NameMatching.h"
+#include "publish/ReleaseDescription.h"
 
 #include <QString>
 #include <QStringList>
@@ -74,13 +75,19 @@ struct PublishData {
     std::optional<QString> cardTable; // made into the card file first
 };
 
+// What the update server is to say of a release.
+struct DescribeRelease {
+    ReleaseParts parts;
+    std::optional<QString> updateServer; // absent: as built
+};
+
 // --help and --version: text for standard output.
 struct PrintText {
     QString text;
 };
 
 using Command = std::variant<RunLoop, PrintDraftState, PrintLogsDir, RecognizeImages, EvaluateFolders, MatchTexts,
-                             SyncOnce, CheckUpdateOnce, PublishData, PrintText>;
+                             SyncOnce, CheckUpdateOnce, PublishData, DescribeRelease, PrintText>;
 
 // What is wrong, and how the command is used; for standard error.
 struct UsageError {

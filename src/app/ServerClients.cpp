@@ -23,13 +23,16 @@ AppUpdateChecker::LocalApplication localApplication(const BundleVersion& bundle,
     return {builtVersion, std::nullopt};
 }
 
+QString downloadBase(const std::optional<QString>& asked) {
+    return asked.value_or(QStringLiteral(PELLORAN_UPDATE_SERVER)) + QStringLiteral("/download");
+}
+
 UpdateClient::UpdateClient(const std::optional<QString>& asked, UserDefaults& defaults)
     : http(HttpClient::create())
     , queue(SerialQueue::create(AppUpdateChecker::workQueueLabel.toString()))
     , updates(std::make_unique<AppUpdateChecker>(
           AppUpdateChecker::Means{*http, defaults, *queue},
-          localApplication(BundleVersion::ofProgram(), QCoreApplication::applicationVersion()),
-          asked.value_or(QStringLiteral(PELLORAN_UPDATE_SERVER)) + QStringLiteral("/download"))) {}
+          localApplication(BundleVersion::ofProgram(), QCoreApplication::applicationVersion()), downloadBase(asked))) {}
 
 UpdateClient::~UpdateClient() = default;
 

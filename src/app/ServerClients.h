@@ -22,6 +22,9 @@ std::unique_ptr<ConfigSync> makeConfigSync(const std::optional<QString>& asked, 
 // What the running program says of itself: what its bundle says, else the version that it was built as.
 AppUpdateChecker::LocalApplication localApplication(const BundleVersion& bundle, const QString& builtVersion);
 
+// The folder of releases on the update server, the one asked for or the one of this build.
+QString downloadBase(const std::optional<QString>& asked);
+
 // Asks the update server, the one asked for or the one of this build, with all that takes. Main thread.
 class UpdateClient {
 public:

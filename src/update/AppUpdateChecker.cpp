@@ -16,9 +16,6 @@ namespace pelloran {
 
 namespace {
 
-// A release's description takes some hundred bytes, with long notes some thousand.
-constexpr qint64 maximumBytes = qint64{1024} * 1024;
-
 QString skippedVersionKey() {
     return QStringLiteral("pelloran.skippedAppVersion");
 }

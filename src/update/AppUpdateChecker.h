@@ -45,6 +45,9 @@ public:
     // How long the server may be silent; two seconds later a check ends whatever happens.
     static constexpr std::chrono::seconds timeout{10};
 
+    // Of a description that is taken. It has some hundred bytes, with long notes some thousand.
+    static constexpr qint64 maximumBytes = qint64{1024} * 1024;
+
     // `downloadBase`: the server's address followed by "/download"; the description of the newest release lies below.
     AppUpdateChecker(Means checkWith, LocalApplication application, const QString& downloadBase);
 

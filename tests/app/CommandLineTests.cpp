@@ -118,6 +118,34 @@ TEST(CommandLine, TakesTheFoldersOfAPublication) {
     EXPECT_EQ(parsed<PublishData>("publish data --cards cards.csv www").cardTable, QStringLiteral("cards.csv"));
 }
 
+TEST(CommandLine, TakesWhatIsSaidOfARelease) {
+    const auto least = parsed<DescribeRelease>("release-info --version 1.4.2");
+    EXPECT_EQ(least.parts.version, QStringLiteral("1.4.2"));
+    EXPECT_EQ(least.parts.build, std::nullopt);
+    EXPECT_EQ(least.parts.arch, std::nullopt);
+    EXPECT_EQ(least.parts.dmgFile, std::nullopt);
+    EXPECT_FALSE(least.parts.force);
+    EXPECT_EQ(least.updateServer, std::nullopt);
+
+    const auto full = parsed<DescribeRelease>(
+        "release-info --version 2 --build 17 --name Pelloran --min-macos 13.4 --arch arm64 --arch x86_64 --dmg a.dmg "
+        "--zip a.zip --base-url https://o.example --notes n --notes-zh z --notes-en e --published-at today --force "
+        "--update-server https://u.example");
+    EXPECT_EQ(full.parts.build, 17);
+    EXPECT_EQ(full.parts.name, QStringLiteral("Pelloran"));
+    EXPECT_EQ(full.parts.minMacos, QStringLiteral("13.4"));
+    EXPECT_EQ(full.parts.arch, (QStringList{QStringLiteral("arm64"), QStringLiteral("x86_64")}));
+    EXPECT_EQ(full.parts.dmgFile, QStringLiteral("a.dmg"));
+    EXPECT_EQ(full.parts.zipFile, QStringLiteral("a.zip"));
+    EXPECT_EQ(full.parts.baseURL, QStringLiteral("https://o.example"));
+    EXPECT_EQ(full.parts.notesFile, QStringLiteral("n"));
+    EXPECT_EQ(full.parts.notesZhFile, QStringLiteral("z"));
+    EXPECT_EQ(full.parts.notesEnFile, QStringLiteral("e"));
+    EXPECT_EQ(full.parts.publishedAt, QStringLiteral("today"));
+    EXPECT_TRUE(full.parts.force);
+    EXPECT_EQ(full.updateServer, QStringLiteral("https://u.example"));
+}
+
 TEST(CommandLine, ExplainsItself) {
     EXPECT_TRUE(parsed<PrintText>("--version").text.startsWith(QStringLiteral("pelloran ")));
     for (const char* words : {"--help", "-h", "recognize --help", "--snapshots --help"}) {
@@ -150,6 +178,10 @@ TEST(CommandLine, RefusesWhatDoesNotFit) {
         {"no text", "match --classes", "text"},
         {"nowhere to publish", "publish data", "publish needs"},
         {"two places to publish", "publish data www more", "publish needs"},
+        {"a release of no version", "release-info --dmg a.dmg", "--version"},
+        {"a build that is no number", "release-info --version 1 --build 1a", "--build"},
+        {"a build too large", "release-info --version 1 --build 9223372036854775808", "--build"},
+        {"a file without its option", "release-info --version 1 a.dmg", "a.dmg"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);

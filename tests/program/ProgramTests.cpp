@@ -270,6 +270,43 @@ TEST_F(ProgramTest, PublishesNothingThatItsOwnReaderRefuses) {
     EXPECT_FALSE(QFile::exists(path("www")));
 }
 
+TEST_F(ProgramTest, DescribesAReleaseThatItThenOffers) {
+    const QString image = write("Pelloran-999.1.dmg", "image");
+    const QString notes = write("notes.txt", "New: everything.\n");
+    ScriptedServer server;
+    const QStringList words{QStringLiteral("release-info"),
+                            QStringLiteral("--version"),
+                            QStringLiteral("999.1"),
+                            QStringLiteral("--dmg"),
+                            image,
+                            QStringLiteral("--notes-en"),
+                            notes,
+                            QStringLiteral("--update-server"),
+                            server.base()};
+    const ProgramOutput description = run(words);
+    EXPECT_EQ(description.exitCode, 0);
+    EXPECT_EQ(description.standardError, "");
+    server.on("/download/latest.json", ok(description.standardOutput));
+    const ProgramOutput answer = checkUpdate(server);
+    EXPECT_EQ(answer.exitCode, 0);
+    const QJsonObject offer = answer.lines().at(0);
+    EXPECT_EQ(offer[QStringLiteral("result")].toString(), QStringLiteral("available"));
+    const QJsonObject release = offer[QStringLiteral("release")].toObject();
+    EXPECT_EQ(release[QStringLiteral("download")].toString(),
+              server.base() + QStringLiteral("/download/Pelloran-999.1.dmg"));
+    EXPECT_EQ(release[QStringLiteral("notesEn")].toString(), QStringLiteral("New: everything."));
+}
+
+TEST_F(ProgramTest, DescribesNoReleaseThatItWouldNotOffer) {
+    const ProgramOutput answer = run({QStringLiteral("release-info"), QStringLiteral("--version"), QStringLiteral("v2"),
+                                      QStringLiteral("--dmg"), path("none.dmg")});
+    EXPECT_EQ(answer.exitCode, 1);
+    EXPECT_EQ(answer.standardOutput, "");
+    EXPECT_EQ(answer.standardError.count('\n'), 2) << answer.standardError.toStdString();
+    EXPECT_TRUE(answer.standardError.contains("[Pelloran] \"v2\" is no version"));
+    EXPECT_TRUE(answer.standardError.contains("none.dmg: no such file"));
+}
+
 TEST_F(ProgramTest, FindsTheGamesLogFolderInAWinePrefix) {
     EXPECT_EQ(run({QStringLiteral("logs-dir")}).exitCode, 1);
     write(".wine/drive_c/Program Files (x86)/Hearthstone/Logs/Hearthstone_1/Arena.log",

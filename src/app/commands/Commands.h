@@ -15,6 +15,7 @@ int run(const MatchTexts& command);
 int run(const SyncOnce& command);
 int run(const CheckUpdateOnce& command);
 int run(const PublishData& command);
+int run(const DescribeRelease& command);
 int run(const PrintText& command);
 
 } // namespace pelloran
