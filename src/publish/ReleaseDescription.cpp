@@ -140,7 +140,7 @@ std::expected<QByteArray, QStringList> releaseDescription(const ReleaseParts& pa
     if (!describer.problems.isEmpty()) {
         return std::unexpected(describer.problems);
     }
-    const QByteArray json = QJsonDocument(strict_json::encode(release)).toJson(QJsonDocument::Indented);
+    QByteArray json = QJsonDocument(strict_json::encode(release)).toJson(QJsonDocument::Indented);
     if (json.size() > AppUpdateChecker::maximumBytes) {
         return problem(
             u"the description has more than %1 bytes, which clients refuse"_s.arg(AppUpdateChecker::maximumBytes));

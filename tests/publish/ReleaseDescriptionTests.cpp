@@ -136,7 +136,7 @@ TEST_F(ReleaseDescription, RefusesWhatClientsCouldNotUse) {
     folder.write(u"炉石.dmg"_s, "image");
     folder.write(u"blank"_s, " \n");
     folder.write(u"latin1"_s, "\xE9t\xE9");
-    folder.write(u"long"_s, QByteArray(1024 * 1024, 'x'));
+    folder.write(u"long"_s, QByteArray(qsizetype{1024} * 1024, 'x'));
     using Change = void (*)(ReleaseParts&, const DataFolder&);
 
     struct Case {
