@@ -127,6 +127,17 @@ TEST(InfoPlist, IsSaidInEveryLanguage) {
     }
 }
 
+// Each of them is a hole in the hardened runtime, and has its reason in docs/releasing.md.
+TEST(Entitlements, AreThisOneAndNoMore) {
+    const auto entitlements = propertyList(macFolder + u"Pelloran.entitlements"_s);
+    EXPECT_EQ(entitlements.keys(), QStringList{u"com.apple.security.cs.allow-jit"_s});
+    EXPECT_EQ(entitlements.value(u"com.apple.security.cs.allow-jit"_s), u"true"_s);
+    QFile file(macFolder + u"Pelloran.entitlements"_s);
+    ASSERT_TRUE(file.open(QFile::ReadOnly));
+    EXPECT_FALSE(file.readAll().contains("<!--"))
+        << "the kernel has a reader of its own for these, which is a simple one";
+}
+
 // Whatever judges of such files is there: Apple's own plutil, its namesake, or Python's reader.
 TEST(InfoPlist, IsReadByOthers) {
     struct Reader {

@@ -130,7 +130,8 @@ TEST_F(MacPackage, SignsFromTheInsideOutAndPacksWhatIsStapled) {
         u"codesign --force --timestamp "_s + who + app + u"/Contents/PlugIns/platforms/libqcocoa.dylib"_s,
         u"codesign --force --timestamp "_s + who + app + u"/Contents/Frameworks/libhelp.dylib"_s,
         u"codesign --force --timestamp "_s + who + app + u"/Contents/Frameworks/QtCore.framework"_s,
-        u"codesign --force --timestamp --options runtime "_s + who + app,
+        u"codesign --force --timestamp --options runtime --entitlements packaging/macos/Pelloran.entitlements "_s +
+            who + app,
         u"codesign --verify --deep --strict --verbose=2 "_s + app,
         u"ditto -c -k --keepParent "_s + app + u" build/package/to-notarise.zip"_s,
         submit.arg(u"build/package/to-notarise.zip"_s),
@@ -271,7 +272,8 @@ TEST_F(MacPackage, WithoutCertificatesItIsForThisMachine) {
     environment.insert(u"CHANGES"_s, u" M README.md"_s);
     const ProgramOutput made = run({u"--unsigned"_s});
     ASSERT_EQ(made.exitCode, 0) << made.standardError.toStdString();
-    EXPECT_EQ(calls().filter(QRegularExpression(u"^(xcrun|spctl) |--timestamp|--options"_s)), QStringList())
+    EXPECT_EQ(calls().filter(QRegularExpression(u"^(xcrun|spctl) |--timestamp|--options|--entitlements"_s)),
+              QStringList())
         << "the hardened runtime would keep it from loading libraries that nobody in particular has signed";
     EXPECT_EQ(calls().filter(u"codesign --force --sign - "_s).size(), 4);
     EXPECT_TRUE(calls().contains(u"cmake --preset macos -B build -D PELLORAN_BUILD_NUMBER=17 -D "
