@@ -1,8 +1,11 @@
 #include "app/CommandLine.h"
 
+#include "app/Commit.h"
+
 #include <QCommandLineParser>
 
 #include <algorithm>
+#include <iterator>
 #include <vector>
 
 namespace pelloran {
@@ -317,18 +320,30 @@ QString usageLine(const Syntax& syntax) {
     return line;
 }
 
+CommandHelp helpOf(const Syntax& syntax) {
+    CommandHelp help{syntax.name, usageLine(syntax), syntax.description, {}};
+    for (const Option& option : syntax.options) {
+        help.options.push_back(
+            {QStringLiteral("--") + option.name + (option.valueName.isEmpty() ? QString() : u' ' + option.valueName),
+             option.description});
+    }
+    help.options.push_back({QStringLiteral("-h, --help"), QStringLiteral("print this and end")});
+    if (syntax.name.isEmpty()) {
+        help.options.push_back({QStringLiteral("-v, --version"), QStringLiteral("print the version and end")});
+    }
+    return help;
+}
+
 QString helpText(const Syntax& syntax) {
-    QString text = QStringLiteral("Usage: %1\n%2\n\nOptions:\n").arg(usageLine(syntax), syntax.description);
+    const CommandHelp help = helpOf(syntax);
+    QString text = QStringLiteral("Usage: %1\n%2\n\nOptions:\n").arg(help.usage, help.description);
     const auto addLine = [&text](const QString& term, const QString& description) {
         text += QStringLiteral("  %1  %2\n").arg(term.leftJustified(22), description);
     };
-    for (const Option& option : syntax.options) {
-        addLine(QStringLiteral("--") + option.name + (option.valueName.isEmpty() ? QString() : u' ' + option.valueName),
-                option.description);
+    for (const OptionHelp& option : help.options) {
+        addLine(option.name, option.description);
     }
-    addLine(QStringLiteral("-h, --help"), QStringLiteral("print this and end"));
     if (syntax.name.isEmpty()) {
-        addLine(QStringLiteral("-v, --version"), QStringLiteral("print the version and end"));
         text += QStringLiteral("\nCommands (pelloran COMMAND --help tells more):\n");
         for (const Syntax& command : syntaxes()) {
             if (!command.name.isEmpty()) {
@@ -339,7 +354,24 @@ QString helpText(const Syntax& syntax) {
     return text;
 }
 
+// The version has a line of its own, so that whoever reads it needs to know no more.
+QString versionText() {
+    QString text = QStringLiteral("pelloran " PELLORAN_VERSION "\n");
+    if (!commit().empty()) {
+        text += QStringLiteral("commit %1\n").arg(QString::fromUtf8(commit().data(), std::ssize(commit())));
+    }
+    return text;
+}
+
 } // namespace
+
+std::vector<CommandHelp> commandHelp() {
+    std::vector<CommandHelp> all;
+    for (const Syntax& syntax : syntaxes()) {
+        all.push_back(helpOf(syntax));
+    }
+    return all;
+}
 
 std::expected<Command, UsageError> parseCommandLine(const QStringList& arguments) {
     const auto named =
@@ -372,7 +404,7 @@ std::expected<Command, UsageError> parseCommandLine(const QStringList& arguments
         return PrintText{helpText(syntax)};
     }
     if (!isCommand && parser.isSet(version)) {
-        return PrintText{QStringLiteral("pelloran " PELLORAN_VERSION "\n")};
+        return PrintText{versionText()};
     }
     auto command = syntax.build(parser);
     if (!command) {

@@ -11,6 +11,7 @@
 #include <expected>
 #include <optional>
 #include <variant>
+#include <vector>
 
 // What the user asked for on the command line, as plain values: nothing here runs anything.
 namespace pelloran {
@@ -93,6 +94,22 @@ using Command = std::variant<RunLoop, PrintDraftState, PrintLogsDir, RecognizeIm
 struct UsageError {
     QString message;
 };
+
+// What --help tells of an option, and of a command.
+struct OptionHelp {
+    QString name; // as it is written: "--phase PHASE", "-h, --help"
+    QString description;
+};
+
+struct CommandHelp {
+    QString name; // "" for the program itself
+    QString usage;
+    QString description;
+    std::vector<OptionHelp> options;
+};
+
+// The program itself first. What --help prints and the manual page are both made of it.
+std::vector<CommandHelp> commandHelp();
 
 // `arguments` without the program's name. Needs no QCoreApplication.
 std::expected<Command, UsageError> parseCommandLine(const QStringList& arguments);

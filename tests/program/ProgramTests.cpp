@@ -55,7 +55,9 @@ protected:
 
     // What the program calls itself.
     QString version() const {
-        return QString::fromUtf8(run({QStringLiteral("--version")}).standardOutput).trimmed().split(u' ').last();
+        return QString::fromUtf8(run({QStringLiteral("--version")}).standardOutput)
+            .section(u'\n', 0, 0)
+            .section(u' ', 1);
     }
 
     QTemporaryDir home;
