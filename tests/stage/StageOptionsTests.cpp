@@ -2,7 +2,12 @@
 
 #include "tests/support/Printing.h"
 
+#include <QFile>
+#include <QRegularExpression>
+
 #include <gtest/gtest.h>
+
+#include <set>
 
 namespace pelloran::stage {
 
@@ -97,6 +102,27 @@ TEST(StageOptions, RefusesWhatDoesNotFit) {
         ASSERT_FALSE(options.has_value());
         EXPECT_TRUE(options.error().contains(QString::fromUtf8(row.mentioned))) << options.error().toStdString();
     }
+}
+
+TEST(StageOptions, HasAManualPageWithEveryOption) {
+    QFile file(QStringLiteral(PELLORAN_SOURCES "/packaging/linux/pelloran-stage.1"));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QString page = QString::fromUtf8(file.readAll())
+                             .replace(QStringLiteral("\\-"), QStringLiteral("-"))
+                             .replace(QStringLiteral(" \" "), QStringLiteral(" ")) // before a value in another face
+                             .remove(u'"');
+    const auto found = [](const QString& text, const QString& pattern) {
+        std::set<QString> all;
+        const QRegularExpression expression(pattern, QRegularExpression::MultilineOption);
+        for (auto match = expression.globalMatch(text); match.hasNext();) {
+            all.insert(match.next().captured(1));
+        }
+        return all;
+    };
+    // With the value that it takes.
+    const auto options = found(StageOptions::usage(), QStringLiteral("^  (--[a-z-]+(?: [A-Za-z|]+)?)  "));
+    EXPECT_GE(options.size(), 15U);
+    EXPECT_EQ(found(page, QStringLiteral("^\\.TP\n\\.BI? (.*)$")), options);
 }
 
 } // namespace pelloran::stage
