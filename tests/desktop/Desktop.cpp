@@ -12,6 +12,14 @@ bool until(const std::function<bool()>& condition, int milliseconds) {
     return QTest::qWaitFor(condition, milliseconds);
 }
 
+QString pelloranProgram() {
+    return programToTest("PELLORAN_TEST_PROGRAM", PELLORAN_PROGRAM);
+}
+
+QString stageProgram() {
+    return programToTest("PELLORAN_TEST_STAGE", PELLORAN_STAGE);
+}
+
 LineProcess::LineProcess() {
     endWithParent(process);
     QObject::connect(&process, &QProcess::readyReadStandardError, &process, [this] {
@@ -116,12 +124,11 @@ void DesktopTest::startTray() {
 }
 
 void DesktopTest::startPelloran(const QStringList& arguments) {
-    pelloran.start(QStringLiteral(PELLORAN_PROGRAM), QStringList{QStringLiteral("--logs-dir"), logsDir} + arguments,
-                   environment);
+    pelloran.start(pelloranProgram(), QStringList{QStringLiteral("--logs-dir"), logsDir} + arguments, environment);
 }
 
 void DesktopTest::startStage(const QStringList& arguments) {
-    stage.start(QStringLiteral(PELLORAN_STAGE),
+    stage.start(stageProgram(),
                 QStringList{QStringLiteral("--logs-dir"), logsDir, QStringLiteral("--steps-on-stdin")} + arguments,
                 environment);
 }

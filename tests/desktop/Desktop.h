@@ -19,6 +19,10 @@ namespace pelloran::testing {
 // Like `eventually`, but for what other programs do: their output is taken in meanwhile, and a busy machine has time.
 bool until(const std::function<bool()>& condition, int milliseconds = 30'000);
 
+// PELLORAN_TEST_PROGRAM and PELLORAN_TEST_STAGE name others than were built.
+QString pelloranProgram();
+QString stageProgram();
+
 // A program whose standard output is one JSON object a line.
 class LineProcess {
 public:

@@ -125,7 +125,7 @@ bool PanelTest::gameHasKeyboard() {
 ProgramOutput PanelTest::startAgain(const QStringList& arguments) {
     QProcess process;
     process.setProcessEnvironment(environment);
-    process.start(QStringLiteral(PELLORAN_PROGRAM), arguments);
+    process.start(pelloranProgram(), arguments);
     EXPECT_TRUE(until([&] { return process.state() == QProcess::NotRunning; }));
     return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
 }

@@ -174,8 +174,8 @@ TEST_F(Panel, ComesBackOnASecondStartAndLeavesTheHeadlessProgramAlone) {
     EXPECT_EQ(pelloran.process.state(), QProcess::Running);
 
     testing::LineProcess headless;
-    headless.start(QStringLiteral(PELLORAN_PROGRAM),
-                   {QStringLiteral("--no-panel"), QStringLiteral("--logs-dir"), logsDir}, environment);
+    headless.start(testing::pelloranProgram(), {QStringLiteral("--no-panel"), QStringLiteral("--logs-dir"), logsDir},
+                   environment);
     EXPECT_TRUE(headless.printsAnother());
 }
 
@@ -187,7 +187,8 @@ TEST_F(Panel, EndsInOrderWhenItIsTerminated) {
 }
 
 TEST_F(Panel, TellsOfMissingDataInAnAlertAndEnds) {
-    // A program alone in its folder has no data.
+    // A program alone in its folder has no data. (An installed one knows no such folder, so this is the one that was
+    // built.)
     const QString alone = home.path() + QStringLiteral("/alone");
     ASSERT_TRUE(QDir().mkpath(alone));
     const QString program = alone + QStringLiteral("/pelloran");

@@ -88,7 +88,7 @@ protected:
 
     // Puts the folder on the server.
     void publish(const QString& source) {
-        const auto output = testing::runProgram(QStringLiteral(PELLORAN_PROGRAM),
+        const auto output = testing::runProgram(testing::pelloranProgram(),
                                                 {QStringLiteral("publish"), source, server.root()}, environment);
         ASSERT_EQ(output.exitCode, 0) << output.standardError.toStdString();
     }

@@ -24,7 +24,7 @@ namespace {
 using testing::ProgramOutput;
 using testing::ScriptedServer;
 
-const QString program = QStringLiteral(PELLORAN_PROGRAM);
+const QString program = testing::programToTest("PELLORAN_TEST_PROGRAM", PELLORAN_PROGRAM);
 
 class ProgramTest : public ::testing::Test {
 protected:

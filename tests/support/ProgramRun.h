@@ -31,6 +31,11 @@ inline QProcessEnvironment cleanEnvironment(const QString& home) {
     return environment;
 }
 
+// The program that was built, unless the variable names another one, such as an installed one.
+inline QString programToTest(const char* variable, const char* built) {
+    return qEnvironmentVariableIsSet(variable) ? qEnvironmentVariable(variable) : QString::fromLocal8Bit(built);
+}
+
 struct ProgramOutput {
     int exitCode = -1;
     QByteArray standardOutput;
