@@ -5,7 +5,6 @@
 #include <QCommandLineParser>
 
 #include <algorithm>
-#include <iterator>
 #include <vector>
 
 namespace pelloran {
@@ -358,7 +357,7 @@ QString helpText(const Syntax& syntax) {
 QString versionText() {
     QString text = QStringLiteral("pelloran " PELLORAN_VERSION "\n");
     if (!commit().empty()) {
-        text += QStringLiteral("commit %1\n").arg(QString::fromUtf8(commit().data(), std::ssize(commit())));
+        text += QStringLiteral("commit %1\n").arg(QString::fromUtf8(commit()));
     }
     return text;
 }
