@@ -93,12 +93,9 @@ void CocoaApplicationPresence::begin() {
 }
 
 void CocoaApplicationPresence::activate() {
-    if (!native) {
-        return;
-    }
-    if (@available(macOS 14.0, *)) {
-        [NSApp activate]; // a wish: the program in front may have to yield. The way below has no effect any more.
-    } else {
+    if (native) {
+        // Not its newer kin, which leaves the program in front where it is unless that one yields. From macOS 27 on the
+        // two are alike.
         [NSApp activateIgnoringOtherApps:YES];
     }
 }

@@ -135,7 +135,7 @@ extern const NSWindowLevel NSModalPanelWindowLevel;
 @property BOOL becomesKeyOnlyIfNeeded;
 @end
 
-// appkit/nsapplication, nsapplication/activationpolicy-swift.enum, nsapplication/activate()
+// appkit/nsapplication, nsapplication/activationpolicy-swift.enum, nsapplication/activate(ignoringotherapps:)
 typedef enum NSApplicationActivationPolicy : NSInteger {
     NSApplicationActivationPolicyRegular,
 } NSApplicationActivationPolicy;
@@ -143,8 +143,7 @@ typedef enum NSApplicationActivationPolicy : NSInteger {
 @interface NSApplication : NSObject
 @property(readonly, strong) NSAppearance* effectiveAppearance SINCE(10.14);
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)activationPolicy SINCE(10.6);
-- (void)activate SINCE(14.0);
-- (void)activateIgnoringOtherApps:(BOOL)ignoreOtherApps __attribute__((availability(macos, deprecated = 14.0)));
+- (void)activateIgnoringOtherApps:(BOOL)ignoreOtherApps __attribute__((availability(macos, deprecated = 27.0)));
 @end
 
 // appkit/nsapp: nil until there is one
