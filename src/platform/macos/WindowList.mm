@@ -69,6 +69,18 @@ std::optional<std::vector<WindowDescription>> describe(CGWindowListOption option
     }
 }
 
+std::optional<WindowDescription> numbered(std::uint32_t windowId,
+                                          const std::optional<std::vector<WindowDescription>>& windows) {
+    if (windows) {
+        for (const WindowDescription& window : *windows) {
+            if (window.number == windowId) {
+                return window;
+            }
+        }
+    }
+    return std::nullopt;
+}
+
 } // namespace
 
 std::optional<std::vector<WindowDescription>> describeWindows(WindowListing listing) {
@@ -79,13 +91,11 @@ std::optional<WindowDescription> describeWindow(std::uint32_t windowId) {
     if (windowId == kCGNullWindowID) {
         return std::nullopt;
     }
-    for (const WindowDescription& window :
-         describe(kCGWindowListOptionIncludingWindow, windowId).value_or(std::vector<WindowDescription>())) {
-        if (window.number == windowId) {
-            return window;
-        }
+    // Asked for alone it costs little, but not every system then has a window that is minimised or on another space.
+    if (auto window = numbered(windowId, describe(kCGWindowListOptionIncludingWindow, windowId))) {
+        return window;
     }
-    return std::nullopt;
+    return numbered(windowId, describeWindows(WindowListing::all));
 }
 
 } // namespace pelloran::macos
