@@ -2,6 +2,15 @@
 cmake_minimum_required(VERSION 3.25)
 set(hash 0123456789abcdef0123456789abcdef01234567)
 
+# Nothing of the user's settings, and no other repository: within a hook git names the checkout's own by such variables, and
+# what is committed here would be committed there.
+foreach(variable GIT_DIR GIT_WORK_TREE GIT_INDEX_FILE GIT_COMMON_DIR GIT_OBJECT_DIRECTORY GIT_PREFIX GIT_CONFIG_PARAMETERS
+    GIT_CONFIG_COUNT)
+  unset(ENV{${variable}})
+endforeach()
+set(ENV{GIT_CONFIG_GLOBAL} /dev/null)
+set(ENV{GIT_CONFIG_NOSYSTEM} 1)
+
 function(make_sources folder archived)
   file(MAKE_DIRECTORY "${folder}/cmake")
   file(WRITE "${folder}/cmake/commit.txt" "${archived}\n")
@@ -17,8 +26,7 @@ function(expect why folder given expected)
 endfunction()
 
 function(git folder)
-  execute_process(COMMAND "${GIT}" -C "${folder}" -c user.name=test -c user.email=test@test.invalid -c commit.gpgsign=false
-      ${ARGN}
+  execute_process(COMMAND "${GIT}" -C "${folder}" -c user.name=test -c user.email=test@test.invalid ${ARGN}
     OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
 endfunction()
 
