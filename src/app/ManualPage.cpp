@@ -44,7 +44,9 @@ Commands answer with JSON lines on standard output (a plain path from
 .BR logs\-dir ,
 text from
 .B evaluate
-unless told otherwise); diagnostics go to standard error.
+unless told otherwise, a whole file from
+.BR release\-info );
+diagnostics go to standard error.
 .SH ENVIRONMENT
 .TP
 .B DISPLAY
@@ -55,7 +57,7 @@ The X server on which the game's window is and the panel is shown.
 unless it is set: the panel can stay above the game on X11 and XWayland alone.
 .TP
 .B WINEPREFIX
-Where the game is looked for first.
+A folder of Wine's in which the game is looked for, besides the usual ones.
 .TP
 .BR XDG_DATA_HOME ", " XDG_CONFIG_HOME ", " XDG_RUNTIME_DIR
 In place of
