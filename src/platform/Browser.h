@@ -17,6 +17,9 @@ public:
     // to a web server: links come from outside, and a desktop opens files and starts programs just as willingly.
     bool open(const QUrl& link);
 
+    // What open() would hand over.
+    static bool isWebLink(const QUrl& link);
+
 private:
     // Gets absolute http and https links only.
     virtual bool openWebLink(const QUrl& link) = 0;

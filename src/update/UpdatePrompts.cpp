@@ -111,6 +111,8 @@ void UpdatePrompts::openDownload(const AppReleaseInfo& release) {
         if (browser.open(*url)) {
             return;
         }
+        log(Browser::isWebLink(*url) ? QStringLiteral("app update: not opened, the desktop has nothing to open it with")
+                                     : QStringLiteral("app update: not opened, it is no link to a web server"));
     }
     presentInfoAlert(L10n::tr(u"update.title.failed"), L10n::tr(u"update.err.noDownloadURL"));
 }

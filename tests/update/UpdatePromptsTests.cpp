@@ -320,6 +320,11 @@ TEST_F(UpdatePromptsTest, OpensWebLinksOnlyAndSaysWhatCannotBeOpened) {
         QStringList expected{u"alert"_s};
         if (c.logged) {
             expected += u"app update: opening "_s + *c.logged;
+            if (!c.opens) {
+                expected += u"app update: not opened, the desktop has nothing to open it with"_s;
+            } else if (!c.handedOver) {
+                expected += u"app update: not opened, it is no link to a web server"_s;
+            }
         }
         if (c.alert) {
             expected += u"alert"_s;
