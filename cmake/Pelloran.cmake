@@ -85,8 +85,12 @@ function(pelloran_test name)
   if(arg_LABELS)
     set(labels "${arg_LABELS}")
   endif()
+  set(cost 0)
+  if("desktop" IN_LIST labels)
+    set(cost 1000) # these wait most of their time: begun first, the others run meanwhile
+  endif()
   gtest_discover_tests(${name} TEST_PREFIX "${name}." DISCOVERY_TIMEOUT 60
-    PROPERTIES LABELS "${labels}" TIMEOUT 300 ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
+    PROPERTIES LABELS "${labels}" TIMEOUT 300 COST ${cost} ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
 endfunction()
 
 # pelloran_benchmark(NAME SOURCES file... LINKS library...)
