@@ -35,6 +35,8 @@ QStringList entriesOf(const QString& folder) {
     return entries;
 }
 
+} // namespace
+
 QStringList winePrefixes(const QString& home, const EnvironmentLookup& environment) {
     QStringList prefixes;
     if (const auto chosen = environment(QStringLiteral("WINEPREFIX")); chosen && !chosen->isEmpty()) {
@@ -58,10 +60,9 @@ QStringList winePrefixes(const QString& home, const EnvironmentLookup& environme
             prefixes.append(game + QStringLiteral("/pfx"));
         }
     }
+    prefixes.removeDuplicates();
     return prefixes;
 }
-
-} // namespace
 
 std::optional<QString> gameLogsDir(const QString& standard, const QString& home, const EnvironmentLookup& environment) {
     if (isFolder(standard)) {
@@ -84,12 +85,15 @@ std::optional<QString> gameLogsDir(const QString& standard, const QString& home,
     return newest;
 }
 
-std::optional<QString> foundLogsDir() {
-    const EnvironmentLookup environment = [](const QString& name) {
+EnvironmentLookup processEnvironment() {
+    return [](const QString& name) {
         const QByteArray variable = name.toLocal8Bit();
         return qEnvironmentVariableIsSet(variable) ? std::optional(qEnvironmentVariable(variable)) : std::nullopt;
     };
-    return gameLogsDir(AppConfig().logsDir, QDir::homePath(), environment);
+}
+
+std::optional<QString> foundLogsDir() {
+    return gameLogsDir(AppConfig().logsDir, QDir::homePath(), processEnvironment());
 }
 
 QString logsDirToRead(const std::optional<QString>& asked) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 #include <optional>
@@ -17,6 +18,12 @@ std::optional<QString> gameLogsDir(const QString& standard, const QString& home,
 
 // The same on this machine, for this user.
 std::optional<QString> foundLogsDir();
+
+// Those prefixes, in that order, whether they are there or not; none twice.
+QStringList winePrefixes(const QString& home, const EnvironmentLookup& environment);
+
+// Of the process.
+EnvironmentLookup processEnvironment();
 
 // The folder to read: the one asked for, else the one found, else the standard one, so that diagnostics name a place.
 QString logsDirToRead(const std::optional<QString>& asked);
