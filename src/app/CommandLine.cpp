@@ -40,6 +40,9 @@ const QString ticksOption = QStringLiteral("ticks");
 const QString strictLengthsOption = QStringLiteral("strict-lengths");
 const QString jsonOption = QStringLiteral("json");
 const QString textsOption = QStringLiteral("texts");
+const QString fixOption = QStringLiteral("fix");
+const QString offlineOption = QStringLiteral("offline");
+const QString desktopOption = QStringLiteral("desktop");
 const QString cardsOption = QStringLiteral("cards");
 const QString classesOption = QStringLiteral("classes");
 const QString nameOption = QStringLiteral("name");
@@ -184,6 +187,27 @@ std::expected<Command, QString> buildReleaseInfo(const QCommandLineParser& parse
                                });
 }
 
+std::expected<Command, QString> buildDoctor(const QCommandLineParser& parsed) {
+    if (parsed.isSet(desktopOption)) {
+        const QStringList others = parsed.optionNames();
+        if (std::ranges::any_of(others,
+                                [](const QString& name) { return name != desktopOption && name != jsonOption; })) {
+            return std::unexpected(QStringLiteral("--desktop goes with --json alone"));
+        }
+        return noArguments(parsed, ExamineDesktop{parsed.isSet(jsonOption)});
+    }
+    return noArguments(parsed, ExamineMachine{
+                                   .logsDir = optionalValue(parsed, logsDirOption),
+                                   .windowOwner = optionalValue(parsed, windowOwnerOption),
+                                   .strictLengths = parsed.isSet(strictLengthsOption),
+                                   .configServer = optionalValue(parsed, configServerOption),
+                                   .updateServer = optionalValue(parsed, updateServerOption),
+                                   .offline = parsed.isSet(offlineOption),
+                                   .fix = parsed.isSet(fixOption),
+                                   .json = parsed.isSet(jsonOption),
+                               });
+}
+
 const std::vector<Syntax>& syntaxes() {
     static const Option configServer{configServerOption, QStringLiteral("URL"),
                                      QStringLiteral("where data files come from, in place of the built-in address")};
@@ -194,6 +218,8 @@ const std::vector<Syntax>& syntaxes() {
                                 QStringLiteral("the game's log folder, in place of the usual places")};
     static const Option strictLengths{
         strictLengthsOption, {}, QStringLiteral("leave out lines that are too long for a name, though they equal one")};
+    static const Option windowOwner{windowOwnerOption, QStringLiteral("NAME"),
+                                    QStringLiteral("owner or title of the game's window")};
     static const std::vector<Syntax> all{
         {
             {},
@@ -201,7 +227,7 @@ const std::vector<Syntax>& syntaxes() {
             QStringLiteral("Follows an Arena draft of Hearthstone and shows the figures of what is offered."),
             {
                 logsDir,
-                {windowOwnerOption, QStringLiteral("NAME"), QStringLiteral("owner or title of the game's window")},
+                windowOwner,
                 {languageOption, QStringLiteral("LANGUAGE"), QStringLiteral("system, zh or en, for this run")},
                 {snapshotsOption, {}, QStringLiteral("print every published snapshot as a JSON line")},
                 {noPanelOption, {}, QStringLiteral("show nothing, need no display; prints the snapshots")},
@@ -274,6 +300,24 @@ const std::vector<Syntax>& syntaxes() {
             QStringLiteral("Asks once for a newer version and prints the answer."),
             {updateServer},
             buildCheckUpdate,
+        },
+        {
+            QStringLiteral("doctor"),
+            {},
+            QStringLiteral(
+                "Looks at all that Pelloran needs and tells, in a line each, what is well and what to mend."),
+            {
+                {fixOption, {}, QStringLiteral("complete the game's log.config, and keep a copy of it beside it")},
+                {jsonOption, {}, QStringLiteral("print a JSON line for each check")},
+                {offlineOption, {}, QStringLiteral("ask no server")},
+                {desktopOption, {}, QStringLiteral("only display, fonts, compositor, status area, single instance")},
+                logsDir,
+                windowOwner,
+                strictLengths,
+                configServer,
+                updateServer,
+            },
+            buildDoctor,
         },
         {
             QStringLiteral("publish"),

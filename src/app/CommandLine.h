@@ -82,13 +82,31 @@ struct DescribeRelease {
     std::optional<QString> updateServer; // absent: as built
 };
 
+// Whether everything is as Pelloran needs it.
+struct ExamineMachine {
+    std::optional<QString> logsDir; // this and the following: as for RunLoop
+    std::optional<QString> windowOwner;
+    bool strictLengths = false;
+    std::optional<QString> configServer;
+    std::optional<QString> updateServer;
+    bool offline = false; // no server is asked
+    bool fix = false;     // puts the game's log.config right
+    bool json = false;    // lines for programs in place of lines for people
+};
+
+// The part of it that needs a desktop.
+struct ExamineDesktop {
+    bool json = false;
+};
+
 // --help and --version: text for standard output.
 struct PrintText {
     QString text;
 };
 
-using Command = std::variant<RunLoop, PrintDraftState, PrintLogsDir, RecognizeImages, EvaluateFolders, MatchTexts,
-                             SyncOnce, CheckUpdateOnce, PublishData, DescribeRelease, PrintText>;
+using Command =
+    std::variant<RunLoop, PrintDraftState, PrintLogsDir, RecognizeImages, EvaluateFolders, MatchTexts, SyncOnce,
+                 CheckUpdateOnce, PublishData, DescribeRelease, ExamineMachine, ExamineDesktop, PrintText>;
 
 // What is wrong, and how the command is used; for standard error.
 struct UsageError {

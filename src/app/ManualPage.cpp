@@ -44,6 +44,8 @@ Commands answer with JSON lines on standard output (a plain path from
 .BR logs\-dir ,
 text from
 .B evaluate
+and
+.B doctor
 unless told otherwise, a whole file from
 .BR release\-info );
 diagnostics go to standard error.

@@ -10,9 +10,17 @@
 
 namespace pelloran {
 
+QString configServer(const std::optional<QString>& asked) {
+    return asked.value_or(QStringLiteral(PELLORAN_CONFIG_SERVER));
+}
+
+QString updateServer(const std::optional<QString>& asked) {
+    return asked.value_or(QStringLiteral(PELLORAN_UPDATE_SERVER));
+}
+
 std::unique_ptr<ConfigSync> makeConfigSync(const std::optional<QString>& asked, const ApplicationFiles& files) {
-    return std::make_unique<ConfigSync>(asked.value_or(QStringLiteral(PELLORAN_CONFIG_SERVER)), LocalConfig(files),
-                                        HttpClient::create(), SerialQueue::create(ConfigSync::queueName()));
+    return std::make_unique<ConfigSync>(configServer(asked), LocalConfig(files), HttpClient::create(),
+                                        SerialQueue::create(ConfigSync::queueName()));
 }
 
 AppUpdateChecker::LocalApplication localApplication(const BundleVersion& bundle, const QString& builtVersion) {
@@ -24,7 +32,7 @@ AppUpdateChecker::LocalApplication localApplication(const BundleVersion& bundle,
 }
 
 QString downloadBase(const std::optional<QString>& asked) {
-    return asked.value_or(QStringLiteral(PELLORAN_UPDATE_SERVER)) + QStringLiteral("/download");
+    return updateServer(asked) + QStringLiteral("/download");
 }
 
 UpdateClient::UpdateClient(const std::optional<QString>& asked, UserDefaults& defaults)

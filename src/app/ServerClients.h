@@ -16,6 +16,10 @@ class SerialQueue;
 class UserDefaults;
 struct BundleVersion;
 
+// Base URLs of the servers, the ones asked for or those of this build; empty where there is none.
+QString configServer(const std::optional<QString>& asked);
+QString updateServer(const std::optional<QString>& asked);
+
 // The sync with the configuration server, the one asked for or the one of this build. Main thread.
 std::unique_ptr<ConfigSync> makeConfigSync(const std::optional<QString>& asked, const ApplicationFiles& files);
 

@@ -1,6 +1,7 @@
 #include "app/CommandLine.h"
 #include "app/commands/Commands.h"
 #include "app/desktop/DesktopApplication.h"
+#include "app/desktop/ExamineDesktop.h"
 #include "app/MainLoop.h"
 #include "base/Log.h"
 #include "localisation/AppLanguage.h"
@@ -24,6 +25,15 @@ void logQtMessage(QtMsgType, const QMessageLogContext&, const QString& message) 
     log(message);
 }
 
+struct RunCommand {
+    template <typename Chosen>
+    int operator()(const Chosen& chosen) const {
+        return run(chosen);
+    }
+
+    int operator()(const ExamineDesktop&) const { Q_UNREACHABLE(); } // needs to know of the session
+};
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -39,14 +49,16 @@ int main(int argc, char** argv) {
     }
     const auto* loop = std::get_if<RunLoop>(&*command);
     const bool withPanel = loop && loop->panel;
+    const auto* examination = std::get_if<ExamineDesktop>(&*command);
+    const bool onDesktop = withPanel || examination;
     if (withPanel) {
         setLogSink(SystemLog::sink()); // commands have somebody who reads their standard error
     }
-    const auto session = withPanel ? GuiSession::prepare() : std::expected<void, QString>();
+    const auto session = onDesktop ? GuiSession::prepare() : std::expected<void, QString>();
 
-    // Only the panel needs a display, and the bigger application object with it.
+    // Little else than the panel needs a display, and the bigger application object with it.
     std::unique_ptr<QCoreApplication> application;
-    if (withPanel && session) {
+    if (onDesktop && session) {
         application = std::make_unique<QApplication>(argc, argv);
     } else {
         application = std::make_unique<QCoreApplication>(argc, argv);
@@ -60,8 +72,10 @@ int main(int argc, char** argv) {
         AppLanguage::overridePreference(*loop->language);
     }
     int exitCode = 0;
-    if (!withPanel) {
-        exitCode = std::visit([](const auto& chosen) { return run(chosen); }, *command);
+    if (examination) {
+        exitCode = examineDesktop(*examination, session);
+    } else if (!withPanel) {
+        exitCode = std::visit(RunCommand(), *command);
     } else if (session) {
         exitCode = runOnDesktop(*loop, *settings, *defaults);
     } else {

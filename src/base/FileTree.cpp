@@ -75,6 +75,19 @@ bool exists(const QString& path) {
     return fs::symlink_status(native(path), error).type() != fs::file_type::not_found;
 }
 
+QString obstacleTo(const QString& path) {
+    QFileInfo nearest(path);
+    if (!nearest.exists()) {
+        do {
+            nearest = QFileInfo(nearest.path());
+        } while (!nearest.exists() && !nearest.isRoot());
+        if (!nearest.isDir()) {
+            return u"%1 is no folder"_s.arg(nearest.filePath());
+        }
+    }
+    return nearest.isWritable() ? QString() : u"%1 may not be written"_s.arg(nearest.filePath());
+}
+
 Done makeFolders(const QString& path) {
     std::error_code error;
     fs::create_directories(native(path), error);

@@ -28,6 +28,9 @@ Done checked(const std::error_code& error, const QString& doing, const QString& 
 // Links that lead nowhere are there too.
 bool exists(const QString& path);
 
+// Why nothing could be made or written at `path`, in a few words; empty when it could. Nothing is tried.
+QString obstacleTo(const QString& path);
+
 // With those above. A folder that is there is fine.
 Done makeFolders(const QString& path);
 

@@ -39,6 +39,8 @@ public:
         change(key, [&](Store& store) { store.remove(key); });
     }
 
+    QString file() const override { return settings.fileName(); }
+
 private:
     template <typename Change>
     void change(const QString& key, const Change& apply) {

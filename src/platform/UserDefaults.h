@@ -24,6 +24,9 @@ public:
     // Forgets what is stored under `key`, if anything, text or not. A store that cannot be written is logged and the
     // key stays absent until the program ends.
     virtual void remove(const QString& key) = 0;
+
+    // Path of the file that holds them; empty where they are the system's to keep.
+    virtual QString file() const { return {}; }
 };
 
 } // namespace pelloran

@@ -16,32 +16,19 @@ std::expected<ReadText, WindowCaptureError> ScreenReader::look(const QString& ow
     if (!windows) {
         windows = makeWindowServer();
     }
-    const auto image = capture(ownerHint);
-    const QString problem = image ? QString() : explanation(image.error(), windows->permission());
+    const auto game = WindowCapture::captureGame(*windows, ownerHint);
+    const QString problem = game ? QString() : explanation(game.error(), windows->permission());
     if (std::exchange(toldOfCapture, problem) != problem && !problem.isEmpty()) {
         log(problem);
     }
-    if (!image) {
-        return std::unexpected(image.error().error);
+    if (!game) {
+        return std::unexpected(game.error().error);
     }
     TextReader* const available = hints ? textReader() : nullptr;
     if (!available) {
         return ReadText();
     }
-    return CardRecognizer::ocrTokens(*image, *available, *hints);
-}
-
-std::expected<QImage, CaptureFailure> ScreenReader::capture(const QString& ownerHint) {
-    const auto window = WindowCapture::findHearthstone(*windows, ownerHint);
-    if (!window) {
-        CaptureFailure failure{WindowCaptureError::noWindow, std::nullopt};
-        // Windows that cannot be listed are not the same as none, and finding one does not tell.
-        if (!windows->describeWindows(WindowListing::onScreen)) {
-            failure.cause = WindowServerFailed{"listing of windows refused", 0};
-        }
-        return std::unexpected(std::move(failure));
-    }
-    return WindowCapture::capture(*windows, window->windowId);
+    return CardRecognizer::ocrTokens(game->image, *available, *hints);
 }
 
 TextReader* ScreenReader::textReader() {

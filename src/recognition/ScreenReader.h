@@ -32,7 +32,6 @@ public:
                                                      const std::optional<ReadingHints>& hints);
 
 private:
-    std::expected<QImage, CaptureFailure> capture(const QString& ownerHint);
     TextReader* textReader();
 
     MakeWindowServer makeWindowServer;

@@ -183,6 +183,23 @@ std::expected<QImage, CaptureFailure> capture(WindowServer& server, std::uint32_
     return *std::move(image);
 }
 
+std::expected<GamePicture, CaptureFailure> captureGame(WindowServer& server, const QString& hint) {
+    auto window = findHearthstone(server, hint);
+    if (!window) {
+        CaptureFailure failure{WindowCaptureError::noWindow, std::nullopt};
+        // Windows that cannot be listed are not the same as none, and finding one does not tell.
+        if (!server.describeWindows(WindowListing::onScreen)) {
+            failure.cause = WindowServerFailed{"listing of windows refused", 0};
+        }
+        return std::unexpected(std::move(failure));
+    }
+    auto image = capture(server, window->windowId);
+    if (!image) {
+        return std::unexpected(std::move(image).error());
+    }
+    return GamePicture{*std::move(window), *std::move(image)};
+}
+
 std::optional<QImage> crop(const QImage& image, const QRectF& frac) {
     const double width = image.width();
     const double height = image.height();

@@ -64,6 +64,15 @@ std::optional<HSWindowInfo> chooseHearthstone(std::span<const HSWindowInfo> wind
 // callers that found no window to capture.
 std::expected<QImage, CaptureFailure> capture(WindowServer& server, std::uint32_t windowId);
 
+struct GamePicture {
+    HSWindowInfo window;
+    QImage image;
+};
+
+// Both in one: the game's window, found and captured. Fails with `noWindow` too; its cause then is a server that lists
+// no windows at all.
+std::expected<GamePicture, CaptureFailure> captureGame(WindowServer& server, const QString& hint);
+
 // The part of `image` under `frac` (fractions of its size, y from the top), grown to whole pixels and clipped to the
 // image; a negative width or height runs from the origin to the left or upward. Absent when 2 pixels or fewer are left
 // in either direction, so also for no image.

@@ -1,14 +1,10 @@
 #include "sync/ConfigSync.h"
 
 #include "base/Digest.h"
-#include "base/StrictURL.h"
-#include "platform/CheckedGet.h"
 
 #include <QPointer>
-#include <QUrl>
 
 #include <cmath>
-#include <variant>
 
 using namespace Qt::StringLiterals;
 
@@ -20,21 +16,11 @@ std::unexpected<ConfigSyncError> failure(decltype(ConfigSyncError::reason) reaso
     return std::unexpected(ConfigSyncError{std::move(reason)});
 }
 
-struct Reason {
-    decltype(ConfigSyncError::reason) operator()(UnwantedStatus status) const {
-        return ConfigSyncError::HttpStatus{status.code};
-    }
-
-    decltype(ConfigSyncError::reason) operator()(const HttpClient::TransportError& error) const {
-        return ConfigSyncError::Platform{error.description};
-    }
-};
-
 } // namespace
 
 ConfigSync::ConfigSync(const QString& server, ConfigInstaller configInstaller, std::unique_ptr<HttpClient> client,
                        std::unique_ptr<SerialQueue> queue)
-    : baseURLString(server + u"/pelloran/latest"_s)
+    : baseURLString(configFolderURL(server))
     , installer(std::move(configInstaller))
     , http(std::move(client))
     , workQueue(std::move(queue)) {
@@ -99,7 +85,7 @@ ConfigSyncResult ConfigSync::syncAtLaunch() {
 
 ConfigSyncResult ConfigSync::syncIfNeeded(const Server& server) {
     const std::optional<QString> hash = localHash();
-    const auto fetched = fetchManifest(server);
+    const auto fetched = fetchManifest(*http, server.baseURL, server.silence());
     if (!fetched) {
         return fallBack(hash, fetched.error());
     }
@@ -127,22 +113,11 @@ ConfigSyncResult ConfigSync::fallBack(const std::optional<QString>& hash, const 
     return {ConfigSyncResult::Failed{error.localizedDescription()}};
 }
 
-std::expected<ConfigSync::Fetched, ConfigSyncError> ConfigSync::fetchManifest(const Server& server) {
-    auto raw = httpGET(server, server.baseURL + u"/manifest.json"_s, maximumManifestBytes);
-    if (!raw) {
-        return std::unexpected(raw.error());
-    }
-    auto manifest = RemoteManifest::fromJson(*raw);
-    if (!manifest) {
-        return std::unexpected(manifest.error());
-    }
-    return Fetched{std::move(*manifest), std::move(*raw)};
-}
-
-std::expected<ConfigInstaller::Installation, ConfigSyncError> ConfigSync::downloadAndInstall(const Server& server,
-                                                                                             const Fetched& fetched) {
+std::expected<ConfigInstaller::Installation, ConfigSyncError>
+ConfigSync::downloadAndInstall(const Server& server, const FetchedManifest& fetched) {
     const RemoteManifest& manifest = fetched.manifest;
-    const auto bundle = httpGET(server, server.baseURL + u'/' + manifest.bundleName(), maximumBundleBytes);
+    const auto bundle =
+        getFromConfigServer(*http, server.baseURL + u'/' + manifest.bundleName(), server.silence(), maximumBundleBytes);
     if (!bundle) {
         return std::unexpected(bundle.error());
     }
@@ -155,18 +130,8 @@ std::expected<ConfigInstaller::Installation, ConfigSyncError> ConfigSync::downlo
     return installer.install(manifest, fetched.raw, *bundle);
 }
 
-std::expected<QByteArray, ConfigSyncError> ConfigSync::httpGET(const Server& server, const QString& url,
-                                                               qint64 maximumBytes) {
-    const auto strict = strictURL(url);
-    if (!strict) {
-        return failure(ConfigSyncError::BadURL{});
-    }
-    const std::chrono::milliseconds silence(std::llround(server.timeout * 1000));
-    auto body = checkedGet(*http, *strict, {}, silence, maximumBytes);
-    if (!body) {
-        return failure(std::visit(Reason(), body.error()));
-    }
-    return *std::move(body);
+std::chrono::milliseconds ConfigSync::Server::silence() const {
+    return std::chrono::milliseconds(std::llround(timeout * 1000));
 }
 
 } // namespace pelloran

@@ -4,9 +4,8 @@
 #include "platform/HttpClient.h"
 #include "sync/ConfigInstaller.h"
 #include "sync/ConfigSyncResult.h"
-#include "sync/RemoteManifest.h"
+#include "sync/ManifestRequest.h"
 
-#include <QByteArray>
 #include <QObject>
 #include <QString>
 #include <QTimer>
@@ -30,7 +29,7 @@ public:
     static constexpr std::chrono::seconds pollInterval{600};
 
     // What a server may make us read into memory. Real manifests have a few hundred bytes, bundles less than a million.
-    static constexpr qint64 maximumManifestBytes = 1024LL * 1024;
+    static constexpr qint64 maximumManifestBytes = pelloran::maximumManifestBytes;
     static constexpr qint64 maximumBundleBytes = 64LL * 1024 * 1024;
 
     // `server` is the base URL, to which "/pelloran/latest" is added. An installation that an earlier run did not
@@ -63,25 +62,20 @@ public:
 
     // What the next sync begins with. A server that says nothing for `timeout` seconds is given up.
     QString baseURLString;
-    double timeout = 12;
+    double timeout = configServerPatience.count();
 
 private:
     struct Server {
         QString baseURL;
         double timeout;
-    };
 
-    struct Fetched {
-        RemoteManifest manifest;
-        QByteArray raw;
+        std::chrono::milliseconds silence() const;
     };
 
     ConfigSyncResult syncIfNeeded(const Server& server);
     ConfigSyncResult fallBack(const std::optional<QString>& hash, const ConfigSyncError& error) const;
-    std::expected<Fetched, ConfigSyncError> fetchManifest(const Server& server);
     std::expected<ConfigInstaller::Installation, ConfigSyncError> downloadAndInstall(const Server& server,
-                                                                                     const Fetched& fetched);
-    std::expected<QByteArray, ConfigSyncError> httpGET(const Server& server, const QString& url, qint64 maximumBytes);
+                                                                                     const FetchedManifest& fetched);
 
     ConfigInstaller installer;
     std::unique_ptr<HttpClient> http;

@@ -112,6 +112,29 @@ TEST(CommandLine, LimitsLengthsStrictlyWhenAsked) {
     EXPECT_FALSE(parse("draft-state --strict-lengths")) << "reads no names";
 }
 
+TEST(CommandLine, TakesWhatAnExaminationIsOf) {
+    const auto plain = parsed<ExamineMachine>("doctor");
+    EXPECT_FALSE(plain.fix);
+    EXPECT_FALSE(plain.json);
+    EXPECT_FALSE(plain.offline);
+    EXPECT_FALSE(plain.strictLengths);
+    EXPECT_EQ(plain.logsDir, std::nullopt);
+    const auto full = parsed<ExamineMachine>("doctor --fix --json --offline --strict-lengths --logs-dir L "
+                                             "--window-owner W --config-server http://a --update-server http://b");
+    EXPECT_TRUE(full.fix);
+    EXPECT_TRUE(full.json);
+    EXPECT_TRUE(full.offline);
+    EXPECT_TRUE(full.strictLengths);
+    EXPECT_EQ(full.logsDir, QStringLiteral("L"));
+    EXPECT_EQ(full.windowOwner, QStringLiteral("W"));
+    EXPECT_EQ(full.configServer, QStringLiteral("http://a"));
+    EXPECT_EQ(full.updateServer, QStringLiteral("http://b"));
+    EXPECT_FALSE(parsed<ExamineDesktop>("doctor --desktop").json);
+    EXPECT_TRUE(parsed<ExamineDesktop>("doctor --json --desktop").json);
+    EXPECT_FALSE(parse("doctor --desktop --fix")) << "log.config is none of the desktop's";
+    EXPECT_FALSE(parse("doctor me"));
+}
+
 TEST(CommandLine, TakesTheFoldersOfAPublication) {
     const auto plain = parsed<PublishData>("publish data www");
     EXPECT_EQ(plain.source, QStringLiteral("data"));

@@ -10,6 +10,7 @@
 #include <QThread>
 
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 #include <future>
 #include <optional>
@@ -55,6 +56,33 @@ TEST_F(FileTreeTest, KnowsWhatIsThere) {
     EXPECT_TRUE(FileTree::exists(folder.path()));
     EXPECT_TRUE(FileTree::exists(at(u"link"_s))) << "though it leads nowhere";
     EXPECT_FALSE(FileTree::exists(at(u"nowhere"_s)));
+}
+
+TEST_F(FileTreeTest, KnowsWhatCannotBeMade) {
+    write(u"file"_s, "");
+    write(u"fixed"_s, "");
+    ASSERT_TRUE(QDir().mkpath(at(u"a/b"_s)));
+
+    struct Case {
+        const char* why;
+        QString path;
+        QString obstacle;
+    };
+
+    const Case cases[] = {
+        {"a folder", at(u"a"_s), {}},
+        {"a new one in it", at(u"a/c/d/e"_s), {}},
+        {"a file", at(u"file"_s), {}},
+        {"below a file", at(u"file/c/d"_s), at(u"file"_s) + u" is no folder"_s},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(FileTree::obstacleTo(c.path), c.obstacle) << c.why;
+    }
+    EXPECT_FALSE(FileTree::exists(at(u"a/c"_s))) << "nothing is tried";
+    if (::geteuid() != 0) { // who may write everything
+        ASSERT_TRUE(QFile::setPermissions(at(u"fixed"_s), QFile::ReadOwner));
+        EXPECT_EQ(FileTree::obstacleTo(at(u"fixed"_s)), at(u"fixed"_s) + u" may not be written"_s);
+    }
 }
 
 TEST_F(FileTreeTest, MakesFoldersWithThoseAbove) {

@@ -70,9 +70,13 @@ void applyAppearance(std::optional<Appearance> asked) {
     QApplication::setPalette(paletteFor(*asked));
 }
 
-void remarkOnMissingFonts() {
+bool hasChineseFont() {
     const QStringList families = QFontDatabase::families(QFontDatabase::SimplifiedChinese);
-    if (std::ranges::none_of(families, coversChinese)) {
+    return std::ranges::any_of(families, coversChinese);
+}
+
+void remarkOnMissingFonts() {
+    if (!hasChineseFont()) {
         log(QStringLiteral("no font on this machine covers Chinese, names will show as boxes; install the package "
                            "fonts-noto-cjk (Noto Sans CJK SC)"));
     }

@@ -19,6 +19,9 @@ bool followsTheSystem(const QString& style);
 // desktop has a theme that Qt knows. Absent: Qt's own choice. Needs a QApplication.
 void applyAppearance(std::optional<Appearance> asked);
 
+// Whether any font on this machine covers Chinese. Needs a QGuiApplication.
+bool hasChineseFont();
+
 // Tells in the log what to install when no font on this machine covers Chinese. Needs a QGuiApplication.
 void remarkOnMissingFonts();
 

@@ -9,6 +9,8 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <cerrno>
+#include <csignal>
 #include <thread>
 
 namespace pelloran {
@@ -71,6 +73,18 @@ void SingleInstance::end() {
     lock.unlock();
 }
 
+std::optional<SingleInstance::Running> SingleInstance::running(std::chrono::milliseconds wait) const {
+    qint64 process = 0;
+    QString host;
+    QString application;
+    if (!usable || !lock.getLockInfo(&process, &host, &application)) {
+        return std::nullopt;
+    }
+    // What a crash left is no lock.
+    const bool isThere = process > 0 && (::kill(static_cast<pid_t>(process), 0) == 0 || errno == EPERM);
+    return isThere ? std::optional(Running{process, answersAtAll(wait)}) : std::nullopt;
+}
+
 bool SingleInstance::listen() {
     // Left by one that crashed: the lock says that nobody listens there.
     QLocalServer::removeServer(socketPath);
@@ -81,6 +95,19 @@ bool SingleInstance::listen() {
         return false;
     }
     return true;
+}
+
+// It hangs up on what it does not know, as soon as its event loop turns.
+bool SingleInstance::answersAtAll(std::chrono::milliseconds wait) const {
+    const QDeadlineTimer deadline(wait);
+    const auto left = [&deadline] { return static_cast<int>(deadline.remainingTime()); };
+    QLocalSocket first;
+    first.connectToServer(socketPath);
+    if (!first.waitForConnected(left())) {
+        return false;
+    }
+    first.write("are you there\n");
+    return first.state() == QLocalSocket::UnconnectedState || first.waitForDisconnected(left());
 }
 
 bool SingleInstance::askFirst(std::chrono::milliseconds wait) const {

@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <chrono>
+#include <optional>
 
 namespace pelloran {
 
@@ -37,12 +38,24 @@ public:
     // The next start will be a first one.
     void end();
 
+    // The one that runs already.
+    struct Running {
+        qint64 process = 0;
+        bool answers = false; // within the time for it
+
+        bool operator==(const Running&) const = default;
+    };
+
+    // For whoever only looks: nothing is made, and no panel comes forward. Absent where none runs.
+    std::optional<Running> running(std::chrono::milliseconds wait = patience) const;
+
 Q_SIGNALS:
     // Another start asks this one to come forward; from the event loop.
     void reopenRequested();
 
 private:
     bool listen();
+    bool answersAtAll(std::chrono::milliseconds wait) const;
     bool askFirst(std::chrono::milliseconds wait) const;
     void answer(QLocalSocket& asking);
 

@@ -46,14 +46,6 @@ QString settingsIn(const QString& prefix, const EnvironmentLookup& environment) 
     return user.isEmpty() ? QString() : users.filePath(user + u'/' + settingsFolder);
 }
 
-// The nearest folder that is there.
-QFileInfo nearestFolder(QString path) {
-    while (!QFileInfo::exists(path) && QFileInfo(path).path() != path) {
-        path = QFileInfo(path).path();
-    }
-    return QFileInfo(path);
-}
-
 } // namespace
 
 std::optional<QString> logConfigPath(const std::optional<QString>& logsDir, const QString& home,
@@ -89,8 +81,7 @@ std::expected<LogConfigFile, QString> readLogConfig(const QString& path) {
         return std::unexpected(u"%1 is a link that leads nowhere"_s.arg(path));
     }
     if (!info.exists()) {
-        const QFileInfo folder = nearestFolder(info.path());
-        return LogConfigFile{path, std::nullopt, folder.isDir() && folder.isWritable()};
+        return LogConfigFile{path, std::nullopt, FileTree::obstacleTo(path).isEmpty()};
     }
     if (!info.isFile()) {
         return std::unexpected(u"%1 is no file%2"_s.arg(path, info.isDir() ? u" but a folder"_s : QString()));

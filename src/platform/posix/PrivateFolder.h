@@ -9,4 +9,7 @@ namespace pelloran {
 // that cannot be had.
 QString privateRuntimeFolder(const QString& sessionFolder, const QString& temporary);
 
+// The same for whoever only looks: the second one is not made. Empty also where it is not there yet.
+QString existingPrivateRuntimeFolder(const QString& sessionFolder, const QString& temporary);
+
 } // namespace pelloran

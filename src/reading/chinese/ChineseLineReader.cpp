@@ -346,7 +346,7 @@ std::vector<std::size_t> indexesOf(const CharacterModel& model) {
 
 } // namespace
 
-std::expected<std::unique_ptr<ChineseLineReader>, QString> ChineseLineReader::create(const ApplicationFiles& files) {
+std::expected<CharacterModel, QString> ChineseLineReader::loadModel(const ApplicationFiles& files) {
     const auto path = files.resource(QStringLiteral("chinese"), QStringLiteral("model"), QStringLiteral("characters"));
     QFile file(path.value_or(QString()));
     if (!path || !file.open(QIODevice::ReadOnly)) {
@@ -355,6 +355,14 @@ std::expected<std::unique_ptr<ChineseLineReader>, QString> ChineseLineReader::cr
     auto model = CharacterModel::parse(file.readAll());
     if (!model) {
         return std::unexpected(*path + QStringLiteral(": ") + model.error());
+    }
+    return *std::move(model);
+}
+
+std::expected<std::unique_ptr<ChineseLineReader>, QString> ChineseLineReader::create(const ApplicationFiles& files) {
+    auto model = loadModel(files);
+    if (!model) {
+        return std::unexpected(model.error());
     }
     return std::make_unique<ChineseLineReader>(*std::move(model));
 }

@@ -56,6 +56,9 @@ public:
     // With the model that came with the program. The error says why it cannot be had, for the log.
     static std::expected<std::unique_ptr<ChineseLineReader>, QString> create(const ApplicationFiles& files);
 
+    // That model, for whoever wants to know what it knows.
+    static std::expected<CharacterModel, QString> loadModel(const ApplicationFiles& files);
+
     explicit ChineseLineReader(CharacterModel characterModel);
 
     // One and the same line, seen in up to `count` ways (see trimmedLine); the way in which it looks most like a name

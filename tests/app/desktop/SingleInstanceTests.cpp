@@ -5,6 +5,7 @@
 #include "tests/support/QtThread.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
@@ -16,6 +17,7 @@
 
 #include <atomic>
 #include <memory>
+#include <optional>
 #include <thread>
 #include <vector>
 
@@ -54,6 +56,39 @@ TEST_F(SingleInstanceTest, LetsTheFirstComeForward) {
     EXPECT_EQ(reopened, 1);
     EXPECT_EQ(startBeside(), Outcome::handedOver);
     EXPECT_EQ(reopened, 2);
+}
+
+TEST_F(SingleInstanceTest, IsSeenWithoutBeingDisturbed) {
+    const auto look = [this](std::chrono::milliseconds wait) {
+        return SingleInstance(folder.path(), name).running(wait);
+    };
+    EXPECT_EQ(look(1ms), std::nullopt);
+    EXPECT_EQ(SingleInstance({}, name).running(1ms), std::nullopt) << "where there is no folder for it";
+    EXPECT_TRUE(QDir(folder.path()).isEmpty()) << "looking makes nothing";
+    {
+        SingleInstance first(folder.path(), name);
+        int reopened = 0;
+        QObject::connect(&first, &SingleInstance::reopenRequested, [&reopened] { ++reopened; });
+        ASSERT_EQ(first.begin(), Outcome::first);
+        EXPECT_EQ(look(150ms), (SingleInstance::Running{::getpid(), false})) << "its event loop stands still";
+        std::optional<SingleInstance::Running> seen;
+        std::atomic<bool> ended = false;
+        std::thread beside([&] {
+            seen = look(SingleInstance::patience);
+            ended = true;
+        });
+        EXPECT_TRUE(QTest::qWaitFor([&ended] { return ended.load(); }, 20'000));
+        beside.join();
+        EXPECT_EQ(seen, (SingleInstance::Running{::getpid(), true}));
+        EXPECT_EQ(reopened, 0) << "its panel stays where it is";
+    }
+    EXPECT_EQ(look(1ms), std::nullopt) << "it has ended";
+    // What a crash leaves: the lock of a process that is gone. The largest number there can be is taken by none.
+    QFile lock(folder.filePath(name + QStringLiteral(".lock")));
+    ASSERT_TRUE(lock.open(QIODevice::WriteOnly));
+    lock.write("2147483647\npelloran\nhost\n");
+    lock.close();
+    EXPECT_EQ(look(1ms), std::nullopt);
 }
 
 TEST_F(SingleInstanceTest, CanBeReachedByItsUserOnly) {

@@ -17,6 +17,7 @@ TEST(PrivateRuntimeFolder, IsTheSessionsOrOneOfOurOwn) {
     const QTemporaryDir session;
     const QTemporaryDir temporary;
     EXPECT_EQ(privateRuntimeFolder(session.path(), temporary.path()), session.path());
+    EXPECT_EQ(existingPrivateRuntimeFolder(session.path(), temporary.path()), session.path());
     const QTemporaryDir shared;
     ASSERT_EQ(::chmod(QFile::encodeName(shared.path()).constData(), 0777), 0);
     QFile file(session.filePath(QStringLiteral("file")));
@@ -24,7 +25,9 @@ TEST(PrivateRuntimeFolder, IsTheSessionsOrOneOfOurOwn) {
     for (const QString& none : {QString(), QStringLiteral("relative"), session.filePath(QStringLiteral("missing")),
                                 file.fileName(), shared.path()}) {
         SCOPED_TRACE(none.toStdString());
+        EXPECT_EQ(existingPrivateRuntimeFolder(none, temporary.path()), QString()) << "not there yet, and not made";
         const QString own = privateRuntimeFolder(none, temporary.path());
+        EXPECT_EQ(existingPrivateRuntimeFolder(none, temporary.path()), own);
         ASSERT_TRUE(own.startsWith(temporary.path() + u'/'));
         EXPECT_EQ(QFileInfo(own).permissions() & (QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup |
                                                   QFile::ReadOther | QFile::WriteOther | QFile::ExeOther),

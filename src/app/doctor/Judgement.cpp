@@ -1,0 +1,468 @@
+#include "app/doctor/Judgement.h"
+
+#include <QUrl>
+
+#include <algorithm>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace pelloran::doctor {
+
+namespace checks {
+
+const QString logs = u"log folder"_s;
+const QString logConfig = u"log.config"_s;
+const QString window = u"game's window"_s;
+const QString reader = u"text reader"_s;
+const QString data = u"data files"_s;
+const QString names = u"names"_s;
+const QString desktop = u"display"_s;
+const QString configServer = u"configuration server"_s;
+const QString updateServer = u"update server"_s;
+const QString instance = u"single instance"_s;
+const QString folders = u"folders"_s;
+
+} // namespace checks
+
+namespace {
+
+using State = Finding::State;
+
+const QString fonts = u"fonts"_s;
+const QString compositor = u"compositor"_s;
+const QString tray = u"status area"_s;
+
+// A game that runs writes more often.
+constexpr std::chrono::hours oldSession{24};
+
+// Figures of seven days, fetched every day, become stale within weeks.
+constexpr std::chrono::hours oldData{14 * 24};
+
+// The smallest window that was measured.
+constexpr QSize leastWindow{640, 480};
+
+// Enough to see what is meant.
+constexpr qsizetype mostNamesShown = 5;
+
+QString sizeText(qint64 bytes) {
+    if (bytes < 10'000) {
+        return u"%1 bytes"_s.arg(bytes);
+    }
+    return bytes < 10'000'000 ? u"%1 kB"_s.arg(bytes / 1000) : u"%1 MB"_s.arg(bytes / 1'000'000);
+}
+
+QString sentence(QString text) {
+    text = text.trimmed();
+    if (!text.isEmpty()) {
+        text[0] = text[0].toUpper();
+        if (!text.endsWith(u'.') && !text.endsWith(u'!') && !text.endsWith(u'?')) {
+            text += u'.';
+        }
+    }
+    return text;
+}
+
+QString describe(const LogFileFact& file) {
+    if (!file.isThere) {
+        return u"no %1"_s.arg(file.name);
+    }
+    return u"%1 (%2, written %3 ago)"_s.arg(file.name, sizeText(file.size), durationText(file.age));
+}
+
+QString describe(LogFileError error) {
+    switch (error) {
+    case LogFileError::unreadable:
+        return u"cannot be read"_s;
+    case LogFileError::tooLarge:
+        return u"is larger than %1 MiB and is not read"_s.arg(largestLogFile / 1024 / 1024);
+    case LogFileError::notText:
+        return u"is not text in UTF-8 and is not used"_s;
+    }
+    Q_UNREACHABLE();
+}
+
+QString adviceFor(LogFileError error) {
+    return error == LogFileError::unreadable ? u"Give yourself the right to read it."_s
+                                             : u"Restart the game: it begins new logs then."_s;
+}
+
+// In the words of Qt, which has them from OpenSSL.
+bool blamesCertificate(const QString& reason) {
+    return reason.contains(u"certificate"_s, Qt::CaseInsensitive) || reason.contains(u"SSL"_s) ||
+           reason.contains(u"TLS"_s);
+}
+
+bool isOnThisMachine(const QString& host) {
+    return host == u"localhost"_s || host == u"::1"_s || host.startsWith(u"127."_s);
+}
+
+QString logConfigChanges(const QStringList& changes) {
+    return changes.join(u", "_s);
+}
+
+Finding judgeSession(const QString& folder, const SessionFact& session) {
+    const QString files = u"%1, session %2: %3, %4."_s.arg(folder, session.name, describe(session.arena),
+                                                           describe(session.loadingScreen));
+    if (session.arena.error) {
+        return {checks::logs, State::problem,
+                u"%1/%2/%3 %4."_s.arg(folder, session.name, session.arena.name, describe(*session.arena.error)),
+                u"Pelloran takes it that no draft runs."_s, adviceFor(*session.arena.error)};
+    }
+    if (!session.arena.isThere && !session.loadingScreen.isThere) {
+        return {checks::logs, State::problem, files,
+                u"The game was not told to write them when it started, so Pelloran cannot know of a draft."_s,
+                u"See log.config, then restart the game."_s};
+    }
+    if (!session.arena.isThere) {
+        return {checks::logs, State::note, files,
+                u"Pelloran knows of a draft from Arena.log, which the game begins when the Arena is entered."_s,
+                u"Enter the Arena; where the file does not appear then, see log.config and restart the game."_s};
+    }
+    if (session.loadingScreen.error) {
+        return {checks::logs, State::note,
+                u"%1/%2/%3 %4."_s.arg(folder, session.name, session.loadingScreen.name,
+                                      describe(*session.loadingScreen.error)),
+                u"Pelloran follows drafts, but does not notice when you leave their screen."_s,
+                adviceFor(*session.loadingScreen.error)};
+    }
+    if (!session.loadingScreen.isThere) {
+        return {checks::logs, State::note, files,
+                u"Pelloran follows drafts, but does not notice when you leave their screen."_s,
+                u"See log.config, then restart the game."_s};
+    }
+    if (std::min(session.arena.age, session.loadingScreen.age) > oldSession) {
+        return {checks::logs, State::note, files, u"The game has not written there for long."_s,
+                u"Nothing, if it does not run. If it does, it writes elsewhere: name that folder with --logs-dir."_s};
+    }
+    return {checks::logs, State::ok, files, {}, {}};
+}
+
+} // namespace
+
+QString durationText(std::chrono::seconds duration) {
+    struct Unit {
+        std::chrono::seconds length;
+        QString name;
+    };
+
+    const Unit units[] = {
+        {std::chrono::hours(24), u"day"_s},
+        {std::chrono::hours(1), u"hour"_s},
+        {std::chrono::minutes(1), u"minute"_s},
+        {std::chrono::seconds(1), u"second"_s},
+    };
+    // From two on: "90 seconds" tells more than "1 minute".
+    for (const Unit& unit : units) {
+        if (duration >= 2 * unit.length) {
+            return u"%1 %2s"_s.arg(duration / unit.length).arg(unit.name);
+        }
+    }
+    return u"a second"_s;
+}
+
+Finding judge(const LogsFacts& facts) {
+    if (!facts.folder) {
+        const QString meaning = u"Pelloran cannot know when a pick is on screen."_s;
+        if (facts.asked) {
+            return {checks::logs, State::problem, u"The folder %1 of --logs-dir is not there."_s.arg(*facts.asked),
+                    meaning, u"Name the folder Logs inside of the game's own folder."_s};
+        }
+        return {checks::logs, State::problem, u"No log folder of the game was found in the usual places."_s, meaning,
+                u"Start the game once. If it is installed elsewhere, name its folder Logs with --logs-dir, or its Wine "
+                "prefix with the variable WINEPREFIX."_s};
+    }
+    if (!facts.session) {
+        return {checks::logs, State::problem, u"%1 holds no session of the game."_s.arg(*facts.folder),
+                u"The game has not run yet, or it writes its logs elsewhere."_s,
+                u"Start the game. If it runs, name its folder Logs with --logs-dir."_s};
+    }
+    return judgeSession(*facts.folder, *facts.session);
+}
+
+Finding judge(const LogConfigFacts& facts) {
+    const QString silent = u"The game does not write what Pelloran reads."_s;
+    const QString fix = u"\"pelloran doctor --fix\" puts it right and keeps a copy; then restart the game."_s;
+    if (!facts.path) {
+        return {
+            checks::logConfig, State::note,
+            u"It is not known where it lies: no Wine prefix with the game was found, or the log folder is in none."_s,
+            u"Whether the game is told to write its logs cannot be looked up."_s,
+            u"It lies beside the game's other settings; the README tells what has to be in it."_s};
+    }
+    if (!facts.fixError.isEmpty()) {
+        return {checks::logConfig, State::problem, sentence(facts.fixError), silent,
+                u"Mend that and try again, or write the sections [Arena] and [LoadingScreen] yourself as the README "
+                "has them."_s};
+    }
+    if (facts.fixed) {
+        const QString kept = facts.backup.isEmpty() ? QString() : u" What was there is in %1."_s.arg(facts.backup);
+        return {checks::logConfig, State::note,
+                u"%1 was put right: %2.%3"_s.arg(*facts.path, logConfigChanges(facts.changes), kept),
+                u"The game reads it only when it starts."_s, u"Restart the game."_s};
+    }
+    if (!facts.error.isEmpty()) {
+        return {
+            checks::logConfig, State::problem, sentence(facts.error), silent,
+            u"Move it out of the way; then \"pelloran doctor --fix\" makes a new one. Restart the game after it."_s};
+    }
+    if (!facts.isThere) {
+        return {checks::logConfig, State::problem, u"%1 is not there."_s.arg(*facts.path), silent,
+                u"\"pelloran doctor --fix\" makes it; then restart the game."_s};
+    }
+    if (!facts.lacks.isEmpty()) {
+        return {checks::logConfig, State::problem,
+                u"%1 is to say otherwise: %2."_s.arg(*facts.path, logConfigChanges(facts.lacks)), silent, fix};
+    }
+    const QString complete = u"%1 has both sections."_s.arg(*facts.path);
+    if (facts.newerThanSession) {
+        return {checks::logConfig, State::note, complete,
+                u"It was changed after the game had started, and the game reads it only then."_s,
+                u"Restart the game if its logs are missing."_s};
+    }
+    return {checks::logConfig, State::ok, complete, {}, {}};
+}
+
+namespace {
+
+struct JudgeWindow {
+    Finding operator()(const WindowFacts::Picture& picture) const {
+        const QString what =
+            u"\"%1\"%2, %3x%4 pixels, found and captured in %5 ms."_s
+                .arg(picture.title.isEmpty() ? picture.owner : picture.title,
+                     picture.title.isEmpty() || picture.owner.isEmpty() || picture.owner == picture.title
+                         ? QString()
+                         : u" of "_s + picture.owner)
+                .arg(picture.size.width())
+                .arg(picture.size.height())
+                .arg(picture.took.count());
+        if (picture.isPlain) {
+            return {checks::window, State::note, what, u"Its picture is of one colour, so there is nothing to read."_s,
+                    u"Look again when the game shows something. Where it stays so, have the game draw in a window "
+                    "instead of full screen."_s};
+        }
+        if (picture.size.width() < leastWindow.width() || picture.size.height() < leastWindow.height()) {
+            return {checks::window, State::note, what, u"Names on so small a window are not read surely."_s,
+                    u"Make it larger: 640x480 at least, 700 pixels of height or more for Chinese."_s};
+        }
+        return {checks::window, State::ok, what, {}, {}};
+    }
+
+    Finding operator()(const WindowFacts::None& none) const {
+        if (!none.canSeeOthers) {
+            return {checks::window, State::problem, u"No window of another program can be seen."_s,
+                    u"Pelloran cannot read what is offered."_s, sentence(none.explanation)};
+        }
+        return {checks::window, State::note, u"There is none."_s, u"Nothing is wrong while the game does not run."_s,
+                sentence(none.explanation)};
+    }
+
+    Finding operator()(const WindowFacts::Failed& failed) const {
+        return {checks::window, State::problem, u"It is there, but there is no picture of it."_s,
+                u"Pelloran cannot read what is offered."_s, sentence(failed.explanation)};
+    }
+};
+
+} // namespace
+
+Finding judge(const WindowFacts& facts) {
+    return std::visit(JudgeWindow(), facts.seen);
+}
+
+Finding judge(const ReaderFacts& facts) {
+    if (!facts.error.isEmpty()) {
+        return {checks::reader, State::problem, u"No text can be read."_s, u"Every offer stays \"Unrecognized\"."_s,
+                sentence(facts.error)};
+    }
+    const bool readsRight = facts.read == facts.expected;
+    const QString test =
+        u"The test line \"%1\" was read as \"%2\" in %3 ms."_s.arg(facts.expected, facts.read).arg(facts.took.count());
+    if (!readsRight) {
+        return {checks::reader, State::problem, test, u"Names will be read wrong or not at all."_s,
+                u"Install the data for reading Latin letters anew (Debian: tesseract-ocr-eng)."_s};
+    }
+    if (!facts.chineseError.isEmpty()) {
+        return {checks::reader, State::note, test + u" There is no data for Chinese: %1."_s.arg(facts.chineseError),
+                u"In a Chinese client every offer stays \"Unrecognized\"."_s, u"Install Pelloran anew."_s};
+    }
+    return {checks::reader, State::ok, u"Data for Latin letters and for Chinese is there. "_s + test, {}, {}};
+}
+
+Finding judge(const DataFacts& facts) {
+    if (!facts.error.isEmpty()) {
+        return {checks::data, State::problem, sentence(facts.error), u"Pelloran does not start without figures."_s,
+                facts.isUsersOwn
+                    ? u"Mend that file or remove it: the figures that came with the program are used then."_s
+                    : u"Install Pelloran anew, or put data files into %1."_s.arg(facts.configurationFolder)};
+    }
+    const QString what = u"%1, %2 old: %3 cards, %4 classes%5."_s.arg(facts.cardFile, durationText(facts.age))
+                             .arg(facts.cards)
+                             .arg(facts.classes)
+                             .arg(facts.isSample ? u", invented samples"_s : QString());
+    if (!facts.remark.isEmpty()) {
+        return {checks::data, State::note, what + u' ' + sentence(facts.remark),
+                u"The three heroes are shown without figures."_s, u"Mend or remove that file."_s};
+    }
+    if (facts.classes == 0) {
+        return {checks::data, State::note, what, u"The three heroes are shown without figures."_s,
+                u"Put winrates/class_winrates.json beside the card file."_s};
+    }
+    if (facts.isSample) {
+        return {checks::data, State::note, what, u"They are for a look at the program and say nothing of any card."_s,
+                u"Put real files into %1, or name a configuration server."_s.arg(facts.configurationFolder)};
+    }
+    if (facts.age > oldData) {
+        return {checks::data, State::note, what, u"Figures that old may not fit the cards that are offered now."_s,
+                u"See the configuration server, or put newer files into %1."_s.arg(facts.configurationFolder)};
+    }
+    return {checks::data, State::ok, what, {}, {}};
+}
+
+Finding judge(const NamesFacts& facts) {
+    if (facts.names == 0) {
+        return {checks::names, State::note, u"There are none to look at."_s, {}, u"See the data files."_s};
+    }
+    if (facts.unmatchable.isEmpty()) {
+        return {checks::names, State::ok, u"Each of %1 can be matched."_s.arg(facts.names), {}, {}};
+    }
+    const qsizetype more = facts.unmatchable.size() - mostNamesShown;
+    const QString shown = facts.unmatchable.first(std::min(facts.unmatchable.size(), mostNamesShown)).join(u", "_s) +
+                          (more > 0 ? u" and %1 more"_s.arg(more) : QString());
+    return {checks::names, State::note,
+            u"%1 of %2 can never be matched: %3."_s.arg(facts.unmatchable.size()).arg(facts.names).arg(shown),
+            u"Where one of these is offered, its tile stays \"Unrecognized\"."_s,
+            facts.strict ? u"Leave --strict-lengths away: longer names count then, where they are read exactly."_s
+                         : u"Nothing can be done: they have too few letters to tell them from other text."_s};
+}
+
+Finding judge(const ServerFacts& facts) {
+    const bool isConfig = facts.kind == ServerFacts::Kind::config;
+    const QString check = isConfig ? checks::configServer : checks::updateServer;
+    if (facts.address.isEmpty()) {
+        return {check, State::note, u"None is set."_s,
+                isConfig ? u"The data files stay as they are."_s : u"Pelloran does not hear of new versions."_s,
+                u"Whoever runs one tells its address, for the option %1."_s.arg(isConfig ? u"--config-server"_s
+                                                                                         : u"--update-server"_s)};
+    }
+    if (facts.offline) {
+        return {check, State::note, u"%1 was not asked (--offline)."_s.arg(facts.address), {}, {}};
+    }
+    const QString meaning = isConfig ? u"The data files stay as they are until it answers again."_s
+                                     : u"Pelloran does not hear of new versions until it answers again."_s;
+    const QUrl url(facts.address);
+    if (!facts.error.isEmpty()) {
+        const QString what = u"%1: %2"_s.arg(facts.address, sentence(facts.error));
+        if (url.scheme() == u"https"_s && blamesCertificate(facts.error)) {
+            return {check, State::problem, what,
+                    u"Its certificate is not trusted, so nothing is taken from it. "_s + meaning,
+                    u"Look whether this machine's clock is right and the package ca-certificates is installed; else it "
+                    "is for whoever runs the server to mend."_s};
+        }
+        return {
+            check, State::problem, what, meaning,
+            u"Look whether this machine is online and the address is right; else it is for whoever runs the server."_s};
+    }
+    const QString what = u"%1 answered in %2 ms: %3"_s.arg(facts.address).arg(facts.took.count()).arg(facts.answer);
+    if (facts.hasNews && !isConfig) {
+        return {check, State::note, what, {}, u"\"Check App Update\" in Pelloran's menu offers it."_s};
+    }
+    if (url.scheme() == u"http"_s && !isOnThisMachine(url.host())) {
+        return {check, State::note, what,
+                u"Nothing proves that the answer is that server's: http has no certificate."_s,
+                u"Use https where the server has it."_s};
+    }
+    return {check, State::ok, what, {}, {}};
+}
+
+Finding judge(const InstanceFacts& facts) {
+    if (!facts.process) {
+        return {checks::instance, State::ok, u"Pelloran does not run."_s, {}, {}};
+    }
+    if (!facts.answers) {
+        return {checks::instance, State::problem,
+                u"Pelloran runs as process %1 and does not answer."_s.arg(*facts.process),
+                u"Another start does nothing."_s, u"End it: kill %1"_s.arg(*facts.process)};
+    }
+    return {checks::instance,
+            State::ok,
+            u"Pelloran runs as process %1 and answers."_s.arg(*facts.process),
+            u"Another start only brings its panel forward."_s,
+            {}};
+}
+
+Finding judge(const FoldersFacts& facts) {
+    QStringList refused;
+    QStringList purposes;
+    for (const FolderFact& folder : facts.folders) {
+        if (folder.obstacle.isEmpty()) {
+            purposes.append(u"%1 (%2)"_s.arg(folder.path, folder.what));
+        } else {
+            refused.append(u"%1 (%2): %3"_s.arg(folder.path, folder.what, folder.obstacle));
+        }
+    }
+    if (!refused.isEmpty()) {
+        return {checks::folders, State::problem, u"Cannot be written: %1."_s.arg(refused.join(u"; "_s)),
+                u"What belongs there is lost."_s, u"Give yourself the right to write there."_s};
+    }
+    return {checks::folders, State::ok, u"Can be written: %1."_s.arg(purposes.join(u", "_s)), {}, {}};
+}
+
+std::vector<Finding> judge(const DesktopFacts& facts) {
+    if (!facts.noDisplay.isEmpty()) {
+        std::vector<Finding> findings{
+            {checks::desktop, State::problem, sentence(facts.noDisplay),
+             u"Neither the panel nor the game's window can be had; the checks that need a display are left out."_s,
+             u"Start it from the desktop that the game runs on. \"pelloran --no-panel\" needs none."_s}};
+        for (const QString& check : {fonts, compositor, tray}) {
+            findings.push_back({check, State::note, u"Not looked at, without a display."_s, {}, {}});
+        }
+        return findings;
+    }
+    std::vector<Finding> findings;
+    const QString where = facts.display.isEmpty() ? QString() : facts.display + u", "_s;
+    findings.push_back({checks::desktop,
+                        State::ok,
+                        u"%1%2, %3."_s.arg(where, facts.screens.join(u" and "_s), u"by way of "_s + facts.platform),
+                        {},
+                        {}});
+    findings.push_back(facts.hasChineseFont ? Finding{fonts, State::ok, u"There is one that covers Chinese."_s, {}, {}}
+                                            : Finding{fonts, State::note, u"None covers Chinese."_s,
+                                                      u"Chinese names and texts show as boxes."_s,
+                                                      u"Install the package fonts-noto-cjk (Noto Sans CJK SC)."_s});
+    findings.push_back(
+        facts.composited
+            ? Finding{compositor, State::ok, u"One runs: the panel is translucent."_s, {}, {}}
+            : Finding{compositor, State::note, u"None runs."_s, u"The panel is opaque and has cut corners."_s,
+                      u"Nothing has to be done; the desktop's settings may have effects to switch on, or "
+                      "start a compositor such as picom."_s});
+    findings.push_back(facts.hasTray ? Finding{tray, State::ok, u"There is one, and Pelloran's icon in it."_s, {}, {}}
+                                     : Finding{tray, State::note, u"This desktop has none."_s,
+                                               u"Pelloran has no icon; its menu opens on a right click of the panel."_s,
+                                               u"Nothing has to be done; on GNOME an extension such as AppIndicator "
+                                               "brings one."_s});
+    return findings;
+}
+
+Finding noDesktop(const QString& said) {
+    return {checks::desktop, State::problem,
+            said.isEmpty() ? u"Qt cannot show anything here."_s
+                           : u"Qt cannot show anything here: %1"_s.arg(sentence(said)),
+            u"The panel cannot be shown."_s,
+            u"Leave the variable QT_QPA_PLATFORM unset, and look whether Qt's parts for this desktop are installed."_s};
+}
+
+Finding unfinished(const QString& check, std::chrono::seconds waited) {
+    return {check, State::problem, u"This check was not done after %1."_s.arg(durationText(waited)),
+            u"Something that it asks does not answer: a disk, the desktop or a server."_s,
+            u"Try again; the other checks may tell what it is."_s};
+}
+
+Finding broken(const QString& check, const QString& why) {
+    return {check,
+            State::problem,
+            u"This check failed: %1"_s.arg(sentence(why)),
+            {},
+            u"The other checks are not touched by that."_s};
+}
+
+} // namespace pelloran::doctor

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "sync/ConfigSyncError.h"
+#include "sync/RemoteManifest.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <chrono>
+#include <expected>
+
+// What is asked of a configuration server. For a thread that may wait.
+namespace pelloran {
+
+class HttpClient;
+
+// What a server may make us read into memory. Real manifests have a few hundred bytes.
+constexpr qint64 maximumManifestBytes = qint64{1024} * 1024;
+
+// How long a server may say nothing, unless told otherwise.
+constexpr std::chrono::seconds configServerPatience{12};
+
+// The folder of the manifest and its bundle, on the server of this base URL.
+QString configFolderURL(const QString& server);
+
+// The body of the file at `url`. A server that says nothing for `silence` is given up.
+std::expected<QByteArray, ConfigSyncError> getFromConfigServer(HttpClient& http, const QString& url,
+                                                               std::chrono::milliseconds silence, qint64 maximumBytes);
+
+struct FetchedManifest {
+    RemoteManifest manifest;
+    QByteArray raw;
+};
+
+// One request, of the manifest in that folder.
+std::expected<FetchedManifest, ConfigSyncError> fetchManifest(HttpClient& http, const QString& folderURL,
+                                                              std::chrono::milliseconds silence);
+
+} // namespace pelloran

@@ -1,0 +1,297 @@
+#include "app/doctor/Gather.h"
+
+#include "app/doctor/Bounded.h"
+#include "app/doctor/TestLine.h"
+#include "draft/logs/LogConfig.h"
+#include "tests/fakes/FakeApplicationFiles.h"
+#include "tests/fakes/FakeHttpClient.h"
+#include "tests/fakes/FakeTextReader.h"
+#include "tests/fakes/FakeUserDefaults.h"
+#include "tests/fakes/FakeWindowServer.h"
+#include "tests/support/Printing.h"
+#include "tests/support/SampleStore.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <future>
+#include <stdexcept>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace pelloran::doctor {
+namespace {
+
+class DoctorGathering : public ::testing::Test {
+protected:
+    QString write(const QString& name, const QByteArray& bytes) const {
+        const QString path = folder.filePath(name);
+        EXPECT_TRUE(QDir().mkpath(QFileInfo(path).path()));
+        QFile file(path);
+        EXPECT_TRUE(file.open(QFile::WriteOnly));
+        file.write(bytes);
+        return path;
+    }
+
+    // A home whose only user of a Wine prefix is "ann".
+    Places places() const {
+        return {std::nullopt, folder.filePath(u"standard"_s), folder.path(),
+                [](const QString& name) { return name == u"USER" ? std::optional(u"ann"_s) : std::nullopt; }};
+    }
+
+    // Every file below the folder, to see that nothing was changed.
+    QStringList everything() const {
+        QStringList all;
+        QDirIterator files(folder.path(), QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
+                           QDirIterator::Subdirectories);
+        while (files.hasNext()) {
+            const QFileInfo file(files.next());
+            all.append(
+                u"%1 %2 %3"_s.arg(file.filePath()).arg(file.size()).arg(file.lastModified().toMSecsSinceEpoch()));
+        }
+        all.sort();
+        return all;
+    }
+
+    const QTemporaryDir folder;
+    const QString session = u".wine/drive_c/Program Files (x86)/Hearthstone/Logs/Hearthstone_2026_04_12_20_00_00/"_s;
+    const QString config = u".wine/drive_c/users/ann/AppData/Local/Blizzard/Hearthstone/log.config"_s;
+};
+
+TEST_F(DoctorGathering, FindsTheLogs) {
+    EXPECT_EQ(gatherLogs(places(), QDateTime::currentDateTime()).folder, std::nullopt);
+    const QString arena = write(session + u"Arena.log"_s, "12345");
+    const auto before = everything();
+    const QDateTime later = QFileInfo(arena).lastModified().addSecs(600);
+    const LogsFacts facts = gatherLogs(places(), later);
+    ASSERT_TRUE(facts.session);
+    EXPECT_EQ(facts.session->name, u"Hearthstone_2026_04_12_20_00_00"_s);
+    EXPECT_TRUE(facts.session->arena.isThere);
+    EXPECT_EQ(facts.session->arena.size, 5);
+    EXPECT_EQ(facts.session->arena.age, 600s);
+    EXPECT_EQ(facts.session->arena.error, std::nullopt);
+    EXPECT_FALSE(facts.session->loadingScreen.isThere);
+    EXPECT_EQ(everything(), before);
+
+    Places named = places();
+    named.askedLogsDir = folder.filePath(u"nowhere"_s);
+    EXPECT_EQ(gatherLogs(named, later).folder, std::nullopt) << "the one that was named or none";
+
+    write(session + u"Arena.log"_s, "\xFF\xFF");
+    EXPECT_EQ(gatherLogs(places(), later).session->arena.error, LogFileError::notText);
+}
+
+TEST_F(DoctorGathering, LooksAtTheLogConfigAndFixesItWhenAsked) {
+    EXPECT_EQ(gatherLogConfig(places(), Fix::yes).path, std::nullopt) << "no game, and nothing to fix";
+    write(session + u"Power.log"_s, "");
+    EXPECT_FALSE(gatherLogConfig(places(), Fix::no).isThere);
+
+    write(config, "[Arena]\n");
+    auto before = everything();
+    const LogConfigFacts lacking = gatherLogConfig(places(), Fix::no);
+    EXPECT_TRUE(lacking.isThere);
+    EXPECT_EQ(lacking.lacks, mergeLogConfig("[Arena]\n")->changes);
+    EXPECT_FALSE(lacking.fixed);
+    EXPECT_EQ(everything(), before) << "looking changes nothing";
+
+    const LogConfigFacts fixed = gatherLogConfig(places(), Fix::yes);
+    EXPECT_TRUE(fixed.fixed);
+    EXPECT_EQ(fixed.changes, lacking.lacks);
+    EXPECT_TRUE(fixed.lacks.isEmpty());
+    EXPECT_TRUE(QFileInfo::exists(fixed.backup));
+
+    before = everything();
+    const LogConfigFacts again = gatherLogConfig(places(), Fix::yes);
+    EXPECT_FALSE(again.fixed);
+    EXPECT_TRUE(again.newerThanSession) << "a session of then, without its logs";
+    EXPECT_EQ(everything(), before) << "there is nothing to fix";
+
+    write(session + u"Arena.log"_s, "");
+    write(session + u"LoadingScreen.log"_s, "");
+    EXPECT_FALSE(gatherLogConfig(places(), Fix::no).newerThanSession) << "the game knew what it has to know";
+
+    ASSERT_TRUE(QFile::remove(folder.filePath(config)));
+    ASSERT_TRUE(QDir().mkpath(folder.filePath(config)));
+    EXPECT_TRUE(gatherLogConfig(places(), Fix::no).error.contains(u"folder"_s));
+    EXPECT_TRUE(gatherLogConfig(places(), Fix::yes).fixError.contains(u"folder"_s));
+}
+
+TEST_F(DoctorGathering, TakesThePictureOfTheGame) {
+    testing::FakeWindowServer windows;
+    const auto none = gatherWindow(windows, u"x"_s);
+    ASSERT_TRUE(std::holds_alternative<WindowFacts::None>(none.seen));
+    EXPECT_TRUE(std::get<WindowFacts::None>(none.seen).canSeeOthers);
+
+    windows.allowed = CapturePermission::denied;
+    EXPECT_FALSE(std::get<WindowFacts::None>(gatherWindow(windows, u"x"_s).seen).canSeeOthers);
+    windows.allowed = CapturePermission::granted;
+
+    windows.onScreen = {{.number = 7,
+                         .ownerName = u"wine"_s,
+                         .name = u"Hearthstone"_s,
+                         .layer = 0,
+                         .bounds = WindowBounds{0, 0, 800, 600}}};
+    EXPECT_TRUE(std::holds_alternative<WindowFacts::Failed>(gatherWindow(windows, u"x"_s).seen));
+
+    QImage image(800, 600, QImage::Format_RGB32);
+    image.fill(Qt::black);
+    windows.images[7] = image;
+    const auto plain = std::get<WindowFacts::Picture>(gatherWindow(windows, u"x"_s).seen);
+    EXPECT_EQ(plain.title, u"Hearthstone"_s);
+    EXPECT_EQ(plain.owner, u"wine"_s);
+    EXPECT_EQ(plain.size, QSize(800, 600));
+    EXPECT_TRUE(plain.isPlain);
+    image.setPixel(400, 300, qRgb(1, 1, 1));
+    windows.images[7] = image;
+    EXPECT_FALSE(std::get<WindowFacts::Picture>(gatherWindow(windows, u"x"_s).seen).isPlain);
+
+    windows.onScreen.reset();
+    windows.all.reset();
+    EXPECT_FALSE(std::get<WindowFacts::None>(gatherWindow(windows, u"x"_s).seen).canSeeOthers);
+}
+
+TEST_F(DoctorGathering, KnowsWhichNamesNameNothing) {
+    const testing::SampleStore sample(R"({"cards": [
+        {"card_id": "A", "name_en": "Fireball", "name_zh": "火球术"},
+        {"card_id": "B", "name_en": "Fireball"},
+        {"card_id": "C", "name_en": "Ox"},
+        {"card_id": "D", "name_en": "1234"},
+        {"card_id": "E", "name_en": "Chromaggus the Twice-Born"},
+        {"card_id": "F", "name_en": "Fifteen Letterss"}
+    ]})",
+                                      R"({"classes": []})");
+    EXPECT_EQ(unmatchableNames(sample.store, NameLengths::limitedUnlessExact), (QStringList{u"Ox"_s, u"1234"_s}))
+        << "too few letters";
+    EXPECT_EQ(unmatchableNames(sample.store, NameLengths::limited),
+              (QStringList{u"Ox"_s, u"1234"_s, u"Chromaggus the Twice-Born"_s, u"Fifteen Letterss"_s}))
+        << "and too many";
+}
+
+TEST_F(DoctorGathering, ReadsTheDataThatTheProgramWould) {
+    const testing::FakeApplicationFiles files(folder.path());
+    const QDateTime now = QDateTime::currentDateTime();
+    EXPECT_FALSE(gatherData(files, NameLengths::limited, now).data.error.isEmpty()) << "none at all";
+
+    const QString own = u"support/Pelloran/config/winrates/all_classes_LAST_7_DAYS.json"_s;
+    write(u"resources/winrates/all_classes_LAST_7_DAYS.json"_s,
+          R"({"time_range": "SAMPLE", "cards": [{"card_id": "A", "name_en": "Fireball"}]})");
+    write(u"resources/winrates/class_winrates.json"_s, R"({"classes": [{"player_class": "MAGE", "name_zh": "x"}]})");
+    const DataAndNames sample = gatherData(files, NameLengths::limited, now);
+    EXPECT_EQ(sample.data.error, QString());
+    EXPECT_TRUE(sample.data.isSample);
+    EXPECT_FALSE(sample.data.isUsersOwn);
+    EXPECT_EQ(sample.data.cards, 1U);
+    EXPECT_EQ(sample.data.classes, 1U);
+    EXPECT_EQ(sample.names.names, 1U);
+    EXPECT_TRUE(sample.names.unmatchable.isEmpty());
+
+    write(own, "{");
+    const DataAndNames broken = gatherData(files, NameLengths::limited, now);
+    EXPECT_TRUE(broken.data.error.contains(folder.filePath(own))) << broken.data.error.toStdString();
+    EXPECT_TRUE(broken.data.isUsersOwn);
+
+    write(own, R"({"cards": [{"card_id": "A", "name_en": "Fireball"}, {"card_id": "B", "name_en": "Frostbolt"}]})");
+    write(u"support/Pelloran/config/winrates/class_winrates.json"_s, R"({"classes": 1})");
+    const auto before = everything();
+    const DataAndNames mine = gatherData(files, NameLengths::limited, now);
+    EXPECT_EQ(mine.data.cards, 2U);
+    EXPECT_TRUE(mine.data.isUsersOwn);
+    EXPECT_FALSE(mine.data.isSample);
+    EXPECT_TRUE(mine.data.remark.contains(u"class_winrates.json"_s));
+    EXPECT_EQ(everything(), before);
+}
+
+TEST_F(DoctorGathering, AsksTheConfigurationServerOnce) {
+    const testing::FakeApplicationFiles files(folder.path());
+    const QString server = u"https://server"_s;
+    const auto ask = [&](testing::FakeHttpClient& http, const QString& address, bool offline = false) {
+        return gatherConfigServer(address, offline, http, files);
+    };
+    testing::FakeHttpClient http;
+    EXPECT_EQ(ask(http, {}).address, QString());
+    EXPECT_EQ(ask(http, u"https://config.pelloran.invalid"_s).address, QString()) << "as good as none";
+    EXPECT_TRUE(ask(http, server, true).offline);
+    EXPECT_TRUE(http.requests.empty());
+
+    EXPECT_EQ(ask(http, server).error, u"Connection refused"_s);
+    EXPECT_EQ(http.requests.size(), 1U);
+
+    http.answer(u"https://server/pelloran/latest/manifest.json"_s, 200, R"({"hash": "feedbeefcafe"})");
+    const ServerFacts news = ask(http, server);
+    EXPECT_TRUE(news.hasNews);
+    EXPECT_TRUE(news.answer.contains(u"feedbeef…"_s));
+
+    write(u"support/Pelloran/config/.content_hash"_s, "feedbeefcafe");
+    EXPECT_TRUE(ask(http, server).hasNews) << "installed, but the files are gone";
+    write(u"support/Pelloran/config/winrates/class_winrates.json"_s, "");
+    const auto before = everything();
+    EXPECT_FALSE(ask(http, server).hasNews);
+    EXPECT_EQ(everything(), before) << "nothing is installed";
+
+    http.answer(u"https://server/pelloran/latest/manifest.json"_s, 200, R"({"hash": ""})");
+    EXPECT_EQ(ask(http, server).error, u"Invalid remote manifest"_s);
+    EXPECT_EQ(http.requests.size(), 5U) << "one each";
+}
+
+TEST_F(DoctorGathering, AsksNoUpdateServerThatIsNone) {
+    const testing::FakeUserDefaults defaults;
+    EXPECT_EQ(gatherUpdateServer(u"https://update.pelloran.invalid"_s, false, defaults).address, QString());
+    EXPECT_TRUE(gatherUpdateServer(u"https://server"_s, true, defaults).offline);
+}
+
+TEST_F(DoctorGathering, KnowsWhatCannotBeWritten) {
+    const testing::FakeApplicationFiles files(folder.path());
+    const testing::FakeUserDefaults defaults;
+    for (const FolderFact& fact : gatherFolders(files, defaults).folders) {
+        EXPECT_EQ(fact.obstacle, QString()) << fact.path.toStdString();
+    }
+    EXPECT_TRUE(everything().isEmpty()) << "nothing was made";
+    write(u"support"_s, "a file in the place of a folder");
+    EXPECT_TRUE(gatherFolders(files, defaults).folders.front().obstacle.contains(u"is no folder"_s));
+}
+
+TEST_F(DoctorGathering, ReadsTheTestLineInOneOrTwoWays) {
+    const auto token = [](const char* text) { return OCRToken{QString::fromUtf8(text), 1, 0.5, 0.5, 0.1, 0.1}; };
+
+    struct Case {
+        const char* why;
+        std::vector<OCRToken> tokens;
+        QString expected;
+    };
+
+    const Case cases[] = {
+        {"once", {token("Fireball")}, u"Fireball"_s},
+        {"right in one way", {token("Firebal"), token("Fireball")}, u"Fireball"_s},
+        {"wrong in two ways", {token("a"), token("b"), token("a")}, u"a / b"_s},
+        {"nothing", {}, QString()},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        testing::FakeTextReader reader;
+        reader.tokens = c.tokens;
+        EXPECT_EQ(readTestLine(reader), c.expected);
+    }
+}
+
+TEST(WorkApart, IsNotWaitedFor) {
+    EXPECT_EQ(beginApart([] { return 7; }).get(), 7);
+    EXPECT_THROW(beginApart([]() -> int { throw std::runtime_error("no"); }).get(), std::runtime_error);
+
+    const auto release = std::make_shared<std::promise<void>>();
+    {
+        auto hanging = beginApart([gate = release->get_future().share(), release] {
+            gate.wait();
+            return 1;
+        });
+        EXPECT_EQ(hanging.wait_for(1ms), std::future_status::timeout);
+    } // and goes without waiting
+    release->set_value();
+}
+
+} // namespace
+} // namespace pelloran::doctor
