@@ -34,28 +34,25 @@ namespace checks = doctor::checks;
 
 using Findings = std::vector<Finding>;
 
-// What each check may take: what its own limits come to, and more for a machine that is busy.
-constexpr auto diskPatience = 10s;
-constexpr auto windowPatience = 20s;
-constexpr auto readingPatience = 30s;
-constexpr auto networkPatience = 20s;
-constexpr auto desktopPatience = 15s;
+// What the checks may take: a second in all, their own limits up to some twenty, and many times that on a machine that
+// is busy with a game.
+constexpr auto patience = 45s;
+constexpr auto desktopPatience = 40s; // of the process in which one of them is done
 
 struct Check {
     QString name;
-    std::chrono::seconds limit;
     std::future<Findings> result;
     std::chrono::steady_clock::time_point begun = std::chrono::steady_clock::now();
 };
 
-Check begin(const QString& name, std::chrono::seconds limit, std::function<Findings()> work) {
-    return {name, limit, beginApart(std::move(work))};
+Check begin(const QString& name, std::function<Findings()> work) {
+    return {name, beginApart(std::move(work))};
 }
 
 // True where it came to its end.
 bool await(Check& check, Findings& findings) {
-    if (check.result.wait_until(check.begun + check.limit) != std::future_status::ready) {
-        findings = {doctor::unfinished(check.name, check.limit)};
+    if (check.result.wait_until(check.begun + patience) != std::future_status::ready) {
+        findings = {doctor::unfinished(check.name, patience)};
         return false;
     }
     try {
@@ -108,33 +105,29 @@ int run(const ExamineMachine& command) {
     const NameLengths lengths = nameLengths(command.strictLengths);
 
     std::vector<Check> all;
-    all.push_back(begin(checks::logs, diskPatience, [=] { return Findings{judge(gatherLogs(places, now))}; }));
-    all.push_back(begin(checks::logConfig, diskPatience, [=, fix = command.fix ? doctor::Fix::yes : doctor::Fix::no] {
+    all.push_back(begin(checks::logs, [=] { return Findings{judge(gatherLogs(places, now))}; }));
+    all.push_back(begin(checks::logConfig, [=, fix = command.fix ? doctor::Fix::yes : doctor::Fix::no] {
         return Findings{judge(gatherLogConfig(places, fix))};
     }));
-    all.push_back(
-        begin(checks::window, windowPatience, [hint = command.windowOwner.value_or(AppConfig().windowOwnerHint)] {
-            return Findings{judge(doctor::gatherWindow(*WindowServer::create(), hint))};
-        }));
-    all.push_back(
-        begin(checks::reader, readingPatience, [=] { return Findings{judge(doctor::gatherReader(*files))}; }));
-    all.push_back(begin(checks::data, diskPatience, [=] {
+    all.push_back(begin(checks::window, [hint = command.windowOwner.value_or(AppConfig().windowOwnerHint)] {
+        return Findings{judge(doctor::gatherWindow(*WindowServer::create(), hint))};
+    }));
+    all.push_back(begin(checks::reader, [=] { return Findings{judge(doctor::gatherReader(*files))}; }));
+    all.push_back(begin(checks::data, [=] {
         const doctor::DataAndNames found = doctor::gatherData(*files, lengths, now);
         return Findings{judge(found.data), judge(found.names)};
     }));
-    all.push_back(begin(checks::desktop, desktopPatience + 5s,
+    all.push_back(begin(checks::desktop,
                         [program = QCoreApplication::applicationFilePath()] { return examineDesktop(program); }));
-    all.push_back(begin(checks::configServer, networkPatience,
-                        [=, address = configServer(command.configServer), offline = command.offline] {
-                            const auto http = HttpClient::create();
-                            return Findings{judge(doctor::gatherConfigServer(address, offline, *http, *files))};
-                        }));
     all.push_back(
-        begin(checks::updateServer, networkPatience, [=, asked = command.updateServer, offline = command.offline] {
-            return Findings{judge(doctor::gatherUpdateServer(asked, offline, *defaults))};
+        begin(checks::configServer, [=, address = configServer(command.configServer), offline = command.offline] {
+            const auto http = HttpClient::create();
+            return Findings{judge(doctor::gatherConfigServer(address, offline, *http, *files))};
         }));
-    all.push_back(begin(checks::folders, diskPatience,
-                        [=] { return Findings{judge(doctor::gatherFolders(*files, *defaults))}; }));
+    all.push_back(begin(checks::updateServer, [=, asked = command.updateServer, offline = command.offline] {
+        return Findings{judge(doctor::gatherUpdateServer(asked, offline, *defaults))};
+    }));
+    all.push_back(begin(checks::folders, [=] { return Findings{judge(doctor::gatherFolders(*files, *defaults))}; }));
 
     Findings every;
     bool allEnded = true;
