@@ -35,6 +35,8 @@ const QString noPanelOption = QStringLiteral("no-panel");
 const QString reduceMotionOption = QStringLiteral("reduce-motion");
 const QString configServerOption = QStringLiteral("config-server");
 const QString updateServerOption = QStringLiteral("update-server");
+const QString recordOption = QStringLiteral("record");
+const QString recordSizeOption = QStringLiteral("record-size");
 const QString phaseOption = QStringLiteral("phase");
 const QString ticksOption = QStringLiteral("ticks");
 const QString strictLengthsOption = QStringLiteral("strict-lengths");
@@ -59,8 +61,15 @@ const QString notesEnOption = QStringLiteral("notes-en");
 const QString publishedAtOption = QStringLiteral("published-at");
 const QString forceOption = QStringLiteral("force");
 
+constexpr qint64 mostRecordMegabytes = 100'000;
+
+// Also of an option that the command does not have, of which the parser's isSet() would complain.
+bool isGiven(const QCommandLineParser& parsed, const QString& option) {
+    return parsed.optionNames().contains(option);
+}
+
 std::optional<QString> optionalValue(const QCommandLineParser& parsed, const QString& option) {
-    return parsed.isSet(option) ? std::optional(parsed.value(option)) : std::nullopt;
+    return isGiven(parsed, option) ? std::optional(parsed.value(option)) : std::nullopt;
 }
 
 std::expected<Command, QString> noArguments(const QCommandLineParser& parsed, Command command) {
@@ -71,26 +80,64 @@ std::expected<Command, QString> noArguments(const QCommandLineParser& parsed, Co
     return command;
 }
 
-std::expected<Command, QString> buildRunLoop(const QCommandLineParser& parsed) {
+std::expected<RunLoop, QString> parsedRunLoop(const QCommandLineParser& parsed) {
     RunLoop run{
         .logsDir = optionalValue(parsed, logsDirOption),
         .windowOwner = optionalValue(parsed, windowOwnerOption),
         .language = std::nullopt,
-        .panel = !parsed.isSet(noPanelOption),
+        .panel = !isGiven(parsed, noPanelOption),
         .snapshots =
-            parsed.isSet(snapshotsOption) || parsed.isSet(noPanelOption), // without a panel they are all there is
-        .reduceMotion = parsed.isSet(reduceMotionOption),
-        .strictLengths = parsed.isSet(strictLengthsOption),
+            isGiven(parsed, snapshotsOption) || isGiven(parsed, noPanelOption), // without a panel they are all there is
+        .reduceMotion = isGiven(parsed, reduceMotionOption),
+        .strictLengths = isGiven(parsed, strictLengthsOption),
         .configServer = optionalValue(parsed, configServerOption),
         .updateServer = optionalValue(parsed, updateServerOption),
+        .record = optionalValue(parsed, recordOption),
     };
-    if (parsed.isSet(languageOption)) {
+    if (isGiven(parsed, recordSizeOption)) {
+        bool isNumber = false;
+        run.recordMegabytes = parsed.value(recordSizeOption).toLongLong(&isNumber);
+        if (!isNumber || run.recordMegabytes < 1 || run.recordMegabytes > mostRecordMegabytes) {
+            return std::unexpected(
+                QStringLiteral("--record-size takes a whole number of megabytes, 1 to %1").arg(mostRecordMegabytes));
+        }
+    }
+    if (isGiven(parsed, languageOption)) {
         run.language = AppLanguage::fromRawValue(parsed.value(languageOption));
         if (!run.language) {
             return std::unexpected(QStringLiteral("--language takes system, zh or en"));
         }
     }
-    return noArguments(parsed, run);
+    return run;
+}
+
+std::expected<Command, QString> buildRunLoop(const QCommandLineParser& parsed) {
+    auto run = parsedRunLoop(parsed);
+    if (!run) {
+        return std::unexpected(run.error());
+    }
+    return noArguments(parsed, *std::move(run));
+}
+
+std::expected<Command, QString> buildRecord(const QCommandLineParser& parsed) {
+    auto run = parsedRunLoop(parsed);
+    if (!run) {
+        return std::unexpected(run.error());
+    }
+    if (parsed.positionalArguments().size() != 1) {
+        return std::unexpected(QStringLiteral("record needs the folder for the recording"));
+    }
+    run->record = parsed.positionalArguments().first();
+    run->panel = false;
+    run->snapshots = true;
+    return *std::move(run);
+}
+
+std::expected<Command, QString> buildReplay(const QCommandLineParser& parsed) {
+    if (parsed.positionalArguments().size() != 1) {
+        return std::unexpected(QStringLiteral("replay needs the folder of a recording"));
+    }
+    return ReplayRecording{parsed.positionalArguments().first()};
 }
 
 std::expected<Command, QString> buildDraftState(const QCommandLineParser& parsed) {
@@ -220,6 +267,10 @@ const std::vector<Syntax>& syntaxes() {
         strictLengthsOption, {}, QStringLiteral("leave out lines that are too long for a name, though they equal one")};
     static const Option windowOwner{windowOwnerOption, QStringLiteral("NAME"),
                                     QStringLiteral("owner or title of the game's window")};
+    static const Option language{languageOption, QStringLiteral("LANGUAGE"),
+                                 QStringLiteral("system, zh or en, for this run")};
+    static const Option recordSize{recordSizeOption, QStringLiteral("MEGABYTES"),
+                                   QStringLiteral("what a recording may take up, 50 if not said; the oldest goes")};
     static const std::vector<Syntax> all{
         {
             {},
@@ -228,15 +279,32 @@ const std::vector<Syntax>& syntaxes() {
             {
                 logsDir,
                 windowOwner,
-                {languageOption, QStringLiteral("LANGUAGE"), QStringLiteral("system, zh or en, for this run")},
+                language,
                 {snapshotsOption, {}, QStringLiteral("print every published snapshot as a JSON line")},
                 {noPanelOption, {}, QStringLiteral("show nothing, need no display; prints the snapshots")},
                 {reduceMotionOption, {}, QStringLiteral("nothing in the panel moves, whatever the desktop says")},
                 strictLengths,
                 configServer,
                 updateServer,
+                {recordOption, QStringLiteral("FOLDER"),
+                 QStringLiteral("keep there what is seen of the draft, for a report of a mistake")},
+                recordSize,
             },
             buildRunLoop,
+        },
+        {
+            QStringLiteral("record"),
+            QStringLiteral("FOLDER"),
+            QStringLiteral("Follows a draft without a panel and keeps in FOLDER what is seen of it."),
+            {logsDir, windowOwner, language, strictLengths, recordSize},
+            buildRecord,
+        },
+        {
+            QStringLiteral("replay"),
+            QStringLiteral("FOLDER"),
+            QStringLiteral("Goes through a recording again and prints what is otherwise than it was."),
+            {},
+            buildReplay,
         },
         {
             QStringLiteral("draft-state"),

@@ -32,6 +32,13 @@ struct RunLoop {
     bool strictLengths = false;          // lines longer than the rules allow name nothing, also when read exactly
     std::optional<QString> configServer; // absent: as built
     std::optional<QString> updateServer; // absent: as built
+    std::optional<QString> record;       // folder of a recording; absent: none is made
+    qint64 recordMegabytes = 50;         // at most, of all that is there
+};
+
+// Goes through a recording again.
+struct ReplayRecording {
+    QString folder;
 };
 
 struct PrintDraftState {
@@ -106,7 +113,7 @@ struct PrintText {
 
 using Command =
     std::variant<RunLoop, PrintDraftState, PrintLogsDir, RecognizeImages, EvaluateFolders, MatchTexts, SyncOnce,
-                 CheckUpdateOnce, PublishData, DescribeRelease, ExamineMachine, ExamineDesktop, PrintText>;
+                 CheckUpdateOnce, PublishData, DescribeRelease, ExamineMachine, ExamineDesktop, ReplayRecording, PrintText>;
 
 // What is wrong, and how the command is used; for standard error.
 struct UsageError {

@@ -1,5 +1,6 @@
 #include "app/DraftParts.h"
 
+#include "app/Commit.h"
 #include "app/Json.h"
 #include "base/Log.h"
 #include "base/SerialQueue.h"
@@ -15,6 +16,8 @@
 #include <QFileInfo>
 
 #include <unistd.h>
+
+#include <utility>
 
 namespace pelloran {
 
@@ -33,6 +36,32 @@ AppConfig configFor(const RunLoop& command) {
     return config;
 }
 
+std::expected<std::unique_ptr<Recorder>, QString> recorderFor(const RunLoop& command, const AppConfig& config,
+                                                              const WinrateStore& store) {
+    if (!command.record) {
+        return nullptr;
+    }
+    constexpr qint64 megabyte = 1'000'000;
+    auto recorder = Recorder::create({.folder = *command.record,
+                                      .limit = command.recordMegabytes * megabyte,
+                                      .program = QStringLiteral(PELLORAN_VERSION),
+                                      .commit = QString::fromUtf8(commit()),
+                                      .windowOwnerHint = config.windowOwnerHint,
+                                      .nameLengths = config.nameLengths,
+                                      .snapshotToJson = json::toJson},
+                                     store);
+    if (!recorder) {
+        log(QStringLiteral("nothing is recorded: %1").arg(recorder.error()));
+    }
+    return recorder;
+}
+
+// What `made` is, looked at by who records.
+template <typename Seam>
+std::unique_ptr<Seam> watched(std::unique_ptr<Seam> made, Recorder* recorder) {
+    return recorder ? recorder->watched(std::move(made)) : std::move(made);
+}
+
 } // namespace
 
 SnapshotPrinter::SnapshotPrinter()
@@ -46,7 +75,15 @@ DraftParts::DraftParts(const RunLoop& command)
     : files(ApplicationFiles::create())
     , config(configFor(command))
     , store(*files)
-    , screenReader(WindowServer::create, [this] { return TextReader::create(*files); })
+    , recorder(recorderFor(command, config, store))
+    , screenReader([this] { return watched(WindowServer::create(), follower()); },
+                   [this] {
+                       auto reader = TextReader::create(*files);
+                       if (reader) {
+                           reader = watched(*std::move(reader), follower());
+                       }
+                       return reader;
+                   })
     , recognition(SerialQueue::create(QStringLiteral("com.local.pelloran.recognition")))
     , printer(command.snapshots ? std::make_shared<SnapshotPrinter>() : nullptr) {
     // Before the data is loaded.
@@ -54,6 +91,16 @@ DraftParts::DraftParts(const RunLoop& command)
 }
 
 DraftParts::~DraftParts() = default;
+
+void DraftParts::observe(const DraftService& service) const {
+    if (follower()) {
+        follower()->follow(service);
+    }
+}
+
+Recorder* DraftParts::follower() const {
+    return recorder ? recorder->get() : nullptr;
+}
 
 QString loadFailureLine(const DataError& error) {
     return L10n::tr(u"fatal.loadTitle") + QStringLiteral(": ") + describe(error);

@@ -5,9 +5,11 @@
 #include "draft/DraftService.h"
 #include "platform/posix/LineWriter.h"
 #include "recognition/ScreenReader.h"
+#include "recording/Recorder.h"
 
 #include <QString>
 
+#include <expected>
 #include <memory>
 
 namespace pelloran {
@@ -33,13 +35,20 @@ public:
     explicit DraftParts(const RunLoop& command);
     ~DraftParts();
 
+    // Has what a service does recorded, if that was asked for. Before it starts.
+    void observe(const DraftService& service) const;
+
     const std::unique_ptr<ApplicationFiles> files;
     const AppConfig config;
     WinrateStore store;
+    const std::expected<std::unique_ptr<Recorder>, QString> recorder; // null: nobody asked; an error is a sentence
     // In this order, so that the queue waits for the look under way before what it uses goes.
     ScreenReader screenReader;
     const std::unique_ptr<SerialQueue> recognition;
     const std::shared_ptr<SnapshotPrinter> printer; // null: nobody asked
+
+private:
+    Recorder* follower() const; // null: nothing is recorded
 };
 
 // Lines for the log.

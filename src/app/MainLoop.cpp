@@ -12,6 +12,9 @@ namespace pelloran {
 int run(const RunLoop& command) {
     const TerminationSignals signals;
     DraftParts parts(command);
+    if (!parts.recorder) {
+        return 1; // it is what this run was for
+    }
     if (const auto loaded = parts.store.loadFromBundle(); !loaded) {
         log(loadFailureLine(loaded.error()));
         return 1;
@@ -20,6 +23,7 @@ int run(const RunLoop& command) {
 
     DraftService service(parts.config, parts.store, *parts.recognition, parts.screenReader);
     service.delegate = parts.printer;
+    parts.observe(service);
     service.start();
     log(bootLine(parts.store));
     QObject::connect(&AppLanguageNotifier::shared(), &AppLanguageNotifier::posted, &service,

@@ -115,6 +115,13 @@ Done removeTree(const QString& path) {
     return checked(error, u"remove"_s, path);
 }
 
+Done write(QFileDevice& file, const QByteArray& bytes) {
+    if (!writeAll(file, bytes.constData(), bytes.size())) {
+        return failure(u"write"_s, file.fileName(), file.errorString());
+    }
+    return {};
+}
+
 Done writeAtomically(const QString& path, const QByteArray& bytes) {
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly) || !writeAll(file, bytes.constData(), bytes.size()) || !file.commit()) {

@@ -8,6 +8,8 @@
 #include <functional>
 #include <system_error>
 
+class QFileDevice;
+
 // Folders with everything in them, and files as they are to end up on the disk. From any thread; on a QThread whose
 // interruption is requested, what goes through folders fails with "interrupted", but for removeTree().
 namespace pelloran::FileTree {
@@ -39,6 +41,9 @@ Done removeTree(const QString& path);
 
 // The whole content in one step, or what was there before.
 Done writeAtomically(const QString& path, const QByteArray& bytes);
+
+// All of it at the place where an open file is. Of a full disk too it says why.
+Done write(QFileDevice& file, const QByteArray& bytes);
 
 // Files and folders, which is all that `from` may hold, with the permissions of any new ones. `to` is not there.
 Done copyTree(const QString& from, const QString& to);

@@ -73,7 +73,9 @@ void DraftService::relocalizeAndRefresh() {
 }
 
 void DraftService::beginTick() {
-    const DraftState state = watcher.poll();
+    const GameLogs logs = watcher.read();
+    Q_EMIT logsRead(logs);
+    const DraftState state = LogWatcher::stateOf(logs);
     if (state.phase != lastPhase) {
         if (state.phase == DraftPhase::idle) {
             forgetTiles();
@@ -214,6 +216,7 @@ OverlayCardViewModel DraftService::steadyTile(std::optional<OverlayCardViewModel
 
 // Whoever receives it may have the service drop its last good one, which therefore is copied before.
 void DraftService::publish(const OverlaySnapshot& snapshot) {
+    Q_EMIT published(snapshot);
     if (const auto receiver = delegate.lock()) {
         receiver->draftServiceDidUpdate(snapshot);
     }

@@ -64,6 +64,12 @@ public:
     bool isInDraft = false; // as of the last tick
     QString idleMessage;    // shown outside a draft; begins as the localised "idle.waitDraft"
 
+Q_SIGNALS:
+    // For those who look on; nothing comes of it here. What a tick begins with,
+    void logsRead(const GameLogs& logs);
+    // and every snapshot, before the delegate has it.
+    void published(const OverlaySnapshot& snapshot);
+
 private:
     using TileCache = std::map<QString, OverlayCardViewModel>; // by DraftSlot::key()
 

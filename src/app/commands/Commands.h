@@ -19,6 +19,7 @@ int run(const CheckUpdateOnce& command);
 int run(const PublishData& command);
 int run(const DescribeRelease& command);
 int run(const ExamineMachine& command);
+int run(const ReplayRecording& command);
 int run(const PrintText& command);
 
 // What the parts of `doctor` print of each check.

@@ -87,6 +87,9 @@ void AppDelegate::applicationDidFinishLaunching() {
 
     service.emplace(parts.config, parts.store, parts.queue, parts.screenReader);
     service->delegate = weak_from_this();
+    if (parts.observe) {
+        parts.observe(*service);
+    }
     service->start();
     applyIdleBootMessage();
     log(bootLine(parts.store));

@@ -51,6 +51,8 @@ public:
         std::function<std::unique_ptr<Overlay>()> makeOverlay;
         std::function<void(int exitCode)> terminate;        // ends the event loop, once it runs
         std::shared_ptr<DraftServiceDelegate> alsoReceives; // every snapshot of the service; may be null
+        // Called with the service before it starts; may be empty.
+        std::function<void(const DraftService&)> observe = {}; // NOLINT(readability-redundant-member-init)
     };
 
     explicit AppDelegate(Parts toWire);

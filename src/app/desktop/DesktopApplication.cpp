@@ -96,6 +96,7 @@ int runOnDesktop(const RunLoop& command, SystemSettings& settings, UserDefaults&
             },
         .terminate = &QCoreApplication::exit,
         .alsoReceives = parts.printer,
+        .observe = [&parts](const DraftService& service) { parts.observe(service); },
     });
     QObject::connect(&instance, &SingleInstance::reopenRequested, delegate.get(),
                      &AppDelegate::applicationShouldHandleReopen);

@@ -60,18 +60,28 @@ std::optional<QString> LogWatcher::latestSessionDir() const {
     return logsDir + u'/' + newest->name;
 }
 
-DraftState LogWatcher::poll() const {
+GameLogs LogWatcher::read() const {
+    GameLogs logs;
+    logs.sessionDir = latestSessionDir();
+    if (logs.sessionDir) {
+        logs.loadingScreen = read(*logs.sessionDir + QStringLiteral("/LoadingScreen.log"));
+        logs.arena = read(*logs.sessionDir + QStringLiteral("/Arena.log"));
+    }
+    return logs;
+}
+
+DraftState LogWatcher::stateOf(const GameLogs& logs) {
     DraftState state;
-    state.sessionDir = latestSessionDir();
+    state.sessionDir = logs.sessionDir;
     if (!state.sessionDir) {
         state.scene = QStringLiteral("NO_SESSION");
         return state;
     }
-    if (const auto loadingScreenLog = read(*state.sessionDir + QStringLiteral("/LoadingScreen.log"))) {
-        state.scene = lastScene(*loadingScreenLog).value_or(state.scene);
+    if (logs.loadingScreen) {
+        state.scene = lastScene(*logs.loadingScreen).value_or(state.scene);
     }
-    if (const auto arenaLog = read(*state.sessionDir + QStringLiteral("/Arena.log"))) {
-        readArenaLog(*arenaLog, state);
+    if (logs.arena) {
+        readArenaLog(*logs.arena, state);
         decidePhase(state);
     }
     return state;

@@ -3,6 +3,7 @@
 #include "draft/logs/LogFile.h"
 #include "model/DraftModel.h"
 
+#include <QByteArray>
 #include <QSet>
 #include <QString>
 
@@ -10,6 +11,15 @@
 #include <optional>
 
 namespace pelloran {
+
+// The logs of the newest session, as they are at one moment. The texts are shared, never copied.
+struct GameLogs {
+    std::optional<QString> sessionDir;       // absent: there is no session
+    std::optional<QByteArray> loadingScreen; // absent: cannot be read
+    std::optional<QByteArray> arena;
+
+    bool operator==(const GameLogs&) const = default;
+};
 
 // Tells from the game's log files alone whether an Arena draft runs, at which phase, and what was picked. Every poll
 // reads the files afresh and remembers nothing of them, so a restart of the game or of this program needs no recovery.
@@ -25,7 +35,11 @@ public:
     std::optional<QString> latestSessionDir() const;
 
     // What the logs say now. Never fails: what cannot be read keeps its default.
-    DraftState poll() const;
+    DraftState poll() const { return stateOf(read()); }
+
+    // The two halves of a poll, for those who want to see what it went by.
+    GameLogs read() const;
+    static DraftState stateOf(const GameLogs& logs);
 
 private:
     std::optional<QByteArray> read(const QString& path) const;

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "base/FileTree.h"
+
+#include <QByteArray>
+#include <QFile>
+#include <QString>
+
+#include <deque>
+#include <expected>
+#include <memory>
+#include <optional>
+
+namespace pelloran::recording {
+
+// A recording as it is written: parts, of which the oldest go when there is no more room. What is written is on its way
+// to the disk when a call returns; a program that dies leaves whole lines, and at most one that is not. On one thread.
+class RecordingFolder {
+public:
+    // Goes on with the recording that is there; makes the folder, for its owner alone, where there is none. A folder
+    // that holds anything else is refused: in it things are to be removed by themselves.
+    static std::expected<RecordingFolder, FileTree::Error> open(const QString& path, qint64 limit);
+
+    // The first lines and the data files of a new part. Everything below goes there.
+    FileTree::Done beginPart(const QByteArray& header, const QByteArray& cards, const QByteArray& classes);
+    FileTree::Done addPicture(qint64 number, const QByteArray& png);
+    FileTree::Done addLine(const QByteArray& line);
+
+    qint64 limit() const { return mostBytes; }
+
+    // Of the part that is written, and of all, on the disk.
+    qint64 partSize() const;
+    qint64 size() const;
+
+private:
+    struct Part {
+        int number;
+        qint64 bytes;
+    };
+
+    RecordingFolder(const QString& path, qint64 limit);
+
+    QString pathOf(const Part& part) const;
+    FileTree::Done makeRoom(qint64 bytes);
+    FileTree::Done addFile(const QString& name, const QByteArray& bytes);
+
+    QString folder;
+    qint64 mostBytes;
+    std::deque<Part> parts; // the last is being written, once there is `events`
+    std::unique_ptr<QFile> events;
+};
+
+} // namespace pelloran::recording

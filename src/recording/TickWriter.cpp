@@ -1,0 +1,286 @@
+#include "recording/TickWriter.h"
+
+#include "names/Lexicon.h"
+#include "recognition/WindowCapture.h"
+
+#include <QBuffer>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <utility>
+
+namespace pelloran::recording {
+
+namespace {
+
+// Of a line that is no reading of a name: whatever it is, it is nothing of the draft's.
+constexpr double leastResemblance = 0.75;
+
+bool isAlike(const ReadText& one, const ReadText& other) {
+    return one.columns.has_value() == other.columns.has_value() &&
+           std::ranges::equal(one.tokens, other.tokens, {}, &OCRToken::text, &OCRToken::text);
+}
+
+template <typename Rows, typename File>
+QByteArray encoded(const std::vector<Rows>& rows, std::vector<Rows> File::* member) {
+    File file;
+    file.*member = rows;
+    return file.encode();
+}
+
+QByteArray pngOf(const QImage& picture) {
+    QByteArray png;
+    QBuffer buffer(&png);
+    buffer.open(QIODevice::WriteOnly);
+    return picture.save(&buffer, "PNG") ? png : QByteArray();
+}
+
+// Lines that a name was looked for in. Where the picture is not kept with them, only those that may be one.
+std::vector<TokenRecord> recordsOf(const std::vector<OCRToken>& tokens, const Reading& reading) {
+    std::vector<TokenRecord> records;
+    for (const OCRToken& token : tokens) {
+        const bool isLookedAt = reading.hints.band.contains(QPointF(token.midX, token.midY));
+        const bool isName = reading.kept.isAll || !reading.hints.names ||
+                            reading.hints.names->resemblance(token.text) >= leastResemblance;
+        if (isLookedAt && isName && token.text.size() <= longestText) {
+            records.push_back(toRecord(token));
+        }
+    }
+    return records;
+}
+
+// Those within the picture that is kept.
+std::vector<TokenRecord> unsettledOf(const Reading& reading) {
+    std::vector<TokenRecord> records;
+    for (const OCRToken& token : reading.text.unsettled) {
+        const QPoint middle(int(token.midX * reading.window.width()), int(token.midY * reading.window.height()));
+        if (token.text.size() <= longestText &&
+            std::ranges::any_of(reading.kept.bands, [middle](const QRect& band) { return band.contains(middle); })) {
+            records.push_back(toRecord(token));
+        }
+    }
+    return records;
+}
+
+} // namespace
+
+TickWriter::TickWriter(RecordingFolder to, Settings how)
+    : folder(std::move(to))
+    , settings(std::move(how))
+    , loadingScreen(settings.owner)
+    , arena(settings.owner) {}
+
+FileTree::Done TickWriter::begin(TickBegin next) {
+    auto done = end();
+    tick.emplace();
+    tick->begin = std::move(next);
+    return done;
+}
+
+void TickWriter::list(Listing listing) {
+    if (!tick) {
+        return;
+    }
+    if (!tick->windows) {
+        tick->windows.emplace();
+    }
+    auto& list = listing.listing == WindowListing::onScreen ? tick->windows->onScreen : tick->windows->all;
+    list.reset();
+    if (listing.windows) {
+        list = candidates(listing);
+    }
+}
+
+void TickWriter::capture(ImageRecord image) {
+    if (tick) {
+        tick->image = std::move(image);
+    }
+}
+
+void TickWriter::read(Reading reading) {
+    if (tick && tick->readings.size() < mostReads) {
+        tick->readings.push_back(std::move(reading));
+    }
+}
+
+FileTree::Done TickWriter::show(Shown shown) {
+    if (!tick) {
+        return {};
+    }
+    shown.snapshot = withoutForeignMessage(std::move(shown.snapshot));
+    tick->shown = std::move(shown);
+    return end();
+}
+
+FileTree::Done TickWriter::end() {
+    if (!tick) {
+        return {};
+    }
+    const auto session = tick->begin.logs.sessionDir.has_value();
+    loadingScreen.update(session ? tick->begin.logs.loadingScreen : std::nullopt);
+    arena.update(session ? tick->begin.logs.arena : std::nullopt);
+    tick->begin.logs = {}; // may be long
+    if (needsPart()) {
+        if (auto done = beginPart(); !done) {
+            return done;
+        }
+    }
+    TickRecord record;
+    record.at = tick->begin.at;
+    if (told.language != tick->begin.language) {
+        record.language = told.language = tick->begin.language;
+    }
+    record.logs = takeLogsChange();
+    if (record.logs || told.session != session) {
+        told.session = session;
+        record.logs = record.logs.value_or(LogsChange());
+        record.logs->session = session;
+    }
+    if (tick->windows && told.windows != tick->windows) {
+        record.windows = told.windows = tick->windows;
+    }
+    record.image = tick->image;
+    for (std::size_t index = 0; index < tick->readings.size(); ++index) {
+        auto read = takeReading(index, tick->readings[index]);
+        if (!read) {
+            return std::unexpected(read.error());
+        }
+        if (!record.reads) {
+            record.reads.emplace();
+        }
+        record.reads->push_back(*std::move(read));
+    }
+    const bool isShown = tick->shown && tick->shown->follows;
+    if (isShown) {
+        record.shown = true;
+        if (told.snapshot != tick->shown->snapshot) {
+            record.snapshot = told.snapshot = tick->shown->snapshot;
+        }
+    }
+    const bool looked = tick->windows || record.image || record.reads;
+    tick.reset();
+    // Nothing comes of a tick that found nothing to look at and everything as it was: a program may wait for hours.
+    if (!looked && !record.language && !record.logs && !record.snapshot) {
+        return {};
+    }
+    return folder.addLine(lineOf(record));
+}
+
+bool TickWriter::needsPart() const {
+    if (isFirst || data != tick->begin.data || folder.partSize() > folder.limit() / 4) {
+        return true;
+    }
+    return folder.partSize() > settings.partSize && tick->shown &&
+           standsAlone(tick->shown->snapshot, tick->readings.empty() ? 0 : tick->readings.front().text.tokens.size());
+}
+
+FileTree::Done TickWriter::beginPart() {
+    data = tick->begin.data;
+    const DataRows none;
+    const DataRows& rows = data ? *data : none;
+    PartHeader header = settings.header;
+    header.begins = std::exchange(isFirst, false);
+    told = {};
+    loadingScreen.forget();
+    arena.forget();
+    pictures = 0;
+    for (Written& written : writtenReads) {
+        written.inThisPart = false;
+    }
+    return folder.beginPart(lineOf(header), encoded(rows.cards, &WinrateFile::cards),
+                            encoded(rows.classes, &ClassWinrateFile::classes));
+}
+
+std::optional<LogsChange> TickWriter::takeLogsChange() {
+    LogsChange change;
+    change.loadingScreen = loadingScreen.takeChange();
+    change.arena = arena.takeChange();
+    return change.loadingScreen || change.arena ? std::optional(change) : std::nullopt;
+}
+
+// Asked of those who choose the game's window, so that all are kept that they could choose, and no other.
+std::vector<WindowRecord> TickWriter::candidates(const Listing& listing) const {
+    std::vector<WindowRecord> records;
+    for (const WindowDescription& description : *listing.windows) {
+        const auto windows = WindowCapture::parse(std::array{description}, true);
+        const bool isCandidate = WindowCapture::chooseHearthstone(windows, settings.windowOwnerHint).has_value();
+        if (!isCandidate || records.size() >= mostWindows) {
+            continue;
+        }
+        const HSWindowInfo& window = windows.front();
+        HSWindowInfo untold = window;
+        untold.owner.clear();
+        const QRectF& bounds = window.bounds;
+        if (std::isfinite(bounds.x()) && std::isfinite(bounds.y())) {
+            records.push_back({.number = window.windowId,
+                               .named = WindowCapture::chooseHearthstone(std::array{untold}, QString()).has_value(),
+                               .x = bounds.x(),
+                               .y = bounds.y(),
+                               .width = bounds.width(),
+                               .height = bounds.height()});
+        }
+    }
+    return records;
+}
+
+// The same lines are not kept again, however the light on them has changed: what the reader made of them stands.
+std::expected<ReadRecord, FileTree::Error> TickWriter::takeReading(std::size_t index, Reading& reading) {
+    if (index > 0) { // of an enlarged copy, whose places are not the window's
+        reading.kept = {};
+        reading.pieces.clear();
+    }
+    if (index < writtenReads.size()) {
+        Written& last = writtenReads[index];
+        if (last.window == reading.window && last.offers == reading.hints.offers && isAlike(last.text, reading.text)) {
+            if (last.inThisPart) {
+                ReadRecord record;
+                record.same = true;
+                return record;
+            }
+            if (auto done = writePicture(last); !done) {
+                return std::unexpected(done.error());
+            }
+            return last.record;
+        }
+    } else {
+        writtenReads.resize(index + 1);
+    }
+    Written& written = writtenReads[index];
+    written = {.window = reading.window, .offers = reading.hints.offers, .text = reading.text, .record = {}, .png = {}};
+    if (!reading.pieces.empty()) {
+        written.png = pngOf(stacked(reading.pieces));
+    }
+    ReadRecord& record = written.record;
+    record.tokens = recordsOf(reading.text.tokens, reading);
+    if (auto unsettled = unsettledOf(reading); !unsettled.empty()) {
+        record.unsettled = std::move(unsettled);
+    }
+    if (reading.text.columns) {
+        record.columns.emplace(reading.text.columns->begin(), reading.text.columns->end());
+    }
+    if (!reading.kept.isAll || written.png.isEmpty()) {
+        record.given = true;
+    }
+    if (!written.png.isEmpty()) {
+        record.bands.emplace();
+        for (const QRect& band : reading.kept.bands) {
+            record.bands->push_back({band.x(), band.y(), band.width(), band.height()});
+        }
+    }
+    if (auto done = writePicture(written); !done) {
+        return std::unexpected(done.error());
+    }
+    return written.record;
+}
+
+FileTree::Done TickWriter::writePicture(Written& written) {
+    written.inThisPart = true;
+    if (written.png.isEmpty()) {
+        return {};
+    }
+    written.record.picture = pictures++;
+    return folder.addPicture(*written.record.picture, written.png);
+}
+
+} // namespace pelloran::recording
