@@ -3,6 +3,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QRegularExpression>
+#include <QSet>
 
 #include <algorithm>
 #include <cmath>
@@ -328,12 +329,16 @@ QJsonObject withoutForeignMessage(QJsonObject snapshot) {
     return snapshot;
 }
 
-bool standsAlone(const QJsonObject& snapshot, std::size_t tokens) {
+bool standsAlone(const QJsonObject& snapshot, const ReadText& text) {
     if (!snapshot.value(u"inDraft"_s).toBool()) {
         return true;
     }
     const QJsonArray cards = snapshot.value(u"cards"_s).toArray();
-    return tokens >= 3 && cards.size() == 3 && std::ranges::all_of(cards, [](const QJsonValue& card) {
+    QSet<QString> lines;
+    for (const OCRToken& token : text.tokens) {
+        lines.insert(token.text);
+    }
+    return lines.size() >= 3 && cards.size() == 3 && std::ranges::all_of(cards, [](const QJsonValue& card) {
                return card.toObject().value(u"recognized"_s).toBool();
            });
 }

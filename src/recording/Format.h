@@ -168,7 +168,8 @@ ReadText toText(const ReadRecord& record);
 QJsonObject withoutForeignMessage(QJsonObject snapshot);
 
 // Whether what the tick showed follows from the tick alone, whatever was seen before it. A part that begins with such a
-// one can be replayed by itself.
-bool standsAlone(const QJsonObject& snapshot, std::size_t tokens);
+// one can be replayed by itself. Three different lines have to be read for it: of two that are the same one is dropped,
+// and its tile may be an earlier one.
+bool standsAlone(const QJsonObject& snapshot, const ReadText& text);
 
 } // namespace pelloran::recording

@@ -121,10 +121,17 @@ public:
         wake.notify_one();
     }
 
+    void catchUp() {
+        std::unique_lock lock(mutex);
+        rest.wait(lock, [this] { return events.empty() && !isWriting; });
+    }
+
 private:
     void run() {
         std::unique_lock lock(mutex);
         while (true) {
+            isWriting = false;
+            rest.notify_all();
             wake.wait(lock, [this] { return ending || !events.empty(); });
             if (events.empty()) {
                 lock.unlock();
@@ -133,6 +140,7 @@ private:
             }
             Event event = std::move(events.front());
             events.pop_front();
+            isWriting = true;
             lock.unlock();
             write([this, &event] { return std::visit([this](auto& seen) { return note(std::move(seen)); }, event); });
             event = ImageRecord(); // pictures and texts are let go of without the lock
@@ -181,8 +189,10 @@ private:
     QElapsedTimer clock;
     std::atomic<bool> ended = false;
     std::mutex mutex;
-    std::condition_variable wake;
+    std::condition_variable wake; // there is something to do
+    std::condition_variable rest; // there is nothing
     std::deque<Event> events;
+    bool isWriting = false;
     bool ending = false;
     std::thread thread; // last: it uses the others from the beginning
 };
@@ -291,6 +301,10 @@ std::unique_ptr<WindowServer> Recorder::watched(std::unique_ptr<WindowServer> wi
 
 std::unique_ptr<TextReader> Recorder::watched(std::unique_ptr<TextReader> reader) {
     return std::make_unique<WatchedTextReader>(std::move(reader), *writer);
+}
+
+void Recorder::catchUp() {
+    writer->catchUp();
 }
 
 void Recorder::follow(const DraftService& service) {

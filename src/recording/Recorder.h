@@ -55,6 +55,10 @@ public:
     std::unique_ptr<WindowServer> watched(std::unique_ptr<WindowServer> windows);
     std::unique_ptr<TextReader> watched(std::unique_ptr<TextReader> reader);
 
+    // Waits until what was taken is written, but for the tick that is not over. For those who have no time between
+    // ticks.
+    void catchUp();
+
     // From now on; on the main thread, before it starts. The recorder must outlive it.
     void follow(const DraftService& service);
 

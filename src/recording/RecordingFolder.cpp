@@ -60,6 +60,7 @@ std::expected<RecordingFolder, FileTree::Error> RecordingFolder::open(const QStr
         return std::unexpected(listed.error());
     }
     std::ranges::sort(recording.parts, {}, &Part::number);
+    recording.lastNumber = recording.parts.empty() ? 0 : recording.parts.back().number;
     return recording;
 }
 
@@ -73,7 +74,7 @@ FileTree::Done RecordingFolder::beginPart(const QByteArray& header, const QByteA
     if (auto room = makeRoom(onDisk(header.size()) + onDisk(cards.size()) + onDisk(classes.size())); !room) {
         return room;
     }
-    const int number = parts.empty() ? 1 : parts.back().number + 1;
+    const int number = lastNumber + 1;
     if (number >= 1'000'000) {
         return refusal(u"%1 has no more room for parts"_s.arg(folder));
     }
@@ -83,6 +84,7 @@ FileTree::Done RecordingFolder::beginPart(const QByteArray& header, const QByteA
         return refusal(u"cannot write %1: it is there already, or its folder is not"_s.arg(pathOf(part)));
     }
     parts.push_back(part);
+    lastNumber = number;
     for (const auto& [name, bytes] : {std::pair(cardFile, cards), std::pair(classFile, classes)}) {
         if (auto added = addFile(name, bytes); !added) {
             return added;

@@ -46,6 +46,7 @@ private:
 
     QString folder;
     qint64 mostBytes;
+    int lastNumber = 0;     // of a part, also of one that is gone
     std::deque<Part> parts; // the last is being written, once there is `events`
     std::unique_ptr<QFile> events;
 };

@@ -336,7 +336,9 @@ private:
         bool languageChanges = false;
         if (tick.language) {
             AppLanguage::overridePreference(*tick.language == u"zh" ? AppLanguage::zh : AppLanguage::en);
-            languageChanges = !isFirstTick;
+            // A part tells it anew, and then it is the same.
+            languageChanges = !isFirstTick && language != tick.language;
+            language = tick.language;
         }
         isFirstTick = false;
         if (languageChanges) {
@@ -433,8 +435,8 @@ private:
         if (!tick.shown.value_or(false) || !snapshot) {
             return;
         }
-        const std::size_t tokens = scene.reads.empty() ? 0 : toText(scene.reads.front()).tokens.size();
-        isComparable = isComparable || standsAlone(*snapshot, tokens);
+        isComparable =
+            isComparable || standsAlone(*snapshot, scene.reads.empty() ? ReadText() : toText(scene.reads.front()));
         if (!isComparable) {
             return;
         }
@@ -473,6 +475,7 @@ private:
     std::optional<Picture> picture;      // that `scene` has
     std::optional<QJsonObject> snapshot; // recorded last
     std::optional<QJsonObject> published;
+    std::optional<QString> language;
     bool isFirstTick = true;
     bool isComparable = true;
     Outcome outcome;

@@ -172,7 +172,7 @@ bool TickWriter::needsPart() const {
         return true;
     }
     return folder.partSize() > settings.partSize && tick->shown &&
-           standsAlone(tick->shown->snapshot, tick->readings.empty() ? 0 : tick->readings.front().text.tokens.size());
+           standsAlone(tick->shown->snapshot, tick->readings.empty() ? ReadText() : tick->readings.front().text);
 }
 
 FileTree::Done TickWriter::beginPart() {

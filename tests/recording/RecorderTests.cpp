@@ -1,0 +1,432 @@
+#include "base/Log.h"
+#include "recording/Format.h"
+#include "recording/RecordingReader.h"
+#include "tests/recording/RecordedDraft.h"
+#include "tests/support/Printing.h"
+
+#include <QDirIterator>
+
+#include <gtest/gtest.h>
+
+#include <mutex>
+#include <random>
+
+// What is recorded of a draft, and that going through it again gives what was shown.
+namespace pelloran {
+namespace {
+
+using testing::ColorReader;
+using testing::RecordedDraft;
+
+const QByteArray draftBegins = "D 1 SetDraftMode - DRAFTING\nD 1 DraftManager.OnBegin\n";
+const QByteArray heroChosen = "D 1 DraftManager.OnChosen(): hero=HERO_08\n";
+
+QByteArray everythingIn(const QString& folder) {
+    QByteArray all;
+    for (QDirIterator files(folder, QDir::Files, QDirIterator::Subdirectories); files.hasNext();) {
+        QFile file(files.next());
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        all += file.readAll();
+    }
+    return all;
+}
+
+qsizetype picturesIn(const QString& folder) {
+    qsizetype count = 0;
+    for (QDirIterator files(folder, {QStringLiteral("*.png")}, QDir::Files, QDirIterator::Subdirectories);
+         files.hasNext();) {
+        files.next();
+        ++count;
+    }
+    return count;
+}
+
+// From the menu to a third pick, with much that happens on the way.
+void play(RecordedDraft& draft) {
+    draft.tick();
+    draft.log("LoadingScreen.log", "D 1 currMode=HUB\n");
+    draft.tick();
+    draft.log("LoadingScreen.log", "D 1 prevMode=HUB currMode=DRAFT\n");
+    draft.log("Arena.log", draftBegins);
+    draft.offer({-1, -1, -1});
+    draft.tick();
+    draft.log("Arena.log", heroChosen);
+    draft.offer({0, 1, 2});
+    draft.tick();
+    draft.tick();
+    draft.offer({0, -1, 2}); // a cursor over a name: what was there stays
+    draft.tick();
+    draft.log("Arena.log", "D 1 Client chooses: Fire");
+    draft.tick();
+    draft.log("Arena.log", "ball (FIREBALL)\n");
+    draft.offer({2, 2, 1});
+    draft.tick();
+    draft.windows->failNext(WindowGone());
+    draft.tick();
+    draft.windows->onScreen->clear();
+    draft.windows->all->clear();
+    draft.tick();
+    draft.offer({1, -1, 0});
+    draft.tick();
+    draft.tick();
+    draft.log("Arena.log", "D 1 SetDraftMode - ACTIVE_DRAFT_DECK\n");
+    draft.tick();
+}
+
+TEST(Recorder, RecordsWhatGivesTheSameSnapshots) {
+    RecordedDraft draft;
+    play(draft);
+    draft.end();
+    const auto replayed = draft.replay();
+    ASSERT_TRUE(replayed.outcome) << replayed.outcome.error().toStdString();
+    EXPECT_TRUE(replayed.outcome->isEqual());
+    EXPECT_TRUE(replayed.differences.empty());
+    EXPECT_EQ(replayed.outcome->compared, 13);
+    EXPECT_EQ(replayed.outcome->parts, 1);
+    EXPECT_FALSE(replayed.outcome->cutOff);
+    EXPECT_GT(replayed.readings, 5) << "lines are read from the pictures, not repeated";
+    EXPECT_EQ(picturesIn(draft.path()), 5) << "one for every change of what was read";
+}
+
+TEST(Recorder, ShowsWhatAnotherReaderMakesOfIt) {
+    RecordedDraft draft;
+    play(draft);
+    draft.end();
+
+    struct Blind final : TextReader {
+        ReadText read(const QImage&, const ReadingHints&) override { return {}; }
+
+        bool scalesLinesItself() const override { return true; }
+
+        void forget() override {}
+    };
+
+    const testing::FakeApplicationFiles noFiles{QString()};
+    std::vector<recording::Difference> differences;
+    const auto outcome = recording::replay(
+        {.folder = draft.path(),
+         .makeTextReader = []() -> std::expected<std::unique_ptr<TextReader>, TextReader::Unavailable> {
+             return std::make_unique<Blind>();
+         },
+         .snapshotToJson = testing::snapshotToJson,
+         .files = noFiles},
+        [&](const recording::Difference& difference) { differences.push_back(difference); });
+    ASSERT_TRUE(outcome);
+    EXPECT_FALSE(outcome->isEqual());
+    EXPECT_GT(outcome->readOtherwise, 0);
+    const auto first = std::ranges::find(differences, recording::Difference::Kind::shown, &recording::Difference::kind);
+    ASSERT_NE(first, differences.end());
+    EXPECT_EQ(first->place, QStringLiteral("cards[0].deckWinRate"));
+    EXPECT_EQ(first->recorded, QJsonValue(56.1));
+    EXPECT_EQ(first->replayed, QJsonValue());
+}
+
+TEST(Recorder, NeedsAReaderOnlyWhereOneIsMissing) {
+    RecordedDraft draft;
+    play(draft);
+    draft.end();
+    const testing::FakeApplicationFiles noFiles{QString()};
+    const auto outcome = recording::replay(
+        {.folder = draft.path(),
+         .makeTextReader = []() -> std::expected<std::unique_ptr<TextReader>, TextReader::Unavailable> {
+             return std::unexpected(TextReader::Unavailable{QStringLiteral("install it")});
+         },
+         .snapshotToJson = testing::snapshotToJson,
+         .files = noFiles},
+        [](const recording::Difference&) {});
+    ASSERT_FALSE(outcome);
+    EXPECT_EQ(outcome.error(), QStringLiteral("install it"));
+}
+
+TEST(Recorder, KeepsNothingOfTheUsers) {
+    RecordedDraft draft;
+    draft.readsElsewhere = true;
+    draft.log("Arena.log",
+              draftBegins + heroChosen + "D 1 Friend Jo#4321 is online\nD 1 Draft of Jo#4321 at /home/jo/x\n");
+    draft.offer({0, 1, 2});
+    draft.tick();
+    draft.tick();
+    const QString session = draft.home.path();
+    draft.end();
+    const QByteArray all = everythingIn(draft.path());
+    for (const char* secret : {"Mira", "mira", "Dear", "Mail", "4321", "online", "/home/jo", "friend says"}) {
+        EXPECT_FALSE(all.contains(secret)) << secret;
+    }
+    EXPECT_FALSE(all.contains(session.toUtf8()));
+    EXPECT_TRUE(all.contains("Draft of <player> at /home/<user>/x")) << "what concerns the draft is there";
+    EXPECT_TRUE(all.contains("Frostbolt"));
+    const auto replayed = draft.replay();
+    ASSERT_TRUE(replayed.outcome) << replayed.outcome.error().toStdString();
+    EXPECT_TRUE(replayed.outcome->isEqual());
+}
+
+TEST(Recorder, RepeatsWhatWasReadElsewhere) {
+    RecordedDraft draft;
+    draft.readsElsewhere = true;
+    play(draft);
+    draft.end();
+    const auto replayed = draft.replay();
+    ASSERT_TRUE(replayed.outcome) << replayed.outcome.error().toStdString();
+    EXPECT_TRUE(replayed.outcome->isEqual());
+    EXPECT_EQ(replayed.readings, 0);
+}
+
+TEST(Recorder, RecordsBothReadingsOfAReaderThatTakesTwo) {
+    RecordedDraft draft;
+    draft.readsTwice = true;
+    play(draft);
+    draft.end();
+    const auto replayed = draft.replay([](ColorReader& reader) { reader.twice = true; });
+    ASSERT_TRUE(replayed.outcome) << replayed.outcome.error().toStdString();
+    EXPECT_TRUE(replayed.outcome->isEqual());
+}
+
+TEST(Recorder, FollowsTheLanguage) {
+    RecordedDraft draft;
+    draft.log("Arena.log", draftBegins + heroChosen);
+    draft.offer({0, 1, 2});
+    draft.tick();
+    draft.service->tick(); // under way when the language changes: what it sees is not shown
+    AppLanguage::overridePreference(AppLanguage::zh);
+    draft.service->relocalizeAndRefresh();
+    draft.finish();
+    draft.offer({-1, -1, -1});
+    draft.tick();
+    draft.end();
+    const auto replayed = draft.replay();
+    ASSERT_TRUE(replayed.outcome) << replayed.outcome.error().toStdString();
+    EXPECT_TRUE(replayed.outcome->isEqual());
+    EXPECT_EQ(replayed.outcome->ticks, 4);
+    EXPECT_EQ(replayed.outcome->compared, 3);
+    EXPECT_TRUE(everythingIn(draft.path()).contains("冰风雪人"));
+}
+
+TEST(Recorder, BeginsAPartWithNewData) {
+    RecordedDraft draft;
+    draft.log("Arena.log", draftBegins + heroChosen);
+    draft.offer({0, 1, 2});
+    draft.tick();
+    draft.store.write(QStringLiteral("all_classes_LAST_7_DAYS.json"), R"({"cards": [
+        {"card_id": "FIREBALL", "name_en": "Fireball", "deck_win_rate": 11},
+        {"card_id": "ODD", "name_zh": "", "deck_win_rate": 11},
+        {"card_id": "FIREBALL", "name_en": "Frostbolt", "deck_win_rate": 99}]})");
+    draft.store.reload();
+    draft.tick();
+    draft.end();
+    const auto replayed = draft.replay();
+    ASSERT_TRUE(replayed.outcome) << replayed.outcome.error().toStdString();
+    EXPECT_TRUE(replayed.outcome->isEqual());
+    EXPECT_EQ(replayed.outcome->parts, 2);
+    EXPECT_EQ(replayed.outcome->compared, 2);
+}
+
+TEST(Recorder, GoesOnWhereAnEarlierRunEnded) {
+    RecordedDraft draft;
+    play(draft);
+    draft.begin();
+    play(draft);
+    draft.end();
+    const auto replayed = draft.replay();
+    ASSERT_TRUE(replayed.outcome) << replayed.outcome.error().toStdString();
+    EXPECT_TRUE(replayed.outcome->isEqual());
+}
+
+// Whatever is offered in which order: also where the oldest parts are gone, what is left gives the same.
+TEST(Recorder, CanBeReplayedFromEveryPartOn) {
+    RecordedDraft draft(400'000, 30'000);
+    std::mt19937 random(3);
+    const auto any = [&random] { return std::uniform_int_distribution<int>(-1, 2)(random); };
+    draft.log("Arena.log", draftBegins + heroChosen);
+    for (int tick = 0; tick < 600; ++tick) {
+        draft.offer({any(), any(), any()});
+        if (tick % 50 == 49) {
+            draft.log("Arena.log", draftBegins + heroChosen);
+        }
+        draft.tick();
+        draft.tick();
+    }
+    draft.end();
+    auto parts = recording::partsOf(draft.path());
+    ASSERT_TRUE(parts);
+    ASSERT_GT(parts->size(), 3U);
+    EXPECT_GT(parts->front(), 1) << "the oldest are gone";
+    while (!parts->empty()) {
+        const auto replayed = draft.replay();
+        ASSERT_TRUE(replayed.outcome) << replayed.outcome.error().toStdString();
+        EXPECT_TRUE(replayed.outcome->isEqual()) << "from part " << parts->front();
+        EXPECT_GT(replayed.outcome->compared, 0);
+        ASSERT_TRUE(QDir(draft.path() + u'/' + recording::partName(parts->front())).removeRecursively());
+        parts->erase(parts->begin());
+    }
+}
+
+TEST(Recorder, CanBeReplayedToWhereItWasCutOff) {
+    RecordedDraft draft;
+    play(draft);
+    draft.end();
+    const QString path = draft.path() + QStringLiteral("/part-000001/events.jsonl");
+    QFile events(path);
+    ASSERT_TRUE(events.open(QIODevice::ReadOnly));
+    const QByteArray whole = events.readAll();
+    events.close();
+    qint64 most = 0;
+    for (qsizetype size = whole.indexOf('\n') + 1; size < whole.size(); size += 97) {
+        ASSERT_TRUE(QFile::resize(path, whole.size() < size ? whole.size() : size));
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(whole.first(size));
+        file.close();
+        const auto replayed = draft.replay();
+        ASSERT_TRUE(replayed.outcome) << size << ": " << replayed.outcome.error().toStdString();
+        EXPECT_TRUE(replayed.outcome->isEqual());
+        EXPECT_EQ(replayed.outcome->cutOff, !whole.first(size).endsWith('\n'));
+        EXPECT_GE(replayed.outcome->ticks, most);
+        most = replayed.outcome->ticks;
+    }
+    EXPECT_GT(most, 10);
+}
+
+TEST(Recorder, EndsWithOneLineWhereItCannotWrite) {
+    QStringList told;
+    std::mutex mutex;
+    setLogSink([&](const QString& message) {
+        const std::scoped_lock lock(mutex);
+        told.append(message);
+    });
+    std::vector<OverlaySnapshot> shown;
+    {
+        RecordedDraft draft(10'000); // less than the data files and a line take up
+        QObject::connect(draft.service.get(), &DraftService::published,
+                         [&shown](const OverlaySnapshot& snapshot) { shown.push_back(snapshot); });
+        draft.log("Arena.log", draftBegins + heroChosen);
+        for (int i = 0; i < 50; ++i) {
+            draft.offer({i % 3, (i + 1) % 3, i % 2});
+            draft.tick();
+        }
+        draft.end();
+    }
+    setLogSink({});
+    EXPECT_EQ(shown.size(), 50U) << "nobody notices";
+    EXPECT_EQ(told.filter(QStringLiteral("the recording ends here")).size(), 1);
+    EXPECT_EQ(told.size(), 1) << told.join(u'\n').toStdString();
+}
+
+TEST(Recorder, WaitsForHoursInNoRoom) {
+    RecordedDraft draft;
+    for (int i = 0; i < 1000; ++i) {
+        draft.tick();
+    }
+    draft.end();
+    const auto replayed = draft.replay();
+    ASSERT_TRUE(replayed.outcome);
+    EXPECT_EQ(replayed.outcome->ticks, 1);
+}
+
+// --- recordings that nobody recorded
+
+class HostileRecording : public ::testing::Test {
+protected:
+    HostileRecording() {
+        play(draft);
+        draft.end();
+    }
+
+    QString inPart(const char* name) const {
+        return draft.path() + QStringLiteral("/part-000001/") + QString::fromLatin1(name);
+    }
+
+    void replace(const char* name, const QByteArray& bytes) const {
+        QFile::remove(inPart(name));
+        QFile file(inPart(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+    }
+
+    QString refusal() const {
+        const auto replayed = draft.replay();
+        EXPECT_FALSE(replayed.outcome);
+        return replayed.outcome ? QString() : replayed.outcome.error();
+    }
+
+    RecordedDraft draft;
+};
+
+TEST_F(HostileRecording, IsRefusedWithoutAPart) {
+    QDir(draft.path()).removeRecursively();
+    EXPECT_TRUE(refusal().endsWith(QStringLiteral("is no folder")));
+    QDir().mkpath(draft.path());
+    EXPECT_TRUE(refusal().endsWith(QStringLiteral("holds no recording")));
+}
+
+TEST_F(HostileRecording, LeadsNowhereElse) {
+    for (const char* name : {"cards.json", "classes.json", "0.png", "events.jsonl"}) {
+        SCOPED_TRACE(name);
+        QFile::remove(inPart("kept"));
+        ASSERT_TRUE(QFile::rename(inPart(name), inPart("kept")));
+        ASSERT_TRUE(QFile::link(inPart("kept"), inPart(name)));
+        EXPECT_TRUE(refusal().contains(QStringLiteral("is a link")));
+        QFile::remove(inPart(name));
+        EXPECT_FALSE(refusal().isEmpty()) << "missing";
+        ASSERT_TRUE(QDir().mkpath(inPart(name)));
+        EXPECT_FALSE(refusal().isEmpty()) << "a folder";
+        ASSERT_TRUE(QDir().rmdir(inPart(name)));
+        ASSERT_TRUE(QFile::rename(inPart("kept"), inPart(name)));
+    }
+    ASSERT_TRUE(QFile::rename(draft.path() + QStringLiteral("/part-000001"), draft.home.path() + QStringLiteral("/x")));
+    ASSERT_TRUE(QFile::link(draft.home.path() + QStringLiteral("/x"), draft.path() + QStringLiteral("/part-000001")));
+    EXPECT_TRUE(refusal().contains(QStringLiteral("is a link")));
+}
+
+TEST_F(HostileRecording, HasNoBrokenPictures) {
+    QImage other(10, 10, QImage::Format_RGB32);
+    other.fill(Qt::red);
+    ASSERT_TRUE(other.save(inPart("0.png"), "PNG"));
+    EXPECT_TRUE(refusal().contains(QStringLiteral("not as large as")));
+    replace("0.png", "no picture at all");
+    EXPECT_TRUE(refusal().contains(QStringLiteral("0.png")));
+    QFile png(inPart("1.png"));
+    ASSERT_TRUE(png.open(QIODevice::ReadOnly));
+    const QByteArray torn = png.read(png.size() / 2);
+    replace("0.png", torn);
+    EXPECT_TRUE(refusal().contains(QStringLiteral("0.png")));
+}
+
+TEST_F(HostileRecording, HasNoBrokenDataAndNoBrokenLines) {
+    replace("cards.json", "{\"cards\": 3}");
+    EXPECT_TRUE(refusal().contains(QStringLiteral("cards.json")));
+    QFile events(inPart("events.jsonl"));
+    ASSERT_TRUE(events.open(QIODevice::ReadOnly));
+    const QByteArray whole = events.readAll();
+    events.close();
+    replace("cards.json", R"({"cards": [{"card_id": "X", "name_en": "Y"}]})");
+    replace("events.jsonl", whole + "nonsense\n{}\n");
+    EXPECT_TRUE(refusal().contains(QStringLiteral("line 15 is no JSON")));
+    replace("events.jsonl", "");
+    EXPECT_TRUE(refusal().contains(QStringLiteral("has no beginning")));
+    const QByteArray header = whole.left(whole.indexOf('\n') + 1);
+    replace("events.jsonl", header + R"({"at":1,"reads":[{"same":true}]})"
+                                     "\n");
+    EXPECT_TRUE(refusal().contains(QStringLiteral("repeats a reading that is not there")));
+    replace("events.jsonl", header + QByteArray(recording::largestLine * 2, ' '));
+    EXPECT_TRUE(refusal().contains(QStringLiteral("longer than")));
+}
+
+// One byte anywhere: it is refused or gone through, in no more than the time it takes.
+TEST_F(HostileRecording, DoesNoHarmWhereverABitIsChanged) {
+    QFile events(inPart("events.jsonl"));
+    ASSERT_TRUE(events.open(QIODevice::ReadOnly));
+    const QByteArray whole = events.readAll();
+    events.close();
+    std::mt19937 random(11);
+    for (int round = 0; round < 60; ++round) {
+        QByteArray changed = whole;
+        const auto place = std::uniform_int_distribution<qsizetype>(0, whole.size() - 1)(random);
+        changed[place] = char(changed[place] ^ (1 << (round % 8)));
+        replace("events.jsonl", changed);
+        const auto replayed = draft.replay();
+        EXPECT_TRUE(replayed.outcome || !replayed.outcome.error().isEmpty());
+    }
+}
+
+} // namespace
+} // namespace pelloran
