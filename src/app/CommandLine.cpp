@@ -46,6 +46,7 @@ const QString fixOption = QStringLiteral("fix");
 const QString offlineOption = QStringLiteral("offline");
 const QString desktopOption = QStringLiteral("desktop");
 const QString cardsOption = QStringLiteral("cards");
+const QString namesOption = QStringLiteral("names");
 const QString classesOption = QStringLiteral("classes");
 const QString nameOption = QStringLiteral("name");
 const QString versionOption = QStringLiteral("version");
@@ -196,11 +197,16 @@ std::expected<Command, QString> buildCheckUpdate(const QCommandLineParser& parse
 }
 
 std::expected<Command, QString> buildPublish(const QCommandLineParser& parsed) {
-    const QStringList folders = parsed.positionalArguments();
-    if (folders.size() != 2) {
+    const QStringList arguments = parsed.positionalArguments();
+    // A shell makes several files of one pattern, of which the option takes the first.
+    const bool areLists = parsed.isSet(namesOption) && arguments.size() > 2;
+    if (arguments.size() != 2 && !areLists) {
         return std::unexpected(QStringLiteral("publish needs the folder of data files and the web server's"));
     }
-    return PublishData{folders[0], folders[1], optionalValue(parsed, cardsOption)};
+    return PublishData{.source = arguments[0],
+                       .target = arguments[1],
+                       .cardTable = optionalValue(parsed, cardsOption),
+                       .cardLists = parsed.values(namesOption) + arguments.sliced(2)};
 }
 
 std::expected<Command, QString> buildReleaseInfo(const QCommandLineParser& parsed) {
@@ -391,8 +397,12 @@ const std::vector<Syntax>& syntaxes() {
             QStringLiteral("publish"),
             QStringLiteral("SOURCE TARGET"),
             QStringLiteral("Checks a folder of data files and makes TARGET serve it to clients."),
-            {{cardsOption, QStringLiteral("FILE.csv"),
-              QStringLiteral("a table of cards that is made into the card file first")}},
+            {
+                {cardsOption, QStringLiteral("FILE.csv"),
+                 QStringLiteral("a table of cards that is made into the card file first")},
+                {namesOption, QStringLiteral("FILE..."),
+                 QStringLiteral("public lists of cards, one a language, from which names and the like are filled in")},
+            },
             buildPublish,
         },
         {

@@ -81,6 +81,7 @@ struct PublishData {
     QString source;                   // folder of data files
     QString target;                   // root folder of a web server
     std::optional<QString> cardTable; // made into the card file first
+    QStringList cardLists;            // that names and more are filled in from; see CardLists
 };
 
 // What the update server is to say of a release.

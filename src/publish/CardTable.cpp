@@ -1,6 +1,7 @@
 #include "publish/CardTable.h"
 
 #include "data/WinrateFields.h"
+#include "publish/CardLists.h"
 #include "publish/Csv.h"
 #include "publish/Problem.h"
 
@@ -51,17 +52,25 @@ Wanted take(const QString& cell, std::optional<Value>& value) {
     return take(cell, value.emplace());
 }
 
+struct TableRow {
+    CardStats card;
+    std::optional<qint64> dbfId; // see ListedCard
+};
+
 struct Column {
     QLatin1StringView name;
-    Wanted (*fill)(const QString& cell, CardStats& card);
+    Wanted (*fill)(const QString& cell, TableRow& row);
 };
 
 template <std::size_t index>
-Wanted fill(const QString& cell, CardStats& card) {
+Wanted fill(const QString& cell, TableRow& row) {
     constexpr auto& field = std::get<index>(strict_json::fields<CardStats>);
     const bool hasSign = isPercentage<std::remove_cvref_t<decltype(field)>> && cell.endsWith(u'%');
-    return take(hasSign ? cell.chopped(1).trimmed() : cell, card.*field.member);
+    return take(hasSign ? cell.chopped(1).trimmed() : cell, row.card.*field.member);
 }
+
+// Told apart from the others, because it is of use only where lists of cards say whose it is.
+constexpr Column numberColumn{"dbf_id"_L1, [](const QString& cell, TableRow& row) { return take(cell, row.dbfId); }};
 
 // One for each field of a card.
 constexpr auto columns = []<std::size_t... index>(std::index_sequence<index...>) {
@@ -69,24 +78,28 @@ constexpr auto columns = []<std::size_t... index>(std::index_sequence<index...>)
 }(std::make_index_sequence<std::tuple_size_v<decltype(strict_json::fields<CardStats>)>>());
 
 // "Deck win rate " is the column deck_win_rate.
-const Column* columnFor(const QString& title) {
+const Column* columnFor(const QString& title, bool withNumbers) {
     const QString name = title.simplified().toLower().replace(u' ', u'_');
+    if (withNumbers && name == numberColumn.name) {
+        return &numberColumn;
+    }
     const auto* const found = std::ranges::find(columns, name, &Column::name);
     return found == columns.end() ? nullptr : found;
 }
 
 // The separator is the one that makes the first line name the cards' column.
-std::expected<std::vector<CsvRow>, QStringList> readRows(const QString& text) {
-    QString trouble = u"no column is called \"card_id\""_s;
+std::expected<std::vector<CsvRow>, QStringList> readRows(const QString& text, bool withNumbers) {
+    QString trouble =
+        withNumbers ? u"no column is called \"card_id\" or \"dbf_id\""_s : u"no column is called \"card_id\""_s;
     for (const QChar separator : {u',', u';', u'\t'}) {
         auto rows = parseCsv(text, separator);
         if (!rows) {
             trouble = u"line %1: %2"_s.arg(rows.error().line).arg(rows.error().message);
             continue;
         }
-        const auto namesCards = [](const QString& title) {
-            const Column* column = columnFor(title);
-            return column && column->name == idColumn;
+        const auto namesCards = [&](const QString& title) {
+            const Column* column = columnFor(title, withNumbers);
+            return column && (column->name == idColumn || column == &numberColumn);
         };
         if (!rows->empty() && std::ranges::any_of(rows->front().cells, namesCards)) {
             return *rows;
@@ -96,8 +109,8 @@ std::expected<std::vector<CsvRow>, QStringList> readRows(const QString& text) {
 }
 
 // Absent for a row without any; what is wrong goes to `problems`.
-std::optional<CardStats> cardFrom(const CsvRow& row, const std::vector<const Column*>& order, QStringList& problems) {
-    CardStats card;
+std::optional<TableRow> rowFrom(const CsvRow& row, const std::vector<const Column*>& order, QStringList& problems) {
+    TableRow result;
     bool isEmpty = true;
     for (qsizetype i = 0; i < row.cells.size(); ++i) {
         const QString cell = row.cells[i].trimmed();
@@ -113,28 +126,35 @@ std::optional<CardStats> cardFrom(const CsvRow& row, const std::vector<const Col
             continue;
         }
         isEmpty = false;
-        if (const Wanted wanted = column->fill(cell, card)) {
+        if (const Wanted wanted = column->fill(cell, result)) {
             problems.append(u"line %1, column %2: \"%3\" is not %4"_s.arg(row.line).arg(column->name, cell, *wanted));
         }
     }
     if (isEmpty) {
         return std::nullopt;
     }
-    if (card.cardId.isEmpty()) {
+    if (result.card.cardId.isEmpty() && !result.dbfId) {
         problems.append(u"line %1: no card_id"_s.arg(row.line));
     }
-    return card;
+    return result;
 }
 
 } // namespace
 
 std::expected<QByteArray, QStringList> cardFileFromTable(const QByteArray& table, const QString& fetchedAt) {
+    auto cards = cardsFromTable(table, fetchedAt, {});
+    return cards ? std::expected<QByteArray, QStringList>(std::move(cards->file))
+                 : std::unexpected(std::move(cards).error());
+}
+
+std::expected<TableCards, QStringList> cardsFromTable(const QByteArray& table, const QString& fetchedAt,
+                                                      const CardLists& lists) {
     QStringDecoder decoder(QStringDecoder::Utf8);
     const QString text = decoder(table);
     if (decoder.hasError()) {
         return problem(u"not UTF-8: export it as \"CSV UTF-8\""_s);
     }
-    const auto rows = readRows(text);
+    const auto rows = readRows(text, !lists.isEmpty());
     if (!rows) {
         return std::unexpected(rows.error());
     }
@@ -142,7 +162,7 @@ std::expected<QByteArray, QStringList> cardFileFromTable(const QByteArray& table
     QStringList problems;
     std::vector<const Column*> order;
     for (const QString& title : rows->front().cells) {
-        const Column* column = columnFor(title);
+        const Column* column = columnFor(title, !lists.isEmpty());
         if (column && std::ranges::find(order, column) != order.end()) {
             problems.append(u"there are two columns called \"%1\""_s.arg(column->name));
         }
@@ -150,10 +170,16 @@ std::expected<QByteArray, QStringList> cardFileFromTable(const QByteArray& table
     }
     WinrateFile file{
         .playerClass = u"ALL"_s, .timeRange = u"LAST_7_DAYS"_s, .fetchedAt = fetchedAt, .cardCount = {}, .cards = {}};
-    for (auto row = rows->begin() + 1; row != rows->end(); ++row) {
-        if (auto card = cardFrom(*row, order, problems)) {
-            file.cards.push_back(*std::move(card));
+    Joining joining(lists);
+    for (auto csv = rows->begin() + 1; csv != rows->end(); ++csv) {
+        if (auto row = rowFrom(*csv, order, problems)) {
+            if (joining.join(row->card, row->dbfId, u"line %1"_s.arg(csv->line))) {
+                file.cards.push_back(std::move(row->card));
+            }
         }
+    }
+    if (problems.isEmpty() && joining.joinedNone()) {
+        problems.append(u"none of its cards is in the lists of cards"_s);
     }
     if (!problems.isEmpty()) {
         return std::unexpected(problems);
@@ -162,7 +188,7 @@ std::expected<QByteArray, QStringList> cardFileFromTable(const QByteArray& table
         return problem(u"no card in it"_s);
     }
     file.cardCount = static_cast<qint64>(file.cards.size());
-    return file.encode();
+    return TableCards{file.encode(), joining.remarks()};
 }
 
 } // namespace pelloran

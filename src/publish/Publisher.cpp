@@ -102,12 +102,12 @@ void removeOldBundles(const QString& folder, const QStringList& kept) {
 } // namespace
 
 std::expected<Publication, QStringList> publish(const QString& source, const QString& target,
-                                                const std::optional<QString>& cardTable) {
+                                                const std::optional<QString>& cardTable, const QStringList& cardLists) {
     // What is published would be part of what is published next.
     if (QString(QDir(target).absolutePath() + u'/').startsWith(QDir(source).absolutePath() + u'/')) {
         return problem(target + u": lies within the folder of data files"_s);
     }
-    const auto content = SourceFolder::read(source, cardTable);
+    const auto content = SourceFolder::read(source, cardTable, cardLists);
     if (!content) {
         return std::unexpected(content.error());
     }

@@ -26,8 +26,9 @@ struct Publication {
 // TARGET/pelloran/latest/manifest.json, the bundle that it names after its digest, and the same bytes as config.tar.gz.
 // The manifest comes last and in one step, and the bundle that the previous one named stays: a client that asks
 // meanwhile gets one or the other, whole. Nothing is written when anything is wrong, and the client's own checks are
-// part of that. `cardTable`: see SourceFolder. Errors: everything that is wrong, each in a sentence.
+// part of that. `cardTable` and `cardLists`: see SourceFolder. Errors: everything that is wrong, each in a sentence.
 std::expected<Publication, QStringList> publish(const QString& source, const QString& target,
-                                                const std::optional<QString>& cardTable);
+                                                const std::optional<QString>& cardTable,
+                                                const QStringList& cardLists = {});
 
 } // namespace pelloran

@@ -3,7 +3,9 @@
 #include "data/CardFile.h"
 #include "data/DataFiles.h"
 #include "data/WinrateFields.h"
+#include "publish/CardLists.h"
 #include "publish/CardTable.h"
+#include "publish/FilledFiles.h"
 #include "sync/LocalConfig.h"
 
 #include <QDir>
@@ -40,8 +42,9 @@ bool isPlainName(const QString& name) {
 // Gathers what is to be published, and all that is wrong with it.
 class Reader {
 public:
-    explicit Reader(const QString& root)
-        : folder(root) {}
+    Reader(const QString& root, const CardLists& cardLists)
+        : folder(root)
+        , lists(cardLists) {}
 
     void readFolder(const QString& below) {
         const QDir directory(folder + u'/' + below);
@@ -75,16 +78,38 @@ public:
             return;
         }
         const QDateTime modified = modifiedAt(QFileInfo(table));
-        auto file = cardFileFromTable(*bytes, isoTime(modified));
-        if (!file) {
-            for (const QString& each : file.error()) {
+        auto cards = cardsFromTable(*bytes, isoTime(modified), lists);
+        if (!cards) {
+            for (const QString& each : cards.error()) {
                 problem(table, each);
             }
             return;
         }
+        for (const QString& each : cards->remarks) {
+            remark(table, each);
+        }
         const QString path = cardFilePaths().first();
         std::erase_if(files, [&](const SourceFile& each) { return each.path == path; });
-        files.push_back({path, *std::move(file), modified});
+        files.push_back({path, std::move(cards->file), modified});
+    }
+
+    void fillCardFiles() {
+        for (SourceFile& file : files) {
+            if (!cardFilePaths().contains(file.path)) {
+                continue;
+            }
+            auto filled = filledCardFile(file.bytes, lists);
+            if (!filled) {
+                for (const QString& each : filled.error()) {
+                    problem(file.path, each);
+                }
+                continue;
+            }
+            for (const QString& each : filled->remarks) {
+                remark(file.path, each);
+            }
+            file.bytes = std::move(filled->bytes);
+        }
     }
 
     void check() {
@@ -187,19 +212,26 @@ private:
     }
 
     QString folder;
+    const CardLists& lists;
 };
 
 } // namespace
 
-std::expected<SourceFolder, QStringList> SourceFolder::read(const QString& folder,
-                                                            const std::optional<QString>& cardTable) {
+std::expected<SourceFolder, QStringList>
+SourceFolder::read(const QString& folder, const std::optional<QString>& cardTable, const QStringList& cardLists) {
     if (!QFileInfo(folder).isDir()) {
         return std::unexpected(QStringList{folder + u": there is no such folder"_s});
     }
-    Reader reader(folder);
+    const auto lists = CardLists::read(cardLists);
+    if (!lists) {
+        return std::unexpected(lists.error());
+    }
+    Reader reader(folder, *lists);
     reader.readFolder({});
     if (cardTable) {
         reader.readCardTable(*cardTable);
+    } else {
+        reader.fillCardFiles();
     }
     if (reader.problems.isEmpty()) {
         reader.check();

@@ -141,6 +141,20 @@ TEST(CommandLine, TakesTheFoldersOfAPublication) {
     EXPECT_EQ(plain.target, QStringLiteral("www"));
     EXPECT_EQ(plain.cardTable, std::nullopt);
     EXPECT_EQ(parsed<PublishData>("publish data --cards cards.csv www").cardTable, QStringLiteral("cards.csv"));
+    EXPECT_EQ(plain.cardLists, QStringList());
+}
+
+TEST(CommandLine, TakesListsOfCardsOneByOneOrAllAtOnce) {
+    const QStringList two{QStringLiteral("enUS.json"), QStringLiteral("zhCN=b.json")};
+    for (const char* line :
+         {"publish data www --names enUS.json --names zhCN=b.json", "publish data www --names enUS.json zhCN=b.json",
+          "publish --names=enUS.json data www zhCN=b.json"}) {
+        SCOPED_TRACE(line);
+        const auto publication = parsed<PublishData>(line);
+        EXPECT_EQ(publication.source, QStringLiteral("data"));
+        EXPECT_EQ(publication.target, QStringLiteral("www"));
+        EXPECT_EQ(publication.cardLists, two);
+    }
 }
 
 TEST(CommandLine, TakesWhatIsSaidOfARelease) {
@@ -205,6 +219,7 @@ TEST(CommandLine, RefusesWhatDoesNotFit) {
         {"no text", "match --classes", "text"},
         {"nowhere to publish", "publish data", "publish needs"},
         {"two places to publish", "publish data www more", "publish needs"},
+        {"a list of cards and nowhere to publish", "publish data --names a.json", "publish needs"},
         {"a release of no version", "release-info --dmg a.dmg", "--version"},
         {"a build that is no number", "release-info --version 1 --build 1a", "--build"},
         {"a build too large", "release-info --version 1 --build 9223372036854775808", "--build"},

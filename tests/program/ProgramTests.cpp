@@ -382,6 +382,24 @@ TEST_F(ProgramTest, PublishesNothingThatItsOwnReaderRefuses) {
     EXPECT_FALSE(QFile::exists(path("www")));
 }
 
+TEST_F(ProgramTest, PublishesATableThatHasOnlyFiguresWithTheNamesOfLists) {
+    QDir(path("source")).mkpath(QStringLiteral("."));
+    const QString table = write("cards.csv", "dbf_id,deck_win_rate\n11,51.5\n12,52.5\n");
+    const QString names = write("enUS.json", R"([{"id": "OWN_1", "dbfId": 11, "name": "Tin Heron", "cost": 2}])");
+    const QStringList words{QStringLiteral("publish"), path("source"), path("www"), QStringLiteral("--cards"), table,
+                            QStringLiteral("--names"), names};
+    const ProgramOutput answer = run(words);
+    EXPECT_EQ(answer.exitCode, 0);
+    EXPECT_TRUE(
+        answer.standardError.contains("cards.csv: in none of the lists of cards: line 3 (dbf_id 12, left out)\n"))
+        << answer.standardError.toStdString();
+    EXPECT_TRUE(QFile::exists(path("www/pelloran/latest/manifest.json")));
+    write("enUS.json", R"([{"id": "OWN_1", "dbfId": "11"}])");
+    const ProgramOutput broken = run(words);
+    EXPECT_EQ(broken.exitCode, 1);
+    EXPECT_EQ(broken.standardError, QByteArray("[Pelloran] ") + names.toUtf8() + ": [0].dbfId is not a whole number\n");
+}
+
 TEST_F(ProgramTest, DescribesAReleaseThatItThenOffers) {
     const QString image = write("Pelloran-999.1.dmg", "image");
     const QString notes = write("notes.txt", "New: everything.\n");

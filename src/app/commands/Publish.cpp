@@ -25,7 +25,7 @@ void logEach(const QStringList& sentences) {
 } // namespace
 
 int run(const PublishData& command) {
-    const auto published = publish(command.source, command.target, command.cardTable);
+    const auto published = publish(command.source, command.target, command.cardTable, command.cardLists);
     if (!published) {
         logEach(published.error());
         return EXIT_FAILURE;

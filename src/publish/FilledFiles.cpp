@@ -1,0 +1,102 @@
+#include "publish/FilledFiles.h"
+
+#include "data/WinrateFields.h"
+#include "json/StrictJson.h"
+#include "publish/CardLists.h"
+#include "publish/Problem.h"
+
+#include <QJsonDocument>
+
+#include <optional>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace pelloran {
+
+namespace {
+
+constexpr QLatin1StringView idKey = "card_id"_L1;
+
+// The file with what `change` makes of its top level; the very bytes where that is nothing new.
+template <typename Change>
+QByteArray changed(const QByteArray& json, Change change) {
+    const auto parsed = strict_json::parse(json);
+    if (!parsed || !parsed->isObject()) {
+        return json;
+    }
+    const QJsonObject before = parsed->toObject();
+    const QJsonObject after = change(before);
+    return after == before ? json : QJsonDocument(after).toJson(QJsonDocument::Compact);
+}
+
+// Absent for a row that cannot be told from others.
+std::optional<QJsonObject> filledRow(QJsonObject row, const QString& place, Joining& joining) {
+    const auto dbfId = strict_json::decode<std::optional<qint64>>(row.value("dbf_id"_L1));
+    if (dbfId && *dbfId && row.value(idKey).toString().isEmpty()) {
+        row.insert(idKey, QString());
+    }
+    auto card = strict_json::decode<CardStats>(row);
+    if (!card || (card->cardId.isEmpty() && !(dbfId && *dbfId))) {
+        return row;
+    }
+    if (!joining.join(*card, dbfId.value_or(std::nullopt), place)) {
+        return std::nullopt;
+    }
+    const QJsonObject filled = strict_json::encode(*card);
+    for (auto field = filled.begin(); field != filled.end(); ++field) {
+        row.insert(field.key(), field.value());
+    }
+    return row;
+}
+
+QJsonValue filledRows(const QJsonValue& value, const QString& place, Joining& joining) {
+    if (!value.isArray()) {
+        return value;
+    }
+    QJsonArray rows;
+    const QJsonArray before = value.toArray();
+    for (qsizetype index = 0; index < before.size(); ++index) {
+        const QJsonValue row = before.at(index);
+        if (!row.isObject()) {
+            rows.append(row);
+        } else if (const auto filled = filledRow(row.toObject(), u"%1[%2]"_s.arg(place).arg(index), joining)) {
+            rows.append(*filled);
+        }
+    }
+    return rows;
+}
+
+} // namespace
+
+std::expected<FilledFile, QStringList> filledCardFile(const QByteArray& json, const CardLists& lists) {
+    if (lists.isEmpty()) {
+        return FilledFile{json, {}};
+    }
+    Joining joining(lists);
+    QByteArray bytes = changed(json, [&](QJsonObject file) {
+        if (file.contains("cards"_L1)) {
+            file.insert("cards"_L1, filledRows(file.value("cards"_L1), u"cards"_s, joining));
+        }
+        if (file.value("classes"_L1).isObject()) {
+            QJsonObject classes = file.value("classes"_L1).toObject();
+            for (auto each = classes.begin(); each != classes.end(); ++each) {
+                const QString place = u"classes."_s + each.key();
+                if (QJsonObject perClass = each.value().toObject(); perClass.contains("cards"_L1)) {
+                    perClass.insert("cards"_L1, filledRows(perClass.value("cards"_L1), place + u".cards"_s, joining));
+                    each.value() = perClass;
+                } else {
+                    each.value() = filledRows(each.value(), place, joining);
+                }
+            }
+            file.insert("classes"_L1, classes);
+        }
+        return file;
+    });
+    if (joining.joinedNone()) {
+        return problem(u"none of its cards is in the lists of cards"_s);
+    }
+    return FilledFile{std::move(bytes), joining.remarks()};
+}
+
+} // namespace pelloran
