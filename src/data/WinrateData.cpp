@@ -102,7 +102,10 @@ std::vector<NamedClass> namedClasses(const ClassesByKey& classes) {
     std::vector<NamedClass> named;
     named.reserve(classes.size());
     for (const auto& [key, row] : classes) {
-        named.push_back({key, {row.nameZh, row.displayName(AppLanguage::en)}});
+        named.push_back({key, {row.nameZh, row.displayName(AppLanguage::en)}, {}});
+        for (const QString& hero : row.heroNames.value_or(std::vector<QString>())) {
+            named.back().heroNames.append(hero);
+        }
     }
     return named;
 }
@@ -169,6 +172,9 @@ ClassData indexed(const ClassWinrateFile& file) {
     std::vector<KnownName> texts;
     for (const QString& text : data.index.texts()) {
         texts.push_back({text, {}});
+    }
+    for (const QString& hero : data.index.heroTexts()) {
+        texts.push_back({hero, {}, true});
     }
     data.lexicon = std::make_shared<const Lexicon>(std::move(texts), Lexicon::forClasses);
     data.description = u"classes "_s + QString::number(data.byKey.size()) + u" / "_s + file.fetchedAt.value_or(u"?"_s);

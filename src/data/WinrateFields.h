@@ -64,6 +64,7 @@ inline constexpr std::tuple fields<ClassWinrateRow>{
     Percentage{"pct_7_plus"_L1, &ClassWinrateRow::pct7Plus},
     Field{"num_drafts"_L1, &ClassWinrateRow::numDrafts},
     Field{"rank"_L1, &ClassWinrateRow::rank},
+    Field{"hero_names"_L1, &ClassWinrateRow::heroNames},
 };
 
 template <>

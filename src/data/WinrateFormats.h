@@ -78,6 +78,8 @@ struct ClassWinrateRow {
     std::optional<double> pct7Plus; // share of runs with seven or more wins
     std::optional<qint64> numDrafts;
     std::optional<qint64> rank; // 1 is best
+    // What the game's screens may have in place of the class, in any language.
+    std::optional<std::vector<QString>> heroNames = {}; // NOLINT(readability-redundant-member-init): may be left out
 
     // English: the English name unless empty. Chinese: the Chinese name unless empty, else the English one even if it
     // is empty. Without one, the known English name of the class, else `playerClass`.

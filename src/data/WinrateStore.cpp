@@ -71,4 +71,8 @@ std::optional<ClassMatch> WinrateStore::matchClass(const QStringList& lines, Nam
     return classes.index.bestMatch(lines, lengths);
 }
 
+std::optional<ClassMatch> WinrateStore::matchHero(const QString& line, NameLengths lengths) const {
+    return classes.index.heroNamed(line, lengths);
+}
+
 } // namespace pelloran

@@ -57,6 +57,9 @@ public:
     // See ClassNameIndex::bestMatch.
     std::optional<ClassMatch> matchClass(const QStringList& lines, NameLengths lengths = NameLengths::limited) const;
 
+    // See ClassNameIndex::heroNamed.
+    std::optional<ClassMatch> matchHero(const QString& line, NameLengths lengths = NameLengths::limited) const;
+
     // Every card by its identifier. What is returned here and below holds until the next load.
     const std::unordered_map<QString, CardStats>& byId() const { return cards.byId; }
 
@@ -80,7 +83,7 @@ public:
     bool holdsSampleData() const { return cards.isSample; }
 
     // For settling what was read: every name of a card, with the kinds of all cards that bear it, and everything that
-    // names a class, at its full length. Never null, and left alone by later loads.
+    // names a class or its heroes, at its full length. Never null, and left alone by later loads.
     std::shared_ptr<const Lexicon> cardLexicon() const { return cards.lexicon; }
 
     std::shared_ptr<const Lexicon> classLexicon() const { return classes.lexicon; }

@@ -23,6 +23,16 @@ ClassNameIndex::ClassNameIndex(const std::vector<NamedClass>& classes) {
             nicknames.emplace(nickname, key);
         }
     }
+    for (const NamedClass& each : classes) {
+        for (const QString& name : each.heroNames) {
+            if (const QString norm = normalize(name); !norm.isEmpty()) {
+                const auto [hero, isNew] = heroes.try_emplace(norm, Hero{name, each.key});
+                if (!isNew && hero->second.key != each.key) {
+                    hero->second.key.clear();
+                }
+            }
+        }
+    }
 }
 
 void ClassNameIndex::add(const QString& name, const QString& key) {
@@ -64,6 +74,26 @@ std::optional<ClassMatch> ClassNameIndex::bestMatch(const QStringList& lines, Na
         }
     }
     return best;
+}
+
+std::optional<ClassMatch> ClassNameIndex::heroNamed(const QString& line, NameLengths lengths) const {
+    const QString norm = normalize(line);
+    const auto hero = heroes.find(norm);
+    const bool tooLong = lengths == NameLengths::limited && characterCount(norm) >= classQueryLimit;
+    if (hero == heroes.end() || hero->second.key.isEmpty() || tooLong) {
+        return std::nullopt;
+    }
+    return ClassMatch{hero->second.key, 1.0, line};
+}
+
+QStringList ClassNameIndex::heroTexts() const {
+    QStringList texts;
+    for (const auto& [norm, hero] : heroes) {
+        if (!hero.key.isEmpty()) {
+            texts += hero.text;
+        }
+    }
+    return texts;
 }
 
 QStringList ClassNameIndex::texts() const {

@@ -24,6 +24,7 @@ struct ClassMatch {
 struct NamedClass {
     QString key; // in upper case
     QStringList names;
+    QStringList heroNames = {}; // of its heroes. NOLINT(readability-redundant-member-init): may be left out
 };
 
 // Everything the classes are called, ready to be searched. Immutable once made; from any thread.
@@ -36,6 +37,13 @@ public:
     // if it reaches NameMatching::classThreshold; a nickname beats it where it scores less. Of equal scores the
     // earliest line wins, then the name that comes first: all names in the order given, then all keys.
     std::optional<ClassMatch> bestMatch(const QStringList& lines, NameLengths lengths = NameLengths::limited) const;
+
+    // The class whose hero has this name, all of it; none for a name that heroes of several classes have. For lines
+    // where no class stands.
+    std::optional<ClassMatch> heroNamed(const QString& line, NameLengths lengths = NameLengths::limited) const;
+
+    // Names of heroes of one class alone, as they were given.
+    QStringList heroTexts() const;
 
     // Everything by which a class can be named, as it was given: names, then keys, then nicknames. Too long ones too.
     QStringList texts() const;
@@ -53,6 +61,13 @@ private:
     CharacterTable table;
     std::vector<Candidate> candidates;
     std::map<QString, QString> nicknames; // which normalising leaves as they are, to the class's key
+
+    struct Hero {
+        QString text;
+        QString key; // "" for a name that several classes have
+    };
+
+    std::map<QString, Hero> heroes; // by the normalised name
 };
 
 } // namespace pelloran

@@ -152,6 +152,7 @@ struct Lexicon::Index {
     struct Entry {
         const KnownName* name; // the first of them
         NameKinds kinds;       // of any; all where they are not known
+        bool isStrict;         // of all
     };
 
     static constexpr std::size_t several = std::numeric_limits<std::size_t>::max();
@@ -194,10 +195,11 @@ Lexicon::Index::Index(const std::vector<KnownName>& names) {
         const NameKinds kinds = name.kinds ? name.kinds : allKinds;
         if (const auto same = byNormalized.constFind(normalized); same != byNormalized.cend()) {
             entries[*same].kinds |= kinds;
+            entries[*same].isStrict = entries[*same].isStrict && name.isStrict;
             continue;
         }
         const std::size_t entry = entries.size();
-        entries.push_back({&name, kinds});
+        entries.push_back({&name, kinds, name.isStrict});
         byNormalized.insert(normalized, entry);
         std::vector<std::uint32_t>& sameLength = normalizedByLength[static_cast<std::size_t>(normalized.size())];
         for (const QChar character : normalized) {
@@ -272,8 +274,14 @@ std::optional<Lexicon::Settled> Lexicon::Index::nearest(const QString& folded,
                                                         NameKinds fitting, const Tolerance& nearEnough) const {
     // Names near enough for their own length. Those about as long as the reading first: they set the mark that the
     // others have to reach. A line much longer than all names ends here, whatever its length.
+    const bool isChinese = &among == &chineseByLength;
     const auto greatest = [&](std::size_t nameLength) {
         return inHalves(std::min(nearEnough.perCharacter * static_cast<double>(nameLength), greatestDistance));
+    };
+    const auto greatestStrict = [&](std::size_t nameLength) {
+        const double strict = isChinese ? chineseTolerance : forCards.perCharacter;
+        const double perCharacter = std::min(nearEnough.perCharacter, strict);
+        return inHalves(std::min(perCharacter * static_cast<double>(nameLength), greatestDistance));
     };
     const std::u16string_view reading = view(folded);
     std::vector<std::pair<Halves, const FoldedNames*>> groups;
@@ -293,7 +301,9 @@ std::optional<Lexicon::Settled> Lexicon::Index::nearest(const QString& folded,
     for (const auto& [least, names] : groups) {
         for (std::size_t i = 0; i < names->entries.size() && least < best; ++i) {
             // Of two as near neither wins, as the second search will find.
-            if (const auto found = distance(query, *names, i, std::min(greatest(names->length), best - 1))) {
+            const bool isStrict = entries[names->entries[i]].isStrict;
+            const Halves mine = isStrict ? greatestStrict(names->length) : greatest(names->length);
+            if (const auto found = distance(query, *names, i, std::min(mine, best - 1))) {
                 best = *found;
                 bestEntry = names->entries[i];
             }
@@ -350,6 +360,15 @@ const std::vector<KnownName>& Lexicon::names() const {
 
 bool Lexicon::contains(const QString& line) const {
     return contents && contents->index().byNormalized.contains(NameMatching::normalize(line));
+}
+
+bool Lexicon::isStrict(const QString& line) const {
+    if (!contents) {
+        return false;
+    }
+    const Index& index = contents->index();
+    const auto same = index.byNormalized.constFind(NameMatching::normalize(line));
+    return same != index.byNormalized.cend() && index.entries[*same].isStrict;
 }
 
 std::optional<Lexicon::Settled> Lexicon::settle(const QString& line, NameKinds fitting) const {

@@ -19,6 +19,8 @@ Q_DECLARE_OPERATORS_FOR_FLAGS(NameKinds)
 struct KnownName {
     QString text;    // as the data files have it
     NameKinds kinds; // of the cards that bear it; none: not known, or no card's, and so any
+    // One of many that may not all be known: settled as names of cards are, where the lexicon forgives more.
+    bool isStrict = false;
 
     bool operator==(const KnownName&) const = default;
 };
@@ -61,6 +63,9 @@ public:
 
         bool operator==(const Settled&) const = default;
     };
+
+    // Whether the name that the line is, as for contains(), is a strict one.
+    bool isStrict(const QString& line) const;
 
     // The one name that `line` can be. One that is spelled alike, as for contains(), or but for accents and whatever is
     // no letter or digit; none where it could then be either of two. Else the nearest one, of those with Chinese

@@ -16,6 +16,7 @@ namespace pelloran {
 
 namespace {
 
+constexpr QLatin1StringView heroesKey = "hero_names"_L1;
 constexpr QLatin1StringView idKey = "card_id"_L1;
 
 // The file with what `change` makes of its top level; the very bytes where that is nothing new.
@@ -97,6 +98,29 @@ std::expected<FilledFile, QStringList> filledCardFile(const QByteArray& json, co
         return problem(u"none of its cards is in the lists of cards"_s);
     }
     return FilledFile{std::move(bytes), joining.remarks()};
+}
+
+QByteArray filledClassFile(const QByteArray& json, const CardLists& lists) {
+    if (lists.isEmpty()) {
+        return json;
+    }
+    return changed(json, [&](QJsonObject file) {
+        QJsonArray rows = file.value("classes"_L1).toArray();
+        for (QJsonValueRef each : rows) {
+            QJsonObject row = each.toObject();
+            const QJsonValue own = row.value(heroesKey);
+            const QString playerClass = row.value("player_class"_L1).toString();
+            const QStringList names = playerClass.isEmpty() ? QStringList() : lists.heroNames(playerClass);
+            if ((own.isNull() || own.isUndefined()) && !names.isEmpty()) {
+                row.insert(heroesKey, QJsonArray::fromStringList(names));
+                each = row;
+            }
+        }
+        if (!rows.isEmpty()) {
+            file.insert("classes"_L1, rows);
+        }
+        return file;
+    });
 }
 
 } // namespace pelloran

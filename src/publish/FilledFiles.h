@@ -19,4 +19,7 @@ struct FilledFile {
 // decoder takes, it stays as it is. Errors: no row is in any list. Without a list all stays as it is.
 std::expected<FilledFile, QStringList> filledCardFile(const QByteArray& json, const CardLists& lists);
 
+// A class file, whose rows get the names of the heroes of their classes.
+QByteArray filledClassFile(const QByteArray& json, const CardLists& lists);
+
 } // namespace pelloran

@@ -93,6 +93,14 @@ public:
         files.push_back({path, std::move(cards->file), modified});
     }
 
+    void fillClassFiles() {
+        for (SourceFile& file : files) {
+            if (classFilePaths().contains(file.path)) {
+                file.bytes = filledClassFile(file.bytes, lists);
+            }
+        }
+    }
+
     void fillCardFiles() {
         for (SourceFile& file : files) {
             if (!cardFilePaths().contains(file.path)) {
@@ -228,6 +236,7 @@ SourceFolder::read(const QString& folder, const std::optional<QString>& cardTabl
     }
     Reader reader(folder, *lists);
     reader.readFolder({});
+    reader.fillClassFiles();
     if (cardTable) {
         reader.readCardTable(*cardTable);
     } else {

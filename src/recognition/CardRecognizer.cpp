@@ -30,6 +30,10 @@ constexpr double enlargement = 1.5;
 // Scores this close are equally good.
 constexpr double heroTieMargin = 0.02;
 
+// Lines that stand so near to each other below heroes belong to one: even on the widest windows the next hero is twice
+// as far.
+constexpr double heroColumn = 0.05;
+
 constexpr double oneThird = 1.0 / 3.0;
 constexpr double twoThirds = 2.0 / 3.0;
 
@@ -83,6 +87,16 @@ std::vector<RecognitionCandidate> merge(const std::vector<RecognitionCandidate>&
         }
     }
     return merged;
+}
+
+DraftSlot nearestColumn(double midX, const std::array<double, 3>& columns) {
+    const auto slots = DraftSlot::allCases();
+    return *std::ranges::min_element(slots, {}, [&](DraftSlot slot) { return std::abs(midX - columns[slot]); });
+}
+
+bool isSameColumn(double midX, double otherX, const ReadText& text) {
+    return text.columns ? nearestColumn(midX, *text.columns) == nearestColumn(otherX, *text.columns)
+                        : std::abs(midX - otherX) < heroColumn;
 }
 
 DraftSlot slotOfSingle(double midX) {
@@ -178,6 +192,7 @@ std::vector<SlotMatch> CardRecognizer::recognizeCards(const ReadText& text) cons
 
 std::vector<SlotMatch> CardRecognizer::recognizeHeroes(const ReadText& text) const {
     std::vector<RecognitionCandidate> candidates;
+    std::vector<RecognitionCandidate> byHero;
     for (const OCRToken& token : text.tokens) {
         if (!heroes.holds(token)) {
             continue;
@@ -185,8 +200,17 @@ std::vector<SlotMatch> CardRecognizer::recognizeHeroes(const ReadText& text) con
         const auto match = store.matchClass({token.text}, lengths);
         if (match && match->score >= minimumScore) {
             candidates.push_back(candidate(match->key, *match, token));
+        } else if (const auto hero = store.matchHero(token.text, lengths)) {
+            byHero.push_back(candidate(hero->key, *hero, token));
         }
     }
+    // Newer screens have heroes by their names alone. Where the class is printed too, that is what counts.
+    std::erase_if(byHero, [&](const RecognitionCandidate& hero) {
+        return std::ranges::any_of(candidates, [&](const RecognitionCandidate& named) {
+            return named.id == hero.id || isSameColumn(named.midX, hero.midX, text);
+        });
+    });
+    candidates.insert(candidates.end(), byHero.begin(), byHero.end());
     return assign(mergeHeroes(candidates), text, QStringLiteral("class-layout"));
 }
 
@@ -261,9 +285,7 @@ std::vector<SlotMatch> assignToColumns(const std::vector<RecognitionCandidate>& 
     const double reach = (columns[2] - columns[0]) / 4;
     std::vector<SlotMatch> matches = withoutMatches(methodPrefix, candidates.empty());
     for (const RecognitionCandidate& candidate : candidates) {
-        const auto slots = DraftSlot::allCases();
-        const DraftSlot nearest = *std::ranges::min_element(
-            slots, {}, [&](DraftSlot slot) { return std::abs(candidate.midX - columns[slot]); });
+        const DraftSlot nearest = nearestColumn(candidate.midX, columns);
         SlotMatch& match = matches[nearest];
         if (std::abs(candidate.midX - columns[nearest]) < reach &&
             (!match.cardId || candidate.score > match.confidence)) {

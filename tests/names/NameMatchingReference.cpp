@@ -133,12 +133,12 @@ std::optional<ClassMatch> matchClass(const std::vector<NamedClass>& classes, con
     };
 
     std::vector<Candidate> candidates;
-    for (const auto& [key, names] : classes) {
+    for (const auto& [key, names, heroNames] : classes) {
         for (const QString& name : names) {
             candidates.push_back({normalize(name), key});
         }
     }
-    for (const auto& [key, names] : classes) {
+    for (const auto& [key, names, heroNames] : classes) {
         candidates.push_back({normalize(key), key});
     }
 

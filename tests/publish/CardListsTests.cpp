@@ -342,6 +342,29 @@ TEST_F(CardListsTest, KnowsTheHeroesOfAClass) {
     EXPECT_EQ(lists->heroNames(QStringLiteral("mage")), mages) << "a name that two classes have tells neither";
     EXPECT_EQ(lists->heroNames(QStringLiteral("ROGUE")), QStringList{QStringLiteral("Bo Sly")});
     EXPECT_EQ(lists->heroNames(QStringLiteral("PRIEST")), QStringList());
+
+    struct Case {
+        const char* why;
+        QByteArray before;
+        QByteArray after;
+    };
+
+    const Case cases[] = {
+        {"filled in", R"({"classes": [{"player_class": "Rogue", "name_zh": "x", "own": 1}], "fetched_at": "y"})",
+         R"({"classes":[{"hero_names":["Bo Sly"],"name_zh":"x","own":1,"player_class":"Rogue"}],"fetched_at":"y"})"},
+        {"its own names stay", R"({"classes": [{"player_class": "ROGUE", "hero_names": []}]})",
+         R"({"classes": [{"player_class": "ROGUE", "hero_names": []}]})"},
+        {"no hero of that class", R"({"classes": [{"player_class": "PRIEST"}]})",
+         R"({"classes": [{"player_class": "PRIEST"}]})"},
+        {"left to the decoder", R"({"classes": [3, {"name_zh": "x"}]})", R"({"classes": [3, {"name_zh": "x"}]})"},
+        {"no rows", R"({"classes": {}})", R"({"classes": {}})"},
+        {"no JSON", "[", "["},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        EXPECT_EQ(filledClassFile(c.before, *lists), c.after);
+        EXPECT_EQ(filledClassFile(c.before, {}), c.before);
+    }
 }
 
 } // namespace

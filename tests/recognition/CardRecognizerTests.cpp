@@ -63,6 +63,18 @@ protected:
     CardRecognizer recognizer{sample.store};
 };
 
+class HeroNamesTest : public ::testing::Test {
+protected:
+    // Mages and rogues share a hero, and a druid is called as a class is.
+    SampleStore sample{cardFile, R"({"classes": [
+        {"player_class": "MAGE", "name_zh": "法师", "name_en": "Mage", "hero_names": ["Ada Quillfeather", "艾达·羽笔",
+         "The Guest"]},
+        {"player_class": "ROGUE", "name_zh": "潜行者", "name_en": "Rogue", "hero_names": ["Bo Sly", "the guest", ""]},
+        {"player_class": "DRUID", "name_zh": "德鲁伊", "name_en": "Druid", "hero_names": ["Rogue"]}
+    ]})"};
+    CardRecognizer recognizer{sample.store, NameLengths::limitedUnlessExact};
+};
+
 using AssignToSlots = ::testing::Test;
 
 RecognitionCandidate candidate(const char* id, double midX, double score = 0.9, double midY = 0.5) {
@@ -423,6 +435,66 @@ TEST_F(CardRecognizerTest, HintsCarryTheNamesInUseEvenAfterAReload) {
     EXPECT_TRUE(before.names->contains(QStringLiteral("Fireball"))) << "a snapshot never changes";
     EXPECT_FALSE(recognizer.cardHints().names->contains(QStringLiteral("Fireball")));
     EXPECT_TRUE(recognizer.cardHints().names->contains(QStringLiteral("newcomer")));
+}
+
+TEST_F(HeroNamesTest, TellTheClassWhereNoLineDoes) {
+    struct Case {
+        const char* why;
+        std::vector<OCRToken> tokens;
+        const char* slots;
+    };
+
+    const Case cases[] = {
+        {"heroes by name alone",
+         {token("Ada Quillfeather", 0.2), token("Bo Sly", 0.5), token("DRUID", 0.8)},
+         "MAGE ROGUE DRUID"},
+        {"in any language, whatever stands between", {token("艾达 羽笔", 0.5)}, "- MAGE -"},
+        {"in capitals", {token("ADA QUILLFEATHER", 0.5)}, "- MAGE -"},
+        {"the class printed below counts", {token("Bo Sly", 0.2), token("Mage", 0.22, 0.53)}, "MAGE - -"},
+        {"also where it was read first", {token("Mage", 0.22, 0.53), token("Bo Sly", 0.2)}, "MAGE - -"},
+        {"the class printed in another column does not", {token("Bo Sly", 0.2), token("Mage", 0.8)}, "ROGUE - MAGE"},
+        {"a class stands where it is printed, not where its hero is",
+         {token("Ada Quillfeather", 0.2), token("Mage", 0.8)},
+         "- - MAGE"},
+        {"no part of a name", {token("Ada", 0.5), token("Quillfeather", 0.2)}, "- - -"},
+        {"not a name that is nearly one", {token("Ada Quillfeathet", 0.5)}, "- - -"},
+        {"a name that two classes have tells neither", {token("The Guest", 0.5)}, "- - -"},
+        {"a hero called as a class is that class", {token("Rogue", 0.5)}, "- ROGUE -"},
+        {"outside the band", {token("Bo Sly", 0.5, 0.9)}, "- - -"},
+        {"nothing left of the line", {token("!?", 0.5)}, "- - -"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        EXPECT_EQ(idsBySlot(recognizer.recognizeHeroes(lines(c.tokens))), words(c.slots));
+    }
+    const auto match = recognizer.recognizeHeroes(lines({token("Bo Sly", 0.5)}))[DraftSlot::middle];
+    EXPECT_EQ(match.confidence, 1.0);
+    EXPECT_EQ(match.ocrText, QStringLiteral("Bo Sly"));
+    EXPECT_EQ(match.method, QStringLiteral("class-layout"));
+}
+
+TEST_F(HeroNamesTest, ColumnsAreThePlacesWhereThoseAreKnown) {
+    const ReadText text{
+        {token("Bo Sly", 0.28), token("Mage", 0.34), token("Ada Quillfeather", 0.66)}, {}, std::array{0.31, 0.5, 0.69}};
+    EXPECT_EQ(idsBySlot(recognizer.recognizeHeroes(text)), words("MAGE - -"))
+        << "the line beside is the same hero's, and a class is offered once";
+}
+
+TEST_F(HeroNamesTest, LongOnesAreLeftOutWhereLengthsAreStrict) {
+    const CardRecognizer strict{sample.store};
+    EXPECT_EQ(idsBySlot(strict.recognizeHeroes(lines({token("Ada Quillfeather", 0.2), token("Bo Sly", 0.5)}))),
+              words("- ROGUE -"));
+}
+
+TEST_F(HeroNamesTest, TheReaderKnowsThemButTakesNoOtherForOne) {
+    const auto names = sample.store.classLexicon();
+    EXPECT_EQ(names->settle(QStringLiteral("Ada Quilfeather")).value().text, QStringLiteral("Ada Quillfeather"));
+    EXPECT_EQ(names->settle(QStringLiteral("Ada Quilfoaxhor")), std::nullopt)
+        << "as for cards, of which some are missing";
+    EXPECT_TRUE(names->isStrict(QStringLiteral("ada quillfeather")));
+    EXPECT_FALSE(names->isStrict(QStringLiteral("Mage")));
+    EXPECT_FALSE(names->isStrict(QStringLiteral("Rogue"))) << "a class first of all";
+    EXPECT_FALSE(names->contains(QStringLiteral("The Guest"))) << "who could be either";
 }
 
 } // namespace

@@ -190,6 +190,7 @@ ScreenSeries::Plot ScreenSeries::plotOf(int number) const {
     plot.production.language = wishes.language.value_or(chineseByChance ? Language::chinese : Language::english);
     plot.lettering =
         wishes.lettering.value_or(clericalByChance ? ChineseLettering::clerical : ChineseLettering::printed);
+    plot.production.heroesByName = wishes.heroesByName;
     plot.production.seed = static_cast<quint32>(random());
     const Language language = plot.production.language;
 

@@ -24,6 +24,7 @@ struct SeriesWishes {
     std::optional<Language> language = std::nullopt;
     std::optional<Look> look = std::nullopt;
     std::optional<ChineseLettering> lettering = std::nullopt;
+    bool heroesByName = false; // see Production
 };
 
 // Screens as they occur during drafts, in turn: card picks, hero picks, and what comes between and around them. Each

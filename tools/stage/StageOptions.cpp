@@ -98,6 +98,7 @@ const std::map<QString, std::variant<Flag, Setting>>& knownOptions() {
         {QStringLiteral("--list-scenarios"), flag(&StageOptions::listScenarios)},
         {QStringLiteral("--loop"), flag(&StageOptions::loop)},
         {QStringLiteral("--full-screen"), flag(&StageOptions::fullScreen)},
+        {QStringLiteral("--heroes-by-name"), flag(&StageOptions::heroesByName)},
         {QStringLiteral("--steps-on-stdin"), flag(&StageOptions::stepsOnStdin)},
         {QStringLiteral("--exit-at-end"), flag(&StageOptions::exitAtEnd)},
         {QStringLiteral("--scenario"), text(&StageOptions::scenario)},
@@ -175,6 +176,7 @@ written as the game writes them. Prints one JSON line for every step begun.
   --full-screen         fill the screen instead
   --language en|zh      of the texts (default: the scenario's own)
   --look old|new        how the game looked until 2024 or has since (default: the scenario's own, else new)
+  --heroes-by-name      no line tells the class of a hero on the new look
   --lettering printed|clerical  of Chinese: as in a book (default), or wide, flat and thin as on old inscriptions
   --speed FACTOR        2 is twice as fast
   --loop                begin again after the last step

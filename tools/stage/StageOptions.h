@@ -25,11 +25,12 @@ struct StageOptions {
     bool loop = false;
     quint32 seed = 1;
     bool fullScreen = false;
-    QString picture;      // "": a window
-    int step = 0;         // of the picture
-    QString paintScreens; // folder for a series of screens; "": none
-    int count = 24;       // of that series
-    QString cards;        // file of cards for it; "": the sample data
+    bool heroesByName = false; // see Production
+    QString picture;           // "": a window
+    int step = 0;              // of the picture
+    QString paintScreens;      // folder for a series of screens; "": none
+    int count = 24;            // of that series
+    QString cards;             // file of cards for it; "": the sample data
     bool stepsOnStdin = false;
     bool exitAtEnd = false;
 

@@ -188,7 +188,8 @@ int paintSeries(const StageOptions& options) {
                                                                               .size = options.size,
                                                                               .language = options.language,
                                                                               .look = options.look,
-                                                                              .lettering = options.lettering},
+                                                                              .lettering = options.lettering,
+                                                                              .heroesByName = options.heroesByName},
                                                                              std::move(cards));
     const std::optional<QString> problem =
         series ? series->write(options.paintScreens, options.count) : std::optional(series.error());
@@ -272,7 +273,8 @@ int run(int argc, char** argv) {
     }
     const Production production{.language = options->language.value_or(scenario->language),
                                 .look = options->look.value_or(scenario->look),
-                                .seed = options->seed};
+                                .seed = options->seed,
+                                .heroesByName = options->heroesByName};
     const std::expected<Lettering, QString> lettering =
         Lettering::create(production.language, options->lettering.value_or(ChineseLettering::printed));
     if (!lettering) {

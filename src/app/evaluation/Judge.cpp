@@ -28,6 +28,9 @@ Judge::Judge(const WinrateStore& winrates)
         add(classNames, key);
         add(classNames, row.displayName(AppLanguage::zh));
         add(classNames, row.displayName(AppLanguage::en));
+        for (const QString& hero : row.heroNames.value_or(std::vector<QString>())) {
+            add(classNames, hero);
+        }
     }
 }
 
@@ -41,6 +44,9 @@ std::optional<Judge::Known> Judge::known(const Truth& truth, const QString& id, 
         }
         found.shown = row->displayName(truth.language);
         names = {id, row->displayName(AppLanguage::zh), row->displayName(AppLanguage::en)};
+        for (const QString& hero : row->heroNames.value_or(std::vector<QString>())) {
+            names.append(hero);
+        }
     } else {
         const auto card = store.stats(id);
         if (!card) {

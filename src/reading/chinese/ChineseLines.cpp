@@ -1,6 +1,7 @@
 #include "reading/chinese/ChineseLines.h"
 
 #include <array>
+#include <functional>
 #include <span>
 
 namespace pelloran {
@@ -39,6 +40,18 @@ std::optional<Plane> lineOn(const RibbonLine& ribbon, const Plane& grey, const G
                        look.fromMiddle ? Extent{middle - stripRows / 3, middle + stripRows / 3} : seen, look.level);
 }
 
+// Names of which some may be missing are not taken as lightly as those that are all known.
+std::optional<ChineseReading> readStrictly(std::size_t count,
+                                           const std::function<std::optional<Plane>(std::size_t)>& sight,
+                                           const ChineseAcceptance& acceptance, ChineseLineReader& reader,
+                                           const Lexicon& names) {
+    auto reading = reader.read(count, sight, names, acceptance);
+    if (reading && reading->isName && names.isStrict(reading->text)) {
+        reading = reader.read(count, sight, names, ofChineseCards);
+    }
+    return reading;
+}
+
 } // namespace
 
 std::optional<ChineseReading> readRibbon(const RibbonLine& line, const Plane& grey, const GameFrame& frame,
@@ -73,9 +86,9 @@ std::optional<ChineseReading> readHeroLine(const HeroLine& line, ChineseLineRead
         return std::nullopt;
     }
     const Plane ink = resampled(cropped(line.ink, area), double(stripRows) / area.height());
-    return reader.read(
+    return readStrictly(
         heroLevels.size(), [&](std::size_t index) { return trimmedLine(ink, {0, ink.width}, heroLevels[index]); },
-        names, ofChineseClasses);
+        ofChineseClasses, reader, names);
 }
 
 std::optional<ChineseReading> readCleanLine(const CleanLine& line, const ChineseAcceptance& acceptance,
@@ -84,7 +97,7 @@ std::optional<ChineseReading> readCleanLine(const CleanLine& line, const Chinese
     for (std::uint8_t& pixel : ink.pixels) {
         pixel = std::uint8_t(255 - pixel);
     }
-    return reader.read(1, [&](std::size_t) { return trimmedLine(ink, {0, ink.width}); }, names, acceptance);
+    return readStrictly(1, [&](std::size_t) { return trimmedLine(ink, {0, ink.width}); }, acceptance, reader, names);
 }
 
 } // namespace pelloran

@@ -17,8 +17,8 @@ const QRectF portrait(-115, -298, 230, 264);
 
 } // namespace
 
-QString printedClassName(const HeroClass& hero, Language language) {
-    return hero.name.in(language).toUpper();
+QString HeroPainter::printedName(const HeroClass& hero) const {
+    return byName ? hero.heroName.in(language) : hero.name.in(language).toUpper();
 }
 
 QPainterPath HeroPainter::outline(std::size_t column) const {
@@ -35,12 +35,15 @@ QPainterPath HeroPainter::paint(QPainter& painter, const HeroClass& hero, std::s
     painter.restore();
 
     // Plain letters without an outline, unlike everything else on the screen. The game's new screen was seen without
-    // the line of the class; it stands here all the same, because without it nobody can tell the class.
+    // the line of the class; unless that is wished for it stands here all the same, because without it only who knows
+    // the heroes can tell the class.
     const QColor ink = plan.look() == Look::parchment ? inkBrown : salmon;
-    lettering.drawAlong(painter, hero.heroName.in(language), plan.heroNameBase(column), 240 * unit, Curve(),
-                        {.caps = heroNameCaps * unit, .fill = ink, .outlineWidth = 0});
-    return lettering.drawAlong(painter, printedClassName(hero, language), plan.classNameBase(column), 220 * unit,
-                               Curve(), {.caps = classNameCaps * unit, .fill = ink, .outlineWidth = 0});
+    const QPainterPath name =
+        lettering.drawAlong(painter, hero.heroName.in(language), plan.heroNameBase(column), 240 * unit, Curve(),
+                            {.caps = heroNameCaps * unit, .fill = ink, .outlineWidth = 0});
+    return byName ? name
+                  : lettering.drawAlong(painter, printedName(hero), plan.classNameBase(column), 220 * unit, Curve(),
+                                        {.caps = classNameCaps * unit, .fill = ink, .outlineWidth = 0});
 }
 
 void HeroPainter::paintPortrait(QPainter& painter, const HeroClass& hero, const QRectF& box, double pixels) const {

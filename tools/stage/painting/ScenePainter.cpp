@@ -40,7 +40,8 @@ ScenePainter::ScenePainter(QSize size, const Production& newProduction, Letterin
     , plan(size, production.look)
     , lettering(std::move(newLettering))
     , cards(lettering, production.language, plan.unit(), production.seed)
-    , heroes(lettering, production.language, plan, production.seed)
+    , heroes(lettering, production.language, plan, production.seed,
+             production.heroesByName && production.look == Look::felt)
     , boardPainter(lettering, plan, production.seed)
     , deckPainter(lettering, production.language, plan, production.seed)
     , light(size, plan.unit(), production.seed) {}
@@ -145,7 +146,7 @@ void ScenePainter::paintHeroScreen(QPainter& painter, const Screen& screen) {
     std::vector<QPainterPath> offers;
     for (std::size_t i = 0; i < step.heroes.size(); ++i) {
         const QPainterPath letters = heroes.paint(painter, step.heroes[i], i);
-        printed.push_back({printedClassName(step.heroes[i], production.language), letters.boundingRect()});
+        printed.push_back({heroes.printedName(step.heroes[i]), letters.boundingRect()});
         offers.push_back(heroes.outline(i));
     }
     boardPainter.paintButton(painter, words.back, plan.at(0.588, 0.926), {140 * plan.unit(), 52 * plan.unit()}, false);

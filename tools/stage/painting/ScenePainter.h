@@ -22,6 +22,7 @@ struct Production {
     Language language = Language::english;
     Look look = Look::felt;
     quint32 seed = 1;
+    bool heroesByName = false; // on the new screen, without the line of the class
 };
 
 // A name as it stands on the screen.
