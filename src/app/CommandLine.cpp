@@ -33,6 +33,7 @@ const QString languageOption = QStringLiteral("language");
 const QString snapshotsOption = QStringLiteral("snapshots");
 const QString noPanelOption = QStringLiteral("no-panel");
 const QString reduceMotionOption = QStringLiteral("reduce-motion");
+const QString resetPanelOption = QStringLiteral("reset-panel");
 const QString configServerOption = QStringLiteral("config-server");
 const QString updateServerOption = QStringLiteral("update-server");
 const QString recordOption = QStringLiteral("record");
@@ -90,6 +91,7 @@ std::expected<RunLoop, QString> parsedRunLoop(const QCommandLineParser& parsed) 
         .snapshots =
             isGiven(parsed, snapshotsOption) || isGiven(parsed, noPanelOption), // without a panel they are all there is
         .reduceMotion = isGiven(parsed, reduceMotionOption),
+        .resetPanel = isGiven(parsed, resetPanelOption),
         .strictLengths = isGiven(parsed, strictLengthsOption),
         .configServer = optionalValue(parsed, configServerOption),
         .updateServer = optionalValue(parsed, updateServerOption),
@@ -289,6 +291,7 @@ const std::vector<Syntax>& syntaxes() {
                 {snapshotsOption, {}, QStringLiteral("print every published snapshot as a JSON line")},
                 {noPanelOption, {}, QStringLiteral("show nothing, need no display; prints the snapshots")},
                 {reduceMotionOption, {}, QStringLiteral("nothing in the panel moves, whatever the desktop says")},
+                {resetPanelOption, {}, QStringLiteral("forget where the panel was put")},
                 strictLengths,
                 configServer,
                 updateServer,

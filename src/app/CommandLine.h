@@ -29,6 +29,7 @@ struct RunLoop {
     bool panel = true;                   // false: no display is needed and nothing is shown
     bool snapshots = false;              // every published snapshot as a JSON line on standard output
     bool reduceMotion = false;           // whatever the desktop says
+    bool resetPanel = false;             // as if the panel had never been put anywhere
     bool strictLengths = false;          // lines longer than the rules allow name nothing, also when read exactly
     std::optional<QString> configServer; // absent: as built
     std::optional<QString> updateServer; // absent: as built

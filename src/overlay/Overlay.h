@@ -15,6 +15,10 @@ public:
 
     // Brings it on screen, in front, without taking the keyboard.
     virtual void show() = 0;
+
+    // At the start: as the last run left it, shown or hidden; shown where nothing is known of one.
+    virtual void open() { show(); }
+
     virtual void hide() = 0;
     virtual bool isVisible() const = 0;
 

@@ -8,6 +8,7 @@
 #include "overlay/OverlayPanel/views/RootContent.h"
 #include "platform/PanelWindow.h"
 #include "platform/SystemSettings.h"
+#include "platform/UserDefaults.h"
 
 #include <QGuiApplication>
 #include <QMetaObject>
@@ -17,6 +18,7 @@
 #include <algorithm>
 #include <utility>
 #include <variant>
+#include <vector>
 
 namespace pelloran {
 
@@ -37,6 +39,18 @@ PanelColors colorsOf(const SystemSettings& settings) {
     return PanelColors::of(settings.appearance().value_or(appearanceOf(QGuiApplication::palette())));
 }
 
+QString currentScreens() {
+    std::vector<ScreenInUse> screens;
+    for (const QScreen* screen : QGuiApplication::screens()) {
+        screens.push_back({screen->name(), screen->geometry()});
+    }
+    return arrangementOf(screens);
+}
+
+PanelPlaces placesIn(const UserDefaults* memory) {
+    return memory ? placesFrom(memory->string(OverlayPanelController::placesKey).value_or(QString())) : PanelPlaces();
+}
+
 void fadeIn(AnimationGroup& group, CardsStack& stack) {
     group.animate(stack, alphaAnimation,
                   [&stack, from = stack.alpha()](double progress) { stack.setAlpha(from + (1 - from) * progress); });
@@ -44,13 +58,28 @@ void fadeIn(AnimationGroup& group, CardsStack& stack) {
 
 } // namespace
 
+const QString OverlayPanelController::placesKey = QStringLiteral("pelloran.panel");
+
 OverlayPanelController::OverlayPanelController(const SystemSettings& systemSettings,
-                                               std::unique_ptr<PanelWindow> window, MotionPreference motionPreference)
+                                               std::unique_ptr<PanelWindow> window, MotionPreference motionPreference,
+                                               UserDefaults* userDefaults)
+    : OverlayPanelController(systemSettings, std::move(window), motionPreference, userDefaults,
+                             placeToOpen(placesIn(userDefaults), currentScreens(), FloatingPanel::visibleFrames())) {}
+
+OverlayPanelController::OverlayPanelController(const SystemSettings& systemSettings,
+                                               std::unique_ptr<PanelWindow> window, MotionPreference motionPreference,
+                                               UserDefaults* userDefaults, const PanelPlace& place)
     : settings(systemSettings)
     , motion(systemSettings, motionPreference)
+    , memory(userDefaults)
+    , isWanted(place.isShown)
+    , state(initialPanelState(place.frame.size(), place.userSize))
     , views(std::make_unique<PanelViews>(std::move(window), colorsOf(systemSettings), state.metrics.current))
     , geometry(std::make_unique<GeometryDriver>(views->panel)) {
     FloatingPanel* panel = &views->panel;
+    panel->setFrame(place.frame);
+    connect(panel, &FloatingPanel::didEndDrag, this, &OverlayPanelController::remember);
+    connect(panel, &FloatingPanel::didCloseByUser, this, [this] { isWanted = false; });
     connect(panel, &FloatingPanel::didResize, this,
             [this, panel] { panelResized(state, panel->hold(), panel->frame().size()); });
     connect(panel, &FloatingPanel::willStartDrag, this, [panel] { Motion::end(*panel, frameAnimation); });
@@ -74,27 +103,49 @@ OverlayPanelController::OverlayPanelController(const SystemSettings& systemSetti
     }
 }
 
-OverlayPanelController::~OverlayPanelController() = default;
+OverlayPanelController::~OverlayPanelController() {
+    remember();
+}
 
 FloatingPanel& OverlayPanelController::window() const {
     return views->panel;
 }
 
-void OverlayPanelController::show() {
-    if (const auto visible = FloatingPanel::mainVisibleFrame();
-        visible && !isComfortablyOnScreen(window().frame(), *visible)) {
-        bringBack(*visible);
+void OverlayPanelController::open() {
+    if (isWanted) {
+        show();
     }
+}
+
+void OverlayPanelController::show() {
+    const auto seen = [this](const UpwardRect& visible) { return isComfortablyOnScreen(window().frame(), visible); };
+    if (const auto main = FloatingPanel::mainVisibleFrame();
+        main && std::ranges::none_of(FloatingPanel::visibleFrames(), seen)) {
+        bringBack(*main);
+    }
+    isWanted = true;
     views->show();
     geometry->enqueue(GeometryPhase::settle, true);
 }
 
 void OverlayPanelController::hide() {
+    isWanted = false;
     window().hide();
 }
 
 bool OverlayPanelController::isVisible() const {
     return window().isVisible();
+}
+
+void OverlayPanelController::remember() const {
+    if (!memory) {
+        return;
+    }
+    const PanelPlace place{currentScreens(), window().frame(), state.userResizedFrame, isWanted};
+    const PanelPlaces before = placesIn(memory);
+    if (const PanelPlaces after = withPlace(before, place); after != before) {
+        memory->setString(placesKey, textOf(after));
+    }
 }
 
 void OverlayPanelController::update(const OverlaySnapshot& snapshot) {

@@ -2,6 +2,7 @@
 
 #include "model/OverlayModel.h"
 #include "overlay/Overlay.h"
+#include "overlay/OverlayPanel/layout/PanelPlace.h"
 #include "overlay/OverlayPanel/layout/PanelState.h"
 #include "overlay/OverlayPanel/views/Motion.h"
 
@@ -16,6 +17,7 @@ class GeometryDriver;
 class PanelViews;
 class PanelWindow;
 class SystemSettings;
+class UserDefaults;
 
 // The floating panel: shows the snapshot of the moment, keeps itself on screen and sizes itself to its content unless
 // the user has. What is to be done is asked of `PanelState`; here it is done to the views, in time. Main thread only,
@@ -24,13 +26,19 @@ class OverlayPanelController final : public QObject, public Overlay {
     Q_OBJECT
 
 public:
-    // The panel is built, not shown. `settings` must outlive it.
+    // Where `memory` has how the panel was left, as PanelPlace has it.
+    static const QString placesKey;
+
+    // The panel is built, not shown. `settings` must outlive it. It stands as `memory` has it, if given; and where the
+    // user puts it is written there, when a drag ends and at the end.
     OverlayPanelController(const SystemSettings& settings, std::unique_ptr<PanelWindow> window,
-                           MotionPreference motionPreference = MotionPreference::asDesktopSays);
+                           MotionPreference motionPreference = MotionPreference::asDesktopSays,
+                           UserDefaults* memory = nullptr);
     ~OverlayPanelController() override;
 
-    // Back onto the main screen if it is off screen.
+    // Back onto the main screen if it is on none.
     void show() override;
+    void open() override;
     void hide() override;
     bool isVisible() const override;
 
@@ -48,6 +56,11 @@ Q_SIGNALS:
     void layoutApplied();
 
 private:
+    // As PanelPlace has it, of a panel that is to be built.
+    OverlayPanelController(const SystemSettings& settings, std::unique_ptr<PanelWindow> window,
+                           MotionPreference motionPreference, UserDefaults* memory, const PanelPlace& place);
+
+    void remember() const;
     void present(const OverlaySnapshot& snapshot);
     void showTiles(const OverlaySnapshot& snapshot, bool appearing);
     void adaptWindowSize();
@@ -62,7 +75,9 @@ private:
 
     const SystemSettings& settings;
     const Motion motion;
-    PanelState state = initialPanelState();
+    UserDefaults* const memory; // may be null
+    bool isWanted;              // shown, or to be at the start; not hidden by the user
+    PanelState state;
     const std::unique_ptr<PanelViews> views;
     const std::unique_ptr<GeometryDriver> geometry;
 };

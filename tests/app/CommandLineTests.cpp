@@ -135,6 +135,12 @@ TEST(CommandLine, TakesWhatAnExaminationIsOf) {
     EXPECT_FALSE(parse("doctor me"));
 }
 
+TEST(CommandLine, ForgetsThePanelWhenTold) {
+    EXPECT_FALSE(parsed<RunLoop>("").resetPanel);
+    EXPECT_TRUE(parsed<RunLoop>("--reset-panel").resetPanel);
+    EXPECT_FALSE(parse("sync --reset-panel")) << "has no panel";
+}
+
 TEST(CommandLine, TakesTheFoldersOfAPublication) {
     const auto plain = parsed<PublishData>("publish data www");
     EXPECT_EQ(plain.source, QStringLiteral("data"));

@@ -12,6 +12,7 @@
 #include "overlay/OverlayPanel/views/TextLabel.h"
 #include "tests/fakes/FakePanelWindow.h"
 #include "tests/fakes/FakeSystemSettings.h"
+#include "tests/fakes/FakeUserDefaults.h"
 #include "tests/overlay/RectPrinting.h"
 #include "tests/support/EventCounter.h"
 #include "tests/support/ExpectedWarning.h"
@@ -242,6 +243,75 @@ TEST_F(OverlayPanelControllerTest, ComesBackWhenItsScreenGoes) {
     Q_EMIT qGuiApp->screenRemoved(QGuiApplication::primaryScreen());
     turnEventLoop();
     EXPECT_EQ(panel().frame(), (UpwardRect{-300, 60, 360, 420})) << "one that can be reached stays";
+}
+
+TEST_F(OverlayPanelControllerTest, OpensAsItWasLeft) {
+    testing::FakeUserDefaults memory;
+    const auto start = [&] {
+        controller.reset();
+        controller = std::make_unique<OverlayPanelController>(settings, std::make_unique<FakePanelWindow>(),
+                                                              MotionPreference::asDesktopSays, &memory);
+        controller->open();
+        settle();
+    };
+    start();
+    EXPECT_TRUE(controller->isVisible());
+    EXPECT_EQ(panel().frame(), (UpwardRect{40, 60, 360, 420})) << "a first run";
+    EXPECT_EQ(memory.writes, 0);
+
+    {
+        PanelDrag drag(panel(), {100, 100});
+        drag.moveBy({30, -40});
+        drag.moveBy({60, -80});
+        turnEventLoop();
+        EXPECT_EQ(memory.writes, 0) << "not at every pixel";
+        drag.release();
+    }
+    EXPECT_EQ(memory.writes, 1);
+    const UpwardRect moved = panel().frame();
+    EXPECT_EQ(moved, (UpwardRect{100, 140, 360, 420}));
+    start();
+    EXPECT_EQ(panel().frame(), moved);
+    EXPECT_EQ(memory.writes, 1) << "nothing new to tell";
+
+    dragWidthTo(640);
+    updateSettled(tiles(3));
+    const UpwardRect wide = panel().frame();
+    EXPECT_TRUE(tilesStandSideBySide());
+    start();
+    EXPECT_EQ(panel().frame(), wide);
+    EXPECT_EQ(metrics().axis, Axis::horizontal) << "at once";
+    updateSettled(tiles(3));
+    EXPECT_EQ(panel().frame(), wide) << "the size is still the user's";
+
+    panel().findChild<CloseButton*>()->click();
+    start();
+    EXPECT_FALSE(controller->isVisible()) << "hidden by its button";
+    controller->show();
+    start();
+    EXPECT_TRUE(controller->isVisible());
+    controller->hide();
+    start();
+    EXPECT_FALSE(controller->isVisible()) << "hidden by the menu";
+
+    memory.remove(OverlayPanelController::placesKey);
+    build();
+    EXPECT_EQ(panel().frame(), (UpwardRect{40, 60, 360, 420}));
+}
+
+TEST_F(OverlayPanelControllerTest, OpensOnTheScreenWhateverIsRemembered) {
+    testing::FakeUserDefaults memory;
+    const QRect main = QGuiApplication::primaryScreen()->availableGeometry();
+    const PanelPlace lost{u"a screen that is gone"_s, {5000, 300, 360, 420}, std::nullopt, true};
+    for (const QString& text : {textOf({lost}), u"[{"_s, QString()}) {
+        SCOPED_TRACE(text.toStdString());
+        memory.setString(OverlayPanelController::placesKey, text);
+        const OverlayPanelController opened(settings, std::make_unique<FakePanelWindow>(),
+                                            MotionPreference::asDesktopSays, &memory);
+        const UpwardRect expected =
+            text.contains(u"gone") ? UpwardRect{main.width() - 360.0, 300, 360, 420} : UpwardRect{40, 60, 360, 420};
+        EXPECT_EQ(opened.window().frame(), expected);
+    }
 }
 
 TEST_F(OverlayPanelControllerTest, IsHiddenByItsButtonAndGoesOn) {

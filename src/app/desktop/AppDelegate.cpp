@@ -69,7 +69,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     overlay->contextMenuRequested = [this](QPoint position) { parts.statusItem.openMenu(position); };
     parts.settings.changed = [this] { systemSettingsDidChange(); };
     setupStatusItem();
-    overlay->show(); // in front, but the keyboard stays with the game
+    overlay->open(); // in front, but the keyboard stays with the game
     parts.presence.activate();
 
     if (const auto loaded = parts.store.loadFromBundle(); !loaded) {

@@ -77,6 +77,9 @@ int runOnDesktop(const RunLoop& command, SystemSettings& settings, UserDefaults&
     const UpdateClient updates(command.updateServer, defaults);
     const auto browser = Browser::create();
     UpdatePrompts updatePrompts(updates.checker(), alerts, *browser);
+    if (command.resetPanel) {
+        defaults.remove(OverlayPanelController::placesKey);
+    }
     const auto motion = command.reduceMotion ? MotionPreference::reduced : MotionPreference::asDesktopSays;
     const auto delegate = std::make_shared<AppDelegate>(AppDelegate::Parts{
         .store = parts.store,
@@ -91,8 +94,8 @@ int runOnDesktop(const RunLoop& command, SystemSettings& settings, UserDefaults&
         .files = *parts.files,
         .config = parts.config,
         .makeOverlay =
-            [&settings, motion] {
-                return std::make_unique<OverlayPanelController>(settings, PanelWindow::create(), motion);
+            [&settings, &defaults, motion] {
+                return std::make_unique<OverlayPanelController>(settings, PanelWindow::create(), motion, &defaults);
             },
         .terminate = &QCoreApplication::exit,
         .alsoReceives = parts.printer,

@@ -33,7 +33,7 @@ struct UpwardRect {
     bool operator==(const UpwardRect&) const = default;
 };
 
-// Where every start opens the panel.
+// Where a first run opens the panel.
 constexpr UpwardRect initialFrame{40, 60, 360, 420};
 
 // As small as the user can drag it.

@@ -13,9 +13,10 @@ void noteUsersSize(PanelState& state, QSizeF frame) {
 
 } // namespace
 
-PanelState initialPanelState() {
-    const auto metrics = ResolvedMetrics::resolve(initialFrame.size(), 0, Axis::vertical);
+PanelState initialPanelState(QSizeF frame, const std::optional<QSizeF>& userSize) {
+    const auto metrics = ResolvedMetrics::resolve(frame, 0, Axis::vertical);
     PanelState state;
+    state.userResizedFrame = userSize;
     state.metrics = {.current = metrics, .appliedLayout = metrics, .appliedTypography = metrics};
     return state;
 }

@@ -40,8 +40,9 @@ struct PanelState {
     bool operator==(const PanelState&) const = default;
 };
 
-// Of a panel that has just been built, with everything applied for its first frame.
-PanelState initialPanelState();
+// Of a panel that has just been built, with everything applied for its first frame, and the size that the user gave it
+// in an earlier run, if any.
+PanelState initialPanelState(QSizeF frame = initialFrame.size(), const std::optional<QSizeF>& userSize = std::nullopt);
 
 // A snapshot is to be shown: how much has to be bound for it?
 SnapshotUpdate snapshotArrived(PanelState& state, const OverlaySnapshot& snapshot);

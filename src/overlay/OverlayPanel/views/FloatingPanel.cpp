@@ -41,7 +41,10 @@ FloatingPanel::FloatingPanel(Qt::WindowFlags flags)
     setContextMenuPolicy(Qt::CustomContextMenu);
     setMouseTracking(true);
     setFrame(initialFrame);
-    connect(closeButton, &CloseButton::clicked, this, &QWidget::hide);
+    connect(closeButton, &CloseButton::clicked, this, [this] {
+        hide();
+        Q_EMIT didCloseByUser();
+    });
 }
 
 UpwardRect FloatingPanel::frame() const {
@@ -60,6 +63,14 @@ std::optional<UpwardRect> FloatingPanel::visibleFrame() const {
 std::optional<UpwardRect> FloatingPanel::mainVisibleFrame() {
     const QScreen* main = QGuiApplication::primaryScreen();
     return main ? std::optional(toUpward(main->availableGeometry(), main->geometry())) : std::nullopt;
+}
+
+std::vector<UpwardRect> FloatingPanel::visibleFrames() {
+    std::vector<UpwardRect> frames;
+    for (const QScreen* screen : QGuiApplication::screens()) {
+        frames.push_back(toUpward(screen->availableGeometry(), mainScreen()));
+    }
+    return frames;
 }
 
 UserHold FloatingPanel::hold() const {
@@ -141,9 +152,13 @@ void FloatingPanel::hideEvent(QHideEvent*) {
 
 void FloatingPanel::endDrag() {
     const bool resizing = inLiveResize();
+    const bool dragging = drag.has_value();
     drag.reset();
     if (resizing) {
         Q_EMIT didEndLiveResize();
+    }
+    if (dragging) {
+        Q_EMIT didEndDrag();
     }
 }
 

@@ -5,6 +5,7 @@
 #include <QWidget>
 
 #include <optional>
+#include <vector>
 
 namespace pelloran {
 
@@ -25,6 +26,8 @@ public:
     // What docks and menu bars leave of the panel's screen, else of the main one; absent without any screen.
     std::optional<UpwardRect> visibleFrame() const;
     static std::optional<UpwardRect> mainVisibleFrame();
+    // Of all screens.
+    static std::vector<UpwardRect> visibleFrames();
 
     UserHold hold() const;
 
@@ -40,6 +43,8 @@ Q_SIGNALS:
     void willStartLiveResize();
     void didResize();
     void didEndLiveResize();
+    void didEndDrag();     // moving or resizing; after the above
+    void didCloseByUser(); // hidden by its button
     void paletteDidChange();
 
 protected:
