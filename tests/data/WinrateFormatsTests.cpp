@@ -37,11 +37,13 @@ TEST(ClassWinrateFile, DecodesEveryField) {
         "fetched_at": "yesterday", "selected_params": ["a", "b"],
         "classes": [{
             "deck_class_id": 4, "player_class": "MAGE", "name_zh": "法师", "name_en": "Mage", "win_rate": 50.5,
-            "pick_rate": 9.25, "pct_7_plus": 12, "num_drafts": 1000, "rank": 1
+            "pick_rate": 9.25, "pct_7_plus": 12, "num_drafts": 1000, "rank": 1,
+            "hero_names": ["吉安娜", ""]
         }]
     })");
     ASSERT_TRUE(file);
-    const ClassWinrateRow row{4, u"MAGE"_s, u"法师"_s, u"Mage"_s, 50.5, 9.25, 12.0, 1000, 1};
+    const ClassWinrateRow row{4,    u"MAGE"_s, u"法师"_s, u"Mage"_s, 50.5,
+                              9.25, 12.0,      1000,      1,         std::vector{u"吉安娜"_s, QString()}};
     EXPECT_EQ(*file, (ClassWinrateFile{u"yesterday"_s, std::vector{u"a"_s, u"b"_s}, {row}}));
 }
 

@@ -41,6 +41,7 @@ struct Client {
     Language language;
     ChineseLettering lettering;
     Look look;
+    bool heroesByName = false;
 };
 
 void PrintTo(const Client& client, std::ostream* out) {
@@ -54,6 +55,9 @@ constexpr Client clients[] = {
     {"PrintedChineseNew", Language::chinese, ChineseLettering::printed, Look::felt},
     {"ClericalChineseOld", Language::chinese, ChineseLettering::clerical, Look::parchment},
     {"ClericalChineseNew", Language::chinese, ChineseLettering::clerical, Look::felt},
+    {"EnglishHeroesByName", Language::english, ChineseLettering::printed, Look::felt, true},
+    {"PrintedChineseHeroesByName", Language::chinese, ChineseLettering::printed, Look::felt, true},
+    {"ClericalChineseHeroesByName", Language::chinese, ChineseLettering::clerical, Look::felt, true},
 };
 
 // What is painted for each client: more, and larger, takes longer without showing more. Numbers are those of the
@@ -88,9 +92,13 @@ protected:
     }
 
     static ScreenSeries seriesOf(const Client& client, const QSize& size) {
-        auto series = ScreenSeries::create(
-            {.seed = 12, .size = size, .language = client.language, .look = client.look, .lettering = client.lettering},
-            stage::Catalogue::sample().cards());
+        auto series = ScreenSeries::create({.seed = 12,
+                                            .size = size,
+                                            .language = client.language,
+                                            .look = client.look,
+                                            .lettering = client.lettering,
+                                            .heroesByName = client.heroesByName},
+                                           stage::Catalogue::sample().cards());
         EXPECT_TRUE(series) << series.error().toStdString();
         return *std::move(series);
     }
@@ -111,6 +119,9 @@ protected:
             const auto row = store.classStats(*match.cardId);
             const auto* hero = stage::Catalogue::sample().heroClass(row ? row->playerClass : QString());
             // As the game prints it.
+            if (hero && GetParam().heroesByName) {
+                return hero->heroName.in(GetParam().language);
+            }
             return hero ? hero->name.in(GetParam().language).toUpper() : *match.cardId;
         }
         const auto stats = store.stats(*match.cardId);

@@ -321,6 +321,22 @@ TEST(NamesOnScreen, ClassesStandBelowHeroesWithoutAnOutline) {
     }
 }
 
+TEST(NamesOnScreen, HeroesMayHaveNoMoreThanTheirNamesOnTheNewScreen) {
+    const std::vector<HeroClass>& classes = Catalogue::sample().heroClasses();
+    Screen screen;
+    screen.situation.step.kind = StepKind::heroPick;
+    screen.situation.step.heroes = {classes[4], classes[5], classes[6]};
+    for (const Look look : {Look::parchment, Look::felt}) {
+        SCOPED_TRACE(look == Look::parchment ? "old" : "new");
+        ScenePainter painter({1920, 1080}, {.look = look, .heroesByName = true}, lettering(Language::english));
+        paint(painter, screen);
+        ASSERT_EQ(painter.names().size(), 3U);
+        const bool byName = look == Look::felt;
+        EXPECT_EQ(painter.names()[0].text, byName ? classes[4].heroName.in(Language::english) : QStringLiteral("MAGE"));
+        EXPECT_NEAR(painter.names()[0].box.center().y(), (byName ? 0.509 : 0.530) * 1080, 4);
+    }
+}
+
 TEST(NamesOnScreen, NothingIsOnOfferBetweenPicks) {
     const std::vector<Card>& sample = Catalogue::sample().cards();
     Screen screen = pickOf({sample[0], sample[1], sample[2]});

@@ -106,6 +106,7 @@ TEST(SampleData, HasAllElevenClassesWithRanksThatFollowTheirWinRates) {
         EXPECT_NE(Catalogue::sample().heroClass(row[u"player_class"].toString()), nullptr);
         EXPECT_FALSE(row[u"name_en"].toString().isEmpty());
         EXPECT_FALSE(row[u"name_zh"].toString().isEmpty());
+        EXPECT_EQ(row[u"hero_names"].toArray().size(), 2);
         for (const Range& range : {Range{"win_rate", 40, 60}, Range{"pick_rate", 1, 30}, Range{"pct_7_plus", 1, 40},
                                    Range{"num_drafts", 1, 1e6}, Range{"rank", 1, 11}}) {
             expectInRange(row, range);

@@ -30,13 +30,14 @@ TEST(StageOptions, HasDefaultsForEverything) {
     EXPECT_EQ(options->paintScreens, QString());
     EXPECT_EQ(options->count, 24);
     EXPECT_EQ(options->speed, 1);
-    EXPECT_FALSE(options->help || options->loop || options->fullScreen || options->stepsOnStdin || options->exitAtEnd);
+    EXPECT_FALSE(options->help || options->loop || options->fullScreen || options->stepsOnStdin || options->exitAtEnd ||
+                 options->heroesByName);
 }
 
 TEST(StageOptions, ReadsEveryOptionWithAndWithoutAnEqualsSign) {
     const auto options = StageOptions::parse(
         words("--scenario=demo-zh --logs-dir /a=b --size 1280x720 --language zh --speed 2.5 --loop --seed 7 "
-              "--full-screen --picture p.png --step 3 --steps-on-stdin"));
+              "--full-screen --picture p.png --step 3 --steps-on-stdin --heroes-by-name"));
     ASSERT_TRUE(options.has_value()) << options.error().toStdString();
     EXPECT_EQ(options->scenario, QStringLiteral("demo-zh"));
     EXPECT_EQ(options->logsDir, QStringLiteral("/a=b"));
@@ -46,6 +47,7 @@ TEST(StageOptions, ReadsEveryOptionWithAndWithoutAnEqualsSign) {
     EXPECT_TRUE(options->loop);
     EXPECT_EQ(options->seed, 7U);
     EXPECT_TRUE(options->fullScreen);
+    EXPECT_TRUE(options->heroesByName);
     EXPECT_EQ(options->picture, QStringLiteral("p.png"));
     EXPECT_EQ(options->step, 3);
     EXPECT_TRUE(options->stepsOnStdin);
