@@ -78,8 +78,11 @@ OverlayPanelController::OverlayPanelController(const SystemSettings& systemSetti
     , geometry(std::make_unique<GeometryDriver>(views->panel)) {
     FloatingPanel* panel = &views->panel;
     panel->setFrame(place.frame);
-    connect(panel, &FloatingPanel::didEndDrag, this, &OverlayPanelController::remember);
-    connect(panel, &FloatingPanel::didCloseByUser, this, [this] { isWanted = false; });
+    connect(panel, &FloatingPanel::didEndDrag, this, [this] {
+        isUsers = true;
+        remember();
+    });
+    connect(panel, &FloatingPanel::didCloseByUser, this, [this] { want(false); });
     connect(panel, &FloatingPanel::didResize, this,
             [this, panel] { panelResized(state, panel->hold(), panel->frame().size()); });
     connect(panel, &FloatingPanel::willStartDrag, this, [panel] { Motion::end(*panel, frameAnimation); });
@@ -104,7 +107,14 @@ OverlayPanelController::OverlayPanelController(const SystemSettings& systemSetti
 }
 
 OverlayPanelController::~OverlayPanelController() {
-    remember();
+    if (isUsers) {
+        remember();
+    }
+}
+
+void OverlayPanelController::want(bool shown) {
+    isUsers = isUsers || shown != isWanted;
+    isWanted = shown;
 }
 
 FloatingPanel& OverlayPanelController::window() const {
@@ -123,13 +133,13 @@ void OverlayPanelController::show() {
         main && std::ranges::none_of(FloatingPanel::visibleFrames(), seen)) {
         bringBack(*main);
     }
-    isWanted = true;
+    want(true);
     views->show();
     geometry->enqueue(GeometryPhase::settle, true);
 }
 
 void OverlayPanelController::hide() {
-    isWanted = false;
+    want(false);
     window().hide();
 }
 

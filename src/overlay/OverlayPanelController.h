@@ -30,7 +30,8 @@ public:
     static const QString placesKey;
 
     // The panel is built, not shown. `settings` must outlive it. It stands as `memory` has it, if given; and where the
-    // user puts it is written there, when a drag ends and at the end.
+    // user puts it is written there, when a drag ends and at the end. Nothing is written where the user puts it
+    // nowhere.
     OverlayPanelController(const SystemSettings& settings, std::unique_ptr<PanelWindow> window,
                            MotionPreference motionPreference = MotionPreference::asDesktopSays,
                            UserDefaults* memory = nullptr);
@@ -60,6 +61,7 @@ private:
     OverlayPanelController(const SystemSettings& settings, std::unique_ptr<PanelWindow> window,
                            MotionPreference motionPreference, UserDefaults* memory, const PanelPlace& place);
 
+    void want(bool shown);
     void remember() const;
     void present(const OverlaySnapshot& snapshot);
     void showTiles(const OverlaySnapshot& snapshot, bool appearing);
@@ -77,6 +79,7 @@ private:
     const Motion motion;
     UserDefaults* const memory; // may be null
     bool isWanted;              // shown, or to be at the start; not hidden by the user
+    bool isUsers = false;       // the user has done something to it in this run
     PanelState state;
     const std::unique_ptr<PanelViews> views;
     const std::unique_ptr<GeometryDriver> geometry;
