@@ -113,9 +113,9 @@ struct PrintText {
     QString text;
 };
 
-using Command =
-    std::variant<RunLoop, PrintDraftState, PrintLogsDir, RecognizeImages, EvaluateFolders, MatchTexts, SyncOnce,
-                 CheckUpdateOnce, PublishData, DescribeRelease, ExamineMachine, ExamineDesktop, ReplayRecording, PrintText>;
+using Command = std::variant<RunLoop, PrintDraftState, PrintLogsDir, RecognizeImages, EvaluateFolders, MatchTexts,
+                             SyncOnce, CheckUpdateOnce, PublishData, DescribeRelease, ExamineMachine, ExamineDesktop,
+                             ReplayRecording, PrintText>;
 
 // What is wrong, and how the command is used; for standard error.
 struct UsageError {
