@@ -45,15 +45,16 @@ Done copyFile(const QString& from, const QString& to) {
     QByteArray block(qsizetype{256} * 1024, Qt::Uninitialized);
     while (true) {
         const qint64 count = source.read(block.data(), block.size());
-        if (count < 0) {
-            return failure(u"read"_s, from, source.errorString());
-        }
         if (count == 0) {
             return {};
         }
-        if (!writeAll(target, block.constData(), count)) {
-            return failure(u"write"_s, to, target.errorString());
+        if (count > 0 && writeAll(target, block.constData(), count)) {
+            continue;
         }
+        const auto failed =
+            count < 0 ? failure(u"read"_s, from, source.errorString()) : failure(u"write"_s, to, target.errorString());
+        target.remove(); // half of it is no copy
+        return failed;
     }
 }
 

@@ -45,7 +45,8 @@ Done writeAtomically(const QString& path, const QByteArray& bytes);
 // All of it at the place where an open file is. Of a full disk too it says why.
 Done write(QFileDevice& file, const QByteArray& bytes);
 
-// Files and folders, which is all that `from` may hold, with the permissions of any new ones. `to` is not there.
+// Files and folders, which is all that `from` may hold, with the permissions of any new ones. `to` is not there. Of a
+// file that fails no half is left.
 Done copyTree(const QString& from, const QString& to);
 
 // Calls `each` with every name in a folder, until one fails.

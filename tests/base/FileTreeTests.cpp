@@ -132,6 +132,11 @@ TEST_F(FileTreeTest, CopiesFilesAndFolders) {
     EXPECT_FALSE(FileTree::copyTree(at(u"from/.hidden"_s), at(u"other/.hidden"_s))) << "nothing is written over";
     EXPECT_EQ(read(u"other/.hidden"_s), "mine");
     EXPECT_FALSE(FileTree::copyTree(at(u"missing"_s), at(u"copy"_s)));
+    const QString unreadable = u"/proc/self/mem"_s; // opens, and fails at the first byte
+    if (QFileInfo::exists(unreadable)) {
+        EXPECT_FALSE(FileTree::copyTree(unreadable, at(u"half"_s)));
+        EXPECT_FALSE(FileTree::exists(at(u"half"_s))) << "half a copy";
+    }
 }
 
 TEST_F(FileTreeTest, GoesThroughAFolderUntilOneFails) {
