@@ -37,6 +37,7 @@ CardFile fromStandard(WinrateFile file) {
         .rows = std::move(file.cards),
         .description = file.playerClass.value_or(u"?"_s) + u" / "_s + file.timeRange.value_or(u"?"_s),
         .isSample = file.timeRange == u"SAMPLE"_s,
+        .fetchedAt = file.fetchedAt.value_or(QString()),
     };
 }
 
@@ -54,6 +55,7 @@ std::expected<CardFile, DataError> CardFile::decode(const QByteArray& json, cons
     const QJsonObject object = parsed->toObject();
     CardFile file;
     file.isSample = object.value("time_range"_L1).toString() == "SAMPLE"_L1;
+    file.fetchedAt = object.value("fetched_at"_L1).toString();
     for (const QJsonArray& array : looseRows(object)) {
         auto rows = decodeCards(array);
         if (!rows) {

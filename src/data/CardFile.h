@@ -12,6 +12,7 @@ struct CardFile {
     std::vector<CardStats> rows; // never empty
     QString description;         // what the rows are, in a few words
     bool isSample = false;       // the file says that its figures are made up
+    QString fetchedAt;           // when the figures were taken, as the file says it; "" where it does not
 
     // `fileName` (without folders) goes into descriptions. Errors: the parser's; the decoder's for a bad row in a loose
     // shape; "Pelloran" 2 when there are no rows.

@@ -134,6 +134,7 @@ CardData indexed(const CardFile& file) {
     data.lexicon = std::make_shared<const Lexicon>(std::move(texts), Lexicon::forCards);
     data.description = file.description + u" / "_s + QString::number(data.byId.size()) + u" cards"_s;
     data.isSample = file.isSample;
+    data.fetchedAt = file.fetchedAt;
     return data;
 }
 
@@ -177,6 +178,8 @@ ClassData indexed(const ClassWinrateFile& file) {
         texts.push_back({hero, {}, true});
     }
     data.lexicon = std::make_shared<const Lexicon>(std::move(texts), Lexicon::forClasses);
+    const std::vector<QString> params = file.selectedParams.value_or(std::vector<QString>());
+    data.isSample = std::ranges::find(params, u"SAMPLE"_s) != params.end();
     data.description = u"classes "_s + QString::number(data.byKey.size()) + u" / "_s + file.fetchedAt.value_or(u"?"_s);
     return data;
 }
@@ -222,6 +225,7 @@ WinrateData WinrateData::read(const ApplicationFiles& files) {
     }
     // Heroes without figures are a smaller loss than no draft help at all.
     if (const auto classFile = resolveFirstExisting(classFileSearch(), files)) {
+        data.classesSource = *classFile;
         if (auto classes = ClassData::read(*classFile)) {
             data.classes = *std::move(classes);
         } else {

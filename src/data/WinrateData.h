@@ -49,6 +49,7 @@ struct CardData {
     std::shared_ptr<const Lexicon> lexicon = std::make_shared<const Lexicon>(); // never null
     QString description;                                                        // in one line
     bool isSample = false;                                                      // its figures are made up
+    QString fetchedAt; // when they were taken, in the file's own words
 
     // Errors: the file system's, the parser's or the decoder's; "Pelloran" 2 for a file without rows.
     static std::expected<CardData, DataError> read(const QString& path);
@@ -61,6 +62,7 @@ struct ClassData {
     ClassNameIndex index;                                                       // has fewer nicknames
     std::shared_ptr<const Lexicon> lexicon = std::make_shared<const Lexicon>(); // never null
     QString description;                                                        // in one line
+    bool isSample = false;                                                      // its figures are made up
 
     // Errors: the file system's, the parser's or the decoder's.
     static std::expected<ClassData, DataError> read(const QString& path);
@@ -72,6 +74,7 @@ struct WinrateData {
     QString cardsSource;              // path of the card file
     std::optional<ClassData> classes; // only where there are cards
     QString remark;                   // for the log: why there is a class file but no class data; else empty
+    QString classesSource = {};       // path of the class file. NOLINT(readability-redundant-member-init)
 
     // Finds and reads the card file, then the class file, in the user's configuration folder, the program's resources,
     // or the folders of a development checkout. Errors: what CardData::read gives, with the path, or "Pelloran" 1 where

@@ -132,6 +132,25 @@ TEST(CardFile, SaysWhatIsWrong) {
     }
 }
 
+TEST(CardFile, TellsWhenItsFiguresWereTaken) {
+    struct Case {
+        const char* why;
+        QByteArray json;
+        QString expected;
+    };
+
+    const Case cases[] = {
+        {"standard", R"({"fetched_at": "2026-04-12", "cards": [{"card_id": "A"}]})", u"2026-04-12"_s},
+        {"loose", R"({"fetched_at": "2026-04-12", "classes": {"a": [{"card_id": "A"}]}})", u"2026-04-12"_s},
+        {"no word on it", R"({"cards": [{"card_id": "A"}]})", {}},
+        {"no text", R"({"fetched_at": 7, "cards": [{"card_id": "A"}]})", {}},
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.why);
+        EXPECT_EQ(CardFile::decode(row.json, {}).value().fetchedAt, row.expected);
+    }
+}
+
 TEST(CardFile, KnowsASample) {
     struct Case {
         const char* why;
