@@ -3,16 +3,12 @@
 #include "base/SerialQueue.h"
 #include "tests/support/Printing.h"
 #include "tests/support/ScriptedServer.h"
+#include "tests/support/TestCertificate.h"
 
 #include <QElapsedTimer>
-#include <QFile>
 #include <QNetworkProxyFactory>
-#include <QProcess>
-#include <QSslCertificate>
 #include <QSslConfiguration>
-#include <QSslKey>
 #include <QSslSocket>
-#include <QTemporaryDir>
 
 #include <gmock/gmock.h>
 
@@ -381,22 +377,12 @@ protected:
         if (!QSslSocket::supportsSsl()) {
             GTEST_SKIP() << "Qt has no TLS here";
         }
-        QProcess openssl;
-        openssl.start(u"openssl"_s,
-                      {u"req"_s, u"-x509"_s, u"-newkey"_s, u"rsa:2048"_s, u"-nodes"_s, u"-days"_s, u"2"_s, u"-subj"_s,
-                       u"/CN=127.0.0.1"_s, u"-addext"_s, u"subjectAltName=IP:127.0.0.1"_s, u"-keyout"_s,
-                       folder.filePath(u"key"_s), u"-out"_s, folder.filePath(u"certificate"_s)});
-        if (!openssl.waitForStarted() || !openssl.waitForFinished() || openssl.exitCode() != 0) {
+        const auto made = testing::makeCertificate(testing::CertificateKind::valid);
+        if (!made) {
             GTEST_SKIP() << "needs the openssl program";
         }
-        const QSslCertificate certificate = QSslCertificate::fromPath(folder.filePath(u"certificate"_s)).value(0);
-        QFile key(folder.filePath(u"key"_s));
-        ASSERT_TRUE(key.open(QIODevice::ReadOnly));
-        QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
-        configuration.setLocalCertificate(certificate);
-        configuration.setPrivateKey(QSslKey(&key, QSsl::Rsa));
-        secure = std::make_unique<ScriptedServer>(configuration);
-        trusting.addCaCertificate(certificate);
+        secure = std::make_unique<ScriptedServer>(made->server);
+        trusting.addCaCertificate(made->issuer);
         secure->on("/x", ScriptedServer::answer("200 OK", {}, "secret"));
         server.on("/x", ScriptedServer::answer("200 OK", {}, "open"));
     }
@@ -410,7 +396,6 @@ protected:
         return answer ? QString::fromUtf8(answer->body) : answer.error().description;
     }
 
-    QTemporaryDir folder;
     const QSslConfiguration before = QSslConfiguration::defaultConfiguration();
     QSslConfiguration trusting = before;
     std::unique_ptr<ScriptedServer> secure;
