@@ -93,7 +93,12 @@ Findings examineDesktop(const QString& program) {
 } // namespace
 
 void printFinding(const Finding& finding, bool asJson) {
-    print(asJson ? json::line(toJson(finding)) : lineFor(finding));
+    if (asJson) {
+        print(json::line(toJson(finding)));
+    } else {
+        const auto columns = terminalColumns();
+        print(columns ? linesFor(finding, *columns) : lineFor(finding));
+    }
 }
 
 int run(const ExamineMachine& command) {

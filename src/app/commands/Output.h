@@ -3,6 +3,8 @@
 #include <QByteArray>
 #include <QStringList>
 
+#include <optional>
+
 // Standard output of the commands.
 namespace pelloran {
 
@@ -10,5 +12,8 @@ namespace pelloran {
 void print(const QByteArray& text);
 
 void printLines(const QStringList& lines);
+
+// How wide the terminal is that somebody reads it on; absent where it goes elsewhere.
+std::optional<int> terminalColumns();
 
 } // namespace pelloran

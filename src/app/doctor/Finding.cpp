@@ -15,6 +15,23 @@ namespace {
 constexpr std::array states{Finding::State::ok, Finding::State::note, Finding::State::problem};
 
 constexpr qsizetype stateWidth = 7; // of "problem"
+constexpr qsizetype gap = 2;        // behind it
+
+QString headOf(const Finding& finding) {
+    return stateName(finding.state).leftJustified(stateWidth + gap) + finding.check + u':';
+}
+
+// Paths and servers' answers come from outside: one line, and nothing that a terminal would obey.
+QString printable(QString text) {
+    std::ranges::replace_if(text, [](QChar character) { return character.category() == QChar::Other_Control; }, u' ');
+    return text;
+}
+
+// Chinese characters take two.
+qsizetype columnsOf(const QString& text) {
+    return text.size() +
+           std::ranges::count_if(text, [](QChar character) { return character.script() == QChar::Script_Han; });
+}
 
 } // namespace
 
@@ -31,15 +48,38 @@ QString stateName(Finding::State state) {
 }
 
 QByteArray lineFor(const Finding& finding) {
-    QString line = stateName(finding.state).leftJustified(stateWidth) + u"  "_s + finding.check + u':';
+    QString line = headOf(finding);
     for (const QString& sentence : {finding.what, finding.meaning, finding.advice}) {
         if (!sentence.isEmpty()) {
             line += u' ' + sentence;
         }
     }
-    // Paths and servers' answers come from outside: one line, and nothing that a terminal would obey.
-    std::ranges::replace_if(line, [](QChar character) { return character.category() == QChar::Other_Control; }, u' ');
-    return line.toUtf8() + '\n';
+    return printable(line).toUtf8() + '\n';
+}
+
+QByteArray linesFor(const Finding& finding, int columns) {
+    const QString indent(stateWidth + gap, u' ');
+    QString lines;
+    QString line = headOf(finding);
+    bool isEmpty = false; // but for the indent
+    const auto finish = [&] {
+        lines += line + u'\n';
+        line = indent;
+        isEmpty = true;
+    };
+    for (const QString& sentences : {finding.what, finding.meaning, finding.advice}) {
+        for (const QString& word : printable(sentences).split(u' ', Qt::SkipEmptyParts)) {
+            if (!isEmpty && columnsOf(line) + 1 + columnsOf(word) > columns) {
+                finish();
+            }
+            line += isEmpty ? word : u' ' + word;
+            isEmpty = false;
+        }
+        if (!isEmpty) {
+            finish();
+        }
+    }
+    return lines.toUtf8();
 }
 
 QJsonObject toJson(const Finding& finding) {

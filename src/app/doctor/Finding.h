@@ -31,6 +31,10 @@ QString stateName(Finding::State state);
 // With its line end.
 QByteArray lineFor(const Finding& finding);
 
+// The same for eyes on a terminal of so many columns: what was found, what it means and what to do each begin a line,
+// and what does not fit goes on below, beside the state.
+QByteArray linesFor(const Finding& finding, int columns);
+
 QJsonObject toJson(const Finding& finding);
 
 // The other way; absent for anything that toJson() does not make.

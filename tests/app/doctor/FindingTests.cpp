@@ -34,6 +34,41 @@ TEST(Finding, IsALineForPeople) {
     }
 }
 
+TEST(Finding, IsWrappedForATerminal) {
+    struct Case {
+        const char* why;
+        Finding finding;
+        int columns;
+        const char* lines;
+    };
+
+    const Case cases[] = {
+        {"fits", {text("fonts"), State::ok, text("There is one."), {}, {}}, 40, "ok       fonts: There is one.\n"},
+        {"each of the three begins a line",
+         {text("tray"), State::note, text("None."), text("No icon."), text("Click the panel.")},
+         80,
+         "note     tray: None.\n         No icon.\n         Click the panel.\n"},
+        {"one of them is missing",
+         {text("tray"), State::note, text("None."), {}, text("Click.")},
+         80,
+         "note     tray: None.\n         Click.\n"},
+        {"just fits", {text("a"), State::ok, text("b cde"), {}, {}}, 17, "ok       a: b cde\n"},
+        {"a column too many", {text("a"), State::ok, text("b cde"), {}, {}}, 16, "ok       a: b\n         cde\n"},
+        {"a word that is wider than all stands alone",
+         {text("a"), State::ok, text("/very/long/path/of/a/file is there"), {}, {}},
+         20,
+         "ok       a:\n         /very/long/path/of/a/file\n         is there\n"},
+        {"Chinese is twice as wide",
+         {text("a"), State::ok, text("b 炉石"), {}, {}},
+         17,
+         "ok       a: b\n         炉石\n"},
+        {"what terminals obey", {text("a"), State::ok, text("b\x1B[2J\nc"), {}, {}}, 40, "ok       a: b [2J c\n"},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(linesFor(c.finding, c.columns), QByteArray(c.lines)) << c.why;
+    }
+}
+
 TEST(Finding, IsTheSameAfterJson) {
     for (const State state : {State::ok, State::note, State::problem}) {
         const Finding finding{text("check"), state, text("what"), text("meaning"), text("advice")};
