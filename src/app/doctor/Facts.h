@@ -1,5 +1,6 @@
 #pragma once
 
+#include "draft/logs/LogConfigFile.h"
 #include "draft/logs/LogFile.h"
 
 #include <QSize>
@@ -24,6 +25,7 @@ struct LogFileFact {
 
 struct SessionFact {
     QString name;
+    std::optional<std::chrono::seconds> age; // since the game began it, where its name tells
     LogFileFact arena;
     LogFileFact loadingScreen;
 };
@@ -36,16 +38,15 @@ struct LogsFacts {
 
 struct LogConfigFacts {
     std::optional<QString> path; // absent: nobody knows where it would be
-    QString error;               // why it cannot be used; "" where it can
     bool isThere = false;
-    QStringList lacks; // what merging would change
+    QStringList lacks;                   // what merging would change
+    std::optional<LogConfigError> error; // why it cannot be used, or what it lacks not be added
     // Written after the session had begun that is there now: the game reads it when it starts.
     bool newerThanSession = false;
     // After --fix.
     bool fixed = false;
     QStringList changes;
     QString backup; // "" where there was nothing to keep
-    QString fixError;
 };
 
 struct WindowFacts {
@@ -70,11 +71,18 @@ struct WindowFacts {
 };
 
 struct ReaderFacts {
-    QString error;        // why nothing can be read; "" where it can
+    struct Test {
+        QString expected; // what is on the test picture
+        QString read;     // what was made of it
+        std::chrono::milliseconds took{0};
+
+        bool isPassed() const { return read == expected; }
+    };
+
+    QString error; // why nothing can be read; "" where it can
+    Test latin;
     QString chineseError; // why no Chinese can be read
-    QString expected;     // what is on the test picture
-    QString read;         // what was made of it
-    std::chrono::milliseconds took{0};
+    Test chinese;         // where it can
 };
 
 struct DataFacts {
@@ -85,13 +93,16 @@ struct DataFacts {
     std::size_t cards = 0;
     std::size_t classes = 0;
     bool isSample = false;
-    std::chrono::seconds age{0}; // of the card file
+    QString classFile;
+    bool areClassesSample = false;
+    std::chrono::seconds age{0}; // of the figures
+    bool isAgeOfFile = false;    // since when they were taken is not known, but since when the file is there
     QString remark;              // of a class file that was refused
 };
 
 struct NamesFacts {
     bool strict = false;
-    std::size_t names = 0;   // all of them
+    std::size_t names = 0;   // all of them, of cards, classes and heroes
     QStringList unmatchable; // which no reading, however good, is taken for
 };
 

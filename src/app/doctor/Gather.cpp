@@ -41,8 +41,8 @@ std::chrono::milliseconds elapsed(const QElapsedTimer& timer) {
     return std::chrono::milliseconds(timer.elapsed());
 }
 
-std::chrono::seconds ageOf(const QFileInfo& file, const QDateTime& now) {
-    return std::chrono::seconds(std::max<qint64>(file.lastModified().secsTo(now), 0));
+std::chrono::seconds ageAt(const QDateTime& time, const QDateTime& now) {
+    return std::chrono::seconds(std::max<qint64>(time.secsTo(now), 0));
 }
 
 std::optional<QString> logsDirOf(const Places& places) {
@@ -58,7 +58,7 @@ LogFileFact gatherLogFile(const QString& folder, const QString& name, const QDat
     fact.isThere = file.exists();
     if (fact.isThere) {
         fact.size = file.size();
-        fact.age = ageOf(file, now);
+        fact.age = ageAt(file.lastModified(), now);
         if (const auto read = readLogFile(file.filePath(), pauseForWriter); !read) {
             fact.error = read.error();
         }
@@ -95,6 +95,13 @@ bool isPlain(const QImage& image) {
         }
     }
     return true;
+}
+
+ReaderFacts::Test tested(TextReader& reader, Script script) {
+    QElapsedTimer timer;
+    timer.start();
+    const QString read = readTestLine(reader, script);
+    return {testLineText(script), read, elapsed(timer)};
 }
 
 // A build that was given no server has addresses in the domain that is reserved for leading nowhere.
@@ -157,8 +164,10 @@ LogsFacts gatherLogs(const Places& places, const QDateTime& now) {
         return facts;
     }
     if (const auto session = LogWatcher(*facts.folder).latestSessionDir()) {
-        facts.session = SessionFact{QFileInfo(*session).fileName(), gatherLogFile(*session, u"Arena.log"_s, now),
-                                    gatherLogFile(*session, u"LoadingScreen.log"_s, now)};
+        const QDateTime begun = beginningOf(*session);
+        facts.session = SessionFact{
+            QFileInfo(*session).fileName(), begun.isValid() ? std::optional(ageAt(begun, now)) : std::nullopt,
+            gatherLogFile(*session, u"Arena.log"_s, now), gatherLogFile(*session, u"LoadingScreen.log"_s, now)};
     }
     return facts;
 }
@@ -173,7 +182,7 @@ LogConfigFacts gatherLogConfig(const Places& places, Fix fix) {
     if (fix == Fix::yes) {
         const auto fixed = fixLogConfig(*facts.path);
         if (!fixed) {
-            facts.fixError = fixed.error();
+            facts.error = fixed.error();
             return facts;
         }
         facts.fixed = !fixed->changes.isEmpty();
@@ -192,6 +201,9 @@ LogConfigFacts gatherLogConfig(const Places& places, Fix fix) {
         return facts;
     }
     facts.lacks = merged->changes;
+    if (!facts.lacks.isEmpty()) {
+        facts.error = file->toWriting;
+    }
     facts.newerThanSession = facts.isThere && logsDir && missedBySession(*logsDir, QFileInfo(*facts.path));
     return facts;
 }
@@ -216,22 +228,20 @@ WindowFacts gatherWindow(WindowServer& windows, const QString& ownerHint) {
 
 ReaderFacts gatherReader(const ApplicationFiles& files) {
     ReaderFacts facts;
-    facts.expected = testLineText();
     const auto reader = TextReader::create(files);
     if (!reader) {
         facts.error = reader.error().reason;
         return facts;
     }
+    facts.latin = tested(**reader, Script::latin);
     // One that finds its lines itself needs our data for Chinese; another brings its own.
     if ((*reader)->scalesLinesItself()) {
         if (const auto model = ChineseLineReader::loadModel(files); !model) {
             facts.chineseError = model.error();
+            return facts;
         }
     }
-    QElapsedTimer timer;
-    timer.start();
-    facts.read = readTestLine(**reader);
-    facts.took = elapsed(timer);
+    facts.chinese = tested(**reader, Script::chinese);
     return facts;
 }
 
@@ -248,37 +258,67 @@ DataAndNames gatherData(const ApplicationFiles& files, NameLengths lengths, cons
         return facts;
     }
     facts.data.remark = std::exchange(data.remark, QString()); // told here, so not logged too
-    facts.data.age = ageOf(QFileInfo(file), now);
+    facts.data.classFile = data.classesSource;
+    facts.data.areClassesSample = data.classes && data.classes->isSample;
+    const auto fetched = timeOfFetch(data.cards->fetchedAt);
+    facts.data.isAgeOfFile = !fetched;
+    facts.data.age = ageAt(fetched.value_or(QFileInfo(file).lastModified()), now);
     WinrateStore store(files);
     static_cast<void>(store.adopt(data));
     facts.data.cards = store.byId().size();
     facts.data.classes = store.classesByKey().size();
     facts.data.isSample = store.holdsSampleData();
-    facts.names.names = store.names().size();
-    facts.names.unmatchable = unmatchableNames(store, lengths);
+    facts.names = gatherNames(store, lengths);
     return facts;
 }
 
-QStringList unmatchableNames(const WinrateStore& store, NameLengths lengths) {
+NamesFacts gatherNames(const WinrateStore& store, NameLengths lengths) {
+    NamesFacts facts;
+    facts.strict = lengths == NameLengths::limited;
+    const CardRecognizer recognizer(store, lengths);
+    const auto look = [&](const QString& name, const QRectF& band, const auto& match, const auto& isRight) {
+        ++facts.names;
+        ReadText text;
+        text.tokens.push_back({name, 1, band.center().x(), band.center().y(), 0, 0});
+        const std::vector<SlotMatch> matches = (recognizer.*match)(text);
+        const bool found =
+            std::ranges::any_of(matches, [&](const SlotMatch& each) { return each.cardId && isRight(*each.cardId); });
+        if (!found && !facts.unmatchable.contains(name)) {
+            facts.unmatchable.append(name);
+        }
+    };
+    using Recognize = std::vector<SlotMatch> (CardRecognizer::*)(const ReadText&) const;
+    constexpr Recognize cards = &CardRecognizer::recognizeCards;
+    constexpr Recognize heroes = &CardRecognizer::recognizeHeroes;
     QSet<std::pair<QString, QString>> bearers; // a name may be that of several cards, and any of them will do
     for (const CardName& name : store.names()) {
         bearers.insert({name.norm, name.cardId});
     }
-    const CardRecognizer recognizer(store, lengths);
-    const QPointF middle = CardRecognizer::cardBand().center();
-    QStringList unmatchable;
     for (const CardName& name : store.names()) {
-        ReadText text;
-        text.tokens.push_back({name.original, 1, middle.x(), middle.y(), 0, 0});
-        const std::vector<SlotMatch> matches = recognizer.recognizeCards(text);
-        const bool found = std::ranges::any_of(matches, [&](const SlotMatch& match) {
-            return match.cardId && bearers.contains({name.norm, *match.cardId});
-        });
-        if (!found && !unmatchable.contains(name.original)) {
-            unmatchable.append(name.original);
+        look(name.original, CardRecognizer::cardBand(), cards,
+             [&](const QString& id) { return bearers.contains({name.norm, id}); });
+    }
+    for (const auto& [key, row] : store.classesByKey()) {
+        QStringList names{row.nameZh, row.displayName(AppLanguage::en)};
+        for (const QString& hero : row.heroNames.value_or(std::vector<QString>())) {
+            names.append(hero);
+        }
+        names.removeAll(QString());
+        names.removeDuplicates();
+        for (const QString& name : std::as_const(names)) {
+            look(name, CardRecognizer::heroBand(), heroes, [&](const QString& id) { return id == key; });
         }
     }
-    return unmatchable;
+    return facts;
+}
+
+std::optional<QDateTime> timeOfFetch(const QString& text) {
+    for (const Qt::DateFormat format : {Qt::ISODate, Qt::RFC2822Date}) {
+        if (const QDateTime time = QDateTime::fromString(text.trimmed(), format); time.isValid()) {
+            return time;
+        }
+    }
+    return std::nullopt;
 }
 
 ServerFacts gatherConfigServer(const QString& address, bool offline, HttpClient& http, const ApplicationFiles& files) {

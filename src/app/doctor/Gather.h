@@ -52,8 +52,11 @@ struct DataAndNames {
 
 DataAndNames gatherData(const ApplicationFiles& files, NameLengths lengths, const QDateTime& now);
 
-// Names of cards that name nothing when they are read exactly as they are.
-QStringList unmatchableNames(const WinrateStore& store, NameLengths lengths);
+// What cards, classes and heroes are called, and which of it names nothing when it is read exactly as it is.
+NamesFacts gatherNames(const WinrateStore& store, NameLengths lengths);
+
+// When figures were taken, of the free text that data files have for it; absent where it is no date.
+std::optional<QDateTime> timeOfFetch(const QString& text);
 
 // One request each, or none when `offline` or where there is no address.
 ServerFacts gatherConfigServer(const QString& address, bool offline, HttpClient& http, const ApplicationFiles& files);

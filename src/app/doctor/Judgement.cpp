@@ -1,5 +1,6 @@
 #include "app/doctor/Judgement.h"
 
+#include <QFileInfo>
 #include <QUrl>
 
 #include <algorithm>
@@ -87,10 +88,36 @@ QString adviceFor(LogFileError error) {
                                              : u"Restart the game: it begins new logs then."_s;
 }
 
-// In the words of Qt, which has them from OpenSSL.
-bool blamesCertificate(const QString& reason) {
-    return reason.contains(u"certificate"_s, Qt::CaseInsensitive) || reason.contains(u"SSL"_s) ||
-           reason.contains(u"TLS"_s);
+QString adviceFor(LogConfigError::Kind kind) {
+    using Kind = LogConfigError::Kind;
+    const QString fix = u"then \"pelloran doctor --fix\" puts in what the game has to be told. Restart the game "
+                        "after it."_s;
+    const QString makeAnew = u"then \"pelloran doctor --fix\" makes a new one. Restart the game after it."_s;
+    switch (kind) {
+    case Kind::leadsNowhere:
+        return u"Remove the link; "_s + makeAnew;
+    case Kind::noFile:
+    case Kind::tooLarge:
+        return u"Move it out of the way; "_s + makeAnew;
+    case Kind::unreadable:
+        return u"Give yourself the right to read it (chmod u+r); "_s + fix;
+    case Kind::notPlainText:
+        return u"Open it in an editor and save it as UTF-8, or move it out of the way; "_s + fix;
+    case Kind::isProtected:
+        return u"Give yourself the right to write it (chmod u+w); "_s + fix;
+    case Kind::unwritable:
+        return u"Look whether that folder is yours and the disk has room; "_s + fix;
+    }
+    Q_UNREACHABLE();
+}
+
+QString folderOf(const QString& file) {
+    return QFileInfo(file).path();
+}
+
+// In the words of Qt, such as "SSL handshake failed" and "TLS initialization failed".
+bool blamesSecurity(const QString& reason) {
+    return reason.contains(u"SSL"_s) || reason.contains(u"TLS"_s);
 }
 
 bool isOnThisMachine(const QString& host) {
@@ -102,8 +129,9 @@ QString logConfigChanges(const QStringList& changes) {
 }
 
 Finding judgeSession(const QString& folder, const SessionFact& session) {
-    const QString files = u"%1, session %2: %3, %4."_s.arg(folder, session.name, describe(session.arena),
-                                                           describe(session.loadingScreen));
+    const QString begun = session.age ? u", begun %1 ago"_s.arg(durationText(*session.age)) : QString();
+    const QString files = u"%1, session %2%3: %4, %5."_s.arg(folder, session.name, begun, describe(session.arena),
+                                                             describe(session.loadingScreen));
     if (session.arena.error) {
         return {checks::logs, State::problem,
                 u"%1/%2/%3 %4."_s.arg(folder, session.name, session.arena.name, describe(*session.arena.error)),
@@ -182,18 +210,12 @@ Finding judge(const LogsFacts& facts) {
 
 Finding judge(const LogConfigFacts& facts) {
     const QString silent = u"The game does not write what Pelloran reads."_s;
-    const QString fix = u"\"pelloran doctor --fix\" puts it right and keeps a copy; then restart the game."_s;
     if (!facts.path) {
         return {
             checks::logConfig, State::note,
             u"It is not known where it lies: no Wine prefix with the game was found, or the log folder is in none."_s,
             u"Whether the game is told to write its logs cannot be looked up."_s,
-            u"It lies beside the game's other settings; the README tells what has to be in it."_s};
-    }
-    if (!facts.fixError.isEmpty()) {
-        return {checks::logConfig, State::problem, sentence(facts.fixError), silent,
-                u"Mend that and try again, or write the sections [Arena] and [LoadingScreen] yourself as the README "
-                "has them."_s};
+            u"Name the game's Wine prefix with the variable WINEPREFIX."_s};
     }
     if (facts.fixed) {
         const QString kept = facts.backup.isEmpty() ? QString() : u" What was there is in %1."_s.arg(facts.backup);
@@ -201,10 +223,9 @@ Finding judge(const LogConfigFacts& facts) {
                 u"%1 was put right: %2.%3"_s.arg(*facts.path, logConfigChanges(facts.changes), kept),
                 u"The game reads it only when it starts."_s, u"Restart the game."_s};
     }
-    if (!facts.error.isEmpty()) {
-        return {
-            checks::logConfig, State::problem, sentence(facts.error), silent,
-            u"Move it out of the way; then \"pelloran doctor --fix\" makes a new one. Restart the game after it."_s};
+    if (facts.error) {
+        return {checks::logConfig, State::problem, sentence(facts.error->description), silent,
+                adviceFor(facts.error->kind)};
     }
     if (!facts.isThere) {
         return {checks::logConfig, State::problem, u"%1 is not there."_s.arg(*facts.path), silent,
@@ -212,7 +233,8 @@ Finding judge(const LogConfigFacts& facts) {
     }
     if (!facts.lacks.isEmpty()) {
         return {checks::logConfig, State::problem,
-                u"%1 is to say otherwise: %2."_s.arg(*facts.path, logConfigChanges(facts.lacks)), silent, fix};
+                u"%1 is to say otherwise: %2."_s.arg(*facts.path, logConfigChanges(facts.lacks)), silent,
+                u"\"pelloran doctor --fix\" puts it right and keeps a copy; then restart the game."_s};
     }
     const QString complete = u"%1 has both sections."_s.arg(*facts.path);
     if (facts.newerThanSession) {
@@ -274,18 +296,28 @@ Finding judge(const ReaderFacts& facts) {
         return {checks::reader, State::problem, u"No text can be read."_s, u"Every offer stays \"Unrecognized\"."_s,
                 sentence(facts.error)};
     }
-    const bool readsRight = facts.read == facts.expected;
-    const QString test =
-        u"The test line \"%1\" was read as \"%2\" in %3 ms."_s.arg(facts.expected, facts.read).arg(facts.took.count());
-    if (!readsRight) {
-        return {checks::reader, State::problem, test, u"Names will be read wrong or not at all."_s,
+    const auto outcome = [](const ReaderFacts::Test& test) {
+        return u"\"%1\" was read as \"%2\" in %3 ms"_s.arg(test.expected, test.read).arg(test.took.count());
+    };
+    if (!facts.latin.isPassed()) {
+        return {checks::reader, State::problem, u"The test line %1."_s.arg(outcome(facts.latin)),
+                u"Names will be read wrong or not at all."_s,
                 u"Install the data for reading Latin letters anew (Debian: tesseract-ocr-eng)."_s};
     }
+    const QString inChinese = u"In a Chinese client every offer stays \"Unrecognized\"."_s;
+    const QString again = u"Install Pelloran anew."_s;
     if (!facts.chineseError.isEmpty()) {
-        return {checks::reader, State::note, test + u" There is no data for Chinese: %1."_s.arg(facts.chineseError),
-                u"In a Chinese client every offer stays \"Unrecognized\"."_s, u"Install Pelloran anew."_s};
+        return {checks::reader, State::note,
+                u"The test line %1. There is no data for Chinese: %2."_s.arg(outcome(facts.latin), facts.chineseError),
+                inChinese, again};
     }
-    return {checks::reader, State::ok, u"Data for Latin letters and for Chinese is there. "_s + test, {}, {}};
+    const QString both = u"The test lines: %1, %2."_s.arg(outcome(facts.latin), outcome(facts.chinese));
+    return facts.chinese.isPassed() ? Finding{checks::reader,
+                                              State::ok,
+                                              u"Data for Latin letters and for Chinese is there. "_s + both,
+                                              {},
+                                              {}}
+                                    : Finding{checks::reader, State::note, both, inChinese, again};
 }
 
 Finding judge(const DataFacts& facts) {
@@ -295,21 +327,31 @@ Finding judge(const DataFacts& facts) {
                     ? u"Mend that file or remove it: the figures that came with the program are used then."_s
                     : u"Install Pelloran anew, or put data files into %1."_s.arg(facts.configurationFolder)};
     }
-    const QString what = u"%1, %2 old: %3 cards, %4 classes%5."_s.arg(facts.cardFile, durationText(facts.age))
-                             .arg(facts.cards)
-                             .arg(facts.classes)
-                             .arg(facts.isSample ? u", invented samples"_s : QString());
+    const bool areApart = facts.classes > 0 && folderOf(facts.classFile) != folderOf(facts.cardFile);
+    const bool areMixed = areApart && facts.areClassesSample && !facts.isSample;
+    const QString what =
+        u"%1, %2 %3 ago: %4 cards, %5, %6 classes%7."_s
+            .arg(facts.cardFile, facts.isAgeOfFile ? u"written"_s : u"fetched"_s, durationText(facts.age))
+            .arg(facts.cards)
+            .arg(facts.isSample ? u"invented samples"_s : u"real figures"_s)
+            .arg(facts.classes)
+            .arg(areApart ? u" (%1%2)"_s.arg(facts.classFile, areMixed ? u", invented samples"_s : QString())
+                          : QString());
+    const QString noHeroes = u"The three heroes are shown without figures."_s;
     if (!facts.remark.isEmpty()) {
-        return {checks::data, State::note, what + u' ' + sentence(facts.remark),
-                u"The three heroes are shown without figures."_s, u"Mend or remove that file."_s};
+        return {checks::data, State::note, what + u' ' + sentence(facts.remark), noHeroes,
+                u"Mend or remove that file."_s};
     }
     if (facts.classes == 0) {
-        return {checks::data, State::note, what, u"The three heroes are shown without figures."_s,
-                u"Put winrates/class_winrates.json beside the card file."_s};
+        return {checks::data, State::note, what, noHeroes, u"Put winrates/class_winrates.json beside the card file."_s};
     }
     if (facts.isSample) {
         return {checks::data, State::note, what, u"They are for a look at the program and say nothing of any card."_s,
                 u"Put real files into %1, or name a configuration server."_s.arg(facts.configurationFolder)};
+    }
+    if (areMixed) {
+        return {checks::data, State::note, what, u"What is shown of the three heroes says nothing of them."_s,
+                u"Put a real class_winrates.json into %1."_s.arg(folderOf(facts.cardFile))};
     }
     if (facts.age > oldData) {
         return {checks::data, State::note, what, u"Figures that old may not fit the cards that are offered now."_s,
@@ -332,7 +374,7 @@ Finding judge(const NamesFacts& facts) {
             u"%1 of %2 can never be matched: %3."_s.arg(facts.unmatchable.size()).arg(facts.names).arg(shown),
             u"Where one of these is offered, its tile stays \"Unrecognized\"."_s,
             facts.strict ? u"Leave --strict-lengths away: longer names count then, where they are read exactly."_s
-                         : u"Nothing can be done: they have too few letters to tell them from other text."_s};
+                         : u"Nothing can be done: they have too few letters, or are heroes of several classes."_s};
 }
 
 Finding judge(const ServerFacts& facts) {
@@ -350,19 +392,27 @@ Finding judge(const ServerFacts& facts) {
     const QString meaning = isConfig ? u"The data files stay as they are until it answers again."_s
                                      : u"Pelloran does not hear of new versions until it answers again."_s;
     const QUrl url(facts.address);
+    const bool isSecure = url.scheme() == u"https"_s;
     if (!facts.error.isEmpty()) {
         const QString what = u"%1: %2"_s.arg(facts.address, sentence(facts.error));
-        if (url.scheme() == u"https"_s && blamesCertificate(facts.error)) {
+        if (isSecure && facts.error.contains(u"certificate"_s, Qt::CaseInsensitive)) { // in OpenSSL's words
             return {check, State::problem, what,
                     u"Its certificate is not trusted, so nothing is taken from it. "_s + meaning,
                     u"Look whether this machine's clock is right and the package ca-certificates is installed; else it "
                     "is for whoever runs the server to mend."_s};
         }
+        if (isSecure && blamesSecurity(facts.error)) {
+            return {check, State::problem, what, u"No secure connection comes about. "_s + meaning,
+                    u"Look whether the address is right, port and https included; else it is for whoever runs the "
+                    "server."_s};
+        }
         return {
             check, State::problem, what, meaning,
             u"Look whether this machine is online and the address is right; else it is for whoever runs the server."_s};
     }
-    const QString what = u"%1 answered in %2 ms: %3"_s.arg(facts.address).arg(facts.took.count()).arg(facts.answer);
+    const QString what = u"%1 answered in %2 ms%3: %4"_s.arg(facts.address)
+                             .arg(facts.took.count())
+                             .arg(isSecure ? u", its certificate is trusted"_s : QString(), facts.answer);
     if (facts.hasNews && !isConfig) {
         return {check, State::note, what, {}, u"\"Check App Update\" in Pelloran's menu offers it."_s};
     }
@@ -402,7 +452,8 @@ Finding judge(const FoldersFacts& facts) {
     }
     if (!refused.isEmpty()) {
         return {checks::folders, State::problem, u"Cannot be written: %1."_s.arg(refused.join(u"; "_s)),
-                u"What belongs there is lost."_s, u"Give yourself the right to write there."_s};
+                u"What belongs there is lost."_s,
+                u"Give yourself the right to write there, or move away what lies in the folder's place."_s};
     }
     return {checks::folders, State::ok, u"Can be written: %1."_s.arg(purposes.join(u", "_s)), {}, {}};
 }

@@ -1,25 +1,20 @@
 #pragma once
 
+#include "platform/TextReader.h"
+
 #include <QImage>
 #include <QString>
 
-#include <memory>
+namespace pelloran::doctor {
 
-namespace pelloran {
+// What the picture in this script says.
+QString testLineText(Script script);
 
-class TextReader;
+// A window with light letters with dark outlines, as names on cards have them: one line, or in Chinese the same one on
+// each of three cards.
+QImage testLinePicture(Script script);
 
-namespace doctor {
+// All that the reader finds on it, each text once.
+QString readTestLine(TextReader& reader, Script script);
 
-// What the picture says.
-QString testLineText();
-
-// A window with one line of light letters with dark outlines, as names on cards have them.
-QImage testLinePicture();
-
-// All that the reader finds on it.
-QString readTestLine(TextReader& reader);
-
-} // namespace doctor
-
-} // namespace pelloran
+} // namespace pelloran::doctor

@@ -14,20 +14,37 @@
 namespace pelloran {
 
 // Where the game that writes its logs to `logsDir` looks for its log.config, whether that is there or not: in the Wine
-// prefix that the folder lies in, else among the preferences in the Mac user's library below `home`. Without a log
-// folder, in the first of the usual prefixes that has the game, which may never have been told to log. Absent where
-// that is not known.
+// prefix that the folder lies in, as it was named or where links lead, else among the preferences in the Mac user's
+// library below `home`, else in $WINEPREFIX, whose other drives may have the game. Without a log folder, in the first
+// of the usual prefixes that has the game, which may never have been told to log. Absent where that is not known.
 std::optional<QString> logConfigPath(const std::optional<QString>& logsDir, const QString& home,
                                      const EnvironmentLookup& environment);
 
-struct LogConfigFile {
-    QString path;                   // of the file itself, where links lead there
-    std::optional<QByteArray> text; // absent: there is no file
-    bool isWritable = false;        // it, or the folder that it would be in
+// Why the file cannot be used or written.
+struct LogConfigError {
+    enum class Kind {
+        leadsNowhere, // a link
+        noFile,       // a folder, most likely
+        unreadable,
+        tooLarge,
+        notPlainText,
+        isProtected, // the file is not to be written
+        unwritable,  // its folder is not, or the disk is full
+    };
+
+    Kind kind;
+    QString description; // for the user, such as "/a/log.config may not be written"
+
+    bool operator==(const LogConfigError&) const = default;
 };
 
-// The error is a sentence: a folder of that name, no permission, too large.
-std::expected<LogConfigFile, QString> readLogConfig(const QString& path);
+struct LogConfigFile {
+    QString path;                            // of the file itself, where links lead there
+    std::optional<QByteArray> text;          // absent: there is no file
+    std::optional<LogConfigError> toWriting; // what is in the way of that
+};
+
+std::expected<LogConfigFile, LogConfigError> readLogConfig(const QString& path);
 
 struct WrittenLogConfig {
     QStringList changes; // see MergedLogConfig; empty: nothing was written
@@ -35,11 +52,11 @@ struct WrittenLogConfig {
 };
 
 // Merges the file, in one step that the game cannot see half done, and keeps what was there beside it under a name that
-// is not taken. The error is a sentence, and then the file is as it was. A file that may not be written is an error,
-// though another could be put in its place: whoever protected it meant it.
-std::expected<WrittenLogConfig, QString> fixLogConfig(const QString& path);
+// is not taken, with its permissions, which the new one has too. After an error the file is as it was. One that may not
+// be written is an error, though another could be put in its place: whoever protected it meant it.
+std::expected<WrittenLogConfig, LogConfigError> fixLogConfig(const QString& path);
 
-// For the user's eyes.
-QString notPlainText(const QString& path);
+// What mergeLogConfig() refuses.
+LogConfigError notPlainText(const QString& path);
 
 } // namespace pelloran

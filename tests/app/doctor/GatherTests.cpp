@@ -1,8 +1,10 @@
 #include "app/doctor/Gather.h"
 
 #include "app/doctor/Bounded.h"
+#include "app/doctor/Judgement.h"
 #include "app/doctor/TestLine.h"
 #include "draft/logs/LogConfig.h"
+#include "platform/HttpClient.h"
 #include "tests/fakes/FakeApplicationFiles.h"
 #include "tests/fakes/FakeHttpClient.h"
 #include "tests/fakes/FakeTextReader.h"
@@ -10,10 +12,15 @@
 #include "tests/fakes/FakeWindowServer.h"
 #include "tests/support/Printing.h"
 #include "tests/support/SampleStore.h"
+#include "tests/support/ScriptedServer.h"
+#include "tests/support/TestCertificate.h"
 
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
+#include <QNetworkProxyFactory>
+#include <QScopeGuard>
+#include <QSslSocket>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -71,6 +78,7 @@ TEST_F(DoctorGathering, FindsTheLogs) {
     const LogsFacts facts = gatherLogs(places(), later);
     ASSERT_TRUE(facts.session);
     EXPECT_EQ(facts.session->name, u"Hearthstone_2026_04_12_20_00_00"_s);
+    EXPECT_EQ(facts.session->age, std::chrono::seconds(QDateTime(QDate(2026, 4, 12), QTime(20, 0)).secsTo(later)));
     EXPECT_TRUE(facts.session->arena.isThere);
     EXPECT_EQ(facts.session->arena.size, 5);
     EXPECT_EQ(facts.session->arena.age, 600s);
@@ -105,6 +113,8 @@ TEST_F(DoctorGathering, LooksAtTheLogConfigAndFixesItWhenAsked) {
     EXPECT_TRUE(fixed.lacks.isEmpty());
     EXPECT_TRUE(QFileInfo::exists(fixed.backup));
 
+    ASSERT_TRUE(QFile::setPermissions(folder.filePath(config), QFile::ReadOwner));
+    EXPECT_EQ(gatherLogConfig(places(), Fix::no).error, std::nullopt) << "nobody has to write what is complete";
     before = everything();
     const LogConfigFacts again = gatherLogConfig(places(), Fix::yes);
     EXPECT_FALSE(again.fixed);
@@ -116,9 +126,23 @@ TEST_F(DoctorGathering, LooksAtTheLogConfigAndFixesItWhenAsked) {
     EXPECT_FALSE(gatherLogConfig(places(), Fix::no).newerThanSession) << "the game knew what it has to know";
 
     ASSERT_TRUE(QFile::remove(folder.filePath(config)));
+    write(config, "[Arena]\n");
+    ASSERT_TRUE(QFile::setPermissions(folder.filePath(config), QFile::ReadOwner));
+    for (const Fix fix : {Fix::no, Fix::yes}) {
+        const auto error = gatherLogConfig(places(), fix).error;
+        ASSERT_TRUE(error) << "told before anybody tries";
+        EXPECT_EQ(error->kind, LogConfigError::Kind::isProtected);
+    }
+    ASSERT_TRUE(QFile::remove(folder.filePath(config)));
+    write(config, QByteArray("\xFF\xFE[\0", 4));
+    EXPECT_EQ(gatherLogConfig(places(), Fix::no).error->kind, LogConfigError::Kind::notPlainText);
+    ASSERT_TRUE(QFile::remove(folder.filePath(config)));
     ASSERT_TRUE(QDir().mkpath(folder.filePath(config)));
-    EXPECT_TRUE(gatherLogConfig(places(), Fix::no).error.contains(u"folder"_s));
-    EXPECT_TRUE(gatherLogConfig(places(), Fix::yes).fixError.contains(u"folder"_s));
+    for (const Fix fix : {Fix::no, Fix::yes}) {
+        const auto error = gatherLogConfig(places(), fix).error;
+        ASSERT_TRUE(error);
+        EXPECT_EQ(error->kind, LogConfigError::Kind::noFile);
+    }
 }
 
 TEST_F(DoctorGathering, TakesThePictureOfTheGame) {
@@ -164,12 +188,46 @@ TEST_F(DoctorGathering, KnowsWhichNamesNameNothing) {
         {"card_id": "E", "name_en": "Chromaggus the Twice-Born"},
         {"card_id": "F", "name_en": "Fifteen Letterss"}
     ]})",
-                                      R"({"classes": []})");
-    EXPECT_EQ(unmatchableNames(sample.store, NameLengths::limitedUnlessExact), (QStringList{u"Ox"_s, u"1234"_s}))
-        << "too few letters";
-    EXPECT_EQ(unmatchableNames(sample.store, NameLengths::limited),
-              (QStringList{u"Ox"_s, u"1234"_s, u"Chromaggus the Twice-Born"_s, u"Fifteen Letterss"_s}))
+                                      R"({"classes": [
+        {"player_class": "MAGE", "name_zh": "法师", "name_en": "Mage", "hero_names": ["Jaina", "Twin"]},
+        {"player_class": "DEMONHUNTER", "name_zh": "恶魔猎手", "name_en": "", "hero_names": ["Twin"]}
+    ]})");
+    const NamesFacts usual = gatherNames(sample.store, NameLengths::limitedUnlessExact);
+    EXPECT_FALSE(usual.strict);
+    EXPECT_EQ(usual.names, 14U);
+    EXPECT_EQ(usual.unmatchable, (QStringList{u"Ox"_s, u"1234"_s, u"Twin"_s}))
+        << "too few letters, and a hero of two classes";
+    const NamesFacts strict = gatherNames(sample.store, NameLengths::limited);
+    EXPECT_TRUE(strict.strict);
+    EXPECT_EQ(strict.unmatchable, (QStringList{u"Ox"_s, u"1234"_s, u"Chromaggus the Twice-Born"_s,
+                                               u"Fifteen Letterss"_s, u"Demon Hunter"_s, u"Twin"_s}))
         << "and too many";
+}
+
+TEST_F(DoctorGathering, KnowsWhenFiguresWereTaken) {
+    struct Case {
+        const char* why;
+        const char* text;
+        QDateTime expected; // invalid: not known
+    };
+
+    const auto utc = [](int hour) { return QDateTime(QDate(2026, 4, 12), QTime(hour, 30), Qt::UTC); };
+    const Case cases[] = {
+        {"as programs write it", "2026-04-12T20:30:00Z", utc(20)},
+        {"of another zone", "2026-04-12T20:30:00+02:00", utc(18)},
+        {"with a blank, fractions and white space", " 2026-04-12 20:30:00.000Z\n", utc(20)},
+        {"as servers write it", "Sun, 12 Apr 2026 20:30:00 +0000", utc(20)},
+        {"a day", "2026-04-12", QDateTime(QDate(2026, 4, 12), QTime(0, 0))},
+        {"the samples", "never: sample data, every figure is invented", {}},
+        {"none", "", {}},
+        {"no day of any calendar", "2026-13-45T00:00:00Z", {}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const auto time = timeOfFetch(QString::fromUtf8(c.text));
+        EXPECT_EQ(time.has_value(), c.expected.isValid());
+        EXPECT_EQ(time.value_or(QDateTime()), c.expected);
+    }
 }
 
 TEST_F(DoctorGathering, ReadsTheDataThatTheProgramWould) {
@@ -187,7 +245,10 @@ TEST_F(DoctorGathering, ReadsTheDataThatTheProgramWould) {
     EXPECT_FALSE(sample.data.isUsersOwn);
     EXPECT_EQ(sample.data.cards, 1U);
     EXPECT_EQ(sample.data.classes, 1U);
-    EXPECT_EQ(sample.names.names, 1U);
+    EXPECT_EQ(sample.names.names, 3U) << "two of the class";
+    EXPECT_TRUE(sample.data.isAgeOfFile);
+    EXPECT_EQ(sample.data.classFile, folder.filePath(u"resources/winrates/class_winrates.json"_s));
+    EXPECT_FALSE(sample.data.areClassesSample);
     EXPECT_TRUE(sample.names.unmatchable.isEmpty());
 
     write(own, "{");
@@ -195,7 +256,17 @@ TEST_F(DoctorGathering, ReadsTheDataThatTheProgramWould) {
     EXPECT_TRUE(broken.data.error.contains(folder.filePath(own))) << broken.data.error.toStdString();
     EXPECT_TRUE(broken.data.isUsersOwn);
 
-    write(own, R"({"cards": [{"card_id": "A", "name_en": "Fireball"}, {"card_id": "B", "name_en": "Frostbolt"}]})");
+    write(u"resources/winrates/class_winrates.json"_s,
+          R"({"selected_params": ["SAMPLE"], "classes": [{"player_class": "MAGE", "name_zh": "x"}]})");
+    write(own, R"({"fetched_at": "2026-04-12T20:00:00Z",
+                   "cards": [{"card_id": "A", "name_en": "Fireball"}, {"card_id": "B", "name_en": "Frostbolt"}]})");
+    const QDateTime later(QDate(2026, 4, 15), QTime(20, 0), Qt::UTC);
+    const DataAndNames mixed = gatherData(files, NameLengths::limited, later);
+    EXPECT_FALSE(mixed.data.isAgeOfFile);
+    EXPECT_EQ(mixed.data.age, 72h);
+    EXPECT_TRUE(mixed.data.areClassesSample);
+    EXPECT_FALSE(mixed.data.isSample);
+    EXPECT_EQ(gatherData(files, NameLengths::limited, later.addDays(-9)).data.age, 0s) << "a clock that is wrong";
     write(u"support/Pelloran/config/winrates/class_winrates.json"_s, R"({"classes": 1})");
     const auto before = everything();
     const DataAndNames mine = gatherData(files, NameLengths::limited, now);
@@ -238,6 +309,67 @@ TEST_F(DoctorGathering, AsksTheConfigurationServerOnce) {
     EXPECT_EQ(http.requests.size(), 5U) << "one each";
 }
 
+// Over a real connection, and judged, for the words are the library's.
+TEST_F(DoctorGathering, KnowsABadCertificate) {
+    if (!QSslSocket::supportsSsl()) {
+        GTEST_SKIP() << "Qt has no TLS here";
+    }
+    // Loopback is reached without the proxy that this machine may have.
+    const bool usedSystems = QNetworkProxyFactory::usesSystemConfiguration();
+    QNetworkProxyFactory::setUseSystemConfiguration(false);
+    const QSslConfiguration before = QSslConfiguration::defaultConfiguration();
+    const auto restore = qScopeGuard([&] {
+        QNetworkProxyFactory::setUseSystemConfiguration(usedSystems);
+        QSslConfiguration::setDefaultConfiguration(before);
+    });
+
+    using testing::CertificateKind;
+
+    struct Case {
+        const char* why;
+        CertificateKind kind;
+        bool isTrusted;
+        Finding::State state;
+        const char* says;
+    };
+
+    constexpr auto problem = Finding::State::problem;
+    const Case cases[] = {
+        {"made by whoever runs it", CertificateKind::valid, false, problem, "self-signed"},
+        {"too old", CertificateKind::expired, true, problem, "expired"},
+        {"of another server", CertificateKind::ofAnotherHost, true, problem, "host name"},
+        {"as it should be", CertificateKind::valid, true, Finding::State::ok, "its certificate is trusted"},
+    };
+    const testing::FakeApplicationFiles files(folder.path());
+    const testing::FakeUserDefaults defaults;
+    const auto http = HttpClient::create();
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const auto certificate = testing::makeCertificate(c.kind);
+        if (!certificate) {
+            GTEST_SKIP() << "needs the openssl program";
+        }
+        QSslConfiguration trusting = before;
+        if (c.isTrusted) {
+            trusting.addCaCertificate(certificate->issuer);
+        }
+        QSslConfiguration::setDefaultConfiguration(trusting);
+        testing::ScriptedServer server(certificate->server);
+        server.on("/pelloran/latest/manifest.json",
+                  testing::ScriptedServer::answer("200 OK", {}, R"({"hash": "feedbeefcafe"})"));
+        server.on("/download/latest.json", testing::ScriptedServer::answer("200 OK", {}, R"({"version": "0"})"));
+        for (const ServerFacts& facts : {gatherConfigServer(server.base(), false, *http, files),
+                                         gatherUpdateServer(server.base(), false, defaults)}) {
+            const Finding finding = judge(facts);
+            EXPECT_EQ(stateName(finding.state), stateName(c.state)) << lineFor(finding).toStdString();
+            EXPECT_TRUE(finding.what.contains(QString::fromUtf8(c.says))) << lineFor(finding).toStdString();
+            EXPECT_EQ(finding.meaning.contains(u"certificate is not trusted"_s), c.state == problem)
+                << lineFor(finding).toStdString();
+        }
+        EXPECT_EQ(server.requests().size(), c.state == problem ? 0U : 2U) << "nothing is asked of a stranger";
+    }
+}
+
 TEST_F(DoctorGathering, AsksNoUpdateServerThatIsNone) {
     const testing::FakeUserDefaults defaults;
     EXPECT_EQ(gatherUpdateServer(u"https://update.pelloran.invalid"_s, false, defaults).address, QString());
@@ -253,6 +385,28 @@ TEST_F(DoctorGathering, KnowsWhatCannotBeWritten) {
     EXPECT_TRUE(everything().isEmpty()) << "nothing was made";
     write(u"support"_s, "a file in the place of a folder");
     EXPECT_TRUE(gatherFolders(files, defaults).folders.front().obstacle.contains(u"is no folder"_s));
+}
+
+// The real reader, with the model that ships.
+TEST_F(DoctorGathering, ReadsBothTestLines) {
+    const auto files = ApplicationFiles::create();
+    const ReaderFacts facts = gatherReader(*files);
+    if (!facts.error.isEmpty()) {
+        GTEST_SKIP() << facts.error.toStdString();
+    }
+    EXPECT_EQ(facts.latin.read, u"Fireball"_s);
+    EXPECT_EQ(facts.chineseError, QString());
+    EXPECT_EQ(facts.chinese.read, u"火球术"_s);
+}
+
+TEST_F(DoctorGathering, TellsTheReaderWhichNamesThereAre) {
+    testing::FakeTextReader reader;
+    readTestLine(reader, Script::chinese);
+    ASSERT_TRUE(reader.lastHints.names) << "without names no Chinese is read";
+    EXPECT_TRUE(reader.lastHints.names->contains(testLineText(Script::chinese)));
+    EXPECT_GT(reader.lastHints.names->names().size(), 1U) << "there is something to mistake it for";
+    readTestLine(reader, Script::latin);
+    EXPECT_FALSE(reader.lastHints.names) << "letters are read one by one";
 }
 
 TEST_F(DoctorGathering, ReadsTheTestLineInOneOrTwoWays) {
@@ -274,7 +428,7 @@ TEST_F(DoctorGathering, ReadsTheTestLineInOneOrTwoWays) {
         SCOPED_TRACE(c.why);
         testing::FakeTextReader reader;
         reader.tokens = c.tokens;
-        EXPECT_EQ(readTestLine(reader), c.expected);
+        EXPECT_EQ(readTestLine(reader, Script::latin), c.expected);
     }
 }
 

@@ -52,13 +52,15 @@ TEST(DoctorJudgement, OfTheLogs) {
     LogsFacts well;
     well.folder = u"/logs"_s;
     well.session = SessionFact{
-        u"Hearthstone_1"_s, {u"Arena.log"_s, true, 12'345, 90s, {}}, {u"LoadingScreen.log"_s, true, 500, 2h, {}}};
+        u"Hearthstone_1"_s, {}, {u"Arena.log"_s, true, 12'345, 90s, {}}, {u"LoadingScreen.log"_s, true, 500, 2h, {}}};
     judgeAll<LogsFacts>(
         well,
         {
             {"all there", [](auto&) {}, State::ok,
              u"/logs, session Hearthstone_1: Arena.log (12 kB, written 90 seconds ago), LoadingScreen.log (500 bytes, "
              "written 2 hours ago)."_s},
+            {"of which the name tells its age", [](auto& facts) { facts.session->age = 3h; }, State::ok,
+             u"session Hearthstone_1, begun 3 hours ago: Arena.log"_s},
             {"no folder anywhere", [](auto& facts) { facts.folder.reset(); }, State::problem, u"--logs-dir"_s},
             {"not the one that was named",
              [](auto& facts) {
@@ -89,36 +91,54 @@ TEST(DoctorJudgement, OfTheLogs) {
 }
 
 TEST(DoctorJudgement, OfTheGamesLogConfig) {
+    using Kind = LogConfigError::Kind;
     LogConfigFacts well;
     well.path = u"/p/log.config"_s;
     well.isThere = true;
     judgeAll<LogConfigFacts>(
-        well, {
-                  {"complete", [](auto&) {}, State::ok, u"/p/log.config has both sections."_s},
-                  {"no game", [](auto& facts) { facts.path.reset(); }, State::note, u"not known where"_s},
-                  {"missing", [](auto& facts) { facts.isThere = false; }, State::problem, u"--fix"_s},
-                  {"other values", [](auto& facts) { facts.lacks = {u"[Arena] (was missing)"_s, u"[B] x"_s}; },
-                   State::problem, u"say otherwise: [Arena] (was missing), [B] x."_s},
-                  {"a folder of that name", [](auto& facts) { facts.error = u"/p/log.config is no file"_s; },
-                   State::problem, u"/p/log.config is no file."_s},
-                  {"the game started before it", [](auto& facts) { facts.newerThanSession = true; }, State::note,
-                   u"Restart the game"_s},
-                  {"fixed",
-                   [](auto& facts) {
-                       facts.fixed = true;
-                       facts.changes = QStringList{u"[Arena] (was missing)"_s};
-                       facts.backup = u"/p/log.config.bak"_s;
-                   },
-                   State::note, u"[Arena] (was missing). What was there is in /p/log.config.bak."_s},
-                  {"made",
-                   [](auto& facts) {
-                       facts.fixed = true;
-                       facts.changes = QStringList{u"[Arena] (was missing)"_s};
-                   },
-                   State::note, u"(was missing). The game reads it only when it starts. Restart the game."_s},
-                  {"not to be written", [](auto& facts) { facts.fixError = u"/p/log.config may not be written"_s; },
-                   State::problem, u"may not be written. The game"_s},
-              });
+        well,
+        {
+            {"complete", [](auto&) {}, State::ok, u"/p/log.config has both sections."_s},
+            {"no game", [](auto& facts) { facts.path.reset(); }, State::note, u"not known where"_s},
+            {"missing", [](auto& facts) { facts.isThere = false; }, State::problem, u"--fix"_s},
+            {"other values", [](auto& facts) { facts.lacks = {u"[Arena] (was missing)"_s, u"[B] x"_s}; },
+             State::problem, u"say otherwise: [Arena] (was missing), [B] x."_s},
+            {"a folder of that name",
+             [](auto& facts) { facts.error = LogConfigError{Kind::noFile, u"/p/log.config is no file"_s}; },
+             State::problem, u"/p/log.config is no file. The game does not write what Pelloran reads. Move"_s},
+            {"a link to nowhere", [](auto& facts) { facts.error = LogConfigError{Kind::leadsNowhere, u"x"_s}; },
+             State::problem, u"Remove the link"_s},
+            {"no right to read it", [](auto& facts) { facts.error = LogConfigError{Kind::unreadable, u"x"_s}; },
+             State::problem, u"chmod u+r"_s},
+            {"something else of that name", [](auto& facts) { facts.error = LogConfigError{Kind::tooLarge, u"x"_s}; },
+             State::problem, u"Move it out of the way"_s},
+            {"in UTF-16", [](auto& facts) { facts.error = LogConfigError{Kind::notPlainText, u"x"_s}; }, State::problem,
+             u"save it as UTF-8"_s},
+            {"no right to its folder",
+             [](auto& facts) { facts.error = LogConfigError{Kind::unwritable, u"/p may not be written"_s}; },
+             State::problem, u"/p may not be written."_s},
+            {"the game started before it", [](auto& facts) { facts.newerThanSession = true; }, State::note,
+             u"Restart the game"_s},
+            {"fixed",
+             [](auto& facts) {
+                 facts.fixed = true;
+                 facts.changes = QStringList{u"[Arena] (was missing)"_s};
+                 facts.backup = u"/p/log.config.bak"_s;
+             },
+             State::note, u"[Arena] (was missing). What was there is in /p/log.config.bak."_s},
+            {"made",
+             [](auto& facts) {
+                 facts.fixed = true;
+                 facts.changes = QStringList{u"[Arena] (was missing)"_s};
+             },
+             State::note, u"(was missing). The game reads it only when it starts. Restart the game."_s},
+            {"not to be written",
+             [](auto& facts) {
+                 facts.lacks = QStringList{u"[Arena] (was missing)"_s};
+                 facts.error = LogConfigError{Kind::isProtected, u"/p/log.config may not be written"_s};
+             },
+             State::problem, u"chmod u+w"_s},
+        });
 }
 
 TEST(DoctorJudgement, OfTheGamesWindow) {
@@ -150,17 +170,22 @@ TEST(DoctorJudgement, OfTheGamesWindow) {
 
 TEST(DoctorJudgement, OfTheTextReader) {
     ReaderFacts well;
-    well.expected = well.read = u"Fireball"_s;
-    well.took = 20ms;
+    well.latin = {u"Fireball"_s, u"Fireball"_s, 20ms};
+    well.chinese = {u"火球术"_s, u"火球术"_s, 9ms};
     judgeAll<ReaderFacts>(
         well, {
-                  {"reads", [](auto&) {}, State::ok, u"\"Fireball\" was read as \"Fireball\" in 20 ms."_s},
+                  {"reads", [](auto&) {}, State::ok,
+                   u"\"Fireball\" was read as \"Fireball\" in 20 ms, \"火球术\" was read as \"火球术\" in 9 ms."_s},
                   {"no data", [](auto& facts) { facts.error = u"install tesseract-ocr-eng."_s; }, State::problem,
                    u"Install tesseract-ocr-eng."_s},
                   {"no Chinese", [](auto& facts) { facts.chineseError = u"x is missing"_s; }, State::note,
                    u"no data for Chinese: x is missing."_s},
-                  {"wrong", [](auto& facts) { facts.read = u"Fjrebel"_s; }, State::problem, u"\"Fjrebel\""_s},
-                  {"nothing", [](auto& facts) { facts.read.clear(); }, State::problem, u"as \"\""_s},
+                  {"wrong", [](auto& facts) { facts.latin.read = u"Fjrebel"_s; }, State::problem, u"\"Fjrebel\""_s},
+                  {"nothing", [](auto& facts) { facts.latin.read.clear(); }, State::problem, u"as \"\""_s},
+                  {"wrong in Chinese", [](auto& facts) { facts.chinese.read = u"变形术"_s; }, State::note,
+                   u"as \"变形术\" in 9 ms. In a Chinese client"_s},
+                  {"nothing in Chinese", [](auto& facts) { facts.chinese.read.clear(); }, State::note,
+                   u"Install Pelloran anew"_s},
               });
 }
 
@@ -170,13 +195,25 @@ TEST(DoctorJudgement, OfTheDataFiles) {
     well.configurationFolder = u"/d"_s;
     well.isUsersOwn = true;
     well.cards = 7195;
+    well.classFile = u"/d/classes.json"_s;
     well.classes = 11;
     well.age = 24h * 3;
     judgeAll<DataFacts>(
         well, {
-                  {"real ones", [](auto&) {}, State::ok, u"/d/cards.json, 3 days old: 7195 cards, 11 classes."_s},
+                  {"real ones", [](auto&) {}, State::ok,
+                   u"/d/cards.json, fetched 3 days ago: 7195 cards, real figures, 11 classes."_s},
+                  {"nobody says since when", [](auto& facts) { facts.isAgeOfFile = true; }, State::ok,
+                   u"written 3 days ago"_s},
+                  {"classes of elsewhere", [](auto& facts) { facts.classFile = u"/usr/classes.json"_s; }, State::ok,
+                   u"11 classes (/usr/classes.json)."_s},
+                  {"classes of elsewhere that are invented",
+                   [](auto& facts) {
+                       facts.classFile = u"/usr/classes.json"_s;
+                       facts.areClassesSample = true;
+                   },
+                   State::note, u"11 classes (/usr/classes.json, invented samples). What is shown"_s},
                   {"samples", [](auto& facts) { facts.isSample = true; }, State::note, u"invented samples"_s},
-                  {"old", [](auto& facts) { facts.age = 24h * 40; }, State::note, u"40 days old"_s},
+                  {"old", [](auto& facts) { facts.age = 24h * 40; }, State::note, u"fetched 40 days ago"_s},
                   {"heroes refused", [](auto& facts) { facts.remark = u"class file x passed over: y"_s; }, State::note,
                    u"Class file x passed over: y."_s},
                   {"no heroes", [](auto& facts) { facts.classes = 0; }, State::note, u"class_winrates.json"_s},
@@ -221,7 +258,8 @@ TEST(DoctorJudgement, OfTheServers) {
     well.took = 80ms;
     judgeAll<ServerFacts>(
         well, {
-                  {"answers", [](auto&) {}, State::ok, u"https://data.example answered in 80 ms: fine."_s},
+                  {"answers", [](auto&) {}, State::ok,
+                   u"https://data.example answered in 80 ms, its certificate is trusted: fine."_s},
                   {"none set", [](auto& facts) { facts.address.clear(); }, State::note, u"--config-server"_s},
                   {"none set for updates",
                    [](auto& facts) {
@@ -237,6 +275,9 @@ TEST(DoctorJudgement, OfTheServers) {
                        facts.error = u"SSL handshake failed: The certificate is self-signed, and untrusted"_s;
                    },
                    State::problem, u"ca-certificates"_s},
+                  {"a server that speaks no TLS, in Qt's words",
+                   [](auto& facts) { facts.error = u"SSL handshake failed: wrong version number"_s; }, State::problem,
+                   u"No secure connection"_s},
                   {"no certificate is to blame where there is none",
                    [](auto& facts) {
                        facts.address = u"http://data.example"_s;
@@ -246,7 +287,8 @@ TEST(DoctorJudgement, OfTheServers) {
                   {"no certificate", [](auto& facts) { facts.address = u"http://data.example"_s; }, State::note,
                    u"Use https"_s},
                   {"one's own machine needs none", [](auto& facts) { facts.address = u"http://127.0.0.1:8000"_s; },
-                   State::ok, u"answered"_s},
+
+                   State::ok, u"http://127.0.0.1:8000 answered in 80 ms: fine."_s},
                   {"new data come by themselves", [](auto& facts) { facts.hasNews = true; }, State::ok, u"fine."_s},
                   {"a new version",
                    [](auto& facts) {

@@ -63,6 +63,53 @@ TEST_F(LogConfigFileTest, LiesInThePrefixWhoseLogsAreRead) {
         << "each prefix has its own";
 }
 
+// A game that runs writes into its files, which leaves the folder's own date alone.
+TEST_F(LogConfigFileTest, IsOfTheUserWhoPlayedLast) {
+    const QString users = u".wine/drive_c/users/"_s;
+    const auto played = [&](const QString& user, const QString& name, int day) {
+        QFile file(write(users + user + settings + name, "x"));
+        EXPECT_TRUE(file.open(QFile::ReadWrite));
+        EXPECT_TRUE(file.setFileTime(QDateTime(QDate(2100, 4, day), QTime(20, 0)), QFileDevice::FileModificationTime));
+    };
+    const auto configOf = [&](const QString& user) { return path(users + user + settings + u"/log.config"_s); };
+    played(u"ann"_s, u"/options.txt"_s, 1);
+    played(u"bob"_s, u"/options.txt"_s, 2);
+    EXPECT_EQ(find(path(logs)), configOf(u"bob"_s));
+    played(u"ann"_s, u"/options.txt"_s, 3);
+    EXPECT_EQ(find(path(logs)), configOf(u"ann"_s));
+    played(u"bob"_s, u"/.hidden"_s, 4);
+    EXPECT_EQ(find(path(logs)), configOf(u"bob"_s));
+}
+
+TEST_F(LogConfigFileTest, IsFoundByWayOfALinkToTheLogs) {
+    makeFolder(logs);
+    const QString config = path(u".wine/drive_c/users/ann"_s + settings + u"/log.config"_s);
+    ASSERT_TRUE(QFile::link(path(logs), path(u"hs-logs"_s)));
+    EXPECT_EQ(find(path(u"hs-logs"_s)),
+              QFileInfo(path(u".wine"_s)).canonicalFilePath() + config.mid(path(u".wine"_s).size()))
+        << "named from outside of the prefix";
+    makeFolder(u"disk/Hearthstone/Logs"_s);
+    makeFolder(u"other/drive_c/Program Files (x86)"_s);
+    ASSERT_TRUE(QFile::link(path(u"disk/Hearthstone"_s), path(u"other/drive_c/Program Files (x86)/Hearthstone"_s)));
+    EXPECT_EQ(find(path(u"other/drive_c/Program Files (x86)/Hearthstone/Logs"_s)),
+              path(u"other/drive_c/users/ann"_s + settings + u"/log.config"_s))
+        << "the game itself lies elsewhere";
+}
+
+// Such as on Wine's drive D.
+TEST_F(LogConfigFileTest, IsInTheChosenPrefixWhereTheLogsAreInNone) {
+    makeFolder(u"disk/Hearthstone/Logs"_s);
+    makeFolder(u"chosen/drive_c/users/ann"_s);
+    const auto findWith = [&](const char* prefix) {
+        return logConfigPath(path(u"disk/Hearthstone/Logs"_s), home.path(), [&](const QString& name) {
+            return name == u"WINEPREFIX" ? std::optional(path(QString::fromUtf8(prefix))) : std::nullopt;
+        });
+    };
+    EXPECT_EQ(find(path(u"disk/Hearthstone/Logs"_s)), std::nullopt) << "none is chosen";
+    EXPECT_EQ(findWith("disk"), std::nullopt) << "no prefix";
+    EXPECT_EQ(findWith("chosen"), path(u"chosen/drive_c/users/ann"_s + settings + u"/log.config"_s));
+}
+
 TEST_F(LogConfigFileTest, LiesWhereTheGameIsThatHasNeverLogged) {
     EXPECT_EQ(find(std::nullopt), std::nullopt) << "no game";
     makeFolder(u".wine/drive_c"_s);
@@ -85,11 +132,11 @@ TEST_F(LogConfigFileTest, IsMadeWhereThereIsNone) {
     const auto before = readLogConfig(file);
     ASSERT_TRUE(before);
     EXPECT_EQ(before->text, std::nullopt);
-    EXPECT_TRUE(before->isWritable);
+    EXPECT_EQ(before->toWriting, std::nullopt);
     EXPECT_FALSE(QFileInfo::exists(path(u"a"_s))) << "reading makes nothing";
 
     const auto written = fixLogConfig(file);
-    ASSERT_TRUE(written) << written.error().toStdString();
+    ASSERT_TRUE(written) << written.error().description.toStdString();
     EXPECT_EQ(written->changes.size(), 2);
     EXPECT_EQ(written->backup, QString());
     EXPECT_EQ(read(file), mergeLogConfig({})->text);
@@ -99,7 +146,7 @@ TEST_F(LogConfigFileTest, IsMergedWithACopyOfWhatWasThere) {
     const QByteArray first = "[Power]\r\nLogLevel=1\r\n";
     const QString file = write(u"log.config"_s, first);
     const auto written = fixLogConfig(file);
-    ASSERT_TRUE(written) << written.error().toStdString();
+    ASSERT_TRUE(written) << written.error().description.toStdString();
     EXPECT_EQ(written->backup, QFileInfo(file).canonicalFilePath() + u".bak"_s);
     EXPECT_EQ(read(written->backup), first);
     EXPECT_EQ(read(file), mergeLogConfig(first)->text);
@@ -125,6 +172,32 @@ TEST_F(LogConfigFileTest, IsWrittenWhereALinkLeads) {
     EXPECT_EQ(read(real), mergeLogConfig("[Arena]\n")->text);
 }
 
+TEST_F(LogConfigFileTest, KeepsItsPermissions) {
+    struct Case {
+        const char* why;
+        QFile::Permissions permissions;
+    };
+
+    const auto own = QFile::ReadOwner | QFile::WriteOwner;
+    const Case cases[] = {
+        {"nobody else's business", own},
+        {"as Wine makes it", own | QFile::ReadGroup | QFile::ReadOther},
+        {"everybody's", own | QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther},
+        {"a program, of all things", own | QFile::ExeOwner},
+    };
+    // Who asks in the name of the user sees the owner's rights once more.
+    const auto permissionsOf = [](const QString& file) { return QFile::permissions(file).toInt() & ~0x0700; };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const QString file = write(u"%1/log.config"_s.arg(c.permissions.toInt()), "[Arena]\n");
+        ASSERT_TRUE(QFile::setPermissions(file, c.permissions));
+        const auto written = fixLogConfig(file);
+        ASSERT_TRUE(written) << written.error().description.toStdString();
+        EXPECT_EQ(permissionsOf(file), c.permissions.toInt());
+        EXPECT_EQ(permissionsOf(written->backup), c.permissions.toInt());
+    }
+}
+
 TEST_F(LogConfigFileTest, StaysAsItIsWhereItCannotBeMerged) {
     const QString folder = path(u"folder/log.config"_s);
     makeFolder(u"folder/log.config"_s);
@@ -135,24 +208,29 @@ TEST_F(LogConfigFileTest, StaysAsItIsWhereItCannotBeMerged) {
     const QString dangling = path(u"dangling.config"_s);
     ASSERT_TRUE(QFile::link(path(u"nowhere"_s), dangling));
 
+    using Kind = LogConfigError::Kind;
+
     struct Case {
         const char* why;
         QString file;
+        Kind kind;
         const char* words;
     };
 
     const Case cases[] = {
-        {"a folder of that name", folder, "is no file but a folder"},
-        {"somebody protected it", readOnly, "may not be written"},
-        {"16-bit characters", wide, "is not text in UTF-8"},
-        {"anything but the game's", large, "is too large"},
-        {"a link that leads nowhere", dangling, "leads nowhere"},
+        {"a folder of that name", folder, Kind::noFile, "is no file but a folder"},
+        {"somebody protected it", readOnly, Kind::isProtected, "may not be written"},
+        {"16-bit characters", wide, Kind::notPlainText, "is not text in UTF-8"},
+        {"anything but the game's", large, Kind::tooLarge, "is too large"},
+        {"a link that leads nowhere", dangling, Kind::leadsNowhere, "leads nowhere"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
         const auto fixed = fixLogConfig(c.file);
         ASSERT_FALSE(fixed);
-        EXPECT_TRUE(fixed.error().contains(QString::fromUtf8(c.words))) << fixed.error().toStdString();
+        EXPECT_EQ(fixed.error().kind, c.kind);
+        EXPECT_TRUE(fixed.error().description.contains(QString::fromUtf8(c.words)))
+            << fixed.error().description.toStdString();
         EXPECT_FALSE(QFileInfo::exists(c.file + u".bak"_s));
     }
     EXPECT_EQ(read(readOnly), "[Arena]\n");
@@ -164,7 +242,8 @@ TEST_F(LogConfigFileTest, CannotBeMadeUnderAFile) {
     const QString file = write(u"file"_s, "") + u"/log.config"_s;
     const auto found = readLogConfig(file);
     ASSERT_TRUE(found);
-    EXPECT_FALSE(found->isWritable);
+    ASSERT_TRUE(found->toWriting);
+    EXPECT_EQ(found->toWriting->kind, LogConfigError::Kind::unwritable);
     EXPECT_FALSE(fixLogConfig(file));
 }
 
