@@ -165,9 +165,10 @@ LogsFacts gatherLogs(const Places& places, const QDateTime& now) {
     }
     if (const auto session = LogWatcher(*facts.folder).latestSessionDir()) {
         const QDateTime begun = beginningOf(*session);
-        facts.session = SessionFact{
-            QFileInfo(*session).fileName(), begun.isValid() ? std::optional(ageAt(begun, now)) : std::nullopt,
-            gatherLogFile(*session, u"Arena.log"_s, now), gatherLogFile(*session, u"LoadingScreen.log"_s, now)};
+        facts.session = SessionFact{QFileInfo(*session).fileName(),
+                                    begun.isValid() && begun <= now ? std::optional(ageAt(begun, now)) : std::nullopt,
+                                    gatherLogFile(*session, u"Arena.log"_s, now),
+                                    gatherLogFile(*session, u"LoadingScreen.log"_s, now)};
     }
     return facts;
 }

@@ -86,6 +86,9 @@ TEST_F(DoctorGathering, FindsTheLogs) {
     EXPECT_FALSE(facts.session->loadingScreen.isThere);
     EXPECT_EQ(everything(), before);
 
+    const QDateTime earlier(QDate(2026, 4, 12), QTime(19, 0));
+    EXPECT_EQ(gatherLogs(places(), earlier).session->age, std::nullopt) << "begun when a clock was wrong";
+
     Places named = places();
     named.askedLogsDir = folder.filePath(u"nowhere"_s);
     EXPECT_EQ(gatherLogs(named, later).folder, std::nullopt) << "the one that was named or none";
