@@ -23,6 +23,8 @@ struct OCRToken {
     double midY = 0;      // centre of the line's box from the top, as a fraction of the image's height
     double width = 0;     // of the box, as a fraction of the image's width
     double height = 0;    // of the box, as a fraction of the image's height
+    // What was read before a known name was taken for it, where that is another text; else empty. For whoever asks why.
+    QString letters = {}; // NOLINT(readability-redundant-member-init): may be left out
 
     bool operator==(const OCRToken&) const = default;
 };

@@ -400,7 +400,9 @@ ReadText FreeReading::offer() const {
             const LineReading& reading = bestOf(line);
             OCRToken token = tokenOf(line, reading);
             if (const auto name = offered(reading)) {
-                token.text = *name;
+                if (token.text != *name) {
+                    token.letters = std::exchange(token.text, *name);
+                }
                 text.tokens.push_back(token);
             } else {
                 text.unsettled.push_back(token);

@@ -3,6 +3,7 @@
 #include "names/ReadingDistance.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace pelloran {
 
@@ -103,7 +104,11 @@ ReadText textOf(const PlacedRow& row, const QSize& window) {
     ReadText text;
     for (const PlacedSlot& slot : row.slots) {
         if (const auto offer = slot.offer(); offer && row.isOffer) {
-            text.tokens.push_back(tokenOf(*offer, slot, window));
+            OCRToken token = tokenOf(*offer, slot, window);
+            if (slot.read().text != *offer) {
+                token.letters = slot.read().text;
+            }
+            text.tokens.push_back(std::move(token));
         } else if (!slot.read().text.isEmpty()) {
             text.unsettled.push_back(tokenOf(slot.read().text, slot, window));
         }
