@@ -23,7 +23,7 @@ public:
     // What has happened since the last call, or since forget(); absent: nothing.
     std::optional<LogChange> takeChange();
 
-    // The next change tells everything.
+    // The next change tells everything that matters now.
     void forget() { told = {}; }
 
 private:
@@ -35,6 +35,8 @@ private:
     };
 
     QString kept(QByteArrayView line) const;
+    QString keptUnfinished(QByteArrayView line) const;
+    void dropEarlierDrafts();
 
     Owner owner;
     bool there = false;

@@ -1,10 +1,16 @@
 #include "recording/Redaction.h"
 
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QRegularExpression>
+
+#include <pwd.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -15,37 +21,66 @@ namespace {
 // More than LogWatcher needs: where the game writes its lines in another way one day, these tell how.
 constexpr std::array<const char*, 5> landmarks{"Draft", "Client chooses", "currMode", "OnChosen", "Hero Card"};
 
-// Shorter ones are parts of words everywhere.
 constexpr qsizetype shortestAccount = 3;
 
 QRegularExpression unicode(const QString& pattern) {
     return QRegularExpression(pattern, QRegularExpression::UseUnicodePropertiesOption);
 }
 
+// As Linux and Windows write it; Wine shows a home folder as "Z:\\home\\mira".
+QRegularExpression anyPath(const QString& path) {
+    QString pattern = QRegularExpression::escape(path);
+    return unicode(pattern.replace(u"\\/"_s, u"/"_s).replace(u'/', u"[\\\\/]+"_s) + u"(?![^\\\\/\\s\"':;,)])"_s);
+}
+
+void addOnce(QStringList& texts, const QString& text) {
+    if (!text.isEmpty() && !texts.contains(text)) {
+        texts.append(text);
+    }
+}
+
 } // namespace
 
 Owner Owner::current() {
-    const QString home = QDir::homePath();
-    return {home == QDir::rootPath() ? QString() : home, QDir(home).dirName()};
+    Owner owner;
+    QStringList homes{QDir::homePath()};
+    if (const passwd* const entry = ::getpwuid(::getuid())) {
+        homes.append(QFile::decodeName(entry->pw_dir));
+        addOnce(owner.accounts, QString::fromLocal8Bit(entry->pw_name));
+    }
+    for (const QString& home : std::as_const(homes)) {
+        for (const QString& path : {QDir::cleanPath(home), QFileInfo(home).canonicalFilePath()}) {
+            if (!path.isEmpty() && path != QDir::rootPath()) {
+                addOnce(owner.homes, path);
+                addOnce(owner.accounts, QDir(path).dirName());
+            }
+        }
+    }
+    for (const char* variable : {"USER", "LOGNAME", "USERNAME"}) { // the last as Wine has it
+        addOnce(owner.accounts, qEnvironmentVariable(variable));
+    }
+    return owner;
 }
 
 QString redacted(QString text, const Owner& owner) {
     static const QRegularExpression battleTag = unicode(u"[\\w]{1,24}#\\d{3,9}(?!\\d)"_s);
-    static const QRegularExpression homeFolder = unicode(u"(/home/|/Users/|[\\\\/]users[\\\\/]+)[^\\\\/\\s\"':;,]+"_s);
+    static const QRegularExpression homeFolder = unicode(u"([\\\\/]+(?:home|Users|users)[\\\\/]+)[^\\\\/\\s\"':;,]+"_s);
     static const QRegularExpression homeFolderOfWindows =
         QRegularExpression(u"([A-Z]:[\\\\/]+users[\\\\/]+)(?:[^\\\\/\"':;,]+(?=[\\\\/])|[^\\\\/\\s\"':;,]+)"_s,
                            QRegularExpression::CaseInsensitiveOption | QRegularExpression::UseUnicodePropertiesOption);
-    if (owner.home.size() > 1) {
-        text.replace(owner.home, u"~"_s);
+    for (const QString& home : owner.homes) {
+        text.replace(anyPath(home), u"~"_s);
     }
     text.replace(homeFolderOfWindows, u"\\1<user>"_s);
     text.replace(homeFolder, u"\\1<user>"_s);
     text.replace(battleTag, u"<player>"_s);
-    const bool isWordOfTheLogs = std::ranges::any_of(landmarks, [&owner](const char* landmark) {
-        return QString::fromLatin1(landmark).contains(owner.account, Qt::CaseInsensitive);
-    });
-    if (owner.account.size() >= shortestAccount && !isWordOfTheLogs) {
-        text.replace(unicode(u"(?<!\\w)"_s + QRegularExpression::escape(owner.account) + u"(?!\\w)"_s), u"<user>"_s);
+    for (const QString& account : owner.accounts) {
+        if (account.size() >= shortestAccount) {
+            text.replace(QRegularExpression(u"(?<!\\w)"_s + QRegularExpression::escape(account) + u"(?!\\w)"_s,
+                                            QRegularExpression::CaseInsensitiveOption |
+                                                QRegularExpression::UseUnicodePropertiesOption),
+                         u"<user>"_s);
+        }
     }
     return text;
 }

@@ -1,7 +1,10 @@
 #include "recording/LogText.h"
 
+#include "draft/logs/ArenaLog.h"
 #include "draft/logs/LogWatcher.h"
 #include "tests/support/Printing.h"
+
+#include <QRegularExpression>
 
 #include <gtest/gtest.h>
 
@@ -59,7 +62,7 @@ TEST(LogText, TellsWhatWasAdded) {
     ASSERT_TRUE(change);
     EXPECT_EQ(change->anew, std::nullopt);
     EXPECT_EQ(change->lines, std::nullopt);
-    EXPECT_EQ(change->unfinished, QStringLiteral("Draft 2 (X"));
+    EXPECT_EQ(change->unfinished, QStringLiteral("Draft 2 "));
 
     text.update(QByteArray("Draft 9\n"));
     change = text.takeChange();
@@ -74,6 +77,57 @@ TEST(LogText, TellsWhatWasAdded) {
 
     text.forget();
     EXPECT_TRUE(text.takeChange());
+}
+
+TEST(LogText, KeepsNoHalfOfAName) {
+    LogText text{Owner{{QStringLiteral("/srv/mira")}, {QStringLiteral("mira")}}};
+    const QByteArray line = "Draft of Mira#12345 at /srv/mira/x, said mira here\n";
+    for (qsizetype size = 0; size <= line.size(); ++size) {
+        text.update(line.first(size));
+        const auto change = text.takeChange().value_or(LogChange());
+        const QString kept = change.unfinished.value_or(QString()) + change.lines.value_or(QStringList()).join(u' ');
+        EXPECT_FALSE(kept.contains(QStringLiteral("mi"), Qt::CaseInsensitive)) << kept.toStdString();
+    }
+}
+
+TEST(LogText, LeavesTheGameItsWords) {
+    // Whoever is called so would otherwise not be followed when their recording is gone through.
+    for (const char* line :
+         {"D 1 LoadingScreen.OnSceneLoaded() - prevMode=HUB currMode=DRAFT", "D 1 SetDraftMode - DRAFTING",
+          "D 1 DraftManager.OnBegin - Got new draft deck with ID: 7", "D 1 DraftManager.OnChosen(): hero=HERO_08",
+          "D 1 DraftManager.OnChoicesAndContents - Draft Deck ID: 5, Hero Card = HERO_01",
+          "Draft deck contains card CS2_029", "D 1 Client chooses: Jaina (HERO_08)"}) {
+        const QString whole = QString::fromLatin1(line);
+        for (const QString& word : whole.split(QRegularExpression(QStringLiteral("\\W+")), Qt::SkipEmptyParts)) {
+            SCOPED_TRACE(line + (" " + word.toStdString()));
+            LogText text{Owner{{}, {word.toLower()}}};
+            text.update((whole + u'\n').toUtf8());
+            const auto change = text.takeChange();
+            ASSERT_TRUE(change && change->lines);
+            DraftState told = LogWatcher::stateOf({QStringLiteral("s"), {}, change->lines->join(u'\n').toUtf8()});
+            DraftState said = LogWatcher::stateOf({QStringLiteral("s"), {}, whole.toUtf8()});
+            told.lastChoiceName = said.lastChoiceName; // which nothing follows from
+            EXPECT_EQ(told, said);
+            EXPECT_EQ(lastScene(change->lines->join(u'\n').toUtf8()), lastScene(whole.toUtf8()));
+        }
+    }
+}
+
+TEST(LogText, TellsNoMoreThanIsReadAgain) {
+    LogText text{Owner()};
+    const QByteArray many = QByteArray("Draft deck contains card CS2_029\n").repeated(30'000); // 1 MB
+    text.update("SetDraftMode - DRAFTING\nDraftManager.OnBegin\n" + many);
+    auto change = text.takeChange();
+    ASSERT_TRUE(change && change->lines);
+    EXPECT_LT(change->lines->join(u'\n').size(), 301'000);
+    text.update("SetDraftMode - DRAFTING\nDraftManager.OnBegin\n" + many + "DraftManager.OnBegin\n");
+    ASSERT_TRUE(text.takeChange());
+    text.forget();
+    change = text.takeChange();
+    ASSERT_TRUE(change && change->lines);
+    EXPECT_EQ(*change->lines,
+              (QStringList{QStringLiteral("SetDraftMode - DRAFTING"), QStringLiteral("DraftManager.OnBegin")}))
+        << "of earlier drafts, the mode";
 }
 
 // Whatever the game writes, in whatever pieces it is seen: the draft's state follows from what is kept.
