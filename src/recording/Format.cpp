@@ -71,9 +71,10 @@ inline constexpr std::tuple fields<BandRecord>{
 
 template <>
 inline constexpr std::tuple fields<TokenRecord>{
-    Field{"text"_L1, &TokenRecord::text},   Field{"confidence"_L1, &TokenRecord::confidence},
-    Field{"midX"_L1, &TokenRecord::midX},   Field{"midY"_L1, &TokenRecord::midY},
-    Field{"width"_L1, &TokenRecord::width}, Field{"height"_L1, &TokenRecord::height},
+    Field{"text"_L1, &TokenRecord::text},       Field{"confidence"_L1, &TokenRecord::confidence},
+    Field{"midX"_L1, &TokenRecord::midX},       Field{"midY"_L1, &TokenRecord::midY},
+    Field{"width"_L1, &TokenRecord::width},     Field{"height"_L1, &TokenRecord::height},
+    Field{"letters"_L1, &TokenRecord::letters},
 };
 
 template <>
@@ -163,7 +164,7 @@ Problem problemOf(const std::vector<TokenRecord>& tokens) {
         return u"has more than %1 lines read"_s.arg(mostTokens);
     }
     for (const TokenRecord& token : tokens) {
-        if (token.text.size() > longestText) {
+        if (token.text.size() > longestText || token.letters.value_or(QString()).size() > longestText) {
             return u"has a line read of more than %1 characters"_s.arg(longestText);
         }
         for (const double number : {token.confidence, token.midX, token.midY, token.width, token.height}) {
@@ -248,6 +249,11 @@ QString pictureName(qint64 number) {
     return QString::number(number) + u".png"_s;
 }
 
+bool isFileOfPart(const QString& name) {
+    static const QRegularExpression picture(u"\\A(0|[1-9][0-9]{0,6})[.]png\\z"_s);
+    return name == eventFile || name == cardFile || name == classFile || picture.match(name).hasMatch();
+}
+
 QByteArray lineOf(const PartHeader& header) {
     return compact(strict_json::encode(header));
 }
@@ -297,11 +303,16 @@ std::expected<TickRecord, QString> parseTick(const QByteArray& line) {
 }
 
 TokenRecord toRecord(const OCRToken& token) {
-    return {token.text, token.confidence, token.midX, token.midY, token.width, token.height};
+    TokenRecord record{token.text, token.confidence, token.midX, token.midY, token.width, token.height};
+    if (!token.letters.isEmpty()) {
+        record.letters = token.letters;
+    }
+    return record;
 }
 
 OCRToken toToken(const TokenRecord& record) {
-    return {record.text, float(record.confidence), record.midX, record.midY, record.width, record.height};
+    return {record.text,   float(record.confidence),          record.midX, record.midY, record.width,
+            record.height, record.letters.value_or(QString())};
 }
 
 ReadText toText(const ReadRecord& record) {

@@ -21,6 +21,7 @@ namespace pelloran::recording {
 inline constexpr qint64 formatVersion = 1;
 
 inline constexpr qint64 largestEventFile = 64LL * 1024 * 1024;
+inline constexpr qint64 largestDataFile = 16LL * 1024 * 1024; // eight times what all cards of the game take
 inline constexpr qsizetype largestLine = 4 * 1024 * 1024;
 inline constexpr qint64 largestPicture = 16LL * 1024 * 1024; // of its file
 inline constexpr qint64 widestWindow = 16384;                // and highest; pixels
@@ -41,6 +42,7 @@ inline const QString eventFile = QStringLiteral("events.jsonl");
 inline const QString cardFile = QStringLiteral("cards.json");
 inline const QString classFile = QStringLiteral("classes.json");
 QString pictureName(qint64 number);
+bool isFileOfPart(const QString& name); // one of these
 
 // First line of a part.
 struct PartHeader {
@@ -119,6 +121,8 @@ struct TokenRecord {
     double midY = 0;
     double width = 0;
     double height = 0;
+    // What was read before a known name was taken for it; absent: that.
+    std::optional<QString> letters = {}; // NOLINT(readability-redundant-member-init): may be left out
 
     bool operator==(const TokenRecord&) const = default;
 };

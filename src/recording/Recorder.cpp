@@ -27,6 +27,8 @@ namespace {
 
 // What may wait to be written: half a minute of ticks. A disk that is slower is too slow for a recording.
 constexpr std::size_t mostWaiting = 200;
+// Logs are read anew for every tick, and may be long.
+constexpr qint64 mostWaitingBytes = 256LL * 1024 * 1024;
 
 constexpr qint64 usualPartSize = Recorder::usualLimit / 16;
 
@@ -77,6 +79,11 @@ public:
 
     using Event = std::variant<TickBegin, Listing, ImageRecord, Reading, ShownSnapshot>;
 
+    struct Waiting {
+        Event event;
+        qint64 bytes;
+    };
+
     Writer(TickWriter ticks, QJsonObject (*toJson)(const OverlaySnapshot&))
         : tickWriter(std::move(ticks))
         , snapshotToJson(toJson)
@@ -108,11 +115,14 @@ public:
         bool tooSlow = false;
         {
             const std::scoped_lock lock(mutex);
-            tooSlow = events.size() >= mostWaiting;
+            const qint64 bytes = bytesOf(event);
+            tooSlow = !events.empty() && (events.size() >= mostWaiting || waitingBytes + bytes > mostWaitingBytes);
             if (tooSlow) {
                 events.clear();
+                waitingBytes = 0;
             } else {
-                events.push_back(std::move(event));
+                waitingBytes += bytes;
+                events.push_back({std::move(event), bytes});
             }
         }
         if (tooSlow) {
@@ -127,6 +137,20 @@ public:
     }
 
 private:
+    // What matters of it.
+    static qint64 bytesOf(const Event& event) {
+        qint64 bytes = 0;
+        if (const auto* tick = std::get_if<TickBegin>(&event)) {
+            bytes += tick->logs.loadingScreen.value_or(QByteArray()).size();
+            bytes += tick->logs.arena.value_or(QByteArray()).size();
+        } else if (const auto* reading = std::get_if<Reading>(&event)) {
+            for (const QImage& piece : reading->pieces) {
+                bytes += piece.sizeInBytes();
+            }
+        }
+        return bytes;
+    }
+
     void run() {
         std::unique_lock lock(mutex);
         while (true) {
@@ -138,7 +162,8 @@ private:
                 write([this] { return tickWriter.end(); });
                 return;
             }
-            Event event = std::move(events.front());
+            Event event = std::move(events.front().event);
+            waitingBytes -= events.front().bytes;
             events.pop_front();
             isWriting = true;
             lock.unlock();
@@ -191,7 +216,8 @@ private:
     std::mutex mutex;
     std::condition_variable wake; // there is something to do
     std::condition_variable rest; // there is nothing
-    std::deque<Event> events;
+    std::deque<Waiting> events;
+    qint64 waitingBytes = 0;
     bool isWriting = false;
     bool ending = false;
     std::thread thread; // last: it uses the others from the beginning

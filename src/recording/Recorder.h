@@ -37,7 +37,8 @@ public:
         QString windowOwnerHint;
         NameLengths nameLengths = NameLengths::limited;
         QJsonObject (*snapshotToJson)(const OverlaySnapshot&) = nullptr;
-        // Bytes of a part from which on it ends at the next occasion; of a quarter of the limit at most. 0: usual.
+        // Bytes of a part, beside its data files, from which on it ends at the next occasion; a quarter of the limit at
+        // most. 0: usual.
         qint64 partSize = 0;
     };
 

@@ -18,7 +18,8 @@ namespace pelloran::recording {
 class RecordingFolder {
 public:
     // Goes on with the recording that is there; makes the folder, for its owner alone, where there is none. A folder
-    // that holds anything else is refused: in it things are to be removed by themselves.
+    // that holds anything else, at whatever depth, is refused: in it things are to be removed by themselves. So is one
+    // in which a recording is being written.
     static std::expected<RecordingFolder, FileTree::Error> open(const QString& path, qint64 limit);
 
     // The first lines and the data files of a new part. Everything below goes there.
@@ -28,9 +29,11 @@ public:
 
     qint64 limit() const { return mostBytes; }
 
-    // Of the part that is written, and of all, on the disk.
-    qint64 partSize() const;
+    // Of all that is there, on the disk.
     qint64 size() const;
+
+    // What was added to the part since it began, on the disk: its data files are as large as they are.
+    qint64 growth() const;
 
 private:
     struct Part {
@@ -38,17 +41,22 @@ private:
         qint64 bytes;
     };
 
+    class Lock;
+
     RecordingFolder(const QString& path, qint64 limit);
 
     QString pathOf(const Part& part) const;
     FileTree::Done makeRoom(qint64 bytes);
+    FileTree::Done removePart(const Part& part) const;
     FileTree::Done addFile(const QString& name, const QByteArray& bytes);
 
     QString folder;
     qint64 mostBytes;
-    int lastNumber = 0;     // of a part, also of one that is gone
-    std::deque<Part> parts; // the last is being written, once there is `events`
+    int lastNumber = 0;          // of a part, also of one that is gone
+    std::deque<Part> parts;      // the last is being written, once there is `events`
+    qint64 bytesAtBeginning = 0; // of that one
     std::unique_ptr<QFile> events;
+    std::shared_ptr<Lock> lock;
 };
 
 } // namespace pelloran::recording

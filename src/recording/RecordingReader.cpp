@@ -77,7 +77,7 @@ std::expected<std::unique_ptr<PartReader>, QString> PartReader::open(const QStri
         return std::unexpected(line.error());
     }
     if (!*line) {
-        return std::unexpected(u"%1 has no beginning"_s.arg(part->events.fileName()));
+        return nullptr;
     }
     auto head = parseHeader(**line);
     if (!head) {
@@ -104,7 +104,7 @@ std::expected<std::optional<TickRecord>, QString> PartReader::next() {
 
 std::expected<QString, QString> PartReader::dataFile(const QString& name) const {
     QString path = folder + u'/' + name;
-    if (const auto checked = checkFile(path, largestEventFile); !checked) {
+    if (const auto checked = checkFile(path, largestDataFile); !checked) {
         return std::unexpected(checked.error());
     }
     return path;

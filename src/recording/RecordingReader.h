@@ -22,6 +22,7 @@ std::expected<std::vector<int>, QString> partsOf(const QString& folder);
 // One part, line by line. Errors are sentences.
 class PartReader {
 public:
+    // Null: it has no whole first line. Whoever wrote it was interrupted then, and nothing is lost with it.
     static std::expected<std::unique_ptr<PartReader>, QString> open(const QString& folder, int number);
 
     const PartHeader& header() const { return head; }

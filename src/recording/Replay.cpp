@@ -231,6 +231,9 @@ public:
             }
             last = number;
         }
+        if (outcome.parts == 0) {
+            return std::unexpected(u"%1/%2/%3 has no beginning"_s.arg(settings.folder, partName(*last), eventFile));
+        }
         return outcome;
     }
 
@@ -254,6 +257,10 @@ private:
         auto opened = PartReader::open(settings.folder, number);
         if (!opened) {
             return std::unexpected(opened.error());
+        }
+        if (!*opened) {
+            outcome.cutOff = true;
+            return {};
         }
         part = *std::move(opened);
         partNumber = number;

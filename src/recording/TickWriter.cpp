@@ -36,28 +36,42 @@ QByteArray pngOf(const QImage& picture) {
     return picture.save(&buffer, "PNG") ? png : QByteArray();
 }
 
+bool isShort(const OCRToken& token) {
+    return token.text.size() <= longestText && token.letters.size() <= longestText;
+}
+
+// A card may be called as the account is; else what is nobody's business stands in the game's window too.
+TokenRecord recordOf(OCRToken token, const Reading& reading, const Owner& owner) {
+    for (QString* text : {&token.text, &token.letters}) {
+        if (!reading.hints.names || reading.hints.names->resemblance(*text) < leastResemblance) {
+            *text = redacted(*std::move(text), owner);
+        }
+    }
+    return toRecord(token);
+}
+
 // Lines that a name was looked for in. Where the picture is not kept with them, only those that may be one.
-std::vector<TokenRecord> recordsOf(const std::vector<OCRToken>& tokens, const Reading& reading) {
+std::vector<TokenRecord> recordsOf(const std::vector<OCRToken>& tokens, const Reading& reading, const Owner& owner) {
     std::vector<TokenRecord> records;
     for (const OCRToken& token : tokens) {
         const bool isLookedAt = reading.hints.band.contains(QPointF(token.midX, token.midY));
         const bool isName = reading.kept.isAll || !reading.hints.names ||
                             reading.hints.names->resemblance(token.text) >= leastResemblance;
-        if (isLookedAt && isName && token.text.size() <= longestText) {
-            records.push_back(toRecord(token));
+        if (isLookedAt && isName && isShort(token)) {
+            records.push_back(recordOf(token, reading, owner));
         }
     }
     return records;
 }
 
 // Those within the picture that is kept.
-std::vector<TokenRecord> unsettledOf(const Reading& reading) {
+std::vector<TokenRecord> unsettledOf(const Reading& reading, const Owner& owner) {
     std::vector<TokenRecord> records;
     for (const OCRToken& token : reading.text.unsettled) {
         const QPoint middle(int(token.midX * reading.window.width()), int(token.midY * reading.window.height()));
-        if (token.text.size() <= longestText &&
+        if (isShort(token) &&
             std::ranges::any_of(reading.kept.bands, [middle](const QRect& band) { return band.contains(middle); })) {
-            records.push_back(toRecord(token));
+            records.push_back(recordOf(token, reading, owner));
         }
     }
     return records;
@@ -168,10 +182,11 @@ FileTree::Done TickWriter::end() {
 }
 
 bool TickWriter::needsPart() const {
-    if (isFirst || data != tick->begin.data || folder.partSize() > folder.limit() / 4) {
+    const qint64 growth = folder.growth();
+    if (isFirst || data != tick->begin.data || growth > std::min(folder.limit() / 4, largestEventFile / 4)) {
         return true;
     }
-    return folder.partSize() > settings.partSize && tick->shown &&
+    return growth > settings.partSize && tick->shown &&
            standsAlone(tick->shown->snapshot, tick->readings.empty() ? ReadText() : tick->readings.front().text);
 }
 
@@ -188,8 +203,12 @@ FileTree::Done TickWriter::beginPart() {
     for (Written& written : writtenReads) {
         written.inThisPart = false;
     }
-    return folder.beginPart(lineOf(header), encoded(rows.cards, &WinrateFile::cards),
-                            encoded(rows.classes, &ClassWinrateFile::classes));
+    const QByteArray cards = encoded(rows.cards, &WinrateFile::cards);
+    const QByteArray classes = encoded(rows.classes, &ClassWinrateFile::classes);
+    if (std::max(cards.size(), classes.size()) > largestDataFile) {
+        return std::unexpected(FileTree::Error{QStringLiteral("the data files are too large for it")});
+    }
+    return folder.beginPart(lineOf(header), cards, classes);
 }
 
 std::optional<LogsChange> TickWriter::takeLogsChange() {
@@ -224,7 +243,8 @@ std::vector<WindowRecord> TickWriter::candidates(const Listing& listing) const {
     return records;
 }
 
-// The same lines are not kept again, however the light on them has changed: what the reader made of them stands.
+// The same lines are not kept again, however the light on them has changed: what the reader made of them stands. Where
+// names are missing, the first picture may show them on their way in, so they are kept again after some looks.
 std::expected<ReadRecord, FileTree::Error> TickWriter::takeReading(std::size_t index, Reading& reading) {
     if (index > 0) { // of an enlarged copy, whose places are not the window's
         reading.kept = {};
@@ -233,6 +253,10 @@ std::expected<ReadRecord, FileTree::Error> TickWriter::takeReading(std::size_t i
     if (index < writtenReads.size()) {
         Written& last = writtenReads[index];
         if (last.window == reading.window && last.offers == reading.hints.offers && isAlike(last.text, reading.text)) {
+            const bool isDue = ++last.looks.count == last.looks.next;
+            if (isDue && reading.text.tokens.size() < 3 && !reading.pieces.empty()) {
+                return takeNew(last, reading, {last.looks.count, last.looks.count * 3});
+            }
             if (last.inThisPart) {
                 ReadRecord record;
                 record.same = true;
@@ -246,14 +270,22 @@ std::expected<ReadRecord, FileTree::Error> TickWriter::takeReading(std::size_t i
     } else {
         writtenReads.resize(index + 1);
     }
-    Written& written = writtenReads[index];
-    written = {.window = reading.window, .offers = reading.hints.offers, .text = reading.text, .record = {}, .png = {}};
+    return takeNew(writtenReads[index], reading, {});
+}
+
+std::expected<ReadRecord, FileTree::Error> TickWriter::takeNew(Written& written, const Reading& reading, Looks looks) {
+    written = {.window = reading.window,
+               .offers = reading.hints.offers,
+               .text = reading.text,
+               .record = {},
+               .png = {},
+               .looks = looks};
     if (!reading.pieces.empty()) {
         written.png = pngOf(stacked(reading.pieces));
     }
     ReadRecord& record = written.record;
-    record.tokens = recordsOf(reading.text.tokens, reading);
-    if (auto unsettled = unsettledOf(reading); !unsettled.empty()) {
+    record.tokens = recordsOf(reading.text.tokens, reading, settings.owner);
+    if (auto unsettled = unsettledOf(reading, settings.owner); !unsettled.empty()) {
         record.unsettled = std::move(unsettled);
     }
     if (reading.text.columns) {

@@ -57,7 +57,7 @@ public:
     struct Settings {
         PartHeader header;
         QString windowOwnerHint;
-        qint64 partSize = 0; // from which on a part ends where the next can stand alone
+        qint64 partSize = 0; // beside its data files, from which on a part ends where the next can stand alone
         Owner owner;
     };
 
@@ -79,6 +79,12 @@ private:
         std::optional<Shown> shown;
     };
 
+    // For how many looks the same lines have stood, and when their picture is kept again if names are missing.
+    struct Looks {
+        int count = 1;
+        int next = 3;
+    };
+
     // A reading that was written, to be written again in the next part.
     struct Written {
         QSize window;
@@ -87,6 +93,7 @@ private:
         ReadRecord record;
         QByteArray png;
         bool inThisPart = false;
+        Looks looks;
     };
 
     // What somebody knows who has read the part until now.
@@ -102,6 +109,7 @@ private:
     std::optional<LogsChange> takeLogsChange();
     std::vector<WindowRecord> candidates(const Listing& listing) const;
     std::expected<ReadRecord, FileTree::Error> takeReading(std::size_t index, Reading& reading);
+    std::expected<ReadRecord, FileTree::Error> takeNew(Written& written, const Reading& reading, Looks looks);
     FileTree::Done writePicture(Written& written);
 
     RecordingFolder folder;

@@ -18,7 +18,9 @@ TickRecord wholeTick() {
     ReadRecord read;
     read.picture = 3;
     read.bands = std::vector{BandRecord{1, 2, 3, 4}};
-    read.tokens = std::vector{TokenRecord{QStringLiteral("火球术"), 0.5, 0.25, 0.4, 0.1, 0.02}};
+    read.tokens =
+        std::vector{TokenRecord{QStringLiteral("火球术"), 0.5, 0.25, 0.4, 0.1, 0.02},
+                    TokenRecord{QStringLiteral("Fireball"), 0.5, 0.5, 0.4, 0.1, 0.02, QStringLiteral("Fireba1l")}};
     read.columns = std::vector{0.2, 0.4, 0.6};
     tick.reads = std::vector{read};
     tick.shown = true;

@@ -136,9 +136,9 @@ public:
     }
 
     // Names by their number among the inks; -1: none.
-    void offer(std::array<int, 3> names) {
+    void offer(std::array<int, 3> names, const QColor& ground = QColor(90, 80, 70)) {
         QImage image(800, 600, QImage::Format_RGB32);
-        image.fill(QColor(90, 80, 70));
+        image.fill(ground);
         for (std::size_t i = 0; i < names.size(); ++i) {
             if (names[i] >= 0) {
                 const QColor ink = ColorReader::inks()[std::size_t(names[i])].second;

@@ -220,6 +220,70 @@ TEST(Recorder, BeginsAPartWithNewData) {
     EXPECT_EQ(replayed.outcome->compared, 2);
 }
 
+// What a reader cannot make out is to be seen as it stood, not as it came in.
+TEST(Recorder, KeepsThePictureOfNamesThatStayMissing) {
+    for (const bool isMissing : {true, false}) {
+        SCOPED_TRACE(isMissing);
+        RecordedDraft draft;
+        draft.log("Arena.log", draftBegins + heroChosen);
+        for (int look = 1; look <= 30; ++look) {
+            draft.offer({0, isMissing ? -1 : 1, 2}, QColor(look, 80, 70));
+            draft.tick();
+        }
+        draft.end();
+        EXPECT_EQ(picturesIn(draft.path()), isMissing ? 4 : 1) << "at the first, 3rd, 9th and 27th look";
+        const auto replayed = draft.replay();
+        ASSERT_TRUE(replayed.outcome) << replayed.outcome.error().toStdString();
+        EXPECT_TRUE(replayed.outcome->isEqual());
+    }
+}
+
+// A year of figures is larger than many a limit; parts begin by what is added to it.
+TEST(Recorder, BeginsNoPartForItsDataAlone) {
+    RecordedDraft draft(400'000, 30'000);
+    QByteArray rows;
+    for (int card = 0; card < 400; ++card) {
+        rows += R"({"card_id": "ID)" + QByteArray::number(card) + R"(", "name_en": "Any Name At All )" +
+                QByteArray::number(card) + R"(", "deck_win_rate": 50.25},)";
+    }
+    draft.store.write(QStringLiteral("all_classes_LAST_7_DAYS.json"),
+                      R"({"cards": [)" + rows + R"({"card_id": "FIREBALL", "name_en": "Fireball"}]})");
+    draft.store.reload();
+    draft.log("Arena.log", draftBegins + heroChosen);
+    for (int look = 0; look < 20; ++look) {
+        draft.offer({look % 3, (look + 1) % 3, 0});
+        draft.tick();
+    }
+    draft.end();
+    const auto parts = recording::partsOf(draft.path());
+    ASSERT_TRUE(parts);
+    EXPECT_LT(parts->back(), 6);
+    const auto replayed = draft.replay();
+    ASSERT_TRUE(replayed.outcome) << replayed.outcome.error().toStdString();
+    EXPECT_TRUE(replayed.outcome->isEqual());
+}
+
+TEST(Recorder, SaysNothingMoreOnceItsFolderIsGone) {
+    RecordedDraft draft;
+    play(draft);
+    QStringList told;
+    std::mutex mutex;
+    setLogSink([&](const QString& message) {
+        const std::scoped_lock lock(mutex);
+        told.append(message);
+    });
+    QDir(draft.path()).removeRecursively();
+    draft.log("Arena.log", "D 1 Client chooses: Any (ANY)\n"); // a line, and no picture
+    draft.tick();
+    draft.tick();
+    draft.end();
+    setLogSink({});
+    ASSERT_EQ(told.size(), 1) << told.join(u'\n').toStdString();
+    EXPECT_TRUE(told.first().startsWith(QStringLiteral("the recording ends here: somebody has removed")))
+        << told.first().toStdString();
+    EXPECT_FALSE(QFileInfo::exists(draft.path()));
+}
+
 TEST(Recorder, GoesOnWhereAnEarlierRunEnded) {
     RecordedDraft draft;
     play(draft);
@@ -284,6 +348,33 @@ TEST(Recorder, CanBeReplayedToWhereItWasCutOff) {
         most = replayed.outcome->ticks;
     }
     EXPECT_GT(most, 10);
+}
+
+// Killed as it began to write: what was there before is not lost with it, nor what comes after.
+TEST(Recorder, CanBeReplayedAroundAPartWithoutABeginning) {
+    for (const char* written : {"", "{\"format\":1,\"prog"}) {
+        SCOPED_TRACE(written);
+        RecordedDraft draft;
+        play(draft);
+        draft.begin();
+        draft.tick();
+        draft.end();
+        draft.begin();
+        play(draft);
+        draft.end();
+        const QString path = draft.path() + QStringLiteral("/part-000002/events.jsonl");
+        ASSERT_TRUE(QFile::remove(path));
+        QFile torn(path);
+        ASSERT_TRUE(torn.open(QIODevice::WriteOnly));
+        torn.write(written);
+        torn.close();
+        const auto replayed = draft.replay();
+        ASSERT_TRUE(replayed.outcome) << replayed.outcome.error().toStdString();
+        EXPECT_TRUE(replayed.outcome->isEqual());
+        EXPECT_EQ(replayed.outcome->parts, 2);
+        EXPECT_TRUE(replayed.outcome->cutOff);
+        EXPECT_GT(replayed.outcome->compared, 20);
+    }
 }
 
 TEST(Recorder, EndsWithOneLineWhereItCannotWrite) {

@@ -14,11 +14,14 @@
 namespace pelloran::recording {
 namespace {
 
+// As `du` says.
 qint64 bytesIn(const QString& folder) {
-    qint64 bytes = 0;
-    for (QDirIterator files(folder, QDir::Files, QDirIterator::Subdirectories); files.hasNext();) {
+    constexpr qint64 block = 4096;
+    qint64 bytes = block;
+    for (QDirIterator files(folder, QDir::AllEntries | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
+         files.hasNext();) {
         files.next();
-        bytes += files.fileInfo().size();
+        bytes += files.fileInfo().isDir() ? block : (files.fileInfo().size() + block - 1) / block * block;
     }
     return bytes;
 }
@@ -56,9 +59,10 @@ TEST_F(RecordingFolderTest, KeepsWithinItsLimitAndLetsTheOldestGo) {
             ASSERT_TRUE(folder->addPicture(i, QByteArray(3000, 'p')));
             ASSERT_TRUE(folder->addLine(QByteArray(900, 'l') + '\n'));
             ASSERT_LE(folder->size(), limit);
-            ASSERT_LE(bytesIn(path), limit);
+            ASSERT_EQ(bytesIn(path), folder->size());
         }
-        ASSERT_GT(folder->partSize(), 5000 + 5 * 3900);
+        ASSERT_GT(folder->growth(), 5 * 3900);
+        ASSERT_LT(folder->growth(), 40'000) << "data files apart";
     }
     const auto parts = partsOf(path);
     ASSERT_TRUE(parts);
@@ -83,7 +87,9 @@ TEST_F(RecordingFolderTest, GoesOnWithWhatIsThere) {
 }
 
 TEST_F(RecordingFolderTest, RefusesAFolderOfOtherThings) {
-    for (const char* name : {"letter.txt", "part-000001", "part-1/events.jsonl", ".hidden"}) {
+    for (const char* name :
+         {"letter.txt", "part-000001", "part-1/events.jsonl", ".hidden", "part-000001/letter.txt",
+          "part-000001/events.jsonl/letter.txt", "part-000001/00.png", "part-000001/1.png.bak", "part-000001/.1.png"}) {
         SCOPED_TRACE(name);
         QDir(path).removeRecursively();
         write(QString::fromLatin1(name), "mine");
@@ -92,7 +98,45 @@ TEST_F(RecordingFolderTest, RefusesAFolderOfOtherThings) {
         EXPECT_TRUE(folder.error().description.contains(QStringLiteral("name an empty or a new folder")));
         EXPECT_TRUE(FileTree::exists(path + u'/' + QString::fromLatin1(name)));
     }
-    EXPECT_FALSE(RecordingFolder::open(path + QStringLiteral("/.hidden"), 1000)) << "a file is no folder";
+    EXPECT_FALSE(RecordingFolder::open(path + QStringLiteral("/part-000001/.1.png"), 1000)) << "a file is no folder";
+}
+
+TEST_F(RecordingFolderTest, RefusesLinksToOtherPlaces) {
+    const QString other = home.path() + QStringLiteral("/other");
+    ASSERT_TRUE(QDir().mkpath(other));
+    ASSERT_TRUE(QDir().mkpath(path));
+    ASSERT_TRUE(QFile::link(other, path + QStringLiteral("/part-000001")));
+    EXPECT_FALSE(open());
+    ASSERT_TRUE(QFile::remove(path + QStringLiteral("/part-000001")));
+    ASSERT_TRUE(QDir().mkpath(path + QStringLiteral("/part-000001")));
+    ASSERT_TRUE(QFile::link(other, path + QStringLiteral("/part-000001/0.png")));
+    EXPECT_FALSE(open());
+}
+
+TEST_F(RecordingFolderTest, RemovesNothingThatIsNotItsOwn) {
+    auto folder = open(60'000);
+    ASSERT_TRUE(folder);
+    ASSERT_TRUE(folder->beginPart(header, {}, {}));
+    ASSERT_TRUE(folder->addPicture(0, QByteArray(20'000, 'p')));
+    write(QStringLiteral("part-000001/letter.txt"), "mine"); // meanwhile
+    for (int part = 2; part < 6; ++part) {
+        ASSERT_TRUE(folder->beginPart(header, {}, {}));
+        ASSERT_TRUE(folder->addPicture(0, QByteArray(20'000, 'p')));
+    }
+    EXPECT_EQ(QDir(path + QStringLiteral("/part-000001")).entryList(QDir::Files),
+              QStringList{QStringLiteral("letter.txt")});
+    EXPECT_FALSE(FileTree::exists(path + QStringLiteral("/part-000002")));
+}
+
+TEST_F(RecordingFolderTest, HoldsOneRecordingAtATime) {
+    auto folder = open();
+    ASSERT_TRUE(folder);
+    const auto second = open();
+    ASSERT_FALSE(second);
+    EXPECT_EQ(second.error().description, QStringLiteral("another program is recording in %1").arg(path));
+    ASSERT_TRUE(folder->beginPart(header, {}, {}));
+    folder = std::unexpected(FileTree::Error());
+    EXPECT_TRUE(open());
 }
 
 TEST_F(RecordingFolderTest, SaysWhyItCannotGoOn) {
@@ -106,6 +150,10 @@ TEST_F(RecordingFolderTest, SaysWhyItCannotGoOn) {
     const auto gone = folder->addPicture(1, "p");
     ASSERT_FALSE(gone);
     EXPECT_TRUE(gone.error().description.startsWith(QStringLiteral("cannot write")));
+    const auto unseen = folder->addLine("{}\n");
+    ASSERT_FALSE(unseen) << "the file is open still, and nobody would read it";
+    EXPECT_TRUE(unseen.error().description.startsWith(QStringLiteral("somebody has removed")));
+    EXPECT_FALSE(folder->beginPart(header, {}, {}));
 }
 
 TEST_F(RecordingFolderTest, HasNoPartBeforeItsEventsAreThere) {
