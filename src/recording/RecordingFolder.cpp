@@ -164,9 +164,8 @@ FileTree::Done RecordingFolder::beginPart(const QByteArray& header, const QByteA
         return refusal(u"cannot write %1: %2"_s.arg(file->fileName(), file->errorString()));
     }
     events = std::move(file);
-    auto added = addLine(header);
-    bytesAtBeginning = parts.back().bytes;
-    return added;
+    bytesAtBeginning = 0;
+    return addLine(header);
 }
 
 FileTree::Done RecordingFolder::addPicture(qint64 number, const QByteArray& png) {
@@ -189,6 +188,10 @@ FileTree::Done RecordingFolder::addLine(const QByteArray& line) {
     }
     parts.back().bytes += more;
     return FileTree::write(*events, line);
+}
+
+void RecordingFolder::partHasBegun() {
+    bytesAtBeginning = parts.back().bytes;
 }
 
 qint64 RecordingFolder::growth() const {

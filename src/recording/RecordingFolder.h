@@ -32,7 +32,10 @@ public:
     // Of all that is there, on the disk.
     qint64 size() const;
 
-    // What was added to the part since it began, on the disk: its data files are as large as they are.
+    // What is in the part by now has to be in any.
+    void partHasBegun();
+
+    // What was added to the part since then, on the disk.
     qint64 growth() const;
 
 private:

@@ -135,7 +135,8 @@ FileTree::Done TickWriter::end() {
     loadingScreen.update(session ? tick->begin.logs.loadingScreen : std::nullopt);
     arena.update(session ? tick->begin.logs.arena : std::nullopt);
     tick->begin.logs = {}; // may be long
-    if (needsPart()) {
+    const bool isFirstOfPart = needsPart();
+    if (isFirstOfPart) {
         if (auto done = beginPart(); !done) {
             return done;
         }
@@ -178,7 +179,11 @@ FileTree::Done TickWriter::end() {
     if (!looked && !record.language && !record.logs && !record.snapshot) {
         return {};
     }
-    return folder.addLine(lineOf(record));
+    auto done = folder.addLine(lineOf(record));
+    if (done && isFirstOfPart) {
+        folder.partHasBegun();
+    }
+    return done;
 }
 
 bool TickWriter::needsPart() const {

@@ -263,6 +263,20 @@ TEST(Recorder, BeginsNoPartForItsDataAlone) {
     EXPECT_TRUE(replayed.outcome->isEqual());
 }
 
+// Else every look at the same offers would begin another, with their picture.
+TEST(Recorder, BeginsNoPartForWhatEachBeginsWith) {
+    RecordedDraft draft(400'000, 1000);
+    draft.log("Arena.log", draftBegins + heroChosen);
+    draft.offer({0, 1, 2});
+    for (int look = 0; look < 20; ++look) {
+        draft.tick();
+    }
+    draft.end();
+    const auto parts = recording::partsOf(draft.path());
+    ASSERT_TRUE(parts);
+    EXPECT_LE(parts->back(), 2);
+}
+
 TEST(Recorder, SaysNothingMoreOnceItsFolderIsGone) {
     RecordedDraft draft;
     play(draft);
@@ -297,7 +311,7 @@ TEST(Recorder, GoesOnWhereAnEarlierRunEnded) {
 
 // Whatever is offered in which order: also where the oldest parts are gone, what is left gives the same.
 TEST(Recorder, CanBeReplayedFromEveryPartOn) {
-    RecordedDraft draft(400'000, 30'000);
+    RecordedDraft draft(400'000, 10'000);
     std::mt19937 random(3);
     const auto any = [&random] { return std::uniform_int_distribution<int>(-1, 2)(random); };
     draft.log("Arena.log", draftBegins + heroChosen);

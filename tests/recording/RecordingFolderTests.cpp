@@ -55,6 +55,7 @@ TEST_F(RecordingFolderTest, KeepsWithinItsLimitAndLetsTheOldestGo) {
     ASSERT_TRUE(folder);
     for (int part = 1; part <= 30; ++part) {
         ASSERT_TRUE(folder->beginPart(header, QByteArray(5000, 'c'), QByteArray(100, 'k')));
+        folder->partHasBegun();
         for (int i = 0; i < 5; ++i) {
             ASSERT_TRUE(folder->addPicture(i, QByteArray(3000, 'p')));
             ASSERT_TRUE(folder->addLine(QByteArray(900, 'l') + '\n'));
