@@ -44,6 +44,14 @@ TEST(RecordingFormat, GivesBackWhatWasWritten) {
     EXPECT_EQ(*again, header);
 }
 
+TEST(RecordingFormat, TellsWhatWasReadBeforeANameWasTakenForIt) {
+    for (const QString& letters : {QString(), QStringLiteral("Fireba1l")}) {
+        const OCRToken token{QStringLiteral("Fireball"), 0.5F, 0.25, 0.4, 0.1, 0.02, letters};
+        EXPECT_EQ(toRecord(token).letters.has_value(), !letters.isEmpty());
+        EXPECT_EQ(toToken(toRecord(token)), token);
+    }
+}
+
 TEST(RecordingFormat, RefusesWhatCannotBe) {
     struct Case {
         const char* why;
