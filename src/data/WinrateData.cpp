@@ -97,19 +97,6 @@ NameKinds kindsOf(const std::optional<QString>& type) {
     return found == kinds.end() ? NameKinds{} : NameKinds(found->kind);
 }
 
-// In ascending order of keys.
-std::vector<NamedClass> namedClasses(const ClassesByKey& classes) {
-    std::vector<NamedClass> named;
-    named.reserve(classes.size());
-    for (const auto& [key, row] : classes) {
-        named.push_back({key, {row.nameZh, row.displayName(AppLanguage::en)}, {}});
-        for (const QString& hero : row.heroNames.value_or(std::vector<QString>())) {
-            named.back().heroNames.append(hero);
-        }
-    }
-    return named;
-}
-
 CardData indexed(const CardFile& file) {
     const std::size_t mostNames = 2 * file.rows.size();
     CardData data;
@@ -185,6 +172,18 @@ ClassData indexed(const ClassWinrateFile& file) {
 }
 
 } // namespace
+
+std::vector<NamedClass> namedClasses(const ClassesByKey& classes) {
+    std::vector<NamedClass> named;
+    named.reserve(classes.size());
+    for (const auto& [key, row] : classes) {
+        named.push_back({key, {row.nameZh, row.displayName(AppLanguage::en)}, {}});
+        for (const QString& hero : row.heroNames.value_or(std::vector<QString>())) {
+            named.back().heroNames.append(hero);
+        }
+    }
+    return named;
+}
 
 std::expected<CardData, DataError> CardData::read(const QString& path) {
     const auto bytes = readDataFile(path);

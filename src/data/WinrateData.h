@@ -23,6 +23,9 @@ class ApplicationFiles;
 // By class in upper case.
 using ClassesByKey = std::map<QString, ClassWinrateRow>;
 
+// What they are called, in the order of their keys.
+std::vector<NamedClass> namedClasses(const ClassesByKey& classes);
+
 // A name of a card, as the search knows it.
 struct CardName {
     QString norm; // NameMatching::normalize of `original`; may be empty, and then never matches

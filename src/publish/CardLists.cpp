@@ -342,36 +342,23 @@ ListedRow CardLists::find(const QString& cardId, std::optional<qint64> dbfId) co
     return {&found, !cardId.isEmpty() && isNumbered && cards[*numbered].card.cardId != cardId};
 }
 
-QStringList CardLists::heroNames(const QString& playerClass) const {
-    const auto namesOf = [](const ListedCard& hero) {
-        return std::array{hero.card.nameZh.value_or(QString()), hero.card.nameEn.value_or(QString())};
-    };
-    const auto isHero = [](const ListedCard& each) { return each.card.type == u"HERO"_s; };
-    const auto isOfClass = [&](const ListedCard& hero) {
-        return hero.card.cardClass.value_or(QString()).compare(playerClass, Qt::CaseInsensitive) == 0;
-    };
-    QSet<QString> taken{QString()};
+std::vector<ListedHero> CardLists::heroes() const {
+    std::vector<ListedHero> heroes;
+    QSet<std::pair<QString, QString>> known;
     for (const ListedCard& each : cards) {
-        if (isHero(each) && !isOfClass(each)) {
-            for (const QString& name : namesOf(each)) {
-                taken.insert(NameMatching::normalize(name));
-            }
-        }
-    }
-    QStringList names;
-    for (const ListedCard& each : cards) {
-        if (!isHero(each) || !isOfClass(each)) {
+        const QString heroClass = each.card.cardClass.value_or(QString()).toUpper();
+        if (each.card.type != u"HERO"_s || heroClass.isEmpty() || heroClass == u"NEUTRAL"_s) {
             continue;
         }
-        for (const QString& name : namesOf(each)) {
-            const QString norm = NameMatching::normalize(name);
-            if (!taken.contains(norm)) {
-                taken.insert(norm);
-                names.append(name);
+        for (const QString& name : {each.card.nameZh.value_or(QString()), each.card.nameEn.value_or(QString())}) {
+            const std::pair told(heroClass, NameMatching::normalize(name));
+            if (!told.second.isEmpty() && !known.contains(told)) {
+                known.insert(told);
+                heroes.push_back({name, heroClass});
             }
         }
     }
-    return names;
+    return heroes;
 }
 
 Joining::Joining(const CardLists& cardLists)
@@ -387,8 +374,10 @@ bool Joining::join(CardStats& row, std::optional<qint64> dbfId, const QString& p
         missing.append(u"%1 (%2)"_s.arg(place, called));
         return !row.cardId.isEmpty();
     }
-    if (found.isContradictory) {
+    if (found.isContradictory && found.card->card.cardId == row.cardId) {
         contradictory.append(u"%1 (%2)"_s.arg(place, called));
+    } else if (found.isContradictory) {
+        byNumberAlone.append(u"%1 (%2, filled in as %3)"_s.arg(place, called, found.card->card.cardId));
     }
     joinedAny = true;
     fillIn(row, found.card->card);
@@ -407,6 +396,9 @@ QStringList Joining::remarks() const {
     if (!contradictory.isEmpty()) {
         sentences.append(
             u"card_id counts where the lists have dbf_id for another card: %1"_s.arg(contradictory.join(u", "_s)));
+    }
+    if (!byNumberAlone.isEmpty()) {
+        sentences.append(u"in the lists of cards by dbf_id, but not by card_id: %1"_s.arg(byNumberAlone.join(u", "_s)));
     }
     return sentences;
 }

@@ -19,6 +19,14 @@ struct ListedCard {
     std::optional<qint64> dbfId; // the game's number for it, by which some sources of figures call it
 };
 
+// What a hero is called, and the class that the name tells.
+struct ListedHero {
+    QString name;
+    QString heroClass; // in upper case
+
+    bool operator==(const ListedHero&) const = default;
+};
+
 // Where a card was looked for and not found, or not where it should have been.
 struct ListedRow {
     const ListedCard* card = nullptr; // null: in none of the lists
@@ -43,9 +51,10 @@ public:
     // By the identifier, else by the number.
     ListedRow find(const QString& cardId, std::optional<qint64> dbfId) const;
 
-    // What heroes of that class are called, Chinese and English, in the order of the lists, each once. Without the
-    // names that heroes of other classes have too.
-    QStringList heroNames(const QString& playerClass) const;
+    // What heroes are called, Chinese and English, in the order of the lists; for each class each name once, however it
+    // is written. Heroes that are neutral or of no class tell none: such are the bosses of adventures, of which many
+    // bear the name of a hero that players choose.
+    std::vector<ListedHero> heroes() const;
 
 private:
     class Reader;
@@ -67,7 +76,8 @@ public:
     // There were rows and lists, and no row is in any.
     bool joinedNone() const;
 
-    // One sentence for all rows that are in no list, and one for all whose number is another card's.
+    // One sentence for all rows that are in no list, one for all whose number is another card's, and one for those
+    // that the number alone tells of, whatever they are called.
     QStringList remarks() const;
 
 private:
@@ -75,6 +85,7 @@ private:
     bool joinedAny = false;
     QStringList missing;
     QStringList contradictory;
+    QStringList byNumberAlone;
 };
 
 } // namespace pelloran

@@ -2,13 +2,16 @@
 
 #include "data/WinrateFields.h"
 #include "json/StrictJson.h"
+#include "names/NameMatching.h"
 #include "publish/CardLists.h"
 #include "publish/Problem.h"
 
+#include <QHash>
 #include <QJsonDocument>
 
 #include <optional>
 #include <utility>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -68,6 +71,61 @@ QJsonValue filledRows(const QJsonValue& value, const QString& place, Joining& jo
     return rows;
 }
 
+QString classOf(const QJsonObject& row) {
+    return row.value("player_class"_L1).toString().toUpper();
+}
+
+bool hasOwnHeroes(const QJsonObject& row) {
+    const QJsonValue own = row.value(heroesKey);
+    return !own.isNull() && !own.isUndefined();
+}
+
+// What tells one class and no other, of the lists' heroes.
+class HeroNames {
+public:
+    HeroNames(const CardLists& lists, const QJsonArray& rows)
+        : heroes(lists.heroes()) {
+        for (const ListedHero& hero : heroes) {
+            claim(hero.name, hero.heroClass);
+        }
+        for (const QJsonValue& row : rows) {
+            for (const QJsonValue& own : row[heroesKey].toArray()) {
+                claim(own.toString(), classOf(row.toObject()));
+            }
+        }
+    }
+
+    QStringList ofClass(const QString& heroClass) {
+        QStringList names;
+        for (const ListedHero& hero : heroes) {
+            if (hero.heroClass != heroClass) {
+                continue;
+            }
+            const QStringList& claimants = classes[NameMatching::normalize(hero.name)];
+            if (claimants.size() == 1) {
+                names.append(hero.name);
+            } else if (const QString told = u"%1 (%2)"_s.arg(hero.name, claimants.join(u", "_s));
+                       !ambiguous.contains(told)) {
+                ambiguous.append(told);
+            }
+        }
+        return names;
+    }
+
+    QStringList ambiguous; // of the classes asked for
+
+private:
+    void claim(const QString& name, const QString& heroClass) {
+        QStringList& claimants = classes[NameMatching::normalize(name)];
+        if (!claimants.contains(heroClass)) {
+            claimants.append(heroClass);
+        }
+    }
+
+    std::vector<ListedHero> heroes;
+    QHash<QString, QStringList> classes; // by the normalised name
+};
+
 } // namespace
 
 std::expected<FilledFile, QStringList> filledCardFile(const QByteArray& json, const CardLists& lists) {
@@ -100,27 +158,39 @@ std::expected<FilledFile, QStringList> filledCardFile(const QByteArray& json, co
     return FilledFile{std::move(bytes), joining.remarks()};
 }
 
-QByteArray filledClassFile(const QByteArray& json, const CardLists& lists) {
+FilledFile filledClassFile(const QByteArray& json, const CardLists& lists) {
     if (lists.isEmpty()) {
-        return json;
+        return {json, {}};
     }
-    return changed(json, [&](QJsonObject file) {
+    QStringList remarks;
+    QByteArray bytes = changed(json, [&](QJsonObject file) {
         QJsonArray rows = file.value("classes"_L1).toArray();
-        for (QJsonValueRef each : rows) {
-            QJsonObject row = each.toObject();
-            const QJsonValue own = row.value(heroesKey);
-            const QString playerClass = row.value("player_class"_L1).toString();
-            const QStringList names = playerClass.isEmpty() ? QStringList() : lists.heroNames(playerClass);
-            if ((own.isNull() || own.isUndefined()) && !names.isEmpty()) {
-                row.insert(heroesKey, QJsonArray::fromStringList(names));
-                each = row;
+        HeroNames heroes(lists, rows);
+        QStringList without;
+        for (qsizetype index = 0; index < rows.size(); ++index) {
+            QJsonObject row = rows.at(index).toObject();
+            if (classOf(row).isEmpty() || hasOwnHeroes(row)) {
+                continue;
             }
+            if (const QStringList names = heroes.ofClass(classOf(row)); !names.isEmpty()) {
+                row.insert(heroesKey, QJsonArray::fromStringList(names));
+                rows.replace(index, row);
+            } else {
+                without.append(u"classes[%1] (%2)"_s.arg(index).arg(classOf(row)));
+            }
+        }
+        if (!heroes.ambiguous.isEmpty()) {
+            remarks.append(u"names of heroes of several classes, left out: %1"_s.arg(heroes.ambiguous.join(u", "_s)));
+        }
+        if (!without.isEmpty()) {
+            remarks.append(u"the lists of cards have no hero for %1"_s.arg(without.join(u", "_s)));
         }
         if (!rows.isEmpty()) {
             file.insert("classes"_L1, rows);
         }
         return file;
     });
+    return {std::move(bytes), remarks};
 }
 
 } // namespace pelloran

@@ -19,7 +19,8 @@ struct FilledFile {
 // decoder takes, it stays as it is. Errors: no row is in any list. Without a list all stays as it is.
 std::expected<FilledFile, QStringList> filledCardFile(const QByteArray& json, const CardLists& lists);
 
-// A class file, whose rows get the names of the heroes of their classes.
-QByteArray filledClassFile(const QByteArray& json, const CardLists& lists);
+// A class file, whose rows without names of heroes get those of the heroes of their classes, but for names that another
+// class has too, by the lists or by its row. The remarks have these, and the rows that are left without.
+FilledFile filledClassFile(const QByteArray& json, const CardLists& lists);
 
 } // namespace pelloran

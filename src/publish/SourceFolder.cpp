@@ -2,6 +2,7 @@
 
 #include "data/CardFile.h"
 #include "data/DataFiles.h"
+#include "data/WinrateData.h"
 #include "data/WinrateFields.h"
 #include "publish/CardLists.h"
 #include "publish/CardTable.h"
@@ -95,9 +96,14 @@ public:
 
     void fillClassFiles() {
         for (SourceFile& file : files) {
-            if (classFilePaths().contains(file.path)) {
-                file.bytes = filledClassFile(file.bytes, lists);
+            if (!classFilePaths().contains(file.path)) {
+                continue;
             }
+            FilledFile filled = filledClassFile(file.bytes, lists);
+            for (const QString& each : filled.remarks) {
+                remark(file.path, each);
+            }
+            file.bytes = std::move(filled.bytes);
         }
     }
 
@@ -206,11 +212,31 @@ private:
             return;
         }
         double highest = 0;
+        ClassesByKey byKey;
         for (const ClassWinrateRow& row : decoded->classes) {
             checkPercentages(file.path, row.playerClass, row);
             highest = std::max(highest, row.winRate.value_or(0));
+            byKey.insert_or_assign(row.playerClass.toUpper(), row);
         }
         checkScale(file.path, highest);
+        checkHeroNames(file.path, byKey);
+    }
+
+    // As a client understands them.
+    void checkHeroNames(const QString& path, const ClassesByKey& classes) {
+        const ClassNameIndex index(namedClasses(classes));
+        for (const auto& [key, row] : classes) {
+            for (const QString& name : row.heroNames.value_or(std::vector<QString>())) {
+                const auto called = index.bestMatch({name}, NameLengths::limitedUnlessExact);
+                if (called && called->key != key) {
+                    remark(path, u"\"%1\" of %2's hero_names is a name of %3"_s.arg(name, key, called->key));
+                } else if (!called && !index.heroNamed(name, NameLengths::limitedUnlessExact)) {
+                    remark(path,
+                           u"\"%1\" of %2's hero_names tells no class: it is blank, or another class has it too"_s.arg(
+                               name, key));
+                }
+            }
+        }
     }
 
     void checkScale(const QString& path, double highestWinRate) {

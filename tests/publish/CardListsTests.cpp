@@ -130,6 +130,10 @@ TEST_F(CardListsTest, TellsTheLanguageOfAList) {
          "猎龙", "B"},
         {"of the names by locale one is missing", "d.json", R"([{"id": "A", "name": {"zhCN": null, "enUS": "B"}}])",
          nullptr, "B"},
+        {"a byte-order mark", "f.json",
+         "\xEF\xBB\xBF"
+         R"([{"id": "A", "name": {"zhCN": "猎龙"}}])",
+         "猎龙", nullptr},
         {"no names at all", "e.json", R"([{"id": "A", "cost": 1}])", nullptr, nullptr},
     };
     for (const Case& c : cases) {
@@ -191,6 +195,7 @@ TEST_F(CardListsTest, RefusesABrokenListWithThePlace) {
     const QByteArray longText(201, 'x');
     const Case cases[] = {
         {"no JSON", "[{", QStringLiteral("enUS.json: unterminated object")},
+        {"16-bit characters", QByteArray("\xFF\xFE[\0]\0", 6), QStringLiteral("enUS.json: ")},
         {"no array", R"({"cards": []})", QStringLiteral("enUS.json: the list is not an array")},
         {"nothing in it", "[]", QStringLiteral("enUS.json: no card in it")},
         {"no card", R"([{"id": "A"}, 3])", QStringLiteral("enUS.json: [1] is not an object")},
@@ -232,18 +237,20 @@ TEST_F(CardListsTest, FillsATableThatHasOnlyFigures) {
                                       ",OWN_1,Lamp,7,52\n"
                                       ",MINE_1,Own Card,,53\n"
                                       "99,,,,54\n"
-                                      "12,OWN_1,,,55\n",
+                                      "12,OWN_1,,,55\n"
+                                      "11,MINE_2,,,56\n",
                                       QStringLiteral("then"), both());
     ASSERT_TRUE(cards) << cards.error().join(u'\n').toStdString();
     const QStringList remarks{
         QStringLiteral("in none of the lists of cards: line 4 (MINE_1), line 5 (dbf_id 99, left out)"),
         QStringLiteral("card_id counts where the lists have dbf_id for another card: line 6 (OWN_1)"),
+        QStringLiteral("in the lists of cards by dbf_id, but not by card_id: line 7 (MINE_2, filled in as OWN_1)"),
     };
     EXPECT_EQ(cards->remarks, remarks);
     const auto file = WinrateFile::decode(cards->file);
     ASSERT_TRUE(file);
-    EXPECT_EQ(file->cardCount, 4);
-    std::vector<CardStats> expected(4, lantern);
+    EXPECT_EQ(file->cardCount, 5);
+    std::vector<CardStats> expected(5, lantern);
     expected[0].deckWinRate = 51;
     expected[1].deckWinRate = 52;
     expected[1].nameEn = QStringLiteral("Lamp");
@@ -253,6 +260,8 @@ TEST_F(CardListsTest, FillsATableThatHasOnlyFigures) {
     expected[2].nameEn = QStringLiteral("Own Card");
     expected[2].deckWinRate = 53;
     expected[3].deckWinRate = 55;
+    expected[4].cardId = QStringLiteral("MINE_2");
+    expected[4].deckWinRate = 56;
     EXPECT_EQ(file->cards, expected);
 }
 
@@ -327,43 +336,94 @@ TEST_F(CardListsTest, FillsCardFilesOfEveryShape) {
     EXPECT_FALSE(filledCardFile(R"({"cards": [{"card_id": "MINE_1"}]})", lists)) << "another game's list";
 }
 
-TEST_F(CardListsTest, KnowsTheHeroesOfAClass) {
-    const auto lists = CardLists::read({file(QStringLiteral("all.json"), R"([
-        {"id": "HERO_1", "type": "HERO", "cardClass": "MAGE", "name": {"enUS": "Ada Quill", "zhCN": "羽笔艾达"}},
-        {"id": "HERO_1a", "type": "HERO", "cardClass": "MAGE", "name": {"enUS": "Quill-Mother", "zhCN": "羽笔艾达"}},
-        {"id": "HERO_2", "type": "HERO", "cardClass": "ROGUE", "name": {"enUS": "Bo Sly"}},
-        {"id": "HERO_3", "type": "HERO", "cardClass": "NEUTRAL", "name": {"enUS": "The Guest"}},
-        {"id": "HERO_4", "type": "HERO", "cardClass": "MAGE", "name": {"enUS": "the guest!", "zhCN": ""}},
-        {"id": "OWN_5", "type": "SPELL", "cardClass": "MAGE", "name": {"enUS": "Not a Hero"}},
-        {"id": "OWN_6", "type": "HERO", "name": {"enUS": "Of no class"}}
-    ])")});
-    ASSERT_TRUE(lists) << lists.error().join(u'\n').toStdString();
-    const QStringList mages{QStringLiteral("羽笔艾达"), QStringLiteral("Ada Quill"), QStringLiteral("Quill-Mother")};
-    EXPECT_EQ(lists->heroNames(QStringLiteral("mage")), mages) << "a name that two classes have tells neither";
-    EXPECT_EQ(lists->heroNames(QStringLiteral("ROGUE")), QStringList{QStringLiteral("Bo Sly")});
-    EXPECT_EQ(lists->heroNames(QStringLiteral("PRIEST")), QStringList());
+// Several heroes a class, guests without one, and two that classes share.
+const QByteArray heroCards = R"([
+  {"id": "HERO_1", "type": "HERO", "cardClass": "MAGE", "name": {"enUS": "Ada Quill", "zhCN": "羽笔艾达"}},
+  {"id": "HERO_1a", "type": "HERO", "cardClass": "MAGE", "name": {"enUS": "Quill-Mother", "zhCN": "羽笔艾达"}},
+  {"id": "HERO_1b", "type": "HERO", "cardClass": "MAGE", "set": "OTHER", "name": {"enUS": "ADA QUILL!"}},
+  {"id": "HERO_2", "type": "HERO", "cardClass": "ROGUE", "name": {"enUS": "Bo Sly"}},
+  {"id": "BOSS_1", "type": "HERO", "cardClass": "NEUTRAL", "name": {"enUS": "Bo Sly", "zhCN": "宾客"}},
+  {"id": "BOSS_2", "type": "HERO", "name": {"enUS": "Ada Quill", "zhCN": "无名"}},
+  {"id": "HERO_3", "type": "HERO", "cardClass": "MAGE", "name": {"enUS": "the guest!", "zhCN": ""}},
+  {"id": "HERO_4", "type": "HERO", "cardClass": "ROGUE", "name": {"enUS": "The Guest"}},
+  {"id": "HERO_5", "type": "HERO", "cardClass": "DREAM", "name": {"zhCN": "梦中人"}},
+  {"id": "HERO_6", "type": "HERO", "cardClass": "MAGE", "name": {"zhCN": "梦中人", "enUS": "?!"}},
+  {"id": "OWN_5", "type": "SPELL", "cardClass": "MAGE", "name": {"enUS": "Not a Hero"}},
+  {"id": "OWN_6", "cardClass": "MAGE", "name": {"enUS": "Of no type"}},
+  {"id": "HERO_7", "type": "HERO", "cardClass": "MAGE"}
+])";
 
+TEST_F(CardListsTest, KnowsTheHeroesOfAClass) {
+    const auto lists = CardLists::read({file(QStringLiteral("all.json"), heroCards)});
+    ASSERT_TRUE(lists) << lists.error().join(u'\n').toStdString();
+    QStringList told;
+    for (const ListedHero& hero : lists->heroes()) {
+        told.append(hero.heroClass + u' ' + hero.name);
+    }
+    const QStringList expected{
+        QStringLiteral("MAGE 羽笔艾达"), QStringLiteral("MAGE Ada Quill"),  QStringLiteral("MAGE Quill-Mother"),
+        QStringLiteral("ROGUE Bo Sly"),  QStringLiteral("MAGE the guest!"), QStringLiteral("ROGUE The Guest"),
+        QStringLiteral("DREAM 梦中人"),  QStringLiteral("MAGE 梦中人"),
+    };
+    EXPECT_EQ(told, expected);
+}
+
+TEST_F(CardListsTest, KnowsTheHeroesOfBothLanguages) {
+    const QByteArray inEnglish = R"([{"id": "H", "type": "HERO", "cardClass": "MAGE", "name": "Ada of the Quill"}])";
+    const QByteArray inChinese = R"([{"id": "H", "type": "HERO", "cardClass": "MAGE", "name": "羽笔艾达"}])";
+    const QString english = file(QStringLiteral("enUS/cards.json"), inEnglish);
+    const QString chinese = file(QStringLiteral("zhCN/cards.json"), inChinese);
+    const std::vector<ListedHero> both{{QStringLiteral("羽笔艾达"), QStringLiteral("MAGE")},
+                                       {QStringLiteral("Ada of the Quill"), QStringLiteral("MAGE")}};
+    for (const QStringList& order : {QStringList{english, chinese}, QStringList{chinese, english}}) {
+        const auto lists = CardLists::read(order);
+        ASSERT_TRUE(lists);
+        EXPECT_EQ(lists->heroes(), both) << "in whatever order they come";
+    }
+}
+
+TEST_F(CardListsTest, FillsClassFilesWithTheNamesThatTellAClass) {
     struct Case {
         const char* why;
         QByteArray before;
         QByteArray after;
+        QStringList remarks = {};
     };
 
+    const QString guest = QStringLiteral("names of heroes of several classes, left out: ");
     const Case cases[] = {
-        {"filled in", R"({"classes": [{"player_class": "Rogue", "name_zh": "x", "own": 1}], "fetched_at": "y"})",
-         R"({"classes":[{"hero_names":["Bo Sly"],"name_zh":"x","own":1,"player_class":"Rogue"}],"fetched_at":"y"})"},
+        {"filled in",
+         R"({"classes": [{"player_class": "Rogue", "name_zh": "x", "own": 1}], "fetched_at": "y"})",
+         R"({"classes":[{"hero_names":["Bo Sly"],"name_zh":"x","own":1,"player_class":"Rogue"}],"fetched_at":"y"})",
+         {guest + QStringLiteral("The Guest (MAGE, ROGUE)")}},
+        {"every hero's names, each once",
+         R"({"classes": [{"player_class": "MAGE", "hero_names": null}]})",
+         R"({"classes":[{"hero_names":["羽笔艾达","Ada Quill","Quill-Mother"],"player_class":"MAGE"}]})",
+         {guest + QStringLiteral("the guest! (MAGE, ROGUE), 梦中人 (DREAM, MAGE)")}},
         {"its own names stay", R"({"classes": [{"player_class": "ROGUE", "hero_names": []}]})",
          R"({"classes": [{"player_class": "ROGUE", "hero_names": []}]})"},
-        {"no hero of that class", R"({"classes": [{"player_class": "PRIEST"}]})",
-         R"({"classes": [{"player_class": "PRIEST"}]})"},
+        {"what a row says of itself goes before the lists",
+         R"({"classes": [{"player_class": "MAGE", "hero_names": ["BO SLY"]}, {"player_class": "ROGUE"}]})",
+         R"({"classes": [{"player_class": "MAGE", "hero_names": ["BO SLY"]}, {"player_class": "ROGUE"}]})",
+         {guest + QStringLiteral("Bo Sly (ROGUE, MAGE), The Guest (MAGE, ROGUE)"),
+          QStringLiteral("the lists of cards have no hero for classes[1] (ROGUE)")}},
+        {"no hero of that class",
+         R"({"classes": [{"player_class": "PRIEST"}, {"player_class": "druid"}]})",
+         R"({"classes": [{"player_class": "PRIEST"}, {"player_class": "druid"}]})",
+         {QStringLiteral("the lists of cards have no hero for classes[0] (PRIEST), classes[1] (DRUID)")}},
         {"left to the decoder", R"({"classes": [3, {"name_zh": "x"}]})", R"({"classes": [3, {"name_zh": "x"}]})"},
         {"no rows", R"({"classes": {}})", R"({"classes": {}})"},
         {"no JSON", "[", "["},
     };
+    const auto lists = CardLists::read({file(QStringLiteral("all.json"), heroCards)});
+    ASSERT_TRUE(lists);
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
-        EXPECT_EQ(filledClassFile(c.before, *lists), c.after);
-        EXPECT_EQ(filledClassFile(c.before, {}), c.before);
+        const FilledFile filled = filledClassFile(c.before, *lists);
+        EXPECT_EQ(filled.bytes, c.after) << filled.bytes.toStdString();
+        EXPECT_EQ(filled.remarks, c.remarks) << filled.remarks.join(u'\n').toStdString();
+        EXPECT_EQ(filledClassFile(c.before, {}).bytes, c.before);
+        EXPECT_EQ(filledClassFile(c.before, {}).remarks, QStringList());
     }
 }
 

@@ -146,6 +146,17 @@ TEST(SourceFolder, RemarksOnWhatIsPerhapsNotMeant) {
         {"no name", cardFile, R"({"cards": [{"card_id": "A", "name_en": ""}]})", "A has no name and will not be found"},
         {"invented figures", cardFile, R"({"time_range": "SAMPLE", "cards": [{"card_id": "A", "name_en": "a"}]})",
          "says of itself that its figures are invented"},
+        {"a hero of two classes", classFile,
+         R"({"classes": [{"player_class": "Mage", "name_zh": "", "hero_names": ["The Guest"]},
+                         {"player_class": "ROGUE", "name_zh": "", "hero_names": ["the guest!"]}]})",
+         "\"The Guest\" of MAGE's hero_names tells no class: it is blank, or another class has it too"},
+        {"a hero without a letter", classFile,
+         R"({"classes": [{"player_class": "MAGE", "name_zh": "", "hero_names": ["?!"]}]})",
+         "\"?!\" of MAGE's hero_names tells no class"},
+        {"a hero called as another class is", classFile,
+         R"({"classes": [{"player_class": "MAGE", "name_zh": "", "hero_names": ["潜行者"]},
+                         {"player_class": "ROGUE", "name_zh": "潜行者"}]})",
+         "\"潜行者\" of MAGE's hero_names is a name of ROGUE"},
         {"a file nobody reads", QStringLiteral("notes.txt"), "x", "notes.txt: is published too"},
     };
     for (const Case& c : cases) {
@@ -161,6 +172,12 @@ TEST(SourceFolder, RemarksOnWhatIsPerhapsNotMeant) {
     }
     const DataFolder folder;
     folder.write(cardFile, cards);
+    folder.write(classFile, R"({"classes": [
+        {"player_class": "MAGE", "name_zh": "法师", "hero_names": ["Ada", "mage", "Quill-Mother"]},
+        {"player_class": "ROGUE", "name_zh": "", "hero_names": ["Bo Sly"]}]})");
+    EXPECT_EQ(SourceFolder::read(folder.path(), std::nullopt)->remarks, QStringList())
+        << "heroes that tell their classes, also one that is called as its own";
+    ASSERT_TRUE(QFile::remove(folder.path(classFile)));
     EXPECT_THAT(SourceFolder::read(folder.path(), std::nullopt)->remarks.join(u'\n').toStdString(),
                 HasSubstr("there is no class file"));
 }
@@ -188,6 +205,25 @@ TEST(SourceFolder, PutsATableOfCardsInThePlaceOfTheCardFile) {
     EXPECT_EQ(refused.error(),
               QStringList{table + QStringLiteral(": line 2, column cost: \"x\" is not a whole number")});
     EXPECT_FALSE(SourceFolder::read(folder.path(), elsewhere.path(QStringLiteral("nowhere.csv"))));
+}
+
+TEST(SourceFolder, FillsClassesFromListsAndTellsWhatItCouldNot) {
+    const DataFolder folder;
+    const DataFolder elsewhere;
+    folder.write(cardFile, cards);
+    folder.write(classFile, classes);
+    elsewhere.write(QStringLiteral("enUS.json"), R"([
+        {"id": "A"}, {"id": "H1", "type": "HERO", "cardClass": "MAGE", "name": "Ada"},
+        {"id": "H2", "type": "HERO", "cardClass": "MAGE", "name": "The Guest"},
+        {"id": "H3", "type": "HERO", "cardClass": "ROGUE", "name": "The Guest"}])");
+    const auto source = SourceFolder::read(folder.path(), std::nullopt, {elsewhere.path(QStringLiteral("enUS.json"))});
+    ASSERT_TRUE(source) << source.error().join(u'\n').toStdString();
+    EXPECT_EQ(source->remarks,
+              QStringList{classFile +
+                          QStringLiteral(": names of heroes of several classes, left out: The Guest (MAGE, ROGUE)")});
+    const auto decoded = ClassWinrateFile::decode(source->files[1].bytes);
+    ASSERT_TRUE(decoded);
+    EXPECT_EQ(decoded->classes.at(0).heroNames, std::vector{QStringLiteral("Ada")});
 }
 
 } // namespace
