@@ -113,8 +113,11 @@ OverlayPanelController::~OverlayPanelController() {
 }
 
 void OverlayPanelController::want(bool shown) {
-    isUsers = isUsers || shown != isWanted;
-    isWanted = shown;
+    if (shown != isWanted) {
+        isWanted = shown;
+        isUsers = true;
+        remember();
+    }
 }
 
 FloatingPanel& OverlayPanelController::window() const {

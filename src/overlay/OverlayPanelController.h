@@ -30,8 +30,8 @@ public:
     static const QString placesKey;
 
     // The panel is built, not shown. `settings` must outlive it. It stands as `memory` has it, if given; and where the
-    // user puts it is written there, when a drag ends and at the end. Nothing is written where the user puts it
-    // nowhere.
+    // user puts it is written there: when a drag ends, when it is hidden or shown, and at the end. Nothing is written
+    // where the user puts it nowhere.
     OverlayPanelController(const SystemSettings& settings, std::unique_ptr<PanelWindow> window,
                            MotionPreference motionPreference = MotionPreference::asDesktopSays,
                            UserDefaults* memory = nullptr);

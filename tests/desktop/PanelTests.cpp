@@ -179,6 +179,47 @@ TEST_F(Panel, ComesBackOnASecondStartAndLeavesTheHeadlessProgramAlone) {
     EXPECT_TRUE(headless.printsAnother());
 }
 
+TEST_F(Panel, StandsWhereItWasPutAtTheNextStart) {
+    const auto end = [this] {
+        pelloran.process.terminate();
+        expectEnd(0);
+    };
+    startPanel();
+    const QRect first = panelBounds();
+    hand.pull(panelBackground(), panelBackground() + QPoint(300, -200));
+    hand.release();
+    const QRect moved = first.translated(300, -200);
+    EXPECT_TRUE(until([&] { return panelBounds() == moved; }));
+    end();
+
+    startPanel();
+    EXPECT_EQ(panelBounds(), moved) << "the very place and size";
+    hand.pull({panelBounds().right() - 2, panelBounds().center().y()}, {moved.right() + 98, moved.center().y()});
+    hand.release();
+    const QRect wide(moved.topLeft(), moved.size() + QSize(100, 0));
+    EXPECT_TRUE(until([&] { return panelBounds() == wide; })) << panelBounds().width();
+    hand.click(closeButton());
+    ASSERT_TRUE(until([this] { return panel() == XCB_WINDOW_NONE; }));
+    pelloran.process.kill(); // a run that does not come to its end
+    ASSERT_TRUE(until([this] { return pelloran.process.state() == QProcess::NotRunning; }));
+
+    startPelloran({QStringLiteral("--snapshots")});
+    EXPECT_TRUE(pelloran.printsAnother());
+    EXPECT_EQ(panel(), XCB_WINDOW_NONE) << "it was hidden";
+    EXPECT_EQ(startAgain().exitCode, 0);
+    ASSERT_TRUE(until([this] { return panel() != XCB_WINDOW_NONE; }));
+    EXPECT_EQ(panelBounds(), wide);
+    EXPECT_TRUE(startAgain({QStringLiteral("--reset-panel")}).standardError.contains("end the running program first"));
+    EXPECT_EQ(panelBounds(), wide);
+    end();
+
+    startPanel({QStringLiteral("--reset-panel")});
+    EXPECT_EQ(panelBounds(), first);
+    end();
+    startPanel();
+    EXPECT_EQ(panelBounds(), first) << "forgotten for good";
+}
+
 TEST_F(Panel, EndsInOrderWhenItIsTerminated) {
     startPanel();
     pelloran.process.terminate();

@@ -259,6 +259,8 @@ TEST_F(OverlayPanelControllerTest, OpensAsItWasLeft) {
     EXPECT_EQ(panel().frame(), (UpwardRect{40, 60, 360, 420})) << "a first run";
     updateSettled(tiles(3));
     start();
+    PanelDrag(panel(), {100, 100}).release();
+    start();
     EXPECT_EQ(memory.writes, 0) << "of what the user did nothing to, there is nothing to remember";
 
     {
@@ -287,13 +289,17 @@ TEST_F(OverlayPanelControllerTest, OpensAsItWasLeft) {
     updateSettled(message());
     EXPECT_EQ(panel().frame().size(), QSizeF(650, 600)) << "the size that the user gave it";
 
+    const auto isToBeShown = [&] { return placesFrom(*memory.string(OverlayPanelController::placesKey))[0].isShown; };
     panel().findChild<CloseButton*>()->click();
+    EXPECT_FALSE(isToBeShown()) << "at once: not every run comes to its end";
     start();
     EXPECT_FALSE(controller->isVisible()) << "hidden by its button";
     controller->show();
+    EXPECT_TRUE(isToBeShown());
     start();
     EXPECT_TRUE(controller->isVisible());
     controller->hide();
+    EXPECT_FALSE(isToBeShown());
     start();
     EXPECT_FALSE(controller->isVisible()) << "hidden by the menu";
 
@@ -315,6 +321,26 @@ TEST_F(OverlayPanelControllerTest, OpensOnTheScreenWhateverIsRemembered) {
             text.contains(u"gone") ? UpwardRect{main.width() - 360.0, 300, 360, 420} : UpwardRect{40, 60, 360, 420};
         EXPECT_EQ(opened.window().frame(), expected);
     }
+}
+
+TEST_F(OverlayPanelControllerTest, StaysOnASmallerScreenWhateverItShows) {
+    testing::FakeUserDefaults memory;
+    const QRect main = QGuiApplication::primaryScreen()->availableGeometry();
+    const QSizeF large(main.width() + 600, main.height() + 100);
+    const QString stored = textOf({{u"a larger screen"_s, {30, 40, large.width(), large.height()}, large, true}});
+    memory.setString(OverlayPanelController::placesKey, stored);
+    controller = std::make_unique<OverlayPanelController>(settings, std::make_unique<FakePanelWindow>(),
+                                                          MotionPreference::asDesktopSays, &memory);
+    controller->open();
+    settle();
+    EXPECT_TRUE(main.contains(panel().geometry()));
+    for (const OverlaySnapshot& snapshot : {message(), tiles(3)}) {
+        updateSettled(snapshot);
+        EXPECT_TRUE(main.contains(panel().geometry()))
+            << panel().width() << " x " << panel().height() << " at " << panel().x() << ", " << panel().y();
+    }
+    controller.reset();
+    EXPECT_EQ(memory.string(OverlayPanelController::placesKey), stored) << "for when the larger screen is back";
 }
 
 TEST_F(OverlayPanelControllerTest, IsHiddenByItsButtonAndGoesOn) {

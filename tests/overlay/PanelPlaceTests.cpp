@@ -86,6 +86,17 @@ TEST(PanelPlace, OpensWhereItWasLeft) {
     EXPECT_EQ(hidden.userSize, QSizeF(500, 300));
 }
 
+TEST(PanelPlace, IsNoLargerThanTheScreenAlsoWhenItsContentChanges) {
+    const PanelPlace wide = place(u"B"_s, {100, 100, 2400, 500}, QSizeF(2400, 500));
+    EXPECT_EQ(placeToOpen({wide}, u"A"_s, {desk}).userSize, QSizeF(1920, 500)) << "what it takes at the next offer";
+    EXPECT_EQ(placeToOpen({wide}, u"A"_s, {tiny}).userSize, QSizeF(280, 200)) << "as small as it can be dragged";
+    EXPECT_EQ(placeToOpen({wide}, u"A"_s, {tiny, {0, 0, 3000, 2000}}).userSize, QSizeF(2400, 500))
+        << "the screen that it opens on";
+    const PanelPlace there = place(u"A"_s, {10, 10, 1920, 500}, QSizeF(1920, 500));
+    EXPECT_EQ(placeToOpen(withPlace({wide}, there), u"B"_s, {{0, 0, 2560, 1440}}), wide)
+        << "back on the large screen it is as it was";
+}
+
 TEST(PanelPlace, KeepsTheLatestArrangements) {
     PanelPlaces places;
     for (int i = 0; i < 10; ++i) {
@@ -102,7 +113,8 @@ TEST(PanelPlace, KeepsTheLatestArrangements) {
 
 TEST(PanelPlace, IsStoredAndReadBack) {
     const PanelPlaces places{place(u"DP-1 0,0 1920x1080; \"屏\" 1920,0 10x10"_s, {-12.5, 60, 360, 420}),
-                             place(u""_s, {0, 0, 900, 300}, QSizeF(901, 299), false)};
+                             place(u""_s, {0, 0, 900, 300}, QSizeF(901, 299), false),
+                             place(u"made wider while it showed a message"_s, {0, 0, 500, 160}, QSizeF(500, 160))};
     EXPECT_EQ(placesFrom(textOf(places)), places);
     EXPECT_EQ(placesFrom(textOf({})), PanelPlaces());
 }

@@ -49,6 +49,9 @@ int runOnDesktop(const RunLoop& command, SystemSettings& settings, UserDefaults&
         break;
     case SingleInstance::Outcome::handedOver:
         log(QStringLiteral("running already; its panel has been brought forward"));
+        if (command.resetPanel) {
+            log(QStringLiteral("--reset-panel has forgotten nothing; end the running program first"));
+        }
         return EXIT_SUCCESS;
     case SingleInstance::Outcome::firstSilent:
         log(QStringLiteral("running already, but it does not answer; end it first"));

@@ -14,7 +14,7 @@ constexpr double cornerHandle = 14; // reach of a corner along both of its edges
 constexpr double noticeable = 0.5;  // smaller changes of the frame are not worth a move
 
 QSizeF idleSize(const UpwardRect& frame, const std::optional<QSizeF>& userSize, double scale) {
-    const double height = std::max(120 * scale, 160.0);
+    const double height = std::max(120 * scale, lowestHeight);
     if (userSize) {
         return {std::max(userSize->width(), 320.0), std::max(height, userSize->height())};
     }

@@ -35,7 +35,7 @@ struct StoredPlace {
 };
 
 bool isSize(double width, double height) {
-    return width >= minimumSize.width() && height >= minimumSize.height() && width <= largest && height <= largest;
+    return width >= minimumSize.width() && height >= lowestHeight && width <= largest && height <= largest;
 }
 
 bool isPossible(const PanelPlace& place) {
@@ -60,10 +60,14 @@ double distance(const UpwardRect& one, const UpwardRect& other) {
                       gap(one.minY(), one.maxY(), other.minY(), other.maxY()));
 }
 
+QSizeF largestOn(const UpwardRect& visible) {
+    return visible.size().expandedTo(minimumSize);
+}
+
 UpwardRect movedOnto(const UpwardRect& frame, const UpwardRect& visible) {
     UpwardRect moved = frame;
-    moved.width = std::min(frame.width, std::max(visible.width, minimumSize.width()));
-    moved.height = std::min(frame.height, std::max(visible.height, minimumSize.height()));
+    moved.width = std::min(frame.width, largestOn(visible).width());
+    moved.height = std::min(frame.height, largestOn(visible).height());
     moved.x = std::max(std::min(frame.x, visible.maxX() - moved.width), visible.minX());
     moved.y = std::max(std::min(frame.y, visible.maxY() - moved.height), visible.minY());
     return moved;
@@ -152,7 +156,11 @@ PanelPlace placeToOpen(const PanelPlaces& places, const QString& screens, const 
     const auto rank = [&](const UpwardRect& screen) {
         return std::pair(-overlap(place.frame, screen), distance(place.frame, screen));
     };
-    place.frame = movedOnto(place.frame, *std::ranges::min_element(visible, {}, rank));
+    const UpwardRect& screen = *std::ranges::min_element(visible, {}, rank);
+    place.frame = movedOnto(place.frame, screen);
+    if (place.userSize) {
+        place.userSize = place.userSize->boundedTo(largestOn(screen));
+    }
     return place;
 }
 

@@ -42,7 +42,7 @@ PanelPlaces withPlace(PanelPlaces places, const PanelPlace& place);
 
 // How to open it on these screens: as the last run on them left it, else as the last run left it, else as a first run
 // does. On the screen that has the most of it (`visible` are those parts of the screens), else on the nearest one; what
-// would not be seen there is moved, and what is larger than the screen becomes smaller.
+// would not be seen there is moved, and what is larger than the screen becomes smaller, the user's size too.
 PanelPlace placeToOpen(const PanelPlaces& places, const QString& screens, const std::vector<UpwardRect>& visible);
 
 } // namespace pelloran

@@ -152,12 +152,12 @@ void FloatingPanel::hideEvent(QHideEvent*) {
 
 void FloatingPanel::endDrag() {
     const bool resizing = inLiveResize();
-    const bool dragging = drag.has_value();
+    const bool changed = drag && frame() != drag->frame; // not for a click
     drag.reset();
     if (resizing) {
         Q_EMIT didEndLiveResize();
     }
-    if (dragging) {
+    if (changed) {
         Q_EMIT didEndDrag();
     }
 }

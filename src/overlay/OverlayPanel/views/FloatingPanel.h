@@ -43,7 +43,7 @@ Q_SIGNALS:
     void willStartLiveResize();
     void didResize();
     void didEndLiveResize();
-    void didEndDrag();     // moving or resizing; after the above
+    void didEndDrag();     // that moved or resized it; after the above
     void didCloseByUser(); // hidden by its button
     void paletteDidChange();
 
