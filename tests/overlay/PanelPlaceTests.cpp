@@ -140,6 +140,8 @@ TEST(PanelPlace, IsForgottenWhereTheTextIsNoneOfOurs) {
         {"beyond all screens", with(",\"x\":1e300}]").prepend(u'['), 0},
         {"no size", with(",\"width\":0}]").prepend(u'['), 0},
         {"larger than all screens", with(",\"height\":1e9}]").prepend(u'['), 0},
+        {"larger than any window", with(",\"width\":99999}]").prepend(u'['), 0},
+        {"made larger than any window", with(",\"user_width\":400,\"user_height\":99999}]").prepend(u'['), 0},
         {"smaller than it can be dragged", with(",\"user_width\":10,\"user_height\":300}]").prepend(u'['), 0},
         {"half a size is none", with(",\"user_width\":400}]").prepend(u'['), 1},
         {"the others stay", u"["_s + good + u",\"width\":-1},"_s + good + u"}]"_s, 1},

@@ -19,8 +19,8 @@ namespace {
 // A desk, a meeting room and a television: more arrangements than this are not worth their lines.
 constexpr std::size_t mostArrangements = 8;
 constexpr qsizetype longestText = 64LL * 1024;
-constexpr double farthest = 1e6; // pixels, from the main screen's corner
-constexpr double largest = 1e5;
+constexpr double farthest = 1e6;   // pixels, from the main screen's corner
+constexpr double largest = 32'767; // X11 has no larger windows
 
 // As it is stored.
 struct StoredPlace {
