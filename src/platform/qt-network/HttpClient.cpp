@@ -1,5 +1,6 @@
 #include "platform/HttpClient.h"
 
+#include "platform/qt-network/NewSockets.h"
 #include "platform/qt-network/SystemProxies.h"
 
 #include <QDeadlineTimer>
@@ -57,6 +58,7 @@ public:
             return std::unexpected(TransportError{u"unsupported URL"_s});
         }
 
+        const NewSockets connections;
         // One for each request: it belongs to the thread it was made on, and nothing is kept.
         QNetworkAccessManager manager;
         SystemProxies* proxies = nullptr; // owned by the manager
@@ -142,6 +144,7 @@ public:
         const int status = statusOf(*reply);
         if (givenUp || isTooLong) {
             reply->abort();
+            connections.endFlooded();
         }
         if (givenUp) {
             return std::unexpected(TransportError{*givenUp});

@@ -107,6 +107,19 @@ TEST_F(HttpClientTest, AsksForPlainBytesAndNothingKept) {
     EXPECT_THAT(server.requests().back().toLower().toStdString(), HasSubstr("\naccept: application/json\r\n"));
 }
 
+TEST_F(HttpClientTest, SendsNothingElse) {
+    server.on("/x", ScriptedServer::answer("200 OK", {}, ""));
+    const QByteArray head = headOf(u"/x"_s);
+    QStringList names;
+    for (const QByteArray& line : head.trimmed().split('\n').sliced(1)) {
+        names.append(QString::fromLatin1(line.first(line.indexOf(':'))));
+    }
+    names.sort();
+    EXPECT_EQ(names, (QStringList{u"accept-encoding"_s, u"accept-language"_s, u"cache-control"_s, u"connection"_s,
+                                  u"host"_s, u"pragma"_s, u"user-agent"_s}));
+    EXPECT_THAT(head.toStdString(), HasSubstr("\nuser-agent: pelloran\r\n")) << "no version and no system";
+}
+
 TEST_F(HttpClientTest, ACookieDoesNotTravelAlongARedirect) {
     server.on("/x", ScriptedServer::answer("302 Found", "Set-Cookie: a=b\r\nLocation: /y\r\n", ""));
     server.on("/y", ScriptedServer::answer("200 OK", {}, ""));
@@ -227,6 +240,37 @@ TEST_F(HttpClientTest, ReadsNotAByteMoreThanAllowed) {
         const auto answer = http->get(request(u"/x"_s));
         EXPECT_EQ(failure(answer), c.expected);
         EXPECT_LE(answer ? answer->body.size() : 0, 1000);
+    }
+}
+
+// Qt would read on for good, on a thread that nobody can end.
+TEST_F(HttpClientTest, ReadsNoHeadWithoutEnd) {
+    struct Case {
+        const char* why;
+        ScriptedServer::Script script;
+    };
+
+    const Case cases[] = {
+        {"line after line",
+         ScriptedServer::trickle("HTTP/1.1 200 OK\r\n", ("X-A: " + QByteArray(90, 'x') + "\r\n").repeated(1000), 0)},
+        {"one line", ScriptedServer::trickle("HTTP/1.1 200 OK\r\nX-A: ", QByteArray(100'000, 'x'), 0)},
+        {"the line of the status", ScriptedServer::trickle("HTTP/1.1 200 ", QByteArray(100'000, 'x'), 0)},
+        {"news of an answer to come",
+         ScriptedServer::trickle("", QByteArray("HTTP/1.1 100 Continue\r\n\r\n").repeated(1000), 0)},
+        {"the length of a piece",
+         ScriptedServer::trickle("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n", QByteArray(100'000, '0'), 0)},
+        {"a redirect's", ScriptedServer::trickle("HTTP/1.1 302 Found\r\nLocation: /x\r\n",
+                                                 ("X-A: " + QByteArray(90, 'x') + "\r\n").repeated(1000), 0)},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        server.on("/x", c.script);
+        auto asked = request(u"/x"_s);
+        asked.deadline = 300ms;
+        QElapsedTimer time;
+        time.start();
+        EXPECT_EQ(failure(http->get(asked)), u"The request timed out."_s);
+        EXPECT_LT(std::chrono::milliseconds(time.elapsed()), 4s) << "Qt waits five seconds for a thread that is busy";
     }
 }
 
@@ -406,6 +450,16 @@ TEST_F(SecureHttpClientTest, TrustsOnlyWhomTheSystemTrusts) {
     EXPECT_TRUE(secure->requests().empty());
     QSslConfiguration::setDefaultConfiguration(trusting);
     EXPECT_EQ(get(u"/x"_s), u"secret"_s);
+}
+
+TEST_F(SecureHttpClientTest, TellsNothingToWhoeverIsSomebodyElse) {
+    const auto other = testing::makeCertificate(testing::CertificateKind::ofAnotherHost);
+    ASSERT_TRUE(other);
+    secure = std::make_unique<ScriptedServer>(other->server);
+    trusting.addCaCertificate(other->issuer);
+    QSslConfiguration::setDefaultConfiguration(trusting);
+    EXPECT_THAT(get(u"/x"_s).toStdString(), HasSubstr("did not match any of the valid hosts"));
+    EXPECT_TRUE(secure->requests().empty());
 }
 
 TEST_F(SecureHttpClientTest, TakesABodyBeyondWhatItReadsAhead) {

@@ -1,0 +1,54 @@
+#include "platform/qt-network/NewSockets.h"
+
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <functional>
+
+namespace pelloran {
+
+namespace {
+
+// A program of ours has some tens of descriptors; more are not looked at.
+constexpr long mostDescriptors = 1024;
+
+// Of an answer that is being read no more than this waits for long.
+constexpr int flood = 4096;
+
+void forEachSocket(const std::function<void(int descriptor, unsigned long long number)>& each) {
+    const long end = std::min(::sysconf(_SC_OPEN_MAX), mostDescriptors);
+    for (int descriptor = 0; descriptor < end; ++descriptor) {
+        struct stat found{};
+        if (::fstat(descriptor, &found) == 0 && S_ISSOCK(found.st_mode)) {
+            each(descriptor, found.st_ino);
+        }
+    }
+}
+
+bool isConnectedToTheNetwork(int descriptor) {
+    sockaddr_storage peer{};
+    socklen_t length = sizeof(peer);
+    return ::getpeername(descriptor, reinterpret_cast<sockaddr*>(&peer), &length) == 0 &&
+           (peer.ss_family == AF_INET || peer.ss_family == AF_INET6);
+}
+
+} // namespace
+
+NewSockets::NewSockets() {
+    forEachSocket([this](int, unsigned long long number) { present.insert(number); });
+}
+
+void NewSockets::endFlooded() const {
+    forEachSocket([this](int descriptor, unsigned long long number) {
+        int waiting = 0;
+        if (!present.contains(number) && isConnectedToTheNetwork(descriptor) &&
+            ::ioctl(descriptor, FIONREAD, &waiting) == 0 && waiting > flood) {
+            ::shutdown(descriptor, SHUT_RDWR); // it stays Qt's to close
+        }
+    });
+}
+
+} // namespace pelloran
