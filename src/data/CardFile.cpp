@@ -63,6 +63,10 @@ std::expected<CardFile, DataError> CardFile::decode(const QByteArray& json, cons
         }
         std::ranges::move(*rows, std::back_inserter(file.rows));
     }
+    if (file.rows.size() > mostCardRows) {
+        return std::unexpected(
+            DataError{u"WinrateFormats"_s, 0, u"the file has more than %1 rows in all"_s.arg(mostCardRows)});
+    }
     if (file.rows.empty()) {
         return std::unexpected(DataError{u"Pelloran"_s, 2, u"无法解析胜率文件: "_s + fileName});
     }

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <tuple>
+#include <type_traits>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -20,11 +21,73 @@ namespace {
 using strict_json::fields;
 using strict_json::HasFields;
 
+// Files come from servers too. What reads the screen compares each line with every name, and reckons with names of a
+// length that fits on a card: one of a million characters would keep it busy for minutes, and of ten for hours.
+strict_json::Verdict beyondLimits(const QString& text) {
+    if (text.size() > longestDataText) {
+        return strict_json::wanted(u"a text of at most %1 characters"_s.arg(longestDataText));
+    }
+    return {};
+}
+
+template <typename Number>
+    requires std::is_arithmetic_v<Number>
+strict_json::Verdict beyondLimits(Number) {
+    return {};
+}
+
+template <typename Element>
+strict_json::Verdict beyondLimits(const std::vector<Element>& elements);
+template <HasFields Record>
+strict_json::Verdict beyondLimits(const Record& record);
+
+template <typename Value>
+strict_json::Verdict beyondLimits(const std::optional<Value>& field) {
+    return field ? beyondLimits(*field) : strict_json::Verdict();
+}
+
+template <typename Element>
+strict_json::Verdict beyondLimits(const std::vector<Element>& elements) {
+    constexpr std::size_t most = std::is_same_v<Element, CardStats>         ? mostCardRows
+                                 : std::is_same_v<Element, ClassWinrateRow> ? mostClassRows
+                                                                            : mostTextsOfARow;
+    if (elements.size() > most) {
+        return strict_json::wanted(u"an array of at most %1"_s.arg(most));
+    }
+    for (std::size_t index = 0; index < elements.size(); ++index) {
+        if (auto verdict = beyondLimits(elements[index])) {
+            strict_json::placeWithin(*verdict, static_cast<qsizetype>(index));
+            return verdict;
+        }
+    }
+    return {};
+}
+
+template <HasFields Record>
+strict_json::Verdict beyondLimits(const Record& record) {
+    strict_json::Verdict verdict;
+    const auto isWithin = [&](const auto& field) {
+        verdict = beyondLimits(record.*field.member);
+        if (verdict) {
+            strict_json::placeWithin(*verdict, field.key);
+        }
+        return !verdict;
+    };
+    std::apply([&](const auto&... field) { static_cast<void>((isWithin(field) && ...)); }, fields<Record>);
+    return verdict;
+}
+
 template <typename Value>
 std::expected<Value, DataError> decodeAs(const QJsonValue& json) {
+    const auto failed = [](const strict_json::Mismatch& mismatch) {
+        return std::unexpected(DataError{u"WinrateFormats"_s, 0, strict_json::describe(mismatch, u"the file"_s)});
+    };
     auto value = strict_json::decode<Value>(json);
     if (!value) {
-        return std::unexpected(DataError{u"WinrateFormats"_s, 0, strict_json::describe(value.error(), u"the file"_s)});
+        return failed(value.error());
+    }
+    if (const auto verdict = beyondLimits(*value)) {
+        return failed(*verdict);
     }
     return std::move(*value);
 }

@@ -7,14 +7,22 @@
 #include <QJsonValue>
 #include <QString>
 
+#include <cstddef>
 #include <expected>
 #include <optional>
 #include <vector>
 
 // The two data files, as plain values. Percentages run from 0 to 100 and are kept exactly as a file gives them.
 //
-// Decoding is strict on what it knows and deaf to what it does not; see strict_json.
+// Decoding is strict on what it knows and deaf to what it does not; see strict_json. A file beyond the limits fails as
+// one with a wrong type does.
 namespace pelloran {
+
+// Many times what the game has: some thousand cards, once for each of eleven classes.
+inline constexpr std::size_t mostCardRows = 200'000;
+inline constexpr std::size_t mostClassRows = 100;
+inline constexpr std::size_t mostTextsOfARow = 10'000; // heroes of a class, in every language
+inline constexpr qsizetype longestDataText = 1'000;
 
 // Why data could not be had. `localizedDescription` is for the user's eyes.
 struct DataError {

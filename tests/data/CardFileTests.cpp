@@ -132,6 +132,31 @@ TEST(CardFile, SaysWhatIsWrong) {
     }
 }
 
+TEST(CardFile, HoldsToItsLimitsInLooseShapesToo) {
+    const QByteArray row = R"({"card_id":""})";
+    const QByteArray rows = (row + ',').repeated(qsizetype{mostCardRows} / 2) + row;
+
+    struct Case {
+        const char* why;
+        QByteArray json;
+        QString expected;
+    };
+
+    const Case cases[] = {
+        {"a name that no screen shows",
+         R"({"classes": {"a": [{"card_id": "A", "name_en": ")" + QByteArray(longestDataText + 1, 'x') + "\"}]}}",
+         u"[0].name_en is not a text of at most 1000 characters"_s},
+        {"too many rows, no array of them too long", R"({"classes": {"a": [)" + rows + R"(], "b": [)" + rows + "]}}",
+         u"the file has more than 200000 rows in all"_s},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const auto file = CardFile::decode(c.json, u"some.json"_s);
+        ASSERT_FALSE(file);
+        EXPECT_EQ(file.error().localizedDescription, c.expected);
+    }
+}
+
 TEST(CardFile, TellsWhenItsFiguresWereTaken) {
     struct Case {
         const char* why;

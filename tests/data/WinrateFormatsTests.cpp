@@ -185,6 +185,66 @@ TEST(Decoding, NamesThePlaceOfAnError) {
     EXPECT_TRUE(syntax.localizedDescription.contains(u" at byte "_s)) << syntax.localizedDescription.toStdString();
 }
 
+// What a server could make us reckon with.
+TEST(Decoding, RefusesWhatIsBeyondAnyRealFile) {
+    const auto letters = [](qsizetype count) { return QByteArray(count, 'x'); };
+    const auto rows = [](const QByteArray& row, std::size_t count) {
+        return (row + ',').repeated(static_cast<qsizetype>(count) - 1) + row;
+    };
+    const auto cards = [](const QByteArray& inside) { return "{\"cards\": [" + inside + "]}"; };
+    const auto card = [&](const char* key, qsizetype count) {
+        return cards(R"({"card_id": "A"}, {"card_id": "B", ")" + QByteArray(key) + "\": \"" + letters(count) + "\"}");
+    };
+    const auto classes = [](const QByteArray& inside) { return "{\"classes\": [" + inside + "]}"; };
+    const auto hero = [&](const QByteArray& names) {
+        return classes(R"({"player_class": "MAGE", "name_zh": "M", "hero_names": [)" + names + "]}");
+    };
+
+    struct Case {
+        const char* why;
+        QByteArray json;
+        QString expected; // empty: taken
+    };
+
+    const QString tooLong = u" is not a text of at most 1000 characters"_s;
+    const Case cardCases[] = {
+        {"a name as long as may be", card("name_en", longestDataText), {}},
+        {"a name that no screen shows", card("name_en", longestDataText + 1), u"cards[1].name_en"_s + tooLong},
+        {"megabytes of it, in the other language", card("name_zh", 5'000'000), u"cards[1].name_zh"_s + tooLong},
+        {"another text of the row", card("set", longestDataText + 1), u"cards[1].set"_s + tooLong},
+        {"an identifier", cards("{\"card_id\": \"" + letters(longestDataText + 1) + "\"}"),
+         u"cards[0].card_id"_s + tooLong},
+        {"what the file says of itself",
+         "{\"time_range\": \"" + letters(longestDataText + 1) + R"(", "cards": [{"card_id": "A"}]})",
+         u"time_range"_s + tooLong},
+        {"a key that is not known may be as long as it likes", card("rules", longestDataText + 1), {}},
+        {"as many rows as may be", cards(rows(R"({"card_id":""})", mostCardRows)), {}},
+        {"a row more", cards(rows(R"({"card_id":""})", mostCardRows + 1)),
+         u"cards is not an array of at most 200000"_s},
+    };
+    for (const Case& c : cardCases) {
+        SCOPED_TRACE(c.why);
+        const auto file = WinrateFile::decode(c.json);
+        EXPECT_EQ(file ? QString() : file.error().localizedDescription, c.expected);
+    }
+    const Case classCases[] = {
+        {"a name that no screen shows",
+         classes(R"({"player_class": "MAGE", "name_zh": ")" + letters(longestDataText + 1) + "\"}"),
+         u"classes[0].name_zh"_s + tooLong},
+        {"a hero's", hero("\"" + letters(longestDataText + 1) + "\""), u"classes[0].hero_names[0]"_s + tooLong},
+        {"as many heroes as may be", hero(rows("\"\"", mostTextsOfARow)), {}},
+        {"a hero more", hero(rows("\"\"", mostTextsOfARow + 1)),
+         u"classes[0].hero_names is not an array of at most 10000"_s},
+        {"a class for every letter", classes(rows(R"({"player_class":"","name_zh":""})", mostClassRows + 1)),
+         u"classes is not an array of at most 100"_s},
+    };
+    for (const Case& c : classCases) {
+        SCOPED_TRACE(c.why);
+        const auto file = ClassWinrateFile::decode(c.json);
+        EXPECT_EQ(file ? QString() : file.error().localizedDescription, c.expected);
+    }
+}
+
 TEST(ParseJson, TakesAnyValueAtTheTop) {
     struct Case {
         const char* why;
