@@ -54,8 +54,11 @@ void describeHonestly(const QByteArray& bytes, bool likeGnu) {
         details += likeGnu ? "-rw-r--r-- 0/0 " + QByteArray::number(size) + " 2026-01-31 10:00 "
                            : "-rw-r--r--  0 501    20  " + QByteArray::number(size) + " Jan 31 10:00 ";
         details += name + '\n';
-        clean = clean && staysInside(name);
+        clean = clean && staysInside(name) && name.size() <= TarListing::longestName;
         total += size;
+    }
+    if (names.count('/') + lines.size() > TarListing::maximumEntries && lines.size() <= TarListing::maximumEntries) {
+        return; // perhaps too many folders
     }
     const bool expected =
         clean && total <= TarListing::maximumUnpackedBytes && lines.size() <= TarListing::maximumEntries;

@@ -7,6 +7,10 @@
 #include <QSaveFile>
 #include <QThread>
 
+#include <sys/stat.h>
+
+#include <cerrno>
+
 using namespace Qt::StringLiterals;
 
 namespace pelloran::FileTree {
@@ -97,6 +101,16 @@ Done makeFolders(const QString& path) {
         error = std::make_error_code(std::errc::not_a_directory);
     }
     return checked(error, u"make the folder"_s, path);
+}
+
+Done makePrivateFolder(const QString& path) {
+    if (auto made = makeFolders(QFileInfo(path).path()); !made) {
+        return made;
+    }
+    if (::mkdir(native(path).c_str(), S_IRWXU) != 0) {
+        return checked(std::error_code(errno, std::generic_category()), u"make the folder"_s, path);
+    }
+    return {};
 }
 
 Done removeTree(const QString& path) {

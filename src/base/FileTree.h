@@ -36,6 +36,10 @@ QString obstacleTo(const QString& path);
 // With those above. A folder that is there is fine.
 Done makeFolders(const QString& path);
 
+// With those above, and a new one for us alone, whatever the user allows others on new folders. One that is there
+// already, or a link of that name, is an error: it may be anybody's.
+Done makePrivateFolder(const QString& path);
+
 // With everything in it, folders that may not be written included. What is not there is fine.
 Done removeTree(const QString& path);
 

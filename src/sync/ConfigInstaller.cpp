@@ -26,11 +26,13 @@ using FileTree::copyTree;
 using FileTree::exists;
 using FileTree::forEachNameIn;
 using FileTree::makeFolders;
+using FileTree::makePrivateFolder;
 using FileTree::native;
 using FileTree::removeTree;
 using FileTree::writeAtomically;
 
 constexpr auto downloadPrefix = "pl-config-"_L1;
+constexpr auto stagingInfix = ".staging-"_L1;
 // Older than any installation could be.
 constexpr auto abandonedAfter = 1h;
 constexpr std::chrono::duration<unsigned long, std::milli> lockPoll = 50ms;
@@ -51,6 +53,21 @@ void removeAbandonedDownloads(const QFileInfo& mine) {
         const bool isDownload = !QUuid::fromString(other.fileName().sliced(downloadPrefix.size())).isNull();
         const auto age = std::chrono::milliseconds(other.lastModified().msecsTo(mine.lastModified()));
         if (isDownload && other.ownerId() == mine.ownerId() && age > abandonedAfter) {
+            if (const auto removed = removeTree(other.filePath()); !removed) {
+                log(removed.error().description);
+            }
+        }
+    }
+}
+
+// The one that an installation prepares when it fails stays until the next one: a server whose content always fails
+// must not fill the disk. Only with the lock held.
+void removeAbandonedStagings(const QString& directory) {
+    const QFileInfo configuration(directory);
+    const QString prefix = configuration.fileName() + stagingInfix;
+    for (const QFileInfo& other :
+         QDir(configuration.path()).entryInfoList({prefix + u'*'}, QDir::Dirs | QDir::NoSymLinks)) {
+        if (!QUuid::fromString(other.fileName().sliced(prefix.size())).isNull()) {
             if (const auto removed = removeTree(other.filePath()); !removed) {
                 log(removed.error().description);
             }
@@ -136,12 +153,17 @@ std::expected<void, ConfigSyncError> ConfigInstaller::installLocked(const Remote
     const QString download = tools->temporaryFolder + u'/' + downloadPrefix + newUuid();
     const QString extraction = download + u"/extract"_s;
     const QString archive = download + u"/config.tar.gz"_s;
+    // Between the look at an archive and its unpacking nobody else may change it: this folder's place is a shared one.
+    if (const auto made = makePrivateFolder(download); !made) {
+        return failure(made.error());
+    }
     const FileTree::Removal removal(download);
     if (const auto made = makeFolders(extraction); !made) {
         return failure(made.error());
     }
     tools->after(InstallStep::madeDownloadFolder);
     removeAbandonedDownloads(QFileInfo(download));
+    removeAbandonedStagings(directory());
 
     if (const auto written = writeAtomically(archive, bundle); !written) {
         return failure(written.error());
@@ -152,7 +174,7 @@ std::expected<void, ConfigSyncError> ConfigInstaller::installLocked(const Remote
     }
     tools->after(InstallStep::unpacked);
 
-    const QString staging = directory() + u".staging-"_s + newUuid();
+    const QString staging = directory() + stagingInfix + newUuid();
     if (const auto staged = stage(extraction, staging, manifest, rawManifest); !staged) {
         return failure(staged.error());
     }

@@ -1,6 +1,7 @@
 #include "sync/TarListing.h"
 
 #include <QList>
+#include <QSet>
 
 #include <optional>
 
@@ -38,6 +39,17 @@ std::optional<qint64> sizeIn(const QByteArray& details) {
     return isNumber && size >= 0 ? std::optional(size) : std::nullopt;
 }
 
+// The file or folder that a name is of, and all folders on the way there.
+void addPaths(const QByteArray& name, QSet<QByteArray>& paths) {
+    QByteArray path;
+    for (const QByteArray& part : name.split('/')) {
+        if (!part.isEmpty() && part != ".") {
+            path += '/' + part;
+            paths.insert(path);
+        }
+    }
+}
+
 bool leadsElsewhere(const QByteArray& name) {
     return name.isEmpty() || name.startsWith('/') || name.split('/').contains("..");
 }
@@ -66,9 +78,13 @@ std::expected<void, ConfigSyncError> check(const QByteArray& names, const QByteA
         return std::unexpected(unreadable());
     }
     qint64 total = 0;
+    QSet<QByteArray> paths;
     for (qsizetype i = 0; i < nameLines->size(); ++i) {
         const QByteArray& name = nameLines->at(i);
         const QByteArray& detail = detailLines->at(i);
+        if (name.size() > longestName) {
+            return std::unexpected(failure(u"a name in the archive has more than %1 bytes"_s.arg(longestName)));
+        }
         if (leadsElsewhere(name)) {
             return std::unexpected(
                 failure(u"\"%1\" in the archive leads out of its folder"_s.arg(QString::fromUtf8(name))));
@@ -81,6 +97,10 @@ std::expected<void, ConfigSyncError> check(const QByteArray& names, const QByteA
         const auto size = sizeIn(detail.chopped(name.size()));
         if (!size) {
             return std::unexpected(unreadable());
+        }
+        addPaths(name, paths);
+        if (paths.size() > maximumEntries) {
+            return std::unexpected(tooManyEntries());
         }
         if (*size > maximumUnpackedBytes - total) {
             return std::unexpected(tooManyBytes());

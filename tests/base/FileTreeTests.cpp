@@ -10,6 +10,7 @@
 #include <QThread>
 
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <future>
@@ -93,6 +94,22 @@ TEST_F(FileTreeTest, MakesFoldersWithThoseAbove) {
     EXPECT_EQ(FileTree::makeFolders(at(u"file"_s)).error().description,
               u"cannot make the folder "_s + at(u"file"_s) + u": Not a directory"_s);
     EXPECT_FALSE(FileTree::makeFolders(at(u"file/below"_s)));
+}
+
+TEST_F(FileTreeTest, MakesAFolderForUsAlone) {
+    const mode_t before = ::umask(0); // of a user who allows everybody everything
+    const auto made = FileTree::makePrivateFolder(at(u"a/b"_s));
+    const auto again = FileTree::makePrivateFolder(at(u"a/b"_s));
+    QDir().mkdir(at(u"c"_s));
+    QFile::link(at(u"c"_s), at(u"link"_s));
+    const auto linked = FileTree::makePrivateFolder(at(u"link"_s));
+    ::umask(before);
+    EXPECT_TRUE(made);
+    EXPECT_EQ(QFile::permissions(at(u"a/b"_s)) & ~(QFile::ReadUser | QFile::WriteUser | QFile::ExeUser),
+              QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    ASSERT_FALSE(again) << "it may be anybody's";
+    EXPECT_EQ(again.error().description, u"cannot make the folder "_s + at(u"a/b"_s) + u": File exists"_s);
+    EXPECT_FALSE(linked) << "it may lead anywhere";
 }
 
 TEST_F(FileTreeTest, RemovesWhateverIsThere) {

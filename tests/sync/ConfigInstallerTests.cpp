@@ -22,6 +22,7 @@
 #include <sys/mount.h>
 #endif
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -200,6 +201,23 @@ TEST_F(ConfigInstallerTest, GivesFilesTheUsersOwnPermissions) {
     EXPECT_EQ(QFile::permissions(directory() + u"/closed"_s), QFile::permissions(folder.filePath(u"ordinaryFolder"_s)));
 }
 
+TEST_F(ConfigInstallerTest, NobodyElseCanLookIntoADownload) {
+    std::optional<QFile::Permissions> others;
+    tools.after = [&](InstallStep step) {
+        if (step == InstallStep::madeDownloadFolder) {
+            const QString download =
+                tools.temporaryFolder + u'/' + QDir(tools.temporaryFolder).entryList({u"pl-*"_s}).value(0);
+            others = QFile::permissions(download) & (QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup |
+                                                     QFile::ReadOther | QFile::WriteOther | QFile::ExeOther);
+        }
+    };
+    const mode_t before = ::umask(0); // of a user who allows everybody everything
+    const auto installed = installer().install(manifest(u"h"_s), "raw", bundle("x"));
+    ::umask(before);
+    EXPECT_TRUE(installed);
+    EXPECT_EQ(others, QFile::Permissions());
+}
+
 TEST_F(ConfigInstallerTest, AFailureBeforeTheSwapChangesNothing) {
     installFirst();
     TarWriter outward;
@@ -231,6 +249,24 @@ TEST_F(ConfigInstallerTest, AFailureBeforeTheSwapChangesNothing) {
         EXPECT_EQ(QDir(directory() + u"/.."_s).entryList({u"config.staging-*"_s}, QDir::Dirs).size(), c.staging);
         EXPECT_FALSE(QFileInfo::exists(directory() + u".bak"_s));
     }
+}
+
+// A server whose content cannot be installed is asked again every ten minutes.
+TEST_F(ConfigInstallerTest, FailuresDoNotPileUp) {
+    TarWriter inTheWay;
+    inTheWay.add({.name = "manifest.json/", .kind = '5', .mode = 0755});
+    const auto stagings = [this] {
+        return QDir(directory() + u"/.."_s).entryList({u"config.staging-*"_s}, QDir::Dirs);
+    };
+    const QString others = directory() + u".staging-of-somebody"_s;
+    ASSERT_TRUE(QDir().mkpath(others));
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_FALSE(installer().install(manifest(u"new"_s), "raw", inTheWay.gzipped()));
+        EXPECT_EQ(stagings().size(), 2) << "the last one's, to be looked at, and what is none";
+    }
+    installFirst();
+    EXPECT_EQ(stagings(), QStringList{QFileInfo(others).fileName()});
+    EXPECT_THAT(logged, IsEmpty());
 }
 
 TEST_F(ConfigInstallerTest, AFailedFirstInstallationLeavesAnEmptyFolder) {

@@ -168,6 +168,12 @@ TEST_F(ConfigSyncTest, LooksForTheBundleWhereTheManifestSays) {
          u"https://server/pelloran/latest/config-12ab.tar.gz"_s},
         {"empty", R"({"hash": "h", "bundle": ""})", u"https://server/pelloran/latest/"_s},
         {"Chinese is sent encoded", R"({"hash": "h", "bundle": "包"})", u"https://server/pelloran/latest/%E5%8C%85"_s},
+        {"another server's address is a name on this one", R"({"hash": "h", "bundle": "https://other/x"})",
+         u"https://server/pelloran/latest/https://other/x"_s},
+        {"also without its scheme", R"({"hash": "h", "bundle": "//other/x"})",
+         u"https://server/pelloran/latest///other/x"_s},
+        {"also behind what would be a user", R"({"hash": "h", "bundle": "@other/x"})",
+         u"https://server/pelloran/latest/@other/x"_s},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
@@ -176,6 +182,21 @@ TEST_F(ConfigSyncTest, LooksForTheBundleWhereTheManifestSays) {
         sync->syncAtLaunch();
         EXPECT_EQ(requested(), (QStringList{manifestURL, c.url}));
     }
+}
+
+TEST_F(ConfigSyncTest, PutsNothingIntoTheRequestButAnAddress) {
+    http->answer(manifestURL, 200, R"({"hash": "h", "bundle": "x HTTP/1.1\r\nX-Header: y\r\n\r\n"})");
+    EXPECT_EQ(sync->syncAtLaunch().userMessage(),
+              u"Config sync failed; using local/bundled data: Invalid config server URL"_s);
+    EXPECT_EQ(requested(), QStringList{manifestURL});
+}
+
+// Which content is the newer one only the server knows.
+TEST_F(ConfigSyncTest, GoesBackToOlderContentWhenToldTo) {
+    offer(R"({"hash": "new", "version": 2, "updated_at": "2026-11-22T00:00:00Z"})", bundle("new"));
+    EXPECT_EQ(sync->syncAtLaunch(), (Result{Result::Updated{u"new"_s}}));
+    offer(R"({"hash": "old", "version": 1, "updated_at": "2024-01-01T00:00:00Z"})", bundle("old"));
+    EXPECT_EQ(sync->syncAtLaunch(), (Result{Result::Updated{u"old"_s}}));
 }
 
 // What goes wrong before there is a bundle to unpack, and after.

@@ -183,6 +183,13 @@ TEST_F(TarArchiveTest, CountsEntries) {
     EXPECT_EQ(messageOf(TarArchive::check(write(most))), u""_s);
     most.add({.name = "one more"});
     EXPECT_EQ(messageOf(TarArchive::check(write(most))), u"the archive holds more than 10000 entries"_s);
+    TarWriter deep; // some kilobytes that would become half a million folders
+    for (int i = 0; i < 1'000; ++i) {
+        const QByteArray name = QByteArray::number(i) + QByteArray("/a").repeated(490);
+        deep.add({.name = "././@LongLink", .content = name + '\0', .kind = 'L'}); // how GNU's tar writes a long name
+        deep.add({.name = name.first(99)});
+    }
+    EXPECT_EQ(messageOf(TarArchive::check(write(deep))), u"the archive holds more than 10000 entries"_s);
 }
 
 TEST_F(TarArchiveTest, PassesOnWhatTarSays) {

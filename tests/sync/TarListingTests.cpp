@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <variant>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -86,6 +87,55 @@ TEST(TarListing, RefusesWhatMustNotBeUnpacked) {
     for (const ListingCase& c : cases) {
         SCOPED_TRACE(c.why);
         EXPECT_EQ(messageOf(TarListing::check(c.names, c.details)), c.message);
+    }
+}
+
+// Folders that no entry is of come into being all the same.
+TEST(TarListing, CountsTheFoldersWithinNames) {
+    struct Case {
+        const char* why;
+        std::vector<QByteArray> names;
+        QString message;
+    };
+
+    const auto inFolders = [](const QByteArray& each, int count) {
+        std::vector<QByteArray> names;
+        for (int i = 0; i < count; ++i) {
+            names.push_back(QByteArray::number(i) + each);
+        }
+        return names;
+    };
+    const QString tooMany = u"the archive holds more than 10000 entries"_s;
+    const Case cases[] = {
+        {"files in a folder each, as many as may be", inFolders("/f", 5'000), {}},
+        {"one more", inFolders("/f", 5'001), tooMany},
+        {"folders that have entries too count once",
+         [] {
+             std::vector<QByteArray> names;
+             for (int i = 0; i < 5'000; ++i) {
+                 names.push_back(QByteArray::number(i) + '/');
+                 names.push_back(QByteArray::number(i) + "/f");
+             }
+             return names;
+         }(),
+         {}},
+        {"however they are written", inFolders("/.//./f", 5'000), {}},
+        {"a few files with hundreds of folders each", inFolders(QByteArray("/a").repeated(400), 30), tooMany},
+        {"the longest name", {QByteArray(1'000, 'x')}, {}},
+        {"a longer one", {QByteArray(1'001, 'x')}, u"a name in the archive has more than 1000 bytes"_s},
+        {"one of megabytes, which would be told in as many",
+         {"../" + QByteArray(5'000'000, 'x')},
+         u"a name in the archive has more than 1000 bytes"_s},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        QByteArray names;
+        QByteArray details;
+        for (const QByteArray& name : c.names) {
+            names += name + '\n';
+            details += (name.endsWith('/') ? "d" : "-") + ("rw-r--r-- 0/0 0 2026-01-31 10:00 " + name + '\n');
+        }
+        EXPECT_EQ(messageOf(TarListing::check(names, details)), c.message);
     }
 }
 
