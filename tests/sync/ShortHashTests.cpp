@@ -25,6 +25,8 @@ TEST(ShortHash, TakesTheFirstCharacters) {
         {"shorter", u"v1"_s, 8, u"v1"_s},
         {"empty", u""_s, 8, u""_s},
         {"an emoji of two code units is one character", u"😀😀😀"_s, 2, u"😀😀"_s},
+        {"a million accents are cut off", u"a"_s + QString(1'000'000, u'\u0301'), 2, u"a"_s + QString(15, u'\u0301')},
+        {"not within a character", u"a"_s + u"\U0001D167"_s.repeated(20), 1, u"a"_s + u"\U0001D167"_s.repeated(3)},
         {"so is a letter with its accent", u"e\u0301e\u0301e"_s, 2, u"e\u0301e\u0301"_s},
     };
     for (const Case& c : cases) {
