@@ -1,6 +1,10 @@
 #include "app/Json.h"
 
+#include "base/OneLine.h"
+
 #include <QJsonDocument>
+
+#include <algorithm>
 
 namespace pelloran::json {
 
@@ -100,7 +104,18 @@ QJsonObject toJson(const OverlaySnapshot& snapshot) {
 }
 
 QByteArray line(const QJsonObject& object) {
-    return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
+    QByteArray json = QJsonDocument(object).toJson(QJsonDocument::Compact);
+    // Qt escapes only what it must. Texts come from outside, and the line may go to a terminal.
+    if (const QString text = QString::fromUtf8(json); std::ranges::any_of(text, isObeyedByTerminals)) {
+        QString escaped;
+        for (const QChar character : text) {
+            escaped += isObeyedByTerminals(character)
+                           ? QStringLiteral("\\u%1").arg(character.unicode(), 4, 16, QChar(u'0'))
+                           : QString(character);
+        }
+        json = escaped.toUtf8();
+    }
+    return json + '\n';
 }
 
 } // namespace pelloran::json

@@ -1,5 +1,7 @@
 #include "base/Log.h"
 
+#include "base/OneLine.h"
+
 #include <cstdio>
 #include <mutex>
 #include <utility>
@@ -7,6 +9,9 @@
 namespace pelloran {
 
 namespace {
+
+// Nobody reads more of a line; what a server says may have sixteen million.
+constexpr qsizetype mostCharacters = 8'000;
 
 std::mutex sinkMutex;
 
@@ -29,8 +34,14 @@ void log(const QString& message) {
 }
 
 QString logLine(const QString& message) {
-    QString line = QStringLiteral("[Pelloran] ") + message;
-    return line.replace(u'\n', u' ').replace(u'\r', u' '); // paths and the like come from outside
+    const QString prefix = QStringLiteral("[Pelloran] ");
+    if (message.size() <= mostCharacters) {
+        return prefix + inOneLine(message);
+    }
+    // Not through the middle of a character.
+    const qsizetype kept = mostCharacters - (message.at(mostCharacters - 1).isHighSurrogate() ? 1 : 0);
+    return prefix + inOneLine(message.first(kept)) +
+           QStringLiteral("… (%1 characters more)").arg(message.size() - kept);
 }
 
 void setLogSink(std::function<void(const QString&)> newSink) {

@@ -10,7 +10,7 @@ namespace pelloran {
 // answers. From any thread; lines of several threads never mix.
 void log(const QString& message);
 
-// "[Pelloran] " and the message in one line: line breaks in it become spaces.
+// "[Pelloran] " and the message in one line, as inOneLine() makes it. Of a very long one only the beginning.
 QString logLine(const QString& message);
 
 // Receives every later message, as it was given, in place of standard error; an empty function restores standard error.

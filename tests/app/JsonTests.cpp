@@ -63,5 +63,27 @@ TEST(Json, WritesASnapshotOnOneLine) {
             {"kind": "pickRate", "value": null, "formatted": "—", "highlight": "normal"}]}]})"));
 }
 
+TEST(Json, CommandsNoTerminal) {
+    struct Case {
+        const char* why;
+        QString text;
+        QByteArray line;
+    };
+
+    const Case cases[] = {
+        {"what is shown stays as it is", QStringLiteral("炉石 \\ \"é\""), "{\"a\":\"炉石 \\\\ \\\"é\\\"\"}\n"},
+        {"an escape sequence", QStringLiteral("\x1b[2J"), "{\"a\":\"\\u001b[2J\"}\n"},
+        {"one in a single character", QStringLiteral("\u009b2J"), "{\"a\":\"\\u009b2J\"}\n"},
+        {"what rubs out", QStringLiteral("\x7f"), "{\"a\":\"\\u007f\"}\n"},
+        {"what turns the line round", QStringLiteral("\u202Ea\u2028"), "{\"a\":\"\\u202ea\\u2028\"}\n"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const QByteArray line = json::line({{QStringLiteral("a"), c.text}});
+        EXPECT_EQ(line, c.line);
+        EXPECT_EQ(object(line.constData()).value(QStringLiteral("a")).toString(), c.text) << "and means the same";
+    }
+}
+
 } // namespace
 } // namespace pelloran

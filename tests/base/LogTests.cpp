@@ -32,6 +32,31 @@ TEST(Log, ALineIsOne) {
     EXPECT_EQ(standardErrorOf([] { log(QStringLiteral("a\nb")); }), "[Pelloran] a b\n");
 }
 
+TEST(Log, ALineCommandsNoTerminal) {
+    EXPECT_EQ(logLine(QStringLiteral("a\x1b[2J\u009b2J\u202Eb")), QStringLiteral("[Pelloran] a [2J 2J b"));
+}
+
+TEST(Log, AVeryLongMessageIsCut) {
+    struct Case {
+        const char* why;
+        QString message;
+        QString expected;
+    };
+
+    const QString most(8'000, u'x');
+    const QString before = most.chopped(1);
+    const Case cases[] = {
+        {"just as long", most, most},
+        {"a character more", most + u'y', most + QStringLiteral("… (1 characters more)")},
+        {"of a server that does not stop", most.repeated(1000), most + QStringLiteral("… (7992000 characters more)")},
+        {"not within a character", before + QStringLiteral("😀"), before + QStringLiteral("… (2 characters more)")},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        EXPECT_EQ(logLine(c.message), QStringLiteral("[Pelloran] ") + c.expected);
+    }
+}
+
 TEST(Log, LinesOfSeveralThreadsNeverMix) {
     constexpr int threadCount = 4;
     constexpr int lineCount = 200;

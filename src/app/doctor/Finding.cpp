@@ -1,5 +1,7 @@
 #include "app/doctor/Finding.h"
 
+#include "base/OneLine.h"
+
 #include <QStringList>
 
 #include <algorithm>
@@ -19,12 +21,6 @@ constexpr qsizetype gap = 2;        // behind it
 
 QString headOf(const Finding& finding) {
     return stateName(finding.state).leftJustified(stateWidth + gap) + finding.check + u':';
-}
-
-// Paths and servers' answers come from outside: one line, and nothing that a terminal would obey.
-QString printable(QString text) {
-    std::ranges::replace_if(text, [](QChar character) { return character.category() == QChar::Other_Control; }, u' ');
-    return text;
 }
 
 // Chinese characters take two.
@@ -54,7 +50,7 @@ QByteArray lineFor(const Finding& finding) {
             line += u' ' + sentence;
         }
     }
-    return printable(line).toUtf8() + '\n';
+    return inOneLine(line).toUtf8() + '\n'; // paths and servers' answers come from outside
 }
 
 QByteArray linesFor(const Finding& finding, int columns) {
@@ -68,7 +64,7 @@ QByteArray linesFor(const Finding& finding, int columns) {
         isEmpty = true;
     };
     for (const QString& sentences : {finding.what, finding.meaning, finding.advice}) {
-        for (const QString& word : printable(sentences).split(u' ', Qt::SkipEmptyParts)) {
+        for (const QString& word : inOneLine(sentences).split(u' ', Qt::SkipEmptyParts)) {
             if (!isEmpty && columnsOf(line) + 1 + columnsOf(word) > columns) {
                 finish();
             }

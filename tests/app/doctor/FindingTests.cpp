@@ -28,6 +28,9 @@ TEST(Finding, IsALineForPeople) {
         {"names from outside with line breaks, and with what terminals obey",
          {text("logs"), State::problem, text("a\nb\x1B[31m c\r."), {}, text("炉石.")},
          "problem  logs: a b [31m c . 炉石.\n"},
+        {"a name that would turn the rest of the line round",
+         {text("logs"), State::problem, text("a\u202E b\u2028c."), {}, {}},
+         "problem  logs: a  b c.\n"},
     };
     for (const Case& c : cases) {
         EXPECT_EQ(lineFor(c.finding), QByteArray(c.line)) << c.why;
