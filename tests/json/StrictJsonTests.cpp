@@ -399,6 +399,29 @@ TEST(StrictJson, SaysWhereAFileIsNoJson) {
     EXPECT_EQ(strict_json::parse("\xEF\xBB\xBF[1]"), QJsonValue(QJsonArray{1})) << "a byte-order mark is no text";
 }
 
+TEST(StrictJson, RefusesWhatIsNestedWithoutEnd) {
+    struct Case {
+        const char* why;
+        int depth;
+        bool taken;
+    };
+
+    const Case cases[] = {
+        {"deeper than any of our files", 20, true},
+        {"a megabyte that begins again and again, which would use up the stack", 500'000, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const QByteArray begin = QByteArray("{\"a\":[").repeated(c.depth);
+        const QByteArray end = QByteArray("]}").repeated(c.depth);
+        const auto parsed = strict_json::parse(begin + end);
+        EXPECT_EQ(parsed.has_value(), c.taken);
+        if (!parsed) {
+            EXPECT_EQ(parsed.error().code, QJsonParseError::DeepNesting);
+        }
+    }
+}
+
 } // namespace
 
 } // namespace pelloran
