@@ -41,6 +41,14 @@ std::unexpected<ConfigSyncError> failure(const FileTree::Error& error) {
     return std::unexpected(ConfigSyncError{ConfigSyncError::Platform{error.description}});
 }
 
+// False, and a line of it, where the old content does not get back to its place or the new one out of it.
+bool putBack(const std::error_code& error) {
+    if (error) {
+        log(u"cannot put the configuration back: "_s + QString::fromStdString(error.message()));
+    }
+    return !error;
+}
+
 QString newUuid() {
     return QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
 }
@@ -73,6 +81,30 @@ void removeAbandonedStagings(const QString& directory) {
             }
         }
     }
+}
+
+// Whether a sync has filled the folder. The file is looked at, not what is in it: its content may be anybody's.
+bool isFilledBySync(const QString& folder) {
+    std::error_code unknown;
+    return std::filesystem::is_regular_file(native(folder + u"/.content_hash"_s), unknown);
+}
+
+// Whether somebody's files would go with the folder, which is where none is known that a sync can bring again. What
+// cannot be listed counts as full.
+bool holdsOwnFiles(const QString& folder) {
+    if (!exists(folder) || isFilledBySync(folder)) {
+        return false;
+    }
+    namespace fs = std::filesystem;
+    std::error_code error;
+    fs::recursive_directory_iterator entry(native(folder), error);
+    for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
+        std::error_code unknown;
+        if (entry->symlink_status(unknown).type() != fs::file_type::directory) {
+            return true;
+        }
+    }
+    return static_cast<bool>(error);
 }
 
 // False when another process held it all the time.
@@ -242,44 +274,101 @@ FileTree::Done ConfigInstaller::syncTree(const QString& path) const {
 }
 
 FileTree::Done ConfigInstaller::swap(const QString& staging) const {
-    if (auto removed = removeTree(backup()); !removed) {
-        return removed;
+    // A swap that was cut off has left somebody's own files there, or what may go.
+    if (auto cleared = holdsOwnFiles(backup()) ? keepBackup() : removeTree(backup()); !cleared) {
+        return cleared;
     }
     tools->after(InstallStep::removedOldBackup);
+    if (holdsOwnFiles(directory())) {
+        return swapAndKeep(staging);
+    }
     if (!tools->exchange(native(staging), native(directory()))) {
         tools->after(InstallStep::exchanged);
         // Under the backup's name the next installation removes what this one could not.
         if (const auto error = tools->move(native(staging), native(backup()))) {
             log(u"cannot set the old configuration aside: "_s + QString::fromStdString(error.message()));
         }
-    } else {
-        if (exists(directory())) {
-            if (auto moved = checked(tools->move(native(directory()), native(backup())), u"move"_s, directory());
-                !moved) {
-                return moved;
-            }
-            tools->after(InstallStep::movedConfigToBackup);
-        }
-        if (auto moved = checked(tools->move(native(staging), native(directory())), u"move"_s, staging); !moved) {
-            if (!exists(directory()) && exists(backup())) {
-                if (const auto error = tools->move(native(backup()), native(directory()))) {
-                    log(u"cannot put the configuration back: "_s + QString::fromStdString(error.message()));
-                }
-            }
-            return moved;
-        }
-        tools->after(InstallStep::movedStagingToConfig);
+    } else if (auto moved = swapByMoves(staging); !moved) {
+        return moved;
     }
     // The new content is in use, whatever becomes of the old one; which has to be there until that is certain.
-    const QString parent = QFileInfo(directory()).path();
-    if (const auto synced = checked(tools->sync(native(parent)), u"write"_s, parent); !synced) {
-        log(synced.error().description);
-    }
+    syncParent();
     if (const auto removed = removeTree(backup()); !removed) {
         log(removed.error().description);
     }
     tools->after(InstallStep::removedBackup);
     return {};
+}
+
+// Where the folders cannot be exchanged: the old content goes to the backup, the new one to its place.
+FileTree::Done ConfigInstaller::swapByMoves(const QString& staging) const {
+    if (exists(directory())) {
+        if (auto moved = checked(tools->move(native(directory()), native(backup())), u"move"_s, directory()); !moved) {
+            return moved;
+        }
+        tools->after(InstallStep::movedConfigToBackup);
+    }
+    if (auto moved = checked(tools->move(native(staging), native(directory())), u"move"_s, staging); !moved) {
+        if (!exists(directory()) && exists(backup())) {
+            putBack(tools->move(native(backup()), native(directory())));
+        }
+        return moved;
+    }
+    tools->after(InstallStep::movedStagingToConfig);
+    return {};
+}
+
+// The first sync of a folder that somebody has filled by hand. It replaces nothing that it cannot keep.
+FileTree::Done ConfigInstaller::swapAndKeep(const QString& staging) const {
+    // Under the backup's name when they are exchanged: whatever ends this program then, the next installation finds
+    // somebody's own files there and knows them for that.
+    if (auto moved = checked(tools->move(native(staging), native(backup())), u"move"_s, staging); !moved) {
+        return moved;
+    }
+    tools->after(InstallStep::movedStagingToBackup);
+    const bool exchanged = !tools->exchange(native(backup()), native(directory()));
+    if (exchanged) {
+        tools->after(InstallStep::exchanged);
+    } else {
+        if (auto moved = checked(tools->move(native(backup()), native(staging)), u"move"_s, backup()); !moved) {
+            return moved;
+        }
+        if (auto moved = swapByMoves(staging); !moved) {
+            return moved;
+        }
+    }
+    if (auto kept = keepBackup(); !kept) {
+        if (exchanged) {
+            putBack(tools->exchange(native(backup()), native(directory())));
+        } else if (putBack(tools->move(native(directory()), native(staging)))) {
+            putBack(tools->move(native(backup()), native(directory())));
+        }
+        return kept;
+    }
+    tools->after(InstallStep::keptOwnFiles);
+    syncParent();
+    return {};
+}
+
+FileTree::Done ConfigInstaller::keepBackup() const {
+    const QString parent = QFileInfo(directory()).path();
+    QString kept = parent + u"/winrates-before-sync"_s;
+    for (int number = 2; exists(kept); ++number) {
+        kept = parent + u"/winrates-before-sync-%1"_s.arg(number);
+    }
+    if (auto moved = checked(tools->move(native(backup()), native(kept)), u"keep your own win-rate files in"_s, kept);
+        !moved) {
+        return moved;
+    }
+    log(u"a sync has put the server's files in the place of your own win-rate files, which are kept in "_s + kept);
+    return {};
+}
+
+void ConfigInstaller::syncParent() const {
+    const QString parent = QFileInfo(directory()).path();
+    if (const auto synced = checked(tools->sync(native(parent)), u"write"_s, parent); !synced) {
+        log(synced.error().description);
+    }
 }
 
 void ConfigInstaller::restoreInterruptedSwap() const {
@@ -297,9 +386,7 @@ void ConfigInstaller::restoreLocked() const {
     if (exists(directory()) || !exists(backup())) {
         return;
     }
-    if (const auto error = tools->move(native(backup()), native(directory()))) {
-        log(u"cannot put the configuration back: "_s + QString::fromStdString(error.message()));
-    } else {
+    if (putBack(tools->move(native(backup()), native(directory())))) {
         log(u"an update of the configuration was cut off: the previous files are back in place"_s);
     }
 }

@@ -30,6 +30,8 @@ enum class InstallStep {
     movedConfigToBackup,  // where the two cannot be exchanged; as after `exchanged`, but then nothing is in place
     movedStagingToConfig, // the new content is in place
     removedBackup,
+    movedStagingToBackup, // where somebody's own files are to be kept; then as after `removedOldBackup`
+    keptOwnFiles,         // the new content is in place, and the old one has its lasting name
 };
 
 // What an installation asks of the system.

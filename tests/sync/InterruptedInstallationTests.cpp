@@ -96,6 +96,42 @@ TEST_P(InterruptedInstallationTest, LeavesOldOrNewContentComplete) {
     EXPECT_EQ(deaths, GetParam() == u"moves"_s ? steps - 1 : steps - 2);
 }
 
+// The user's own files, which no sync has brought.
+TEST_P(InterruptedInstallationTest, LosesNobodysOwnFiles) {
+    const testing::FakeApplicationFiles files(folder.path());
+    const QString config = LocalConfig(files).configDirectory();
+    const QString parent = QFileInfo(config).path();
+    const QString name = u"/winrates/class_winrates.json"_s;
+    const auto isMine = [&](const QString& inFolder) {
+        QFile file(inFolder + name);
+        return file.open(QIODevice::ReadOnly) && file.readAll() == "mine";
+    };
+    int deaths = 0;
+    for (int step = 0; step <= static_cast<int>(InstallStep::keptOwnFiles); ++step) {
+        SCOPED_TRACE(step);
+        ASSERT_TRUE(QDir(parent).removeRecursively());
+        ASSERT_TRUE(QDir().mkpath(config + u"/winrates"_s));
+        QFile mine(config + name);
+        ASSERT_TRUE(mine.open(QIODevice::WriteOnly));
+        mine.write("mine");
+        mine.close();
+        const bool lived = run(installing(u"new"_s, step));
+        deaths += !lived;
+        ASSERT_TRUE(run({folder.path()})); // the next start
+        if (!isMine(config)) {
+            EXPECT_EQ(completeContent(), u"new"_s);
+            EXPECT_TRUE(isMine(config + u".bak"_s) || isMine(parent + u"/winrates-before-sync"_s));
+        }
+        ASSERT_TRUE(run(installing(u"newer"_s, -1)));
+        EXPECT_EQ(completeContent(), u"newer"_s);
+        EXPECT_TRUE(isMine(parent + u"/winrates-before-sync"_s));
+        EXPECT_EQ(QDir(parent).entryList({u"winrates-*"_s, u"*.bak"_s}, QDir::AllEntries).size(), 1);
+    }
+    // All steps but those of other ways to swap.
+    const int steps = static_cast<int>(InstallStep::keptOwnFiles) + 1;
+    EXPECT_EQ(deaths, GetParam() == u"moves"_s ? steps - 2 : steps - 3);
+}
+
 TEST_P(InterruptedInstallationTest, SeveralAtOnceLeaveTheContentOfOneOfThem) {
     std::vector<std::unique_ptr<QProcess>> processes;
     for (int i = 0; i < 6; ++i) {
