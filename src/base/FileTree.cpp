@@ -7,7 +7,9 @@
 #include <QSaveFile>
 #include <QThread>
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 
@@ -128,6 +130,38 @@ Done removeTree(const QString& path) {
     std::error_code error;
     fs::remove_all(root, error);
     return checked(error, u"remove"_s, path);
+}
+
+Done openToRead(QFile& file) {
+    const int descriptor = ::open(native(file.fileName()).c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+    if (descriptor < 0) {
+        return std::unexpected(Error{QString::fromStdString(std::generic_category().message(errno))});
+    }
+    struct stat found{};
+    if (::fstat(descriptor, &found) != 0 || !S_ISREG(found.st_mode)) {
+        ::close(descriptor);
+        return std::unexpected(Error{u"it is no file"_s});
+    }
+    if (!file.open(descriptor, QIODevice::ReadOnly | QIODevice::Unbuffered, QFileDevice::AutoCloseHandle)) {
+        ::close(descriptor);
+        return std::unexpected(Error{file.errorString()});
+    }
+    return {};
+}
+
+std::expected<QByteArray, Error> read(const QString& path, qint64 most) {
+    QFile file(path);
+    if (const auto opened = openToRead(file); !opened) {
+        return failure(u"read"_s, path, opened.error().description);
+    }
+    if (file.size() > most) {
+        return failure(u"read"_s, path, u"larger than %1 bytes"_s.arg(most));
+    }
+    QByteArray bytes = file.read(most);
+    if (file.error() != QFileDevice::NoError) {
+        return failure(u"read"_s, path, file.errorString());
+    }
+    return bytes;
 }
 
 Done write(QFileDevice& file, const QByteArray& bytes) {

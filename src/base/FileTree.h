@@ -8,6 +8,7 @@
 #include <functional>
 #include <system_error>
 
+class QFile;
 class QFileDevice;
 
 // Folders with everything in them, and files as they are to end up on the disk. From any thread; on a QThread whose
@@ -42,6 +43,13 @@ Done makePrivateFolder(const QString& path);
 
 // With everything in it, folders that may not be written included. What is not there is fine.
 Done removeTree(const QString& path);
+
+// Opens a file to be read. Nothing but a regular one: a pipe would be waited for, without end. The error is the reason
+// alone, such as "Permission denied".
+Done openToRead(QFile& file);
+
+// All of a regular file of at most `most` bytes.
+std::expected<QByteArray, Error> read(const QString& path, qint64 most);
 
 // The whole content in one step, or what was there before.
 Done writeAtomically(const QString& path, const QByteArray& bytes);

@@ -326,8 +326,7 @@ FileTree::Done ConfigInstaller::swapAndKeep(const QString& staging) const {
         return moved;
     }
     tools->after(InstallStep::movedStagingToBackup);
-    const bool exchanged = !tools->exchange(native(backup()), native(directory()));
-    if (exchanged) {
+    if (!tools->exchange(native(backup()), native(directory()))) {
         tools->after(InstallStep::exchanged);
     } else {
         if (auto moved = checked(tools->move(native(backup()), native(staging)), u"move"_s, backup()); !moved) {
@@ -338,9 +337,7 @@ FileTree::Done ConfigInstaller::swapAndKeep(const QString& staging) const {
         }
     }
     if (auto kept = keepBackup(); !kept) {
-        if (exchanged) {
-            putBack(tools->exchange(native(backup()), native(directory())));
-        } else if (putBack(tools->move(native(directory()), native(staging)))) {
+        if (putBack(tools->move(native(directory()), native(staging)))) {
             putBack(tools->move(native(backup()), native(directory())));
         }
         return kept;

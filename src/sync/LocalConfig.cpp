@@ -1,8 +1,9 @@
 #include "sync/LocalConfig.h"
 
+#include "base/FileTree.h"
 #include "platform/ApplicationFiles.h"
+#include "sync/ManifestRequest.h"
 
-#include <QFile>
 #include <QFileInfo>
 #include <QStringDecoder>
 
@@ -21,12 +22,13 @@ QString LocalConfig::localHashURL() const {
 }
 
 std::optional<QString> LocalConfig::localHash() const {
-    QFile file(localHashURL());
-    if (!file.open(QIODevice::ReadOnly)) {
+    // It came in a manifest, and is no larger than that.
+    const auto bytes = FileTree::read(localHashURL(), maximumManifestBytes);
+    if (!bytes) {
         return std::nullopt;
     }
     QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    const QString hash = decoder(file.readAll());
+    const QString hash = decoder(*bytes);
     QString trimmed = hash.trimmed();
     return decoder.hasError() || trimmed.isEmpty() ? std::nullopt : std::optional(std::move(trimmed));
 }

@@ -1,6 +1,7 @@
 #include "base/FileTree.h"
 
 #include "base/SerialQueue.h"
+#include "tests/support/NoDescriptors.h"
 #include "tests/support/Printing.h"
 
 #include <QDir>
@@ -57,6 +58,49 @@ TEST_F(FileTreeTest, KnowsWhatIsThere) {
     EXPECT_TRUE(FileTree::exists(folder.path()));
     EXPECT_TRUE(FileTree::exists(at(u"link"_s))) << "though it leads nowhere";
     EXPECT_FALSE(FileTree::exists(at(u"nowhere"_s)));
+}
+
+TEST_F(FileTreeTest, ReadsNothingButFilesOfASize) {
+    write(u"empty"_s, "");
+    write(u"four"_s, "1234");
+    write(u"five"_s, "12345");
+    ASSERT_TRUE(QDir().mkdir(at(u"folder"_s)));
+    ASSERT_EQ(::mkfifo(qPrintable(at(u"pipe"_s)), 0600), 0);
+    ASSERT_TRUE(QFile::link(at(u"loop"_s), at(u"loop"_s)));
+    ASSERT_TRUE(QFile::link(at(u"four"_s), at(u"link"_s)));
+
+    struct Case {
+        const char* why;
+        QString name;
+        QByteArray content;
+        QString reason; // why it is not read
+    };
+
+    const Case cases[] = {
+        {"empty", u"empty"_s, "", {}},
+        {"as much as there may be", u"four"_s, "1234", {}},
+        {"by way of a link", u"link"_s, "1234", {}},
+        {"one more", u"five"_s, {}, u"larger than 4 bytes"_s},
+        {"not there", u"nowhere"_s, {}, u"No such file or directory"_s},
+        {"a folder", u"folder"_s, {}, u"it is no file"_s},
+        {"a pipe, which is not waited for", u"pipe"_s, {}, u"it is no file"_s},
+        {"a link to itself", u"loop"_s, {}, u"Too many levels of symbolic links"_s},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const auto read = FileTree::read(at(c.name), 4);
+        if (c.reason.isEmpty()) {
+            EXPECT_EQ(read, c.content);
+        } else {
+            ASSERT_FALSE(read);
+            EXPECT_EQ(read.error().description, u"cannot read %1: %2"_s.arg(at(c.name), c.reason));
+        }
+    }
+    const testing::NoDescriptors none;
+    const auto read = FileTree::read(at(u"four"_s), 4);
+    ASSERT_FALSE(read);
+    EXPECT_TRUE(read.error().description.endsWith(u": Too many open files"_s))
+        << read.error().description.toStdString();
 }
 
 TEST_F(FileTreeTest, KnowsWhatCannotBeMade) {

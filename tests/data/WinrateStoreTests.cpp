@@ -244,6 +244,24 @@ TEST_F(WinrateStoreTest, UsesLooseShapes) {
     EXPECT_EQ(store.matchName({u"Fireball"_s}).value().cardId, u"A"_s);
 }
 
+TEST_F(WinrateStoreTest, NeedsItsFilesOnlyWhileItLoads) {
+    const QString path = write(u"support/Pelloran/config/winrates/all_classes_LAST_7_DAYS.json"_s,
+                               R"({"cards": [{"card_id": "A", "name_en": "Fireball"}]})");
+    ASSERT_TRUE(store.loadFromBundle());
+    const auto stillKnows = [this] {
+        return store.stats(u"A"_s).has_value() && store.matchName({u"Fireball"_s}).value().cardId == u"A"_s;
+    };
+    ASSERT_TRUE(QFile::resize(path, 20));
+    EXPECT_TRUE(stillKnows()) << "truncated";
+    EXPECT_FALSE(store.loadFromBundle());
+    EXPECT_TRUE(stillKnows()) << "and asked for again";
+    ASSERT_TRUE(QFile::remove(path));
+    EXPECT_TRUE(stillKnows()) << "removed";
+    ASSERT_TRUE(QDir().mkdir(path));
+    EXPECT_FALSE(store.loadFromBundle()) << "a folder is no file, and there are no others";
+    EXPECT_TRUE(stillKnows());
+}
+
 TEST_F(WinrateStoreTest, AFailedLoadOfCardsChangesNothing) {
     struct Case {
         const char* why;

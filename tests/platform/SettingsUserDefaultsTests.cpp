@@ -10,8 +10,10 @@
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 #include <csignal>
+#include <functional>
 
 namespace pelloran {
 
@@ -192,6 +194,64 @@ TEST_F(SettingsUserDefaultsTest, AStoreThatCannotBeWrittenIsLoggedAndTheValueHol
     ASSERT_TRUE(inTheWay.remove());
     defaults->setString(key, QStringLiteral("en"));
     EXPECT_EQ(logged.size(), 1) << "an error of the past is not told again";
+}
+
+TEST_F(SettingsUserDefaultsTest, WhatWouldBeWaitedForIsNotRead) {
+    struct Case {
+        const char* why;
+        std::function<void()> make;
+        QString reason;
+    };
+
+    const Case cases[] = {
+        {"a pipe, which nobody writes", [this] { ASSERT_EQ(::mkfifo(qPrintable(path), 0600), 0); },
+         QStringLiteral("it is no file")},
+        {"gigabytes",
+         [this] {
+             writeFile("[General]\npelloran.language=zh\n");
+             ASSERT_TRUE(QFile::resize(path, qint64{1} << 33));
+         },
+         QStringLiteral("it is larger than 1 MiB")},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        clear();
+        ASSERT_TRUE(QDir().mkpath(programFolder));
+        c.make();
+        logged.clear();
+        const auto defaults = UserDefaults::create();
+        EXPECT_EQ(defaults->file(), path);
+        EXPECT_EQ(defaults->string(key), std::nullopt);
+        ASSERT_EQ(logged.size(), 1);
+        EXPECT_EQ(logged.front(), QStringLiteral("the choices stored in %1 cannot be used: %2").arg(path, c.reason));
+        defaults->setString(key, QStringLiteral("en"));
+        EXPECT_EQ(defaults->string(key), QStringLiteral("en"));
+        ASSERT_EQ(logged.size(), 2);
+        EXPECT_TRUE(logged.back().endsWith(QStringLiteral("it holds until the program ends")));
+        defaults->remove(key);
+        EXPECT_EQ(defaults->string(key), std::nullopt);
+
+        ASSERT_TRUE(QFile::remove(path));
+        defaults->setString(key, QStringLiteral("zh"));
+        EXPECT_EQ(defaults->string(key), QStringLiteral("zh"));
+        EXPECT_EQ(UserDefaults::create()->string(key), QStringLiteral("zh")) << "stored, now that it can be";
+    }
+}
+
+TEST_F(SettingsUserDefaultsTest, AFullDiskKeepsTheChoicesOfBefore) {
+    const auto defaults = UserDefaults::create();
+    defaults->setString(key, QStringLiteral("zh"));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray before = file.readAll();
+    file.close();
+    {
+        const FullDisk full;
+        defaults->setString(key, QStringLiteral("en"));
+    }
+    ASSERT_EQ(logged.size(), 1);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), before);
 }
 
 TEST_F(SettingsUserDefaultsTest, ARemovalThatCannotBeWrittenIsLoggedAndHolds) {

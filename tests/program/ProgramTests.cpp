@@ -13,6 +13,7 @@
 #include <QTest>
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <array>
@@ -665,6 +666,42 @@ TEST_F(ProgramTest, FailsWhereItsAnswerCannotBeWritten) {
     EXPECT_EQ(process.exitCode(), 1);
     EXPECT_TRUE(process.readAllStandardError().contains("could not be written"));
 }
+
+#ifdef Q_OS_LINUX
+TEST_F(ProgramTest, GoesOnWhenItCanOpenFilesAgain) {
+    write("logs/Hearthstone_1/Arena.log", "D 1 SetDraftMode - DRAFTING\n");
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    process.start(program, {QStringLiteral("--no-panel"), QStringLiteral("--logs-dir"), path("logs")});
+    const auto nextIsInDraft = [&process](bool inDraft) {
+        return QTest::qWaitFor(
+            [&] {
+                return process.canReadLine() &&
+                       QJsonDocument::fromJson(process.readLine())[QStringLiteral("inDraft")].toBool() == inDraft;
+            },
+            20'000);
+    };
+    ASSERT_TRUE(nextIsInDraft(true));
+    const auto id = static_cast<pid_t>(process.processId());
+    rlimit before{};
+    ASSERT_EQ(::prlimit(id, RLIMIT_NOFILE, nullptr, &before), 0);
+    rlimit none{0, before.rlim_max};
+    while (QFileInfo(QStringLiteral("/proc/%1/fd/%2").arg(id).arg(none.rlim_cur)).isSymLink()) {
+        ++none.rlim_cur;
+    }
+    ASSERT_EQ(::prlimit(id, RLIMIT_NOFILE, &none, nullptr), 0);
+    for (int ticks = 0; ticks < 2; ++ticks) {
+        ASSERT_TRUE(nextIsInDraft(false));
+    }
+    ASSERT_EQ(::prlimit(id, RLIMIT_NOFILE, &before, nullptr), 0);
+    EXPECT_TRUE(nextIsInDraft(true));
+    process.terminate();
+    ASSERT_TRUE(process.waitForFinished(20'000));
+    EXPECT_EQ(process.exitCode(), 0);
+    const QByteArray diagnostics = process.readAllStandardError();
+    EXPECT_EQ(diagnostics.count("Too many open files"), 1) << diagnostics.toStdString();
+}
+#endif
 
 TEST_F(ProgramTest, NamesAClassFileThatItPassesOver) {
     const QString file = write("data/Pelloran/config/class_winrates.json", "none");

@@ -4,6 +4,7 @@
 #include "base/SerialQueue.h"
 #include "sync/InstallTools.h"
 #include "tests/fakes/FakeApplicationFiles.h"
+#include "tests/support/NoDescriptors.h"
 #include "tests/support/Printing.h"
 #include "tests/support/TarWriter.h"
 #include "tests/sync/TextLanguage.h"
@@ -13,6 +14,7 @@
 #include <QFileInfo>
 #include <QLockFile>
 #include <QProcess>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 #include <QThread>
 
@@ -727,6 +729,45 @@ TEST_F(ConfigInstallerTest, AFullDiskKeepsTheOldContent) {
         EXPECT_THAT(everythingIn(tools.temporaryFolder), IsEmpty());
     }
     std::signal(SIGXFSZ, signalBefore);
+}
+
+TEST_F(ConfigInstallerTest, KeepsItsContentWhileTooFewFilesCanBeOpened) {
+    installFirst();
+    tools.sync = [](const auto&) { return std::error_code(); }; // takes its time, and is not what this is about
+    const QByteArray bytes = bundle("new");                     // by a program of its own
+    // Qt says of programs that cannot be started why.
+    const auto handler = qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+    const auto heardAgain = qScopeGuard([handler] { qInstallMessageHandler(handler); });
+    int failures = 0;
+    std::optional<ConfigSyncError> error;
+    for (rlim_t spare = 0; spare < 40; ++spare) {
+        SCOPED_TRACE(spare);
+        {
+            const testing::NoDescriptors few(spare);
+            const auto installed = installer().install(manifest(u"new"_s), "raw", bytes);
+            if (installed == ConfigInstaller::Installation::done) {
+                break;
+            }
+            error = installed ? std::nullopt : std::optional(installed.error());
+        }
+        ASSERT_TRUE(error);
+        EXPECT_FALSE(error->localizedDescription().isEmpty());
+        expectOldContent();
+        ++failures;
+    }
+    EXPECT_GT(failures, 2);
+    EXPECT_EQ(config().localHash(), u"new"_s) << "with enough of them it goes on";
+    EXPECT_EQ(read(directory() + u"/winrates/class_winrates.json"_s), "new");
+}
+
+TEST_F(ConfigInstallerTest, InstallsNothingWhereTheFolderIsAFile) {
+    write(directory(), "mine");
+    const auto installed = installer().install(manifest(u"new"_s), "raw", bundle("new"));
+    ASSERT_FALSE(installed);
+    EXPECT_EQ(installed.error().localizedDescription(),
+              u"cannot make the folder "_s + directory() + u": Not a directory"_s);
+    EXPECT_EQ(read(directory()), "mine");
+    EXPECT_THAT(logged, IsEmpty());
 }
 
 TEST_F(ConfigInstallerTest, RemovesOnlyOldDownloadsOfOurs) {

@@ -9,6 +9,7 @@
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <optional>
 
@@ -65,6 +66,19 @@ TEST_F(LocalConfigTest, ReadsTheHash) {
         write(config.localHashURL(), c.content);
         EXPECT_EQ(config.localHash(), c.expected);
     }
+}
+
+TEST_F(LocalConfigTest, AHashThatIsNoSmallFileIsNone) {
+    const QString path = config.localHashURL();
+    ASSERT_TRUE(QDir().mkpath(path));
+    EXPECT_EQ(config.localHash(), std::nullopt) << "a folder";
+    ASSERT_TRUE(QDir().rmdir(path));
+    ASSERT_EQ(::mkfifo(qPrintable(path), 0600), 0);
+    EXPECT_EQ(config.localHash(), std::nullopt) << "a pipe, which nobody writes";
+    ASSERT_TRUE(QFile::remove(path));
+    write(path, "abc");
+    ASSERT_TRUE(QFile::resize(path, qint64{1} << 33));
+    EXPECT_EQ(config.localHash(), std::nullopt) << "more than there is memory";
 }
 
 TEST_F(LocalConfigTest, IsUsableWithAnyOfTheDataFiles) {

@@ -1,8 +1,9 @@
 #include "draft/logs/LogFile.h"
 
+#include "base/FileTree.h"
+
 #include <QByteArrayView>
 #include <QFile>
-#include <QFileInfo>
 
 #include <algorithm>
 #include <array>
@@ -39,12 +40,8 @@ bool isCutOff(QByteArrayView bytes) {
 } // namespace
 
 std::expected<QByteArray, LogFileError> readLogFile(const QString& path, const std::function<void()>& pause) {
-    // Opening a pipe would wait for its writer.
-    if (!QFileInfo(path).isFile()) {
-        return std::unexpected(LogFileError::unreadable);
-    }
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
+    if (!FileTree::openToRead(file)) {
         return std::unexpected(LogFileError::unreadable);
     }
     if (file.size() > largestLogFile) {

@@ -14,8 +14,8 @@ enum class LogFileError {
     notText,    // not UTF-8
 };
 
-// No session comes near it; a file beyond it would only stall the caller.
-constexpr qint64 largestLogFile = 256LL * 1024 * 1024;
+// No session comes near it; a file beyond it would only stall the caller, at every poll.
+constexpr qint64 largestLogFile = 64LL * 1024 * 1024;
 
 // The whole file at `path`, which the game may be writing to. The bytes are valid UTF-8.
 //

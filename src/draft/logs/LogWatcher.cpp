@@ -1,5 +1,6 @@
 #include "draft/logs/LogWatcher.h"
 
+#include "base/FileTree.h"
 #include "base/Log.h"
 #include "draft/logs/ArenaLog.h"
 
@@ -7,7 +8,9 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <expected>
 #include <filesystem>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -23,8 +26,8 @@ struct Session {
     Date modified;
 };
 
-// Empty when the folder cannot be listed to its end.
-std::vector<Session> sessionsIn(const QString& folder) {
+// Fails where the folder cannot be listed to its end.
+std::expected<std::vector<Session>, std::error_code> sessionsIn(const QString& folder) {
     std::error_code error;
     std::vector<Session> sessions;
     std::filesystem::directory_iterator entry(QFile::encodeName(folder).toStdString(), error);
@@ -37,7 +40,7 @@ std::vector<Session> sessionsIn(const QString& folder) {
         }
     }
     if (error) {
-        sessions.clear();
+        return std::unexpected(error);
     }
     return sessions;
 }
@@ -49,7 +52,17 @@ LogWatcher::LogWatcher(const QString& folder, std::function<void()> pauseForGame
     , pause(std::move(pauseForGame)) {}
 
 std::optional<QString> LogWatcher::latestSessionDir() const {
-    const std::vector<Session> sessions = sessionsIn(logsDir);
+    const auto found = sessionsIn(logsDir);
+    if (!found) {
+        // One that never was is waited for, which whoever chose the folder says.
+        if (listed || FileTree::exists(logsDir)) {
+            tellOnce(QStringLiteral("the log folder %1 cannot be listed: %2")
+                         .arg(logsDir, QString::fromStdString(found.error().message())));
+        }
+        return std::nullopt;
+    }
+    listed = true;
+    const std::vector<Session>& sessions = *found;
     // The system lists in no order of its own: by name, two equal dates give the same folder every time.
     const auto newest = std::ranges::max_element(sessions, [](const Session& one, const Session& other) {
         return one.modified != other.modified ? one.modified < other.modified : one.name > other.name;
@@ -64,6 +77,9 @@ GameLogs LogWatcher::read() const {
     GameLogs logs;
     logs.sessionDir = latestSessionDir();
     if (logs.sessionDir) {
+        if (FileTree::exists(*logs.sessionDir) && !QFileInfo(*logs.sessionDir).isDir()) {
+            tellOnce(QStringLiteral("%1 is no folder, so there are no logs in it").arg(*logs.sessionDir));
+        }
         logs.loadingScreen = read(*logs.sessionDir + QStringLiteral("/LoadingScreen.log"));
         logs.arena = read(*logs.sessionDir + QStringLiteral("/Arena.log"));
     }
@@ -93,21 +109,33 @@ std::optional<QByteArray> LogWatcher::read(const QString& path) const {
         return *std::move(text);
     }
     // A log that is not there yet is nothing to speak of.
-    if (QFileInfo::exists(path) && !reportedAsUnusable.contains(path)) {
-        reportedAsUnusable.insert(path);
-        switch (text.error()) {
-        case LogFileError::tooLarge:
-            log(QStringLiteral("%1 is larger than %2 MiB and is not read").arg(path).arg(largestLogFile / 1024 / 1024));
-            break;
-        case LogFileError::unreadable:
-            log(QStringLiteral("%1 cannot be read").arg(path));
-            break;
-        case LogFileError::notText:
-            log(QStringLiteral("%1 is not text in UTF-8 and is not used").arg(path));
-            break;
-        }
+    if (!FileTree::exists(path)) {
+        return std::nullopt;
+    }
+    switch (text.error()) {
+    case LogFileError::tooLarge:
+        tellOnce(
+            QStringLiteral("%1 is larger than %2 MiB and is not read").arg(path).arg(largestLogFile / 1024 / 1024));
+        break;
+    case LogFileError::unreadable: {
+        QFile file(path); // asked again, for the reason
+        const auto opened = FileTree::openToRead(file);
+        tellOnce(QStringLiteral("%1 cannot be read").arg(path) +
+                 (opened ? QString() : QStringLiteral(": ") + opened.error().description));
+        break;
+    }
+    case LogFileError::notText:
+        tellOnce(QStringLiteral("%1 is not text in UTF-8 and is not used").arg(path));
+        break;
     }
     return std::nullopt;
+}
+
+void LogWatcher::tellOnce(const QString& line) const {
+    if (!told.contains(line)) {
+        told.insert(line);
+        log(line);
+    }
 }
 
 } // namespace pelloran

@@ -46,7 +46,10 @@ private:
 
     QString logsDir;
     std::function<void()> pause;
-    mutable QSet<QString> reportedAsUnusable; // so that each is logged once, not with every poll
+    void tellOnce(const QString& line) const;
+
+    mutable QSet<QString> told; // so that each line is logged once, not with every poll
+    mutable bool listed = false;
 };
 
 } // namespace pelloran

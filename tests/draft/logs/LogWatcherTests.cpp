@@ -1,6 +1,7 @@
 #include "draft/logs/LogWatcher.h"
 
 #include "base/Log.h"
+#include "tests/support/NoDescriptors.h"
 #include "tests/support/Printing.h"
 #include "tests/support/SharedData.h"
 
@@ -12,10 +13,13 @@
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <filesystem>
+#include <functional>
+#include <memory>
 
 using namespace Qt::StringLiterals;
 
@@ -252,7 +256,7 @@ TEST_F(LogWatching, SaysOnceThatALogIsTooLarge) {
         EXPECT_EQ(state.draftMode, u"UNKNOWN"_s);
         EXPECT_FALSE(state.inDraft);
     }
-    EXPECT_EQ(collected.messages, QStringList{path + u"/Arena.log is larger than 256 MiB and is not read"_s});
+    EXPECT_EQ(collected.messages, QStringList{path + u"/Arena.log is larger than 64 MiB and is not read"_s});
 }
 
 TEST_F(LogWatching, TellsOnceOfALogItCannotUseAndNotOfOneThatIsMissing) {
@@ -268,6 +272,116 @@ TEST_F(LogWatching, TellsOnceOfALogItCannotUseAndNotOfOneThatIsMissing) {
     ASSERT_EQ(collected.messages.size(), 2);
     EXPECT_TRUE(collected.messages[0].contains(u"LoadingScreen.log cannot be read"_s));
     EXPECT_TRUE(collected.messages[1].contains(u"Arena.log is not text"_s));
+}
+
+TEST_F(LogWatching, OutlivesWhatBecomesOfItsFilesAndTellsOnce) {
+    const QString logs = folder.filePath(u"Logs"_s);
+    const QString session = logs + u"/Hearthstone_1"_s;
+    const QString arena = session + u"/Arena.log"_s;
+    std::unique_ptr<testing::NoDescriptors> exhausted;
+
+    struct Case {
+        const char* why;
+        std::function<void()> happen;
+        bool draftGoesOn;
+        QString line; // none where it is empty
+    };
+
+    const Case cases[] = {
+        {"replaced by another file",
+         [&] {
+             write(arena + u".new"_s, drafting + "more\n");
+             ASSERT_EQ(std::rename(qPrintable(arena + u".new"_s), qPrintable(arena)), 0);
+         },
+         true,
+         {}},
+        {"rotated, and the new one not there yet", [&] { QFile::rename(arena, arena + u".1"_s); }, false, {}},
+        {"removed", [&] { QFile::remove(arena); }, false, {}},
+        {"truncated", [&] { QFile::resize(arena, 0); }, false, {}},
+        {"now a folder",
+         [&] {
+             QFile::remove(arena);
+             QDir().mkdir(arena);
+         },
+         false, arena + u" cannot be read: it is no file"_s},
+        {"now a pipe, which nobody writes",
+         [&] {
+             QFile::remove(arena);
+             ASSERT_EQ(::mkfifo(qPrintable(arena), 0600), 0);
+         },
+         false, arena + u" cannot be read: it is no file"_s},
+        {"a link to itself",
+         [&] {
+             QFile::remove(arena);
+             QFile::link(arena, arena);
+         },
+         false, arena + u" cannot be read: Too many levels of symbolic links"_s},
+        {"a link to nothing",
+         [&] {
+             QFile::remove(arena);
+             QFile::link(folder.filePath(u"nowhere"_s), arena);
+         },
+         false, arena + u" cannot be read: No such file or directory"_s},
+        {"rubbish", [&] { write(arena, drafting + QByteArray(5000, '\xFE')); }, false,
+         arena + u" is not text in UTF-8 and is not used"_s},
+        {"grown by gigabytes", [&] { std::filesystem::resize_file(arena.toStdString(), std::uintmax_t{3} << 30); },
+         false, arena + u" is larger than 64 MiB and is not read"_s},
+        {"the session is a file",
+         [&] {
+             QDir(session).removeRecursively();
+             write(session, "x");
+         },
+         false, session + u" is no folder, so there are no logs in it"_s},
+        {"the session is gone", [&] { QDir(session).removeRecursively(); }, false, {}},
+        {"the log folder is gone", [&] { QDir(logs).removeRecursively(); }, false,
+         u"the log folder %1 cannot be listed: No such file or directory"_s.arg(logs)},
+        {"the log folder is a file",
+         [&] {
+             QDir(logs).removeRecursively();
+             write(logs, "x");
+         },
+         false, u"the log folder %1 cannot be listed: Not a directory"_s.arg(logs)},
+        {"nothing more can be opened", [&] { exhausted = std::make_unique<testing::NoDescriptors>(); }, false,
+         u"the log folder %1 cannot be listed: Too many open files"_s.arg(logs)},
+        {"but one file: the folder can be listed, and its files be read one after the other",
+         [&] { exhausted = std::make_unique<testing::NoDescriptors>(1); },
+         true,
+         {}},
+    };
+    const auto wellAgain = [&] {
+        exhausted.reset();
+        QFile::remove(logs);
+        QDir(logs).removeRecursively();
+        ASSERT_TRUE(QDir().mkpath(session));
+        write(arena, drafting);
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        wellAgain();
+        CollectedLog collected;
+        const LogWatcher watcher(logs, [] {});
+        EXPECT_TRUE(watcher.poll().inDraft);
+        c.happen();
+        for (int polls = 0; polls < 3; ++polls) {
+            EXPECT_EQ(watcher.poll().inDraft, c.draftGoesOn);
+        }
+        const QStringList lines = c.line.isEmpty() ? QStringList() : QStringList{c.line};
+        EXPECT_EQ(collected.messages, lines);
+        wellAgain();
+        EXPECT_TRUE(watcher.poll().inDraft) << "nothing has to be started again";
+        EXPECT_EQ(collected.messages, lines);
+    }
+}
+
+TEST_F(LogWatching, SaysNothingOfAFolderThatIsWaitedFor) {
+    CollectedLog collected;
+    const QString logs = folder.filePath(u"Logs"_s);
+    const LogWatcher watcher(logs, [] {});
+    EXPECT_FALSE(watcher.poll().inDraft);
+    EXPECT_EQ(collected.messages, QStringList());
+    ASSERT_TRUE(QDir().mkpath(logs + u"/Hearthstone_1"_s));
+    write(logs + u"/Hearthstone_1/Arena.log"_s, drafting);
+    EXPECT_TRUE(watcher.poll().inDraft);
 }
 
 TEST(RecordedLogs, GiveTheStateTheyWereRecordedIn) {

@@ -44,6 +44,23 @@ TEST(LineReaderTest, UnusableDataIsToldOnceAndOnlyByTheError) {
     EXPECT_TRUE(unusable.error().contains(QStringLiteral("tesseract-ocr-eng")));
 }
 
+TEST(LineReaderTest, ReadsOnWhenItsDataIsRemoved) {
+    const QString systems = QStringLiteral("/usr/share/tesseract-ocr/5/tessdata/eng.traineddata");
+    if (!QFile::exists(systems)) {
+        GTEST_SKIP() << "copies " << systems.toStdString();
+    }
+    const QTemporaryDir folder;
+    const QString copy = folder.filePath(QStringLiteral("eng.traineddata"));
+    ASSERT_TRUE(QFile::copy(systems, copy));
+    const auto reader = TesseractLineReader::createFrom(folder.path());
+    ASSERT_TRUE(reader) << reader.error().toStdString();
+    ASSERT_TRUE(QFile::remove(copy));
+    const auto readings = (*reader)->read({pictureOf(QStringLiteral("TITLE")), pictureOf(QStringLiteral("LIFE"))});
+    ASSERT_EQ(readings.size(), 2U);
+    EXPECT_EQ(readings[0].text, QStringLiteral("TITLE"));
+    EXPECT_EQ(readings[1].text, QStringLiteral("LIFE"));
+}
+
 TEST(LineReaderTest, AnswersStandInTheOrderOfTheWork) {
     const auto reader = LineReader::create();
     ASSERT_TRUE(reader) << reader.error().toStdString();
