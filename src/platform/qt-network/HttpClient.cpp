@@ -11,9 +11,15 @@
 #include <QThread>
 #include <QTimer>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <array>
+#include <cerrno>
 #include <chrono>
 #include <optional>
+#include <system_error>
 
 using namespace Qt::StringLiterals;
 
@@ -30,6 +36,27 @@ constexpr int maximumRedirects = 10;
 constexpr qint64 readAhead = qint64{256} * 1024;
 
 constexpr auto interruptionPoll = 50ms;
+
+// Whether as many files can be opened as a request may take. Qt gives each manager and each look-up of a name a thread,
+// and one that cannot have what it waits by ends the whole program, in GLib or in Qt itself.
+std::error_code roomForARequest() {
+    std::array<int, 32> opened{};
+    opened.fill(-1);
+    std::error_code error;
+    for (int& each : opened) {
+        each = ::open("/", O_RDONLY | O_CLOEXEC);
+        if (each < 0) {
+            error = {errno, std::generic_category()};
+            break;
+        }
+    }
+    for (const int each : opened) {
+        if (each >= 0) {
+            ::close(each);
+        }
+    }
+    return error;
+}
 
 QNetworkRequest networkRequest(const HttpClient::Request& request) {
     QNetworkRequest made(request.url);
@@ -56,6 +83,9 @@ public:
         const QString scheme = request.url.scheme(); // QUrl has it in lower case
         if ((scheme != "http"_L1 && scheme != "https"_L1) || request.url.host().isEmpty()) {
             return std::unexpected(TransportError{u"unsupported URL"_s});
+        }
+        if (const auto error = roomForARequest()) {
+            return std::unexpected(TransportError{QString::fromStdString(error.message())});
         }
 
         const NewSockets connections;

@@ -5,6 +5,7 @@
 
 #include <QTest>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <unistd.h>
@@ -108,6 +109,25 @@ TEST_F(LineWriterTest, EndsQuietlyWhenTheReaderHasGone) {
     pollfd query{.fd = ends[0], .events = POLLIN, .revents = 0};
     EXPECT_EQ(::poll(&query, 1, 0), 0) << "nothing arrives";
     EXPECT_EQ(told, 0);
+}
+
+TEST_F(LineWriterTest, EndsWithOneLineWhereTheDiskIsFull) {
+    const int full = ::open("/dev/full", O_WRONLY);
+    if (full < 0) {
+        GTEST_SKIP() << "needs /dev/full";
+    }
+    QStringList told;
+    setLogSink([&](const QString& line) { told.append(line); });
+    {
+        LineWriter writer(full);
+        for (int i = 0; i < 3; ++i) {
+            writer.write("one\n");
+            QCoreApplication::processEvents();
+        }
+    }
+    ::close(full);
+    EXPECT_EQ(told, QStringList{QStringLiteral(
+                        "the snapshots end, standard output cannot be written: No space left on device")});
 }
 
 } // namespace

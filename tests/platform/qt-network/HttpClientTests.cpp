@@ -1,12 +1,14 @@
 #include "platform/HttpClient.h"
 
 #include "base/SerialQueue.h"
+#include "tests/support/NoDescriptors.h"
 #include "tests/support/Printing.h"
 #include "tests/support/ScriptedServer.h"
 #include "tests/support/TestCertificate.h"
 
 #include <QElapsedTimer>
 #include <QNetworkProxyFactory>
+#include <QScopeGuard>
 #include <QSslConfiguration>
 #include <QSslSocket>
 
@@ -58,6 +60,19 @@ protected:
     ScriptedServer server;
     std::unique_ptr<HttpClient> http = HttpClient::create();
 };
+
+// Qt ends the program where a thread of its own cannot have what it waits by.
+TEST_F(HttpClientTest, FailsWhileTooFewFilesCanBeOpened) {
+    server.on("/file", ScriptedServer::answer("200 OK", {}, "body"));
+    const auto handler = qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+    const auto heardAgain = qScopeGuard([handler] { qInstallMessageHandler(handler); });
+    for (const rlim_t spare : {0, 1, 2, 3, 4, 6, 8, 12}) {
+        SCOPED_TRACE(spare);
+        const testing::NoDescriptors few(spare);
+        EXPECT_EQ(failure(http->get(request(u"/file"_s))), u"Too many open files"_s);
+    }
+    EXPECT_EQ(failure(http->get(request(u"/file"_s))), u"200"_s) << "and asks again when they can";
+}
 
 TEST_F(HttpClientTest, BringsStatusAndBody) {
     struct Case {
