@@ -3,6 +3,7 @@
 #include "platform/freedesktop/PortalNames.h"
 #include "tests/platform/freedesktop/FakePortal.h"
 #include "tests/platform/freedesktop/Patience.h"
+#include "tests/support/SilentSocket.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -10,9 +11,6 @@
 #include <QTest>
 
 #include <gtest/gtest.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 #include <functional>
 #include <memory>
@@ -229,34 +227,9 @@ TEST_F(DesktopSettingsTest, WithoutABusKdesFileCounts) {
     }
 }
 
-// Takes connections and never says a word.
-class SilentBus {
-public:
-    explicit SilentBus(const QString& path) {
-        sockaddr_un name{};
-        name.sun_family = AF_UNIX;
-        qstrncpy(name.sun_path, QFile::encodeName(path).constData(), sizeof name.sun_path);
-        if (bind(listening, reinterpret_cast<const sockaddr*>(&name), sizeof name) != 0 || listen(listening, 5) != 0) {
-            ADD_FAILURE() << "no socket";
-        }
-    }
-
-    ~SilentBus() { end(); }
-
-    void end() {
-        if (listening >= 0) {
-            close(listening);
-            listening = -1;
-        }
-    }
-
-private:
-    int listening = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-};
-
 TEST_F(DesktopSettingsTest, ASilentBusIsNotWaitedFor) {
     const QString path = folder.filePath(QStringLiteral("bus"));
-    SilentBus silent(path);
+    SilentSocket silent(path);
     QElapsedTimer time;
     time.start();
     follow(QStringLiteral("unix:path=") + path);

@@ -24,6 +24,8 @@ public:
 
     QString address() const { return busAddress; }
 
+    qint64 processId() const { return daemon.processId(); }
+
 private:
     QProcess daemon;
     QString busAddress;
