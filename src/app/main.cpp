@@ -6,6 +6,7 @@
 #include "base/Log.h"
 #include "localisation/AppLanguage.h"
 #include "platform/GuiSession.h"
+#include "platform/HttpClient.h"
 #include "platform/SystemLog.h"
 #include "platform/SystemSettings.h"
 #include "platform/UserDefaults.h"
@@ -13,6 +14,7 @@
 #include <QApplication>
 
 #include <cstdio>
+#include <cstdlib>
 #include <expected>
 #include <memory>
 
@@ -65,26 +67,34 @@ int main(int argc, char** argv) {
     }
     QCoreApplication::setApplicationName(QStringLiteral("Pelloran"));
     QCoreApplication::setApplicationVersion(QStringLiteral(PELLORAN_VERSION));
-    const auto defaults = UserDefaults::create();
-    const auto settings = SystemSettings::create();
-    AppLanguage::configure(defaults.get(), settings.get());
-    if (loop && loop->language) {
-        AppLanguage::overridePreference(*loop->language);
-    }
     int exitCode = 0;
-    if (examination) {
-        exitCode = examineDesktop(*examination, session);
-    } else if (!withPanel) {
-        exitCode = std::visit(RunCommand(), *command);
-    } else if (session) {
-        exitCode = runOnDesktop(*loop, *settings, *defaults);
-    } else {
-        exitCode = failWithoutDisplay(session.error());
+    {
+        const auto defaults = UserDefaults::create();
+        const auto settings = SystemSettings::create();
+        AppLanguage::configure(defaults.get(), settings.get());
+        if (loop && loop->language) {
+            AppLanguage::overridePreference(*loop->language);
+        }
+        if (examination) {
+            exitCode = examineDesktop(*examination, session);
+        } else if (!withPanel) {
+            exitCode = std::visit(RunCommand(), *command);
+        } else if (session) {
+            exitCode = runOnDesktop(*loop, *settings, *defaults);
+        } else {
+            exitCode = failWithoutDisplay(session.error());
+        }
+        AppLanguage::configure(nullptr, nullptr);
     }
-    AppLanguage::configure(nullptr, nullptr);
     if (std::ferror(stdout) != 0) {
         log(QStringLiteral("standard output could not be written"));
-        return 1;
+        exitCode = 1;
+    }
+    if (HttpClient::mayBeLookingUp()) {
+        // All that is ours is stored and ended; what is left is Qt's, whose end waits for the resolver: up to half a
+        // minute where no name server answers, and nothing can call it off.
+        std::fflush(nullptr);
+        std::_Exit(exitCode);
     }
     return exitCode;
 }

@@ -38,6 +38,10 @@ public:
     // no passwords. The body is what the server sent, never unpacked; redirects are followed, but not from https to
     // http. On a QThread whose interruption is requested it gives up within a moment.
     virtual std::expected<Response, TransportError> get(const Request& request) = 0;
+
+    // Whether the system may still be looking up a host's name for a request, be it one that was given up: nothing ends
+    // a lookup, and the end of the application object waits for it. From any thread.
+    static bool mayBeLookingUp();
 };
 
 } // namespace pelloran

@@ -16,10 +16,12 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <optional>
 #include <system_error>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -57,6 +59,31 @@ std::error_code roomForARequest() {
     }
     return error;
 }
+
+// Requests of which nothing was sent until now, or until they were given up: their host may be looked up for as long as
+// the system's resolver likes. Needs no destructor, as a thread may come home after the end of main().
+constinit std::atomic<int> unsent = 0;
+
+// Counts one request there until it is sent or over, and again where it is led to another host.
+class UnsentRequest {
+public:
+    UnsentRequest() { ++unsent; }
+
+    void settle() {
+        if (std::exchange(isCounted, false)) {
+            --unsent;
+        }
+    }
+
+    void wasRedirected() {
+        if (!std::exchange(isCounted, true)) {
+            ++unsent;
+        }
+    }
+
+private:
+    bool isCounted = true;
+};
 
 QNetworkRequest networkRequest(const HttpClient::Request& request) {
     QNetworkRequest made(request.url);
@@ -99,6 +126,7 @@ public:
         const std::unique_ptr<QNetworkReply> reply(manager.get(networkRequest(request)));
         reply->setReadBufferSize(readAhead);
 
+        UnsentRequest lookup;
         QEventLoop loop;
         QByteArray body;
         bool isTooLong = false;
@@ -136,6 +164,7 @@ public:
         interruption.start(interruptionPoll);
 
         const auto heard = [&] { silence.start(); };
+        QObject::connect(reply.get(), &QNetworkReply::requestSent, &loop, [&] { lookup.settle(); });
         QObject::connect(reply.get(), &QNetworkReply::metaDataChanged, &loop, [&] {
             heard();
             // What announces itself as too long need not be waited for. A redirect's body is nobody's.
@@ -144,7 +173,10 @@ public:
                 stop();
             }
         });
-        QObject::connect(reply.get(), &QNetworkReply::redirected, &loop, heard);
+        QObject::connect(reply.get(), &QNetworkReply::redirected, &loop, [&] {
+            heard();
+            lookup.wasRedirected();
+        });
         QObject::connect(reply.get(), &QNetworkReply::readyRead, &loop, [&] {
             heard();
             read();
@@ -169,6 +201,9 @@ public:
         }
         if (proxies && !proxies->wereFound()) {
             isInterrupted() ? cancelled() : timedOut();
+        }
+        if (!givenUp) {
+            lookup.settle();
         }
         reply->disconnect(&loop);
         const int status = statusOf(*reply);
@@ -221,6 +256,10 @@ private:
 
 std::unique_ptr<HttpClient> HttpClient::create() {
     return std::make_unique<QtHttpClient>();
+}
+
+bool HttpClient::mayBeLookingUp() {
+    return unsent > 0;
 }
 
 } // namespace pelloran

@@ -1,0 +1,133 @@
+#include "tests/support/OtherProcess.h"
+#include "tests/support/Printing.h"
+#include "tests/support/ProgramRun.h"
+#include "tests/support/SilentSocket.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+
+// The program while something around it hangs or goes wrong.
+namespace pelloran {
+namespace {
+
+using testing::Suspended;
+
+constexpr int patience = 20'000; // milliseconds
+
+// What an end may take. It has to be under two seconds; a busy machine with a sanitizer gets more, and what is made to
+// hang here does so for ever.
+constexpr int promptly = 6'000;
+
+class FaultTest : public ::testing::Test {
+protected:
+    FaultTest() {
+        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), home.path());
+        QObject::connect(&process, &QProcess::readyReadStandardError, &process,
+                         [this] { diagnostics += process.readAllStandardError(); });
+        QObject::connect(&process, &QProcess::readyReadStandardOutput, &process,
+                         [this] { lines += static_cast<int>(process.readAllStandardOutput().count('\n')); });
+    }
+
+    ~FaultTest() override {
+        process.kill();
+        process.waitForFinished(patience);
+    }
+
+    void start(const QStringList& arguments) {
+        process.setProcessEnvironment(environment);
+        process.start(testing::programToTest("PELLORAN_TEST_PROGRAM", PELLORAN_PROGRAM),
+                      QStringList{QStringLiteral("--logs-dir"), home.path() + QStringLiteral("/logs")} + arguments);
+    }
+
+    bool says(const char* words) {
+        return QTest::qWaitFor([&] { return diagnostics.contains(words); }, patience);
+    }
+
+    bool prints(int more) {
+        return QTest::qWaitFor([this, wanted = lines + more] { return lines >= wanted; }, patience);
+    }
+
+    void expectPromptEnd() {
+        ::kill(static_cast<pid_t>(process.processId()), SIGTERM);
+        EXPECT_TRUE(QTest::qWaitFor([this] { return process.state() == QProcess::NotRunning; }, promptly));
+        EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+        EXPECT_EQ(process.exitCode(), 0);
+    }
+
+    void loadFirst(const char* part) { environment.insert(QStringLiteral("LD_PRELOAD"), QString::fromUtf8(part)); }
+
+    QTemporaryDir home;
+    QProcessEnvironment environment = testing::cleanEnvironment(home.path());
+    QProcess process;
+    QByteArray diagnostics;
+    int lines = 0; // of snapshots
+};
+
+TEST_F(FaultTest, EndsAtOnceWhileTheServersNamesAreLookedUp) {
+    loadFirst(PELLORAN_HANGING_RESOLVER);
+    start({QStringLiteral("--update-server"), QStringLiteral("http://updates.invalid"),
+           QStringLiteral("--config-server"), QStringLiteral("http://files.invalid")});
+    ASSERT_TRUE(says("looking up updates.invalid") && says("looking up files.invalid") && says("boot cards="))
+        << diagnostics.toStdString();
+    expectPromptEnd();
+    EXPECT_FALSE(diagnostics.contains("config sync: ")) << "nothing has come of it";
+}
+
+TEST_F(FaultTest, StartsWithoutASessionBusThatHangs) {
+    const QString path = home.filePath(QStringLiteral("bus"));
+    const testing::SilentSocket silent(path);
+    start({QStringLiteral("--snapshots")});
+    EXPECT_TRUE(says("the session bus does not answer"));
+    EXPECT_TRUE(says("boot cards="));
+    EXPECT_TRUE(prints(1));
+    expectPromptEnd();
+}
+
+// A timer that was due many times meanwhile is due once.
+TEST_F(FaultTest, GoesOnAtItsPaceAfterItWasSuspended) {
+    start({QStringLiteral("--no-panel")});
+    ASSERT_TRUE(prints(1));
+    {
+        const Suspended asleep(process.processId());
+        QTest::qWait(2'900); // more than three times what lies between two looks
+    }
+    const int before = lines;
+    QTest::qWait(400);
+    EXPECT_LE(lines - before, 2) << "it makes up for what it missed";
+    EXPECT_TRUE(prints(1)) << "it does not go on";
+}
+
+TEST_F(FaultTest, TheClockOnTheWallIsNoneOfItsBusiness) {
+    const QString file = home.filePath(QStringLiteral("clock"));
+    const auto set = [&file](const QByteArray& seconds) {
+        QFile written(file + u'~');
+        ASSERT_TRUE(written.open(QIODevice::WriteOnly));
+        written.write(seconds);
+        written.close();
+        ASSERT_EQ(::rename(QFile::encodeName(file + u'~').constData(), QFile::encodeName(file).constData()), 0);
+    };
+    loadFirst(PELLORAN_JUMPING_CLOCK);
+    environment.insert(QStringLiteral("PELLORAN_TEST_CLOCK"), file);
+    set("0");
+    start({QStringLiteral("--no-panel")});
+    ASSERT_TRUE(prints(1));
+    for (const char* seconds : {"86400", "-86400"}) {
+        SCOPED_TRACE(seconds);
+        QElapsedTimer time;
+        time.start();
+        set(seconds);
+        EXPECT_TRUE(prints(2)) << "it waits for the clock";
+        EXPECT_GT(time.elapsed(), 700) << "it hurries after the clock"; // 900 between two
+    }
+    expectPromptEnd();
+}
+
+} // namespace
+} // namespace pelloran
