@@ -8,8 +8,11 @@
 #include <unistd.h>
 
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <cstdint>
+#include <ctime>
 
 namespace pelloran {
 
@@ -19,10 +22,27 @@ namespace {
 // pipe: behind Qt's notifier is what the system has for sockets on a Mac.
 int writeEnd = -1;
 
-void tellEventLoop(int) {
+// When the first signal came, in nanoseconds of the clock that runs evenly; 0: none yet.
+constinit std::atomic<std::int64_t> firstSignal = 0;
+static_assert(decltype(firstSignal)::is_always_lock_free, "a signal handler must not wait");
+
+// Whoever ends a session may send two kinds of signals in one go.
+constexpr std::int64_t inOneGo = 1'000'000'000;
+
+void tellEventLoop(int signal) {
     const int error = errno; // of whatever was interrupted
-    const char byte = 0;
-    [[maybe_unused]] const ssize_t written = ::write(writeEnd, &byte, 1);
+    timespec time{};
+    ::clock_gettime(CLOCK_MONOTONIC, &time);
+    const std::int64_t now = std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
+    std::int64_t first = 0;
+    if (firstSignal.compare_exchange_strong(first, now)) {
+        const char byte = 0;
+        [[maybe_unused]] const ssize_t written = ::write(writeEnd, &byte, 1);
+    } else if (now - first > inOneGo) {
+        // The event loop has not turned since: something that it waits for hangs, such as the desktop.
+        std::signal(signal, SIG_DFL);
+        ::raise(signal); // on the way out of here
+    }
     errno = error;
 }
 
