@@ -98,6 +98,12 @@ void DraftParts::observe(const DraftService& service) const {
     }
 }
 
+void DraftParts::finishRecording() const {
+    if (follower()) {
+        follower()->catchUp();
+    }
+}
+
 Recorder* DraftParts::follower() const {
     return recorder ? recorder->get() : nullptr;
 }

@@ -38,6 +38,9 @@ public:
     // Has what a service does recorded, if that was asked for. Before it starts.
     void observe(const DraftService& service) const;
 
+    // Writes what has been taken for a recording, if there is one. For an end at which this is not destroyed.
+    void finishRecording() const;
+
     const std::unique_ptr<ApplicationFiles> files;
     const AppConfig config;
     WinrateStore store;

@@ -64,6 +64,12 @@ struct CauseText {
                               "where it was built without window capture, nothing helps");
     }
 
+    QString operator()(const WindowServerLost& lost) const {
+        return QStringLiteral("the desktop that shows the game's window has gone or does not answer (%1); it is asked "
+                              "again at every look")
+            .arg(QString::fromStdString(lost.call));
+    }
+
     QString operator()(const WindowServerFailed& failed) const {
         return QStringLiteral("the game's window cannot be captured: %1 (error %2); bring the game back where it is "
                               "minimised, and start it anew where this goes on")

@@ -252,6 +252,8 @@ private:
 
             QString operator()(const CaptureDenied&) const { return QStringLiteral("denied"); }
 
+            QString operator()(const WindowServerLost&) const { return QStringLiteral("failed"); }
+
             QString operator()(const WindowServerFailed&) const { return QStringLiteral("failed"); }
         };
 

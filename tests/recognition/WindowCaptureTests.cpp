@@ -340,6 +340,10 @@ TEST(Explanation, NamesTheCauseAndWhatCanBeDone) {
          {failed, WindowServerFailed{"NameWindowPixmap", 8}},
          granted,
          {QStringLiteral("NameWindowPixmap"), QStringLiteral("error 8"), QStringLiteral("minimised")}},
+        {"the desktop went away",
+         {failed, WindowServerLost{"GetGeometry"}},
+         granted,
+         {QStringLiteral("desktop"), QStringLiteral("gone"), QStringLiteral("GetGeometry"), QStringLiteral("again")}},
         {"a cause that nobody told", {failed, {}}, granted, {localizedDescription(failed)}},
         {"denied, which looks like a failure",
          {failed, WindowServerFailed{"GetImage", 8}},
@@ -361,6 +365,8 @@ TEST(Explanation, NamesTheCauseAndWhatCanBeDone) {
             EXPECT_TRUE(text.contains(part)) << text.toStdString();
         }
     }
+    EXPECT_FALSE(explanation({failed, WindowServerLost{"GetGeometry"}}, granted).contains(QStringLiteral("minimised")))
+        << "nothing is the matter with the game";
 }
 
 TEST(Crop, RoundsOutwardsAndClips) {

@@ -27,7 +27,10 @@
 #include <QSessionManager>
 #include <QTimer>
 
+#include <cstdio>
 #include <cstdlib>
+#include <functional>
+#include <utility>
 
 namespace pelloran {
 
@@ -37,6 +40,37 @@ namespace {
 void leaveRestartToTheUser(QSessionManager& manager) {
     manager.setRestartHint(QSessionManager::RestartNever);
 }
+
+// Where the connection to the desktop breaks, Qt says so and calls exit() from within the event loop: nothing that
+// main() holds would end, and what is static would go while our threads use it. So what has to be done comes first, and
+// nothing after it. One at a time; on the main thread.
+class EndWithDesktop {
+public:
+    explicit EndWithDesktop(std::function<void()> leave) {
+        atEnd = std::move(leave);
+        static const int registered = std::atexit(&EndWithDesktop::end);
+        Q_UNUSED(registered);
+    }
+
+    ~EndWithDesktop() { atEnd = {}; }
+
+    EndWithDesktop(const EndWithDesktop&) = delete;
+    EndWithDesktop& operator=(const EndWithDesktop&) = delete;
+
+private:
+    static void end() {
+        if (!atEnd) {
+            return; // main() has come to its end
+        }
+        log(QStringLiteral("the desktop has gone or has hung up on Pelloran, which ends with it: start it again where "
+                           "you are logged in"));
+        atEnd();
+        std::fflush(nullptr);
+        std::_Exit(EXIT_FAILURE);
+    }
+
+    static inline std::function<void()> atEnd;
+};
 
 } // namespace
 
@@ -109,6 +143,12 @@ int runOnDesktop(const RunLoop& command, SystemSettings& settings, UserDefaults&
     QObject::connect(qApp, &QCoreApplication::aboutToQuit, delegate.get(), [&instance, &delegate] {
         instance.end(); // a start from now on is not to wait for this one
         delegate->applicationWillTerminate();
+    });
+    // The user's choices are stored as they are made.
+    const EndWithDesktop endWithDesktop([&] {
+        instance.end();
+        delegate->applicationWillTerminate();
+        parts.finishRecording();
     });
     QTimer::singleShot(0, delegate.get(), &AppDelegate::applicationDidFinishLaunching);
     return QCoreApplication::exec();

@@ -22,7 +22,10 @@ constexpr std::chrono::milliseconds repaintTime{66};
 
 constexpr int deepestWindow = 32; // further from the root than any window is
 
-WindowImageError translated(const Failure& failure) {
+WindowImageError translated(const Failure& failure, const XcbConnection& connection) {
+    if (!connection.isThere()) {
+        return WindowServerLost{failure.call};
+    }
     if (failure.code == XCB_WINDOW || failure.code == XCB_DRAWABLE) {
         return WindowGone{};
     }
@@ -148,7 +151,7 @@ WindowImages::WindowImages(const XcbConnection& serverConnection)
 std::expected<QImage, WindowImageError> WindowImages::take(xcb_window_t window) {
     auto image = takeOrFail(window);
     if (!image) {
-        return std::unexpected(translated(image.error()));
+        return std::unexpected(translated(image.error(), connection));
     }
     return *std::move(image);
 }

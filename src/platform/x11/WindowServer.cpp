@@ -31,7 +31,7 @@ public:
 
     std::expected<QImage, WindowImageError> image(std::uint32_t windowId) override {
         if (!connect()) {
-            return std::unexpected(WindowServerFailed{"cannot reach the X server of $DISPLAY", 0});
+            return std::unexpected(WindowServerLost{"connecting to $DISPLAY"});
         }
         return session->images.take(windowId);
     }

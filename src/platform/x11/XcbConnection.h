@@ -43,6 +43,9 @@ public:
 
     bool broken() const { return xcb_connection_has_error(connection) != 0; }
 
+    // Neither broken nor silent when it was last asked.
+    bool isThere() const { return !stalled && !broken(); }
+
     // For the requests themselves.
     operator xcb_connection_t*() const { return connection; }
 

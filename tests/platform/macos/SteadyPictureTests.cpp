@@ -23,6 +23,8 @@ std::string kindOf(const std::expected<QImage, WindowImageError>& picture) {
 
         std::string operator()(const CaptureDenied&) const { return "denied"; }
 
+        std::string operator()(const WindowServerLost& lost) const { return lost.call; }
+
         std::string operator()(const WindowServerFailed& failed) const { return failed.call; }
     };
 

@@ -26,6 +26,8 @@ std::string outcome(const std::expected<QImage, Error>& image) {
 
         std::string operator()(const CaptureDenied&) const { return "denied"; }
 
+        std::string operator()(const WindowServerLost& lost) const { return "lost: " + lost.call; }
+
         std::string operator()(const WindowServerFailed& failed) const {
             return "failed: " + failed.call + ", " + std::to_string(failed.code);
         }

@@ -1,16 +1,15 @@
 #include "platform/x11/X11Panel.h"
 
 #include "tests/platform/x11/X11Test.h"
+#include "tests/support/OtherProcess.h"
 
 #include <QAbstractEventDispatcher>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QTest>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <csignal>
 #include <optional>
 
 namespace pelloran::testing {
@@ -118,16 +117,6 @@ private:
         settle(); // the look that comes with the window could pass for one of the test's
     }
 };
-
-// As the system tells it: T is stopped.
-char stateOf(qint64 process) {
-    QFile file(QStringLiteral("/proc/%1/stat").arg(process));
-    if (!file.open(QIODevice::ReadOnly)) {
-        return 0;
-    }
-    const QByteArray line = file.readAll();
-    return line.mid(line.lastIndexOf(')') + 2).front();
-}
 
 using X11PanelTest = PanelTest<X11Test>;
 using ManagedX11PanelTest = PanelTest<ManagedX11Test>;
@@ -309,9 +298,7 @@ TEST_F(X11PanelTest, AServerThatHangsFailsRequestsUntilItGoesOn) {
     const x11::Patience brief{.usual = milliseconds(200), .whileStalled = milliseconds(1)};
     const auto connection = x11::XcbConnection::open(brief);
     ASSERT_TRUE(connection);
-    kill(static_cast<pid_t>(display->processId()), SIGSTOP);
-    // It may still answer until it has got the signal.
-    ASSERT_TRUE(eventually([this] { return stateOf(display->processId()) == 'T'; }));
+    std::optional<Suspended> hangs(std::in_place, display->processId());
     QElapsedTimer time;
     time.start();
     const auto answer = connection->ask<xcb_query_tree_reply>(xcb_query_tree(*connection, window), "QueryTree");
@@ -324,7 +311,7 @@ TEST_F(X11PanelTest, AServerThatHangsFailsRequestsUntilItGoesOn) {
         EXPECT_FALSE(connection->check(xcb_map_window_checked(*connection, window), "MapWindow"));
     }
     EXPECT_LT(time.elapsed(), rounds * brief.usual.count()) << "the next ones wait as long again";
-    kill(static_cast<pid_t>(display->processId()), SIGCONT);
+    hangs.reset();
     EXPECT_TRUE(eventually([&] {
         return connection->ask<xcb_query_tree_reply>(xcb_query_tree(*connection, window), "QueryTree").has_value();
     }));
