@@ -1,13 +1,11 @@
 #include "platform/x11/WindowList.h"
 
 #include "platform/x11/WindowOwner.h"
-
-#include <QByteArrayList>
-#include <QByteArrayView>
-#include <QStringDecoder>
+#include "platform/x11/WindowProperties.h"
 
 #include <algorithm>
 #include <ranges>
+#include <span>
 #include <utility>
 
 namespace pelloran::x11 {
@@ -18,14 +16,9 @@ namespace {
 constexpr std::uint32_t longestText = 1024;
 constexpr std::uint32_t longestList = 16 * 1024;
 
-constexpr std::uint32_t onAllDesktops = 0xffffffff;
-
 // Frames, and frames within frames: how far below the root a client window is looked for.
 constexpr int deepestClient = 4;
 constexpr std::size_t mostWindows = 4096;
-
-// Layers beside the normal one; only "not 0" counts, the numbers tell them apart in diagnostics.
-enum Layer { desktopLayer = -1, normalLayer = 0, floatingLayer = 3, dockLayer = 20, popUpLayer = 101 };
 
 using PropertyReply = Reply<xcb_get_property_reply_t>;
 
@@ -39,35 +32,20 @@ PropertyReply property(const XcbConnection& connection, xcb_get_property_cookie_
     return reply && (*reply)->type != XCB_ATOM_NONE ? *std::move(reply) : nullptr;
 }
 
-QByteArrayView bytesOf(const PropertyReply& reply) {
-    if (!reply || reply->format != 8) {
-        return {};
+// Lives as long as the reply.
+std::optional<Property> viewOf(const PropertyReply& reply) {
+    if (!reply) {
+        return std::nullopt;
     }
-    return {static_cast<const char*>(xcb_get_property_value(reply.get())), xcb_get_property_value_length(reply.get())};
-}
-
-std::vector<std::uint32_t> numbersOf(const PropertyReply& reply) {
-    if (!reply || reply->format != 32) {
-        return {};
-    }
-    const auto* first = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
-    return {first, first + xcb_get_property_value_length(reply.get()) / 4};
-}
-
-std::optional<std::uint32_t> firstNumberOf(const PropertyReply& reply) {
-    const std::vector<std::uint32_t> numbers = numbersOf(reply);
-    return numbers.empty() ? std::nullopt : std::optional(numbers.front());
+    // The length that the answer itself has, should the two not agree.
+    const auto there = std::int64_t{4} * reply->length;
+    const auto length = std::min<std::int64_t>(xcb_get_property_value_length(reply.get()), there);
+    return Property{reply->format, {static_cast<const char*>(xcb_get_property_value(reply.get())), length}};
 }
 
 std::vector<std::uint32_t> rootNumbers(const XcbConnection& connection, xcb_atom_t atom) {
-    return numbersOf(property(connection, requestProperty(connection, connection.root(), atom, longestList)));
-}
-
-// Titles of old programs may be in any encoding, whatever type they claim: UTF-8 where it fits, else Latin-1.
-QString oldText(QByteArrayView bytes) {
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    QString text = decoder(bytes);
-    return decoder.hasError() ? QString::fromLatin1(bytes) : text;
+    const PropertyReply reply = property(connection, requestProperty(connection, connection.root(), atom, longestList));
+    return numbersOf(viewOf(reply));
 }
 
 // Everything asked of one window, in one journey with that of all others.
@@ -119,6 +97,11 @@ struct Answers {
                (*attributes)->_class == XCB_WINDOW_CLASS_INPUT_OUTPUT;
     }
 
+    WindowProperties properties() const {
+        return {viewOf(name),  viewOf(oldName), viewOf(windowClass), viewOf(processId),
+                viewOf(types), viewOf(states),  viewOf(desktop)};
+    }
+
     xcb_window_t window;
     std::expected<Reply<xcb_get_window_attributes_reply_t>, Failure> attributes;
     std::expected<Reply<xcb_get_geometry_reply_t>, Failure> geometry;
@@ -132,63 +115,13 @@ struct Answers {
     PropertyReply desktop;
 };
 
-std::optional<QString> titleOf(const Answers& window) {
-    if (window.name) {
-        return QString::fromUtf8(bytesOf(window.name));
-    }
-    return window.oldName ? std::optional(oldText(bytesOf(window.oldName))) : std::nullopt;
-}
-
-std::optional<QString> ownerOf(const Answers& window) {
-    // Instance and class, each ended by a NUL.
-    const QByteArrayList names = bytesOf(window.windowClass).toByteArray().split('\0');
-    if (names.size() < 2) {
-        return std::nullopt;
-    }
-    QString windowClass = oldText(names[1]);
-    if (isLauncher(windowClass)) {
-        if (const auto processId = firstNumberOf(window.processId)) {
-            return programName(*processId).value_or(windowClass);
-        }
-    }
-    return windowClass;
-}
-
-int layerOf(const Answers& window, const xcb_ewmh_connection_t& atoms) {
-    const std::pair<xcb_atom_t, Layer> layers[] = {
-        {atoms._NET_WM_WINDOW_TYPE_NORMAL, normalLayer},       {atoms._NET_WM_WINDOW_TYPE_DIALOG, normalLayer},
-        {atoms._NET_WM_WINDOW_TYPE_DESKTOP, desktopLayer},     {atoms._NET_WM_WINDOW_TYPE_DOCK, dockLayer},
-        {atoms._NET_WM_WINDOW_TYPE_TOOLBAR, floatingLayer},    {atoms._NET_WM_WINDOW_TYPE_UTILITY, floatingLayer},
-        {atoms._NET_WM_WINDOW_TYPE_SPLASH, floatingLayer},     {atoms._NET_WM_WINDOW_TYPE_MENU, popUpLayer},
-        {atoms._NET_WM_WINDOW_TYPE_DROPDOWN_MENU, popUpLayer}, {atoms._NET_WM_WINDOW_TYPE_POPUP_MENU, popUpLayer},
-        {atoms._NET_WM_WINDOW_TYPE_TOOLTIP, popUpLayer},       {atoms._NET_WM_WINDOW_TYPE_NOTIFICATION, popUpLayer},
-        {atoms._NET_WM_WINDOW_TYPE_COMBO, popUpLayer},         {atoms._NET_WM_WINDOW_TYPE_DND, popUpLayer},
-    };
-    // A window names its types in the order of its preference; those we do not know are passed over.
-    for (const std::uint32_t type : numbersOf(window.types)) {
-        const auto* const known = std::ranges::find(layers, type, &std::pair<xcb_atom_t, Layer>::first);
-        if (known != std::end(layers)) {
-            return known->second;
-        }
-    }
-    return (*window.attributes)->override_redirect ? popUpLayer : normalLayer;
-}
-
-bool isOnScreen(const Answers& window, const xcb_ewmh_connection_t& atoms, std::uint32_t currentDesktop) {
-    const std::vector<std::uint32_t> states = numbersOf(window.states);
-    if (std::ranges::find(states, atoms._NET_WM_STATE_HIDDEN) != states.end()) {
-        return false;
-    }
-    const std::uint32_t own = firstNumberOf(window.desktop).value_or(onAllDesktops);
-    return own == onAllDesktops || currentDesktop == onAllDesktops || own == currentDesktop;
-}
-
 WindowDescription descriptionOf(const Answers& window, const xcb_ewmh_connection_t& atoms) {
+    const WindowProperties properties = window.properties();
     return {
         .number = window.window,
-        .ownerName = ownerOf(window),
-        .name = titleOf(window),
-        .layer = layerOf(window, atoms),
+        .ownerName = ownerOf(properties, [](std::uint32_t processId) { return programName(processId); }),
+        .name = titleOf(properties),
+        .layer = layerOf(properties, (*window.attributes)->override_redirect != 0, atoms),
         .bounds =
             WindowBounds{
                 .x = (*window.position)->dst_x,
@@ -215,8 +148,11 @@ std::vector<xcb_window_t> childrenOf(const XcbConnection& connection, xcb_query_
 bool leftByDeadWindowManager(const XcbConnection& connection) {
     const xcb_atom_t check = connection.atoms()._NET_SUPPORTING_WM_CHECK;
     const std::vector<std::uint32_t> windows = rootNumbers(connection, check);
-    return !windows.empty() &&
-           firstNumberOf(property(connection, requestProperty(connection, windows.front(), check))) != windows.front();
+    if (windows.empty()) {
+        return false;
+    }
+    const PropertyReply own = property(connection, requestProperty(connection, windows.front(), check));
+    return firstNumberOf(viewOf(own)) != windows.front();
 }
 
 std::vector<xcb_window_t> windowManagersList(const XcbConnection& connection) {
@@ -304,8 +240,8 @@ std::optional<std::vector<WindowDescription>> describeWindows(const XcbConnectio
             continue;
         }
         WindowDescription description = descriptionOf(window, atoms);
-        const bool wanted = listing == WindowListing::all ||
-                            (description.layer != desktopLayer && isOnScreen(window, atoms, currentDesktop));
+        const bool wanted = listing == WindowListing::all || (description.layer != desktopLayer &&
+                                                              isOnScreen(window.properties(), atoms, currentDesktop));
         if (wanted) {
             descriptions.push_back(std::move(description));
         }
