@@ -85,6 +85,45 @@ bool isPlainRgb(QImage::Format format) {
            format == QImage::Format_ARGB32_Premultiplied;
 }
 
+// From the lightest pixels on down: each is as light as it can become when its turn comes, so that it is gone through
+// once, wherever the ways lead.
+void floodByLevels(Plane& seed, const Plane& plane) {
+    std::array<std::vector<int>, 256> pending; // places in the planes, by the level that they had when they were added
+    for (std::size_t i = 0; i < seed.pixels.size(); ++i) {
+        pending[seed.pixels[i]].push_back(int(i));
+    }
+    for (int level = 255; level > 0; --level) {
+        std::vector<int>& places = pending[std::size_t(level)];
+        while (!places.empty()) {
+            const int place = places.back();
+            places.pop_back();
+            if (seed.pixels[std::size_t(place)] != level) {
+                continue; // it has risen since
+            }
+            const auto flow = [&](int next) {
+                const int reachable = std::min<int>(level, plane.pixels[std::size_t(next)]);
+                if (reachable > seed.pixels[std::size_t(next)]) {
+                    seed.pixels[std::size_t(next)] = std::uint8_t(reachable);
+                    pending[std::size_t(reachable)].push_back(next);
+                }
+            };
+            const int x = place % plane.width;
+            if (x > 0) {
+                flow(place - 1);
+            }
+            if (x + 1 < plane.width) {
+                flow(place + 1);
+            }
+            if (place >= plane.width) {
+                flow(place - plane.width);
+            }
+            if (place + plane.width < int(plane.pixels.size())) {
+                flow(place + plane.width);
+            }
+        }
+    }
+}
+
 } // namespace
 
 Plane lightness(const QImage& image, const QRect& area, Lettering lettering) {
@@ -217,7 +256,9 @@ Plane lightestAround(const Plane& plane, int radius) {
 }
 
 Plane floodedFrom(Plane seed, const Plane& plane) {
-    // Sweeps down and up alternately settle everything but spirals in two or three rounds.
+    // Sweeps down and up alternately settle what pictures of cards have in two or three rounds. A winding path takes a
+    // round for each of its turns, and a picture may hold hundreds of them.
+    constexpr int mostRounds = 4;
     const int width = plane.width;
     const auto settle = [&](int x, int y, int fromX, int fromY) {
         std::uint8_t& level = seed.row(y)[x];
@@ -227,7 +268,7 @@ Plane floodedFrom(Plane seed, const Plane& plane) {
         return rises;
     };
     bool changed = true;
-    while (changed) {
+    for (int round = 0; changed && round < mostRounds; ++round) {
         changed = false;
         for (int y = 0; y < plane.height; ++y) {
             for (int x = 0; x < width; ++x) {
@@ -249,6 +290,9 @@ Plane floodedFrom(Plane seed, const Plane& plane) {
                 }
             }
         }
+    }
+    if (changed) {
+        floodByLevels(seed, plane);
     }
     return seed;
 }

@@ -124,6 +124,74 @@ TEST(PlaneTest, FloodFollowsASpiral) {
     EXPECT_EQ(floodedFrom(seed, plane), plane);
 }
 
+// Lanes of light with walls between them, which a gate leads through at one end and at the other in turn.
+Plane lanes(int width, int height, bool across) {
+    Plane plane(width, height);
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            const int lane = across ? x : y;
+            const int along = across ? y : x;
+            const int end = (across ? height : width) - 1;
+            const bool isGate = along == (lane % 4 == 1 ? end : 0);
+            plane.row(y)[x] = lane % 2 == 0 || isGate ? std::uint8_t(255 - lane % 200) : std::uint8_t(0);
+        }
+    }
+    return plane;
+}
+
+// Each pixel again and again, until nothing rises.
+Plane plainFlood(Plane level, const Plane& plane) {
+    for (bool rises = true; rises;) {
+        rises = false;
+        for (int y = 0; y < plane.height; ++y) {
+            for (int x = 0; x < plane.width; ++x) {
+                std::uint8_t most = level.at(x, y);
+                most = std::max(most, x > 0 ? level.at(x - 1, y) : most);
+                most = std::max(most, y > 0 ? level.at(x, y - 1) : most);
+                most = std::max(most, x + 1 < plane.width ? level.at(x + 1, y) : most);
+                most = std::max(most, y + 1 < plane.height ? level.at(x, y + 1) : most);
+                most = std::min(most, plane.at(x, y));
+                rises |= most > level.at(x, y);
+                level.row(y)[x] = std::max(level.at(x, y), most);
+            }
+        }
+    }
+    return level;
+}
+
+TEST(PlaneTest, FloodFindsEveryWayHoweverManyTurnsItTakes) {
+    struct Row {
+        Plane plane;
+        const char* why;
+    };
+
+    const Row table[] = {
+        {lanes(61, 41, false), "lanes from left to right"}, {lanes(61, 41, true), "lanes from top to bottom"},
+        {randomPlane(60, 40, 3), "as rough as can be"},     {lanes(61, 1, true), "a single row"},
+        {lanes(1, 41, false), "a single column"},
+    };
+    for (const Row& row : table) {
+        SCOPED_TRACE(row.why);
+        for (const bool atEnd : {false, true}) {
+            Plane seed(row.plane.width, row.plane.height);
+            (atEnd ? seed.pixels.back() : seed.pixels.front()) =
+                atEnd ? row.plane.pixels.back() : row.plane.pixels.front();
+            EXPECT_EQ(floodedFrom(seed, row.plane), plainFlood(seed, row.plane));
+        }
+    }
+    EXPECT_TRUE(floodedFrom(Plane(), Plane()).pixels.empty());
+}
+
+TEST(PlaneTest, FloodOfALongWayTakesNoLongerThanThatOfAShortOne) {
+    // Sweeps would go over it a thousand times.
+    const Plane plane = lanes(4000, 1000, true);
+    Plane seed(plane.width, plane.height);
+    seed.pixels.front() = plane.pixels.front();
+    const Plane flooded = floodedFrom(seed, plane);
+    EXPECT_EQ(flooded.at(2, 999), plane.at(2, 999));
+    EXPECT_EQ(flooded.at(3998, 500), 56) << "as light as the darkest lane on the way";
+}
+
 } // namespace
 
 } // namespace pelloran
