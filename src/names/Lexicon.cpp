@@ -66,9 +66,19 @@ std::uint64_t occurrenceBit(char16_t character, unsigned repeat) {
 
 std::uint64_t sketchOf(std::u16string_view text) {
     std::uint64_t sketch = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto repeat = static_cast<unsigned>(std::ranges::count(text.substr(0, i), text[i]));
-        sketch |= occurrenceBit(text[i], std::min(repeat, mostRepeats));
+    // Looking back is quickest for texts as short as names are; a file may have them of any length.
+    if (constexpr std::size_t longest = 64; text.size() <= longest) {
+        for (std::size_t i = 0; i < text.size(); ++i) {
+            const auto repeat = static_cast<unsigned>(std::ranges::count(text.substr(0, i), text[i]));
+            sketch |= occurrenceBit(text[i], std::min(repeat, mostRepeats));
+        }
+        return sketch;
+    }
+    std::unordered_map<char16_t, unsigned> counts;
+    for (const char16_t character : text) {
+        unsigned& count = counts[character];
+        sketch |= occurrenceBit(character, count);
+        count = std::min(count + 1, mostRepeats);
     }
     return sketch;
 }

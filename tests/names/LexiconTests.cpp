@@ -2,7 +2,7 @@
 
 #include "names/NameMatching.h"
 #include "names/ReadingDistance.h"
-#include "tests/names/ReadingDistanceReference.h"
+#include "tests/names/LexiconReference.h"
 #include "tests/support/Printing.h"
 #include "tests/support/SharedData.h"
 
@@ -313,83 +313,6 @@ TEST(Lexicon, ResemblanceAgreesWithTheUsualTable) {
     }
 }
 
-bool hasIdeograph(const QString& text) {
-    return std::ranges::any_of(text, [](QChar each) { return each >= QChar(0x4E00) && each <= QChar(0x9FFF); });
-}
-
-// What settling comes to when every name is looked at.
-class PlainLexicon {
-public:
-    PlainLexicon(const std::vector<KnownName>& names, const Lexicon::Tolerance& nearEnough)
-        : tolerance(nearEnough) {
-        std::map<QString, std::size_t> places;
-        for (const KnownName& name : names) {
-            const QString normalized = NameMatching::normalize(name.text);
-            if (const auto same = places.find(normalized); same != places.end()) {
-                candidates[same->second].kinds |= name.kinds;
-                candidates[same->second].anyKind |= !name.kinds;
-            } else if (!normalized.isEmpty()) {
-                places.emplace(normalized, candidates.size());
-                candidates.push_back(
-                    {name.text, normalized, ReadingDistance::folded(name.text), name.kinds, !name.kinds});
-            }
-        }
-    }
-
-    std::optional<Settled> settle(const QString& line, NameKinds fitting) const {
-        const QString normalized = NameMatching::normalize(line);
-        const QString folded = ReadingDistance::folded(line);
-        if (normalized.isEmpty()) {
-            return std::nullopt;
-        }
-        if (const auto exact = std::ranges::find(candidates, normalized, &Candidate::normalized);
-            exact != candidates.end()) {
-            return Settled{exact->text, 0};
-        }
-        if (folded.isEmpty()) {
-            return std::nullopt;
-        }
-        if (const auto alike = std::ranges::count(candidates, folded, &Candidate::folded); alike != 0) {
-            const auto first = std::ranges::find(candidates, folded, &Candidate::folded);
-            return alike > 1 ? std::nullopt : std::optional(Settled{first->text, 0});
-        }
-        const bool chinese = hasIdeograph(folded);
-        const double perCharacter = chinese ? std::max(tolerance.perCharacter, 0.34) : tolerance.perCharacter;
-        std::vector<std::pair<double, const Candidate*>> distances;
-        for (const Candidate& candidate : candidates) {
-            if (candidate.folded.isEmpty() || hasIdeograph(candidate.folded) != chinese) {
-                continue;
-            }
-            const bool misfit = fitting && !candidate.anyKind && !(candidate.kinds & fitting);
-            distances.emplace_back(reference::readingDistance(folded, candidate.folded) + (misfit ? 1 : 0), &candidate);
-        }
-        std::ranges::sort(distances);
-        if (distances.empty()) {
-            return std::nullopt;
-        }
-        const auto& [distance, nearest] = distances.front();
-        const auto length = static_cast<double>(nearest->folded.size());
-        const bool near = distance <= 4 && distance <= perCharacter * length;
-        const bool alone = distances.size() == 1 || distances[1].first - distance >= tolerance.margin;
-        const bool cutFromAnother =
-            !nearest->folded.startsWith(folded) &&
-            std::ranges::any_of(distances, [&](const auto& other) { return other.second->folded.startsWith(folded); });
-        return near && alone && !cutFromAnother ? std::optional(Settled{nearest->text, distance}) : std::nullopt;
-    }
-
-private:
-    struct Candidate {
-        QString text;
-        QString normalized;
-        QString folded;
-        NameKinds kinds;
-        bool anyKind;
-    };
-
-    Lexicon::Tolerance tolerance;
-    std::vector<Candidate> candidates;
-};
-
 // Readings as the recogniser might give them: mostly near the text.
 QString perturbed(const QString& text, std::mt19937& random) {
     const QString letters = u"aeiounrmtlcdvwhs1- é"_s;
@@ -429,7 +352,7 @@ QString perturbed(const QString& text, std::mt19937& random) {
 void expectAgreementOnPerturbedNames(const std::vector<KnownName>& names, const Lexicon::Tolerance& tolerance,
                                      int readings, std::mt19937& random, std::map<bool, int>& seen) {
     const Lexicon lexicon(names, tolerance);
-    const PlainLexicon plain(names, tolerance);
+    const reference::PlainLexicon plain(names, tolerance);
     for (int i = 0; i < readings; ++i) {
         const QString line = perturbed(names[random() % names.size()].text, random);
         const auto fitting = random() % 2 == 0 ? NameKinds{} : NameKinds(static_cast<NameKind>(1U << random() % 5));
@@ -562,6 +485,15 @@ TEST(Lexicon, LongLinesAndManyNamesAreNoTrouble) {
     const QString longName = QString(5'000, u'r') + u"n"_s + QString(5'000, u'a');
     const Lexicon few({{longName, {}}, {u"X"_s, {}}}, Lexicon::forCards);
     EXPECT_EQ(few.settle(QString(longName).replace(u"rn"_s, u"rnx"_s)), (Settled{longName, 1}));
+
+    // Looking back from each of its characters at all before it would take a minute.
+    QString endless;
+    for (int i = 0; i < 400'000; ++i) {
+        endless += QChar(0x4E00 + i * 7919 % 20'000);
+    }
+    const Lexicon hostile({{endless, {}}, {u"X"_s, {}}}, Lexicon::forCards);
+    EXPECT_EQ(hostile.settle(u"王"_s), std::nullopt);
+    EXPECT_EQ(hostile.settle(endless.chopped(1)), (Settled{endless, 1}));
 }
 
 TEST(Lexicon, IsAskedFromSeveralThreads) {
