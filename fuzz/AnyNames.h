@@ -1,5 +1,6 @@
 #pragma once
 
+#include "fuzz/Bytes.h"
 #include "fuzz/Require.h"
 #include "names/Lexicon.h"
 #include "reading/chinese/CharacterModel.h"
@@ -7,30 +8,12 @@
 #include <QFile>
 #include <QStringList>
 
-#include <cstdint>
-#include <iterator>
 #include <memory>
 #include <utility>
 #include <vector>
 
 // What several targets make of their bytes.
 namespace pelloran::fuzzing {
-
-// The input from front to back, then zeros.
-class Bytes {
-public:
-    Bytes(const std::uint8_t* data, std::size_t size)
-        : next(data)
-        , end(data + size) {}
-
-    int take() { return next == end ? 0 : *next++; }
-
-    bool isEmpty() const { return next == end; }
-
-private:
-    const std::uint8_t* next;
-    const std::uint8_t* end;
-};
 
 // That ships.
 inline std::shared_ptr<const CharacterModel> model() {
@@ -42,21 +25,6 @@ inline std::shared_ptr<const CharacterModel> model() {
         return std::make_shared<const CharacterModel>(*std::move(parsed));
     }();
     return shipped;
-}
-
-// What names are made of: characters that the model knows, some that it does not (beyond 16 bits, too), marks, letters,
-// digits, spaces, and halves of characters.
-inline constexpr char16_t nameLetters[] =
-    u"一二十口日田王木火人不之龙游·：，！“” Aaz09é々〇㐀\xD840\xDC00\xD83D\xD800\xDC00\0";
-
-inline QString nameFrom(Bytes& bytes) {
-    QString name;
-    for (int length = bytes.take() % 26; length > 0; --length) {
-        const int which = bytes.take();
-        name += which < 128 ? QChar(nameLetters[std::size_t(which) % (std::size(nameLetters) - 1)])
-                            : QChar(0x4E00 + (which - 128) * 160 + bytes.take());
-    }
-    return name;
 }
 
 // Some that are always the same, and some from the bytes.

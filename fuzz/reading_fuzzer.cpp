@@ -1,5 +1,5 @@
 // Any picture, any known names, and any reading of its Latin lines; Chinese ones are read with the model that ships.
-// The reader has to come to an end, and what it offers has to be names.
+// The reader has to come to an end, and what it offers has to be names, within the picture.
 
 #include "fuzz/AnyNames.h"
 #include "reading/LineByLineReader.h"
@@ -33,11 +33,29 @@ private:
     const std::function<LineReading(const QImage&)> answer;
 };
 
+// Most pictures are too small for the search that looks everywhere; that takes ten times as long.
+QSize sizeFrom(Bytes& bytes, bool isOther) {
+    if (!isOther) {
+        return {std::min(256, 24 + bytes.take()), std::min(256, 24 + bytes.take())};
+    }
+    const int kind = bytes.take();
+    const QSize small(bytes.take() % 24, bytes.take() % 24);
+    switch (kind % 4) {
+    case 0:
+        return small;
+    case 1:
+        return {small.width() + 1, 40 * small.height() + 1};
+    case 2:
+        return {40 * small.width() + 1, small.height() + 1};
+    default:
+        return {440 + 8 * small.width(), 330 + 6 * small.height()};
+    }
+}
+
 // Rectangles in any colours on any ground: letters where names stand if the bytes say so, else anywhere.
-QImage paintedFrom(Bytes& bytes) {
-    // Smaller ones are enlarged a lot, which takes long and shows nothing that they do not.
-    const int width = std::min(256, 24 + bytes.take());
-    const int height = std::min(256, 24 + bytes.take());
+QImage paintedFrom(Bytes& bytes, const QSize& size) {
+    const int width = size.width();
+    const int height = size.height();
     constexpr QImage::Format formats[] = {QImage::Format_RGB32, QImage::Format_RGB888, QImage::Format_Grayscale8,
                                           QImage::Format_RGBA64};
     const QRgb grounds[] = {qRgb(96, 68, 42), qRgb(60, 5, 3), qRgb(200, 175, 135), qRgb(0, 0, 0), qRgb(255, 255, 255)};
@@ -99,7 +117,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Bytes bytes(data, size);
     const int how = bytes.take();
     const QStringList names = fuzzing::namesFrom(bytes);
-    const QImage image = paintedFrom(bytes);
+    const QImage image = paintedFrom(bytes, sizeFrom(bytes, how & 128));
     std::size_t readings = 0;
     auto lines = std::make_unique<ToldLineReader>([&](const QImage& picture) {
         require(!picture.isNull() && picture.format() == QImage::Format_Grayscale8);
@@ -126,6 +144,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         for (const OCRToken& token : text.tokens) {
             require(!token.text.isEmpty());
             require(!hints.names || names.contains(token.text));
+            require(token.width > 0 && token.width <= 1 && token.height > 0 && token.height <= 1);
+            require(token.midX > 0 && token.midX < 1 && token.midY > 0 && token.midY < 1);
         }
     }
     return 0;

@@ -1,0 +1,144 @@
+// Any bytes as public lists of cards, and any file or table that is filled from them. A list is taken or refused with
+// reasons; what it fills is still such a file, says what it said before, and is filled once.
+
+#include "data/CardFile.h"
+#include "fuzz/Bytes.h"
+#include "fuzz/Require.h"
+#include "json/StrictJson.h"
+#include "publish/CardLists.h"
+#include "publish/CardTable.h"
+#include "publish/Csv.h"
+#include "publish/FilledFiles.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <array>
+#include <cstdint>
+
+namespace {
+
+using namespace pelloran;
+using fuzzing::Bytes;
+using fuzzing::require;
+
+constexpr std::array<const char*, 6> fileNames{"enUS.json", "cards.zhCN.json", "cards.json",
+                                               "deDE.json", "zh-cn_enUS.json", "zhCN=cards.json"};
+
+// A folder in memory or on the disk, as the system has it, the same for all runs.
+QString listFile(std::size_t which, const QByteArray& list) {
+    static const QTemporaryDir folder;
+    require(folder.isValid());
+    const QString path = folder.path() + u'/' + QString::fromLatin1(fileNames[which % fileNames.size()]);
+    QFile file(path);
+    require(file.open(QIODevice::WriteOnly) && file.write(list) == list.size());
+    return path;
+}
+
+void checkReasons(const QStringList& reasons) {
+    require(!reasons.isEmpty() && !reasons.contains(QString()));
+}
+
+void fillCards(const QByteArray& json, const CardLists& lists) {
+    const auto filled = filledCardFile(json, lists);
+    if (!filled) {
+        checkReasons(filled.error());
+        return;
+    }
+    const auto again = filledCardFile(filled->bytes, lists);
+    require(again && again->bytes == filled->bytes);
+    const auto before = CardFile::decode(json, QStringLiteral("cards.json"));
+    const auto after = CardFile::decode(filled->bytes, QStringLiteral("cards.json"));
+    if (!before || !after || before->rows.size() != after->rows.size()) {
+        return;
+    }
+    // Figures are nobody's but the source's.
+    for (std::size_t i = 0; i < before->rows.size(); ++i) {
+        require(after->rows[i].cardId == before->rows[i].cardId || before->rows[i].cardId.isEmpty());
+        require(after->rows[i].deckWinRate == before->rows[i].deckWinRate);
+        require(after->rows[i].numGames == before->rows[i].numGames);
+    }
+}
+
+void fillClasses(const QByteArray& json, const CardLists& lists) {
+    const QByteArray filled = filledClassFile(json, lists);
+    require(filledClassFile(filled, lists) == filled);
+    const auto before = ClassWinrateFile::decode(json);
+    const auto after = ClassWinrateFile::decode(filled);
+    require(before.has_value() == after.has_value());
+    for (std::size_t i = 0; before && i < before->classes.size(); ++i) {
+        require(after->classes.at(i).playerClass == before->classes[i].playerClass);
+    }
+}
+
+void fillTable(const QByteArray& table, const CardLists& lists) {
+    const auto filled = cardsFromTable(table, QStringLiteral("then"), lists);
+    if (!filled) {
+        checkReasons(filled.error());
+        return;
+    }
+    const auto decoded = CardFile::decode(filled->file, QStringLiteral("table"));
+    require(decoded && !decoded->rows.empty());
+    for (const CardStats& row : decoded->rows) {
+        require(!row.cardId.isEmpty());
+        const ListedRow found = lists.find(row.cardId, {});
+        if (found.card && row.nameEn.value_or(QString()).isEmpty()) {
+            require(found.card->card.nameEn.value_or(QString()).isEmpty());
+        }
+    }
+}
+
+// Cells of any text, written as spreadsheets do.
+void checkCsv(const QByteArray& bytes) {
+    std::vector<QStringList> rows;
+    for (const QByteArray& line : bytes.split('\x01')) {
+        QStringList cells;
+        for (const QByteArray& cell : line.split('\x02')) {
+            cells.push_back(QString::fromUtf8(cell));
+        }
+        if (cells.size() > 1 || !cells.front().isEmpty()) {
+            rows.push_back(cells);
+        }
+    }
+    QString text;
+    for (const QStringList& cells : rows) {
+        QStringList quoted;
+        for (QString cell : cells) {
+            quoted.push_back(u'"' + cell.replace(u'"', QStringLiteral("\"\"")) + u'"');
+        }
+        text += quoted.join(u';') + QStringLiteral("\r\n");
+    }
+    const auto parsed = parseCsv(text, u';');
+    require(parsed && parsed->size() == rows.size());
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        require((*parsed)[i].cells == rows[i]);
+    }
+}
+
+} // namespace
+
+// NOLINTNEXTLINE(readability-identifier-naming): the name is libFuzzer's.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    Bytes bytes(data, size);
+    const int how = bytes.take();
+    // Up to two lists, and what is filled from them, each ended by a NUL.
+    const QList<QByteArray> parts = bytes.rest().split('\0');
+    checkCsv(parts.back());
+    QStringList files;
+    for (qsizetype i = 0; i + 1 < parts.size() && i < 2; ++i) {
+        files.push_back(listFile(std::size_t(how) % 6 + std::size_t(i), parts[i]));
+    }
+    const auto lists = CardLists::read(files);
+    if (!lists) {
+        checkReasons(lists.error());
+        return 0;
+    }
+    for (const QString& playerClass : {QStringLiteral("MAGE"), QStringLiteral("mage"), QString()}) {
+        QStringList names = lists->heroNames(playerClass);
+        require(!names.contains(QString()) && names.removeDuplicates() == 0);
+    }
+    fillCards(parts.back(), *lists);
+    fillClasses(parts.back(), *lists);
+    fillTable(parts.back(), *lists);
+    return 0;
+}

@@ -1,0 +1,202 @@
+// Any small picture, in any format and with rows of any length in memory: what every search for text begins with. All
+// of it is held against the plainest way to say it.
+
+#include "fuzz/AnyPlanes.h"
+#include "fuzz/Require.h"
+#include "reading/Components.h"
+#include "reading/LineDetector.h"
+#include "reading/SteadyLines.h"
+#include "recognition/WindowCapture.h"
+
+#include <QImage>
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstdint>
+#include <vector>
+
+namespace {
+
+using namespace pelloran;
+using fuzzing::Bytes;
+using fuzzing::require;
+
+QRect wholeOf(const Plane& plane) {
+    return {0, 0, plane.width, plane.height};
+}
+
+// Whatever lies behind the end of a row must not be seen.
+void readStrided(Bytes& bytes) {
+    constexpr QImage::Format formats[] = {
+        QImage::Format_RGB32,    QImage::Format_ARGB32,     QImage::Format_ARGB32_Premultiplied,
+        QImage::Format_RGB888,   QImage::Format_RGB16,      QImage::Format_RGBA8888,
+        QImage::Format_RGBA64,   QImage::Format_Grayscale8, QImage::Format_Mono,
+        QImage::Format_Indexed8, QImage::Format_Alpha8,     QImage::Format_BGR30,
+        QImage::Format_RGB555,   QImage::Format_RGBX64,     QImage::Format_Grayscale16,
+        QImage::Format_MonoLSB};
+    const QImage::Format format = formats[bytes.take() % 16];
+    const int width = bytes.take() % 80;
+    const int height = bytes.take() % 80;
+    const int gap = bytes.take() % 40 * 4;
+    const Lettering lettering = Lettering(bytes.take() % 3);
+    const QRect area(bytes.take() - 128, bytes.take() - 128, bytes.take(), bytes.take());
+    const QImage packed(width, height, format);
+    const qsizetype stride = packed.bytesPerLine() + gap;
+    std::vector<std::uint8_t> memory(std::size_t(stride) * std::size_t(height) + 1);
+    fuzzing::Grain grain(bytes.take());
+    std::ranges::generate(memory, [&] { return grain.next(); });
+    const auto plane = [&] {
+        QImage image(memory.data(), width, height, stride, format);
+        if (format == QImage::Format_Indexed8 || format == QImage::Format_Mono || format == QImage::Format_MonoLSB) {
+            QList<QRgb> colors;
+            for (int i = 0; i < (format == QImage::Format_Indexed8 ? 256 : 2); ++i) {
+                colors.push_back(qRgb(i * 91, i * 37, 255 - i));
+            }
+            image.setColorTable(colors);
+        }
+        return lightness(image, area, lettering);
+    };
+    const Plane first = plane();
+    const QRect part = area.intersected(QRect(0, 0, width, height));
+    require(part.isEmpty() ? first.pixels.empty() : first.width == part.width() && first.height == part.height());
+    for (int y = 0; y < height; ++y) {
+        const auto row = memory.begin() + std::ptrdiff_t(y * stride);
+        std::fill(row + packed.bytesPerLine(), row + stride, std::uint8_t(0));
+    }
+    require(plane() == first);
+}
+
+void checkComponents(const Plane& mask) {
+    const Components components = componentsOf(mask);
+    require(components.numbers.size() == mask.pixels.size());
+    std::vector<Components::Group> counted(components.groups.size());
+    for (int y = 0; y < mask.height; ++y) {
+        for (int x = 0; x < mask.width; ++x) {
+            const auto at = std::size_t(y) * std::size_t(mask.width) + std::size_t(x);
+            const int number = components.numbers[at];
+            require((number != 0) == (mask.pixels[at] != 0));
+            if (number != 0) {
+                Components::Group& group = counted.at(std::size_t(number) - 1);
+                group.box |= QRect(x, y, 1, 1);
+                ++group.area;
+            }
+        }
+    }
+    for (std::size_t i = 0; i < counted.size(); ++i) {
+        require(counted[i].box == components.groups[i].box && counted[i].area == components.groups[i].area);
+    }
+}
+
+// Each pixel again and again, until nothing rises.
+Plane plainFlood(Plane level, const Plane& plane) {
+    for (bool rises = true; rises;) {
+        rises = false;
+        for (int y = 0; y < plane.height; ++y) {
+            for (int x = 0; x < plane.width; ++x) {
+                std::uint8_t most = level.at(x, y);
+                most = std::max(most, x > 0 ? level.at(x - 1, y) : most);
+                most = std::max(most, y > 0 ? level.at(x, y - 1) : most);
+                most = std::max(most, x + 1 < plane.width ? level.at(x + 1, y) : most);
+                most = std::max(most, y + 1 < plane.height ? level.at(x, y + 1) : most);
+                most = std::min(most, plane.at(x, y));
+                rises |= most > level.at(x, y);
+                level.row(y)[x] = std::max(level.at(x, y), most);
+            }
+        }
+    }
+    return level;
+}
+
+void checkFlood(const Plane& plane, Bytes& bytes) {
+    Plane seed(plane.width, plane.height);
+    for (int spots = bytes.take() % 8; spots > 0 && !plane.pixels.empty(); --spots) {
+        const int x = bytes.take() * plane.width / 256;
+        const int y = bytes.take() * plane.height / 256;
+        seed.row(y)[x] = std::min(plane.at(x, y), std::uint8_t(bytes.take()));
+    }
+    require(floodedFrom(seed, plane) == plainFlood(seed, plane));
+}
+
+void checkExtremes(const Plane& plane, int radius) {
+    const Plane dark = darkestAround(plane, radius);
+    const Plane light = lightestAround(plane, radius);
+    require(dark.width == plane.width && light.height == plane.height);
+    for (int y = 0; y < plane.height; y += 1 + plane.height / 7) {
+        for (int x = 0; x < plane.width; x += 1 + plane.width / 7) {
+            const QRect square =
+                QRect(x - radius, y - radius, 2 * radius + 1, 2 * radius + 1).intersected(wholeOf(plane));
+            const Plane around = cropped(plane, square);
+            require(dark.at(x, y) == std::ranges::min(around.pixels));
+            require(light.at(x, y) == std::ranges::max(around.pixels));
+        }
+    }
+}
+
+void checkSizes(const Plane& plane, Bytes& bytes) {
+    const double scale = bytes.take() / 64.0;
+    const Plane larger = resampled(plane, scale);
+    require(larger.pixels.size() == std::size_t(larger.width) * std::size_t(larger.height));
+    const int times = bytes.take() % 10;
+    const Plane smaller = shrunk(plane, times);
+    require(smaller.width == plane.width >> times && smaller.height == plane.height >> times);
+    const int median = percentile(plane, 0.5);
+    require(std::ranges::count_if(plane.pixels, [&](int value) { return value < median; }) * 2 <=
+            std::ssize(plane.pixels));
+    const double value = sampleAt(plane, bytes.take() / 2.0 - 3, bytes.take() / 2.0 - 3);
+    require(value >= 0 && value <= 255);
+    const QRectF fraction(bytes.take() / 128.0 - 0.5, bytes.take() / 128.0 - 0.5, bytes.take() / 64.0 - 2,
+                          std::bit_cast<double>(bytes.takeNumber(8)));
+    const auto piece = WindowCapture::crop(imageOf(plane), fraction);
+    require(!piece || (piece->width() > 2 && piece->height() > 2 && piece->width() <= plane.width &&
+                       piece->height() <= plane.height));
+}
+
+void checkSteadiness(const Plane& plane, Bytes& bytes) {
+    const QImage window = imageOf(plane).convertToFormat(QImage::Format_RGB32);
+    LinePlace place{bytes.take() - 4.0, bytes.take() - 4.0, bytes.take() / 4.0, {}};
+    for (double& top : place.tops) {
+        top = bytes.take() / 2.0 - 4;
+    }
+    const Plane sample = sampleOf(window, place);
+    require(sample.pixels.empty() || (sample.width > 0 && sample.height <= 24));
+    require(sample.pixels.empty() || isSteady(sample, sample));
+    Plane other = sample;
+    std::ranges::reverse(other.pixels);
+    const double far = difference(sample, other);
+    require(far >= 0 && far <= 255);
+}
+
+} // namespace
+
+// NOLINTNEXTLINE(readability-identifier-naming): the name is libFuzzer's.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    Bytes bytes(data, size);
+    const int what = bytes.take();
+    if (what % 8 == 0) {
+        readStrided(bytes);
+        return 0;
+    }
+    const int width = bytes.take() % 64; // what goes wrong at all does so in small pictures
+    const int height = bytes.take() % 64;
+    const Plane plane = fuzzing::planeFrom(bytes, width, height);
+    switch (what % 8) {
+    case 1:
+        checkComponents(plane);
+        checkComponents(strokes(plane, 0.2 + bytes.take() / 100.0));
+        break;
+    case 2:
+    case 3:
+        checkFlood(plane, bytes);
+        break;
+    case 4:
+        checkExtremes(plane, bytes.take() % 12);
+        break;
+    case 5:
+        checkSteadiness(plane, bytes);
+        break;
+    default:
+        checkSizes(plane, bytes);
+    }
+    return 0;
+}
