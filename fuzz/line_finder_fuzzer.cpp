@@ -80,11 +80,16 @@ void detect(const Plane& plane, Bytes& bytes) {
     }
 }
 
+// Of the picture of the game of which the plane is a part, such that what stands at that place is in its middle.
+GameFrame frameAround(const Plane& plane, double x, double y, Bytes& bytes) {
+    const double height = 300 + 4 * bytes.take();
+    return {height, (plane.width + bytes.take() / 8.0) / 2 - x * height,
+            (plane.height + bytes.take() / 8.0) / 2 - y * height};
+}
+
 void findRibbons(const Plane& plane, Bytes& bytes) {
-    GameFrame frame = frameOf(QSize(plane.width, plane.height));
-    frame = frame.seenFrom(QPointF(bytes.take() / 8.0, bytes.take() / 8.0), 1);
-    frame.height *= 1 + bytes.take() % 4; // a part of a larger picture
     const double centre = cardCentres[std::size_t(bytes.take()) % 3];
+    const GameFrame frame = frameAround(plane, centre, 0.375, bytes);
     const std::array letters{&latinOnRibbons, &latinInShade, &chineseOnRibbons};
     const auto lines = findRibbonLines(plane, frame, centre, {}, *letters[std::size_t(bytes.take()) % letters.size()]);
     require(lines.size() <= nameCurves.size());
@@ -100,9 +105,7 @@ void findRibbons(const Plane& plane, Bytes& bytes) {
 }
 
 void findRows(const Plane& plane, Bytes& bytes) {
-    // Of the picture the plane is a band of about a fifth of the height.
-    const double height = 1 + plane.height * (4 + bytes.take() / 64.0);
-    const GameFrame usual{height, plane.width / 2.0 + bytes.take() - 128, -0.3 * height};
+    const GameFrame usual = frameAround(plane, cardCentres[1], 0.385, bytes);
     const auto rows = findLetterRows(plane, usual);
     require(rows.size() <= 3);
     for (const LetterRow& row : rows) {
@@ -128,8 +131,8 @@ QImage onGround(const Plane& plane, int ground) {
 
 void findHeroes(const Plane& plane, Bytes& bytes) {
     const QImage window = onGround(plane, bytes.take());
-    const GameFrame frame = frameOf(window.size());
     const double centre = heroCentres[std::size_t(bytes.take()) % 2][std::size_t(bytes.take()) % 3];
+    const GameFrame frame = frameAround(plane, centre, 0.525, bytes);
     for (const double stroke : {usualStroke, thinStroke}) {
         const auto lines = findHeroLines(window, frame, centre, stroke);
         require(lines.size() <= mostHeroLines);

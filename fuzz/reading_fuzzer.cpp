@@ -48,7 +48,7 @@ QSize sizeFrom(Bytes& bytes, bool isOther) {
     case 2:
         return {40 * small.width() + 1, small.height() + 1};
     default:
-        return {440 + 8 * small.width(), 330 + 6 * small.height()};
+        return {720 + 8 * small.width(), 540 + 6 * small.height()};
     }
 }
 
