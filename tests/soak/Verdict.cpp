@@ -1,0 +1,147 @@
+#include "tests/soak/Verdict.h"
+
+#include "tests/soak/Trend.h"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <map>
+
+namespace pelloran::soak {
+
+namespace {
+
+constexpr double thousand = 1000;
+
+std::vector<Point> points(std::span<const Sample> samples, const std::function<double(const Sample&)>& figure) {
+    std::vector<Point> all;
+    for (const Sample& sample : samples) {
+        all.push_back({static_cast<double>(sample.tick), figure(sample)});
+    }
+    return all;
+}
+
+QString kilobytes(double value) {
+    return QStringLiteral("%1 KB").arg(value, 0, 'f', 1);
+}
+
+Judged growth(const QString& what, std::span<const Sample> samples, const std::function<double(const Sample&)>& figure,
+              std::optional<double> bound, std::optional<double> period) {
+    const auto grows = slope(points(samples, figure), period);
+    if (!grows) {
+        return {what, QStringLiteral("too few samples"), {}, bound.has_value()};
+    }
+    const double each = *grows * thousand;
+    return {what, QStringLiteral("%1 per 1,000 ticks").arg(kilobytes(each)),
+            bound ? QStringLiteral("at most %1").arg(kilobytes(*bound)) : QString(), bound && each > *bound};
+}
+
+Judged drift(std::span<const Sample> samples, const Bounds& bounds) {
+    const QString what = QStringLiteral("drift of a tick's cost");
+    const auto cost = [](const Sample& sample) { return sample.tickCost; };
+    const auto grows = slope(points(samples, cost), bounds.period);
+    std::vector<double> costs;
+    for (const Sample& sample : samples) {
+        costs.push_back(sample.tickCost);
+    }
+    const double usual = median(costs);
+    if (!grows || usual <= 0) {
+        return {what, QStringLiteral("too few samples"), {}, bounds.tickCost.has_value()};
+    }
+    const auto span = static_cast<double>(samples.back().tick - samples.front().tick);
+    const double share = *grows * span / usual;
+    const auto percent = [](double part) { return QStringLiteral("%1 %").arg(part * 100, 0, 'f', 1); };
+    return {what,
+            QStringLiteral("%1 over the second half, of a median of %2 ms")
+                .arg(percent(share))
+                .arg(usual / thousand, 0, 'f', 2),
+            bounds.tickCost ? QStringLiteral("at most %1").arg(percent(*bounds.tickCost)) : QString(),
+            bounds.tickCost && share > *bounds.tickCost};
+}
+
+// At each place of the period by itself, so that a count that grows does not hide behind a larger one elsewhere.
+Judged constant(const QString& what, std::span<const Sample> first, std::span<const Sample> second, int Sample::* count,
+                const Bounds& bounds) {
+    const auto placeOf = [&](const Sample& sample) {
+        return bounds.period ? std::fmod(static_cast<double>(sample.tick), *bounds.period) : 0.0;
+    };
+    std::map<double, int> most;
+    for (const Sample& sample : first) {
+        int& known = most[placeOf(sample)];
+        known = std::max(known, sample.*count);
+    }
+    bool more = false;
+    for (const Sample& sample : second) {
+        const auto known = most.find(placeOf(sample));
+        more = more || (known != most.end() && sample.*count > known->second);
+    }
+    const auto range = [&](std::span<const Sample> samples) {
+        const auto [least, greatest] = std::ranges::minmax(samples, {}, count);
+        return least.*count == greatest.*count ? QString::number(least.*count)
+                                               : QStringLiteral("%1 to %2").arg(least.*count).arg(greatest.*count);
+    };
+    return {what, QStringLiteral("%1, then %2").arg(range(first), range(second)),
+            bounds.constantCounts ? QStringLiteral("no more in the second half") : QString(),
+            bounds.constantCounts && more};
+}
+
+} // namespace
+
+// An evening of four hours has 16,000 ticks, so 32 KB per 1,000 are half a megabyte then and four in a day and a half:
+// nobody would notice. It is also as little as can be told: what the allocator keeps goes up and down by more than that
+// from one season to the next. What was asked of it does not, and is judged more strictly: 2 KB are a forgotten small
+// object of 32 bytes at every sixteenth tick, and one at every tick 16 times as much.
+// Ticks cost what the processor's caches and neighbours let them; a list that grows with every tick and is searched at
+// every tick costs more than a tenth of a millisecond when it has 10,000 entries.
+const Bounds acceleratedBounds{.resident = 32, .inUse = 2, .tickCost = 0.15, .constantCounts = true, .period = {}};
+
+// Here a thousand ticks are a quarter of an hour, so that minutes tell less: what the desktop does beside it moves
+// memory by some hundreds of kilobytes. A picture that was kept would show with megabytes.
+const Bounds desktopBounds{.resident = 1000, .inUse = {}, .tickCost = {}, .constantCounts = true, .period = {}};
+
+std::vector<Judged> judge(std::span<const Sample> samples, const Bounds& bounds) {
+    constexpr std::size_t fewest = 4;
+    if (samples.size() < fewest) {
+        return {{QStringLiteral("samples"), QString::number(samples.size()), QStringLiteral("at least %1").arg(fewest),
+                 true}};
+    }
+    // The middle by ticks: a run may sample more often at one time than at another.
+    const qint64 middle = (samples.front().tick + samples.back().tick) / 2;
+    const auto border = std::ranges::find_if(samples, [&](const Sample& sample) { return sample.tick >= middle; });
+    const std::span first(samples.begin(), border);
+    const std::span second(border, samples.end());
+    return {
+        growth(
+            QStringLiteral("resident memory"), second, [](const Sample& one) { return double(one.resident); },
+            bounds.resident, bounds.period),
+        growth(
+            QStringLiteral("memory that is no file's"), second, [](const Sample& one) { return double(one.anonymous); },
+            std::nullopt, bounds.period),
+        samples.front().inUse
+            ? growth(
+                  QStringLiteral("memory asked for"), second,
+                  [](const Sample& one) { return double(one.inUse.value_or(0)); }, bounds.inUse, bounds.period)
+            : Judged{QStringLiteral("memory asked for"), QStringLiteral("not known"), {}, false},
+        constant(QStringLiteral("descriptors"), first, second, &Sample::descriptors, bounds),
+        constant(QStringLiteral("threads"), first, second, &Sample::threads, bounds),
+        drift(second, bounds),
+    };
+}
+
+QString table(const std::vector<Judged>& rows) {
+    qsizetype what = 0;
+    qsizetype measured = 0;
+    for (const Judged& row : rows) {
+        what = std::max(what, row.what.size());
+        measured = std::max(measured, row.measured.size());
+    }
+    QString text;
+    for (const Judged& row : rows) {
+        const QString verdict = row.broken ? QStringLiteral("BROKEN: ") + row.bound : row.bound;
+        text +=
+            (row.what.leftJustified(what + 2) + row.measured.leftJustified(measured + 2) + verdict).trimmed() + u'\n';
+    }
+    return text;
+}
+
+} // namespace pelloran::soak
