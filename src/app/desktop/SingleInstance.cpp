@@ -30,6 +30,7 @@ SingleInstance::SingleInstance(const QString& folder, const QString& name)
     , socketPath(folder + u'/' + name + QStringLiteral(".socket"))
     , lock(folder + u'/' + name + QStringLiteral(".lock")) {
     lock.setStaleLockTime(0); // however long it runs; a lock whose process is gone is no lock
+    connect(&hearing, &QTimer::timeout, this, &SingleInstance::listenAgain);
     server.setSocketOptions(QLocalServer::UserAccessOption);
     connect(&server, &QLocalServer::newConnection, this, [this] {
         while (QLocalSocket* asking = server.nextPendingConnection()) {
@@ -54,7 +55,11 @@ SingleInstance::Outcome SingleInstance::begin(std::chrono::milliseconds wait) {
     const QDeadlineTimer deadline(wait);
     do {
         if (lock.tryLock(0)) {
-            return listen() ? Outcome::first : Outcome::unavailable;
+            if (!listen()) {
+                return Outcome::unavailable;
+            }
+            hearing.start(secondLook);
+            return Outcome::first;
         }
         if (lock.error() != QLockFile::LockFailedError) {
             log(QStringLiteral("cannot make %1; a second start will not be noticed").arg(lock.fileName()));
@@ -69,6 +74,7 @@ SingleInstance::Outcome SingleInstance::begin(std::chrono::milliseconds wait) {
 }
 
 void SingleInstance::end() {
+    hearing.stop();
     server.close();
     lock.unlock();
 }
@@ -83,6 +89,14 @@ std::optional<SingleInstance::Running> SingleInstance::running(std::chrono::mill
     // What a crash left is no lock.
     const bool isThere = process > 0 && (::kill(static_cast<pid_t>(process), 0) == 0 || errno == EPERM);
     return isThere ? std::optional(Running{process, answersAtAll(wait)}) : std::nullopt;
+}
+
+// Qt's server closes for good, without a word, when it cannot let one in because no more files can be opened.
+void SingleInstance::listenAgain() {
+    if (!server.isListening()) {
+        QLocalServer::removeServer(socketPath);
+        server.listen(socketPath);
+    }
 }
 
 bool SingleInstance::listen() {

@@ -4,6 +4,7 @@
 #include <QLockFile>
 #include <QObject>
 #include <QString>
+#include <QTimer>
 
 #include <chrono>
 #include <optional>
@@ -32,6 +33,9 @@ public:
     SingleInstance(const QString& folder, const QString& name);
     ~SingleInstance() override;
 
+    // How soon it is noticed that nobody can be heard any more.
+    std::chrono::milliseconds secondLook{5'000};
+
     // Blocks for `wait` at most.
     Outcome begin(std::chrono::milliseconds wait = patience);
 
@@ -55,6 +59,7 @@ Q_SIGNALS:
 
 private:
     bool listen();
+    void listenAgain();
     bool answersAtAll(std::chrono::milliseconds wait) const;
     bool askFirst(std::chrono::milliseconds wait) const;
     void answer(QLocalSocket& asking);
@@ -63,6 +68,7 @@ private:
     QString socketPath;
     QLockFile lock;
     QLocalServer server;
+    QTimer hearing;
 };
 
 // The same for every way to write one X display: the number of the screen and the way there do not matter.

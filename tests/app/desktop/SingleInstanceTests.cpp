@@ -1,6 +1,7 @@
 #include "app/desktop/SingleInstance.h"
 
 #include "base/Log.h"
+#include "tests/support/NoDescriptors.h"
 #include "tests/support/Printing.h"
 #include "tests/support/QtThread.h"
 
@@ -14,7 +15,11 @@
 #include <QTest>
 
 #include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <memory>
 #include <optional>
@@ -189,6 +194,27 @@ TEST_F(SingleInstanceTest, GoesOnWhereNothingCanBeWritten) {
     EXPECT_EQ(SingleInstance(folder.path(), tooLong).begin(), Outcome::unavailable);
     setLogSink({});
     EXPECT_EQ(lines.size(), 3);
+}
+
+TEST_F(SingleInstanceTest, AnswersAgainAfterTooFewFilesCouldBeOpened) {
+    SingleInstance first(folder.path(), name);
+    first.secondLook = 10ms;
+    ASSERT_EQ(first.begin(), Outcome::first);
+    const int asking = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    ASSERT_GE(asking, 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    const QByteArray path = folder.filePath(name + QStringLiteral(".socket")).toLocal8Bit();
+    ASSERT_LT(std::size_t(path.size()), sizeof(address.sun_path));
+    std::ranges::copy(path, address.sun_path);
+    {
+        const testing::NoDescriptors none;
+        ASSERT_EQ(::connect(asking, reinterpret_cast<const sockaddr*>(&address), sizeof(address)), 0);
+        // It is noticed that it cannot be let in, and again and again that nobody can.
+        QTest::qWait(50);
+    }
+    ::close(asking);
+    EXPECT_EQ(startBeside(), Outcome::handedOver);
 }
 
 TEST(InstanceName, IsThatOfTheDisplay) {
