@@ -265,7 +265,8 @@ DataAndNames gatherData(const ApplicationFiles& files, NameLengths lengths, cons
     facts.data.isAgeOfFile = !fetched;
     facts.data.age = ageAt(fetched.value_or(QFileInfo(file).lastModified()), now);
     WinrateStore store(files);
-    static_cast<void>(store.adopt(data));
+    const auto adopted = store.adopt(data);
+    static_cast<void>(adopted); // there are cards
     facts.data.cards = store.byId().size();
     facts.data.classes = store.classesByKey().size();
     facts.data.isSample = store.holdsSampleData();
@@ -315,7 +316,7 @@ NamesFacts gatherNames(const WinrateStore& store, NameLengths lengths) {
 
 std::optional<QDateTime> timeOfFetch(const QString& text) {
     for (const Qt::DateFormat format : {Qt::ISODate, Qt::RFC2822Date}) {
-        if (const QDateTime time = QDateTime::fromString(text.trimmed(), format); time.isValid()) {
+        if (QDateTime time = QDateTime::fromString(text.trimmed(), format); time.isValid()) {
             return time;
         }
     }

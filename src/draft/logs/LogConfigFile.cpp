@@ -181,7 +181,8 @@ std::expected<WrittenLogConfig, LogConfigError> fixLogConfig(const QString& path
     }
     if (const auto done = FileTree::writeAtomically(file->path, merged->text); !done) {
         if (!written.backup.isEmpty()) {
-            static_cast<void>(FileTree::removeTree(written.backup)); // what it is a copy of is still there
+            const auto removed = FileTree::removeTree(written.backup);
+            static_cast<void>(removed); // what it is a copy of is still there
         }
         return failed(done.error());
     }

@@ -301,7 +301,7 @@ TEST_F(HttpClientTest, TakesABodyBeyondWhatItReadsAhead) {
     const QByteArray body = longBody();
     server.on("/x", ScriptedServer::answer("200 OK", {}, body));
     auto asked = request(u"/x"_s);
-    asked.maximumBytes = 64 * 1024 * 1024;
+    asked.maximumBytes = qint64{64} * 1024 * 1024;
     const auto answer = http->get(asked);
     ASSERT_TRUE(answer) << answer.error().description.toStdString();
     EXPECT_EQ(answer->body, body);
