@@ -22,7 +22,7 @@ inline constexpr qint64 formatVersion = 1;
 
 inline constexpr qint64 largestEventFile = 64LL * 1024 * 1024;
 inline constexpr qint64 largestDataFile = 16LL * 1024 * 1024; // eight times what all cards of the game take
-inline constexpr qsizetype largestLine = 4 * 1024 * 1024;
+inline constexpr qsizetype largestLine = qsizetype{4} * 1024 * 1024;
 inline constexpr qint64 largestPicture = 16LL * 1024 * 1024; // of its file
 inline constexpr qint64 widestWindow = 16384;                // and highest; pixels
 inline constexpr qint64 mostPixels = 64LL * 1024 * 1024;     // of a window
@@ -31,7 +31,7 @@ inline constexpr std::size_t mostReads = 4;      // of one look
 inline constexpr std::size_t mostWindows = 1000; // in one list
 inline constexpr std::size_t mostTokens = 2000;  // of one picture
 inline constexpr qsizetype longestText = 1000;   // of a line on the screen
-inline constexpr qsizetype mostLogText = 16 * 1024 * 1024;
+inline constexpr qsizetype mostLogText = qsizetype{16} * 1024 * 1024;
 inline constexpr qint64 mostTicks = 1'000'000;
 inline constexpr int mostParts = 10'000;
 

@@ -64,7 +64,7 @@ QString LogText::kept(QByteArrayView line) const {
 
 // Its last word may be half a name, which nobody would know for one.
 QString LogText::keptUnfinished(QByteArrayView line) const {
-    const QString whole = kept(line);
+    QString whole = kept(line);
     if (whole.isEmpty()) {
         return whole;
     }

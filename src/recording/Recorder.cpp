@@ -190,8 +190,8 @@ private:
 
     FileTree::Done note(TickBegin tick) { return tickWriter.begin(std::move(tick)); }
 
-    FileTree::Done note(Listing listing) {
-        tickWriter.list(std::move(listing));
+    FileTree::Done note(const Listing& listing) {
+        tickWriter.list(listing);
         return {};
     }
 

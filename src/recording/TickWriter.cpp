@@ -44,7 +44,7 @@ bool isShort(const OCRToken& token) {
 TokenRecord recordOf(OCRToken token, const Reading& reading, const Owner& owner) {
     for (QString* text : {&token.text, &token.letters}) {
         if (!reading.hints.names || reading.hints.names->resemblance(*text) < leastResemblance) {
-            *text = redacted(*std::move(text), owner);
+            *text = redacted(*text, owner);
         }
     }
     return toRecord(token);
@@ -92,7 +92,7 @@ FileTree::Done TickWriter::begin(TickBegin next) {
     return done;
 }
 
-void TickWriter::list(Listing listing) {
+void TickWriter::list(const Listing& listing) {
     if (!tick) {
         return;
     }

@@ -64,7 +64,7 @@ public:
     TickWriter(RecordingFolder to, Settings how);
 
     FileTree::Done begin(TickBegin tick);
-    void list(Listing listing);
+    void list(const Listing& listing);
     void capture(ImageRecord image);
     void read(Reading reading);
     FileTree::Done show(Shown shown);
