@@ -88,8 +88,9 @@ public:
         for (const ListedHero& hero : heroes) {
             claim(hero.name, hero.heroClass);
         }
-        for (const QJsonValue& row : rows) {
-            for (const QJsonValue& own : row[heroesKey].toArray()) {
+        for (const QJsonValue row : rows) {
+            const QJsonArray names = row[heroesKey].toArray();
+            for (const QJsonValue own : names) {
                 claim(own.toString(), classOf(row.toObject()));
             }
         }
