@@ -26,12 +26,15 @@ namespace {
 
 constexpr QLatin1StringView idColumn = std::get<0>(strict_json::fields<CardStats>).key;
 
+// Of a cell that is too long.
+constexpr qsizetype mostShown = 20;
+
 // What a cell should have been; absent when it is.
 using Wanted = std::optional<QString>;
 
 Wanted take(const QString& cell, QString& text) {
     text = cell;
-    return {};
+    return text.size() > longestDataText ? u"a text of at most %1 characters"_s.arg(longestDataText) : Wanted();
 }
 
 Wanted take(const QString& cell, qint64& number) {
@@ -127,7 +130,8 @@ std::optional<TableRow> rowFrom(const CsvRow& row, const std::vector<const Colum
         }
         isEmpty = false;
         if (const Wanted wanted = column->fill(cell, result)) {
-            problems.append(u"line %1, column %2: \"%3\" is not %4"_s.arg(row.line).arg(column->name, cell, *wanted));
+            const QString shown = cell.size() > longestDataText ? cell.first(mostShown) + u'…' : cell;
+            problems.append(u"line %1, column %2: \"%3\" is not %4"_s.arg(row.line).arg(column->name, shown, *wanted));
         }
     }
     if (isEmpty) {
@@ -186,6 +190,9 @@ std::expected<TableCards, QStringList> cardsFromTable(const QByteArray& table, c
     }
     if (file.cards.empty()) {
         return problem(u"no card in it"_s);
+    }
+    if (file.cards.size() > mostCardRows) {
+        return problem(u"more than %1 cards"_s.arg(mostCardRows));
     }
     file.cardCount = static_cast<qint64>(file.cards.size());
     return TableCards{file.encode(), joining.remarks()};

@@ -1,5 +1,6 @@
 #include "publish/CardTable.h"
 
+#include "data/CardFile.h"
 #include "data/WinrateFormats.h"
 #include "tests/support/Printing.h"
 
@@ -125,6 +126,31 @@ TEST(CardTable, TellsWhatIsWrongAndWhere) {
         const auto file = cardFileFromTable(c.table, noTime);
         ASSERT_FALSE(file);
         EXPECT_EQ(file.error(), c.problems) << file.error().join(u'\n').toStdString();
+    }
+}
+
+// Clients would refuse the file.
+TEST(CardTable, HoldsToTheLimitsOfACardFile) {
+    const QByteArray most(longestDataText, 'x');
+
+    struct Case {
+        const char* why;
+        QByteArray table;
+        QString problem; // empty: taken
+    };
+
+    const Case cases[] = {
+        {"a name as long as may be", "card_id,name_en\nA," + most + "\n", {}},
+        {"a longer one", "card_id,name_en\nA," + most + "x\n",
+         QStringLiteral("line 2, column name_en: \"xxxxxxxxxxxxxxxxxxxx…\" is not a text of at most 1000 characters")},
+        {"a row too many", "card_id\n" + QByteArray("A\n").repeated(qsizetype{mostCardRows} + 1),
+         QStringLiteral("more than 200000 cards")},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const auto file = cardFileFromTable(c.table, QStringLiteral("then"));
+        EXPECT_EQ(file ? QString() : file.error().join(u'|'), c.problem);
+        EXPECT_TRUE(!file || CardFile::decode(*file, QStringLiteral("table")));
     }
 }
 
