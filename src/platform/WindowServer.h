@@ -47,17 +47,17 @@ struct WindowGone {};
 
 struct CaptureDenied {};
 
-// It has gone, or does not answer.
-struct WindowServerLost {
-    std::string call; // what was asked of it
-};
-
 struct WindowServerFailed {
     std::string call; // what was asked of the system
     int code;         // the system's own error number
 };
 
-using WindowImageError = std::variant<WindowGone, CaptureDenied, WindowServerLost, WindowServerFailed>;
+// It has gone, or does not answer.
+struct WindowServerLost {
+    std::string call; // what was asked of it
+};
+
+using WindowImageError = std::variant<WindowGone, CaptureDenied, WindowServerFailed, WindowServerLost>;
 
 // Lists and captures other programs' windows. Made and used on one thread.
 class WindowServer {

@@ -304,7 +304,8 @@ TEST(Capture, TranslatesEveryFailure) {
     server.failNext(WindowGone{});
     server.failNext(CaptureDenied{});
     server.failNext(WindowServerFailed{"GetImage", 8});
-    for (int i = 0; i < 3; ++i) {
+    server.failNext(WindowServerLost{"GetGeometry"});
+    for (int i = 0; i < 4; ++i) {
         const auto image = WindowCapture::capture(server, 1);
         ASSERT_FALSE(image);
         EXPECT_EQ(image.error().error, WindowCaptureError::captureFailed);

@@ -779,12 +779,14 @@ TEST_F(ConfigInstallerTest, RemovesOnlyOldDownloadsOfOurs) {
     };
     download(u"pl-config-0F8FAD5B-D9CB-469F-A165-70867728950E"_s, 61);
     download(u"pl-config-1F8FAD5B-D9CB-469F-A165-70867728950E"_s, 50);
+    download(u"pl-config-2F8FAD5B-D9CB-469F-A165-70867728950E"_s, -500); // the clock was put back
     download(u"pl-config-backup"_s, 500);
     download(u"other-0F8FAD5B-D9CB-469F-A165-70867728950E"_s, 500);
     installFirst();
     EXPECT_EQ(QDir(tools.temporaryFolder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
               (QStringList{u"other-0F8FAD5B-D9CB-469F-A165-70867728950E"_s,
-                           u"pl-config-1F8FAD5B-D9CB-469F-A165-70867728950E"_s, u"pl-config-backup"_s}));
+                           u"pl-config-1F8FAD5B-D9CB-469F-A165-70867728950E"_s,
+                           u"pl-config-2F8FAD5B-D9CB-469F-A165-70867728950E"_s, u"pl-config-backup"_s}));
 }
 
 TEST_F(ConfigInstallerTest, WaitsForAnotherInstallationOnlySoLong) {
@@ -815,6 +817,11 @@ TEST_F(ConfigInstallerTest, ALockOfNobodyHoldsForAnHour) {
     EXPECT_EQ(installer().install(manifest(u"new"_s), "raw", bundle("new")), ConfigInstaller::Installation::done);
     EXPECT_EQ(config().localHash(), u"new"_s);
     EXPECT_FALSE(QFileInfo::exists(directory() + u".lock"_s));
+
+    // The clock was put back after it was made.
+    write(directory() + u".lock"_s, "");
+    lockOfAge(-61);
+    EXPECT_EQ(installer().install(manifest(u"newest"_s), "raw", bundle("newest")), ConfigInstaller::Installation::done);
 
     // One that somebody holds stays, however old it is.
     QLockFile other(directory() + u".lock"_s);

@@ -97,6 +97,27 @@ TEST_F(DoctorGathering, FindsTheLogs) {
     EXPECT_EQ(gatherLogs(places(), later).session->arena.error, LogFileError::notText);
 }
 
+TEST_F(DoctorGathering, TakesADateToComeForNow) {
+    const QString arena = write(session + u"Arena.log"_s, "");
+
+    struct Row {
+        const char* why;
+        std::chrono::seconds clock; // from when the log was written
+        std::chrono::seconds age;
+    };
+
+    const Row rows[] = {
+        {"a clock that runs on", 600s, 600s},
+        {"put back by a day", -24h, 0s},
+        {"put forward by a day", 24h, 24h},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.why);
+        const QDateTime now = QFileInfo(arena).lastModified().addSecs(row.clock.count());
+        EXPECT_EQ(gatherLogs(places(), now).session->arena.age, row.age);
+    }
+}
+
 TEST_F(DoctorGathering, LooksAtTheLogConfigAndFixesItWhenAsked) {
     EXPECT_EQ(gatherLogConfig(places(), Fix::yes).path, std::nullopt) << "no game, and nothing to fix";
     write(session + u"Power.log"_s, "");
