@@ -80,7 +80,7 @@ TEST(DoctorJudgement, OfTheLogs) {
             {"no permission", [](auto& facts) { facts.session->arena.error = LogFileError::unreadable; },
              State::problem, u"/logs/Hearthstone_1/Arena.log cannot be read"_s},
             {"of an absurd size", [](auto& facts) { facts.session->arena.error = LogFileError::tooLarge; },
-             State::problem, u"larger than 256 MiB"_s},
+             State::problem, u"larger than 64 MiB"_s},
             {"garbage", [](auto& facts) { facts.session->loadingScreen.error = LogFileError::notText; }, State::note,
              u"LoadingScreen.log is not text"_s},
             {"of last week", [](auto& facts) { facts.session->arena.age = facts.session->loadingScreen.age = 24h * 7; },
