@@ -41,6 +41,7 @@ int pixels(double length, double unit) {
 // The cells of the grid that hold ink, with the gaps between neighbours in a row of cells filled.
 Plane inkedCells(const Plane& mask, int cell, int widestGapInCells) {
     Plane cells((mask.width + cell - 1) / cell, (mask.height + cell - 1) / cell);
+    const int leastInk = std::min(leastInkOfCell, cell); // in windows less than 540 high a cell is a single pixel
     std::vector<int> counts(std::size_t(cells.width));
     for (int cellY = 0; cellY < cells.height; ++cellY) {
         std::ranges::fill(counts, 0);
@@ -55,7 +56,7 @@ Plane inkedCells(const Plane& mask, int cell, int widestGapInCells) {
         std::uint8_t* row = cells.row(cellY);
         int lastInked = -1;
         for (int cellX = 0; cellX < cells.width; ++cellX) {
-            if (counts[std::size_t(cellX)] < leastInkOfCell) {
+            if (counts[std::size_t(cellX)] < leastInk) {
                 continue;
             }
             if (lastInked >= 0 && cellX - lastInked - 1 <= widestGapInCells) {
