@@ -4,6 +4,7 @@
 #include "app/Json.h"
 #include "fuzz/Bytes.h"
 #include "fuzz/Require.h"
+#include "localisation/AppLanguage.h"
 #include "recording/Format.h"
 #include "recording/Replay.h"
 #include "tests/fakes/FakeApplicationFiles.h"
@@ -111,6 +112,7 @@ struct Told {
 };
 
 Told replayed(const QString& folder) {
+    AppLanguage::overridePreference(AppLanguage::en); // as at the program's start: a recording may leave another behind
     const testing::FakeApplicationFiles files(QStringLiteral("/nowhere"));
     Told told;
     told.outcome = recording::replay(
