@@ -116,7 +116,8 @@ std::optional<TableRow> rowFrom(const CsvRow& row, const std::vector<const Colum
     TableRow result;
     bool isEmpty = true;
     for (qsizetype i = 0; i < row.cells.size(); ++i) {
-        const QString cell = row.cells[i].trimmed();
+        // Where tables were put together, each may have begun with a mark of byte order: that is no text.
+        const QString cell = QString(row.cells[i]).remove(QChar(QChar::ByteOrderMark)).trimmed();
         if (cell.isEmpty()) {
             continue;
         }

@@ -63,6 +63,10 @@ TEST(CardTable, TakesWhatSpreadsheetsMakeOfATable) {
         {"a percent sign", "card_id,deck_win_rate\nA,56.5%\n"},
         {"a percent sign after a space", "card_id,deck_win_rate\nA,56.5 %\n"},
         {"spaces around", "card_id,deck_win_rate\n A , 56.5 \n"},
+        {"rows that begin with a byte-order mark, of tables put together", "card_id,deck_win_rate\n"
+                                                                           "\xEF\xBB\xBF"
+                                                                           "A,\xEF\xBB\xBF"
+                                                                           "56.5\n\xEF\xBB\xBF\n"},
         {"empty rows at the end", "card_id,deck_win_rate\nA,56.5\n,\n,\n"},
         {"empty cells beyond the last column", "card_id,deck_win_rate\nA,56.5,,\n"},
         {"a short row leaves fields out", "card_id,name_en,deck_win_rate\nA\n", std::nullopt},
@@ -90,6 +94,7 @@ TEST(CardTable, TellsWhatIsWrongAndWhere) {
     const Case cases[] = {
         {"nothing", "", {QStringLiteral("no column is called \"card_id\"")}},
         {"another table", "name,price\nA,1\n", {QStringLiteral("no column is called \"card_id\"")}},
+        {"a byte-order mark is no card", "card_id,cost\n\xEF\xBB\xBF,3\n", {QStringLiteral("line 2: no card_id")}},
         {"titles alone", "card_id,cost\n", {QStringLiteral("no card in it")}},
         {"another encoding",
          "card_id,name_zh\nA,\xBB\xF0\xC7\xF2\n",
