@@ -42,7 +42,7 @@ std::unique_ptr<QProcess> start(const char* program, const QStringList& argument
 } // namespace
 
 std::expected<std::vector<Sample>, QString> followOnDesktop(std::chrono::minutes length,
-                                                            const std::function<void(const Sample&)>& told) {
+                                                            const std::function<bool(const Sample&)>& goOn) {
     const QTemporaryDir home;
     const QString logs = home.filePath(QStringLiteral("logs"));
     const QString session = home.filePath(QStringLiteral("session"));
@@ -117,7 +117,9 @@ std::expected<std::vector<Sample>, QString> followOnDesktop(std::chrono::minutes
         ticksBefore = ticks;
         workBefore = *work;
         samples.push_back(*sample);
-        told(*sample);
+        if (!goOn(*sample)) {
+            break;
+        }
     }
     end(*game);
     end(*program);

@@ -53,7 +53,7 @@ Player::Player(const Season& toPlay, Screen& itsScreen, DataServer& itsServer, W
     , logsDir(folder)
     , spoils(toSpoil) {}
 
-void Player::play(qint64 count, const std::function<void(int season)>& told) {
+void Player::play(qint64 count, const std::function<bool(int seasons)>& goOn) {
     const auto begin = std::chrono::steady_clock::now();
     const auto length = static_cast<qint64>(season.ticks.size());
     constexpr qint64 samplesOfSeason = 20;
@@ -94,8 +94,8 @@ void Player::play(qint64 count, const std::function<void(int season)>& told) {
             taken.push_back(sample);
             sinceSample.clear();
         }
-        if ((ticks + 1) % length == 0) {
-            told(static_cast<int>((ticks + 1) / length));
+        if ((ticks + 1) % length == 0 && !goOn(static_cast<int>((ticks + 1) / length))) {
+            break;
         }
     }
     program.settle();
@@ -190,7 +190,7 @@ void Player::spoil(qint64 tick) const {
         std::thread([] { std::this_thread::sleep_for(1h); }).detach();
     }
     if (spoils.slowsDown) {
-        constexpr auto more = 100ns;
+        constexpr auto more = 1us;
         const auto until = workOfThis() + tick * more;
         while (workOfThis() < until) {
         }

@@ -32,8 +32,8 @@ public:
     Player(const Season& season, Screen& screen, DataServer& server, WholeProgram& program, const QString& logsDir,
            const Spoils& spoils);
 
-    // The given number of ticks. `told` hears of every season that ends.
-    void play(qint64 ticks, const std::function<void(int season)>& told);
+    // The given number of ticks. `goOn` is asked after every season.
+    void play(qint64 ticks, const std::function<bool(int seasons)>& goOn);
 
     // Twenty in a season, always at the same ticks.
     const std::vector<Sample>& samples() const { return taken; }

@@ -87,12 +87,11 @@ Judged constant(const QString& what, std::span<const Sample> first, std::span<co
 
 } // namespace
 
-// An evening of four hours has 16,000 ticks, so 32 KB per 1,000 are half a megabyte then and four in a day and a half:
-// nobody would notice. It is also as little as can be told: what the allocator keeps goes up and down by more than that
-// from one season to the next. What was asked of it does not, and is judged more strictly: 2 KB are a forgotten small
-// object of 32 bytes at every sixteenth tick, and one at every tick 16 times as much.
-// Ticks cost what the processor's caches and neighbours let them; a list that grows with every tick and is searched at
-// every tick costs more than a tenth of a millisecond when it has 10,000 entries.
+// An evening of four hours has 16,000 ticks, so 32 KB per 1,000 are half a megabyte then, which nobody would notice. It
+// is also as little as can be told: of what was given back the allocator keeps now more, now less, and the difference
+// comes and goes in steps of some hundred kilobytes. What was asked of it is known exactly and is judged more strictly:
+// 2 KB are a small object of 32 bytes that is forgotten at every sixteenth tick. Ticks cost what the machine's other
+// work lets them; a list that grows and is searched at every tick does not stop at a few percent.
 const Bounds acceleratedBounds{.resident = 32, .inUse = 2, .tickCost = 0.15, .constantCounts = true, .period = {}};
 
 // Here a thousand ticks are a quarter of an hour, so that minutes tell less: what the desktop does beside it moves

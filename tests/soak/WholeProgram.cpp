@@ -145,7 +145,9 @@ WholeProgram::~WholeProgram() {
 bool WholeProgram::launch() {
     askedSyncs = 1;
     delegate->applicationDidFinishLaunching();
-    return exitCode == 0 && alerts.shown.empty() && settle();
+    const bool settled = settle();
+    configSync->stopPeriodicSync(); // goes by the clock on the wall, and would come at any tick
+    return exitCode == 0 && alerts.shown.empty() && settled;
 }
 
 void WholeProgram::tick() {

@@ -13,7 +13,10 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <iterator>
 #include <optional>
@@ -26,6 +29,8 @@ constexpr int held = 0;
 constexpr int broken = 1;
 constexpr int wrongUsage = 2;
 
+volatile std::sig_atomic_t interrupted = 0;
+
 struct Options {
     qint64 ticks = 20'000;
     int desktopMinutes = 0;
@@ -33,6 +38,7 @@ struct Options {
     QString csv;
     QString scenes;
     QString paint;
+    QString judge;
     Spoils spoils;
 };
 
@@ -60,6 +66,7 @@ std::optional<Options> optionsOf(const QStringList& arguments) {
         QStringLiteral("KB"));
     add(QStringLiteral("spoil"), QStringLiteral("leaves these open, or makes every tick cost more: likewise"),
         QStringLiteral("descriptors|threads|cost"));
+    add(QStringLiteral("judge"), QStringLiteral("only judges the samples of an earlier run"), QStringLiteral("FILE"));
     add(QStringLiteral("paint"), QStringLiteral("only paints the scenes"), QStringLiteral("FOLDER"));
     if (!parser.parse(arguments) || !parser.positionalArguments().isEmpty()) {
         std::fprintf(stderr, "%s\n", qPrintable(parser.errorText()));
@@ -88,6 +95,7 @@ std::optional<Options> optionsOf(const QStringList& arguments) {
     options.brief = parser.isSet(QStringLiteral("brief"));
     options.csv = parser.value(QStringLiteral("csv"));
     options.scenes = parser.value(QStringLiteral("scenes"));
+    options.judge = parser.value(QStringLiteral("judge"));
     options.paint = parser.value(QStringLiteral("paint"));
     for (const QString& spoil : parser.values(QStringLiteral("spoil"))) {
         if (spoil == u"descriptors") {
@@ -137,6 +145,34 @@ bool paintElsewhere(const Options& options, const QString& folder) {
     return QProcess::execute(QCoreApplication::applicationFilePath(), arguments) == 0;
 }
 
+Bounds boundsOf(const Season& season, const Options& options) {
+    Bounds bounds = acceleratedBounds;
+    bounds.period = static_cast<double>(season.ticks.size());
+    if (options.brief) { // a few hundred ticks tell nothing of growth
+        bounds.resident.reset();
+        bounds.inUse.reset();
+        bounds.tickCost.reset();
+    }
+    return bounds;
+}
+
+// What an earlier run has left.
+int judgeAgain(const Options& options) {
+    QFile file(options.judge);
+    if (!file.open(QIODevice::ReadOnly)) {
+        std::fprintf(stderr, "cannot read %s\n", qPrintable(options.judge));
+        return wrongUsage;
+    }
+    const auto samples = fromCsv(file.readAll());
+    if (!samples) {
+        std::fprintf(stderr, "%s: %s\n", qPrintable(options.judge), qPrintable(samples.error()));
+        return wrongUsage;
+    }
+    const Season season = options.brief ? Season::brief() : Season::whole();
+    const bool onDesktop = !samples->empty() && !samples->front().inUse;
+    return report(*samples, judge(*samples, onDesktop ? desktopBounds : boundsOf(season, options)), options);
+}
+
 int followFaster(const Options& options, const QString& home) {
     const Season season = options.brief ? Season::brief() : Season::whole();
     const QString scenes = options.scenes.isEmpty() ? home + QStringLiteral("/scenes") : options.scenes;
@@ -166,15 +202,9 @@ int followFaster(const Options& options, const QString& home) {
                 .arg(last.inUse.value_or(0))
                 .arg(last.descriptors)
                 .arg(last.threads));
+        return interrupted == 0;
     });
-    Bounds bounds = acceleratedBounds;
-    bounds.period = static_cast<double>(season.ticks.size());
-    if (options.brief) { // a few hundred ticks tell nothing of growth
-        bounds.resident.reset();
-        bounds.inUse.reset();
-        bounds.tickCost.reset();
-    }
-    std::vector<Judged> rows = judge(player.samples(), bounds);
+    std::vector<Judged> rows = judge(player.samples(), boundsOf(season, options));
     std::ranges::copy(player.remarks(), std::back_inserter(rows));
     rows.push_back({QStringLiteral("syncs"),
                     QStringLiteral("%1, of which %2 brought data").arg(program.syncs()).arg(program.reloads()),
@@ -198,6 +228,7 @@ int followInItsTime([[maybe_unused]] const Options& options) {
                 .arg(sample.resident)
                 .arg(sample.descriptors)
                 .arg(sample.threads));
+        return interrupted == 0;
     });
     if (!samples) {
         std::fprintf(stderr, "%s\n", qPrintable(samples.error()));
@@ -208,6 +239,17 @@ int followInItsTime([[maybe_unused]] const Options& options) {
     std::fprintf(stderr, "there is no desktop to be had in this build\n");
     return wrongUsage;
 #endif
+}
+
+// Begins this program anew with an allocator that keeps no pieces of each size back for each thread: to it they are
+// asked for, and they take hours to become as many as they get. What is forgotten would show among them only when it is
+// much.
+void measureExactly(char** argv) {
+    constexpr const char* variable = "GLIBC_TUNABLES";
+    if (!qEnvironmentVariableIsSet(variable)) {
+        qputenv(variable, "glibc.malloc.tcache_count=0");
+        execv("/proc/self/exe", argv); // comes back only where that cannot be; then it is measured as it is
+    }
 }
 
 int run(int argc, char** argv) {
@@ -231,6 +273,12 @@ int run(int argc, char** argv) {
     if (!options->paint.isEmpty()) {
         return paint(options->brief ? Season::brief() : Season::whole(), options->paint) ? held : broken;
     }
+    if (!options->judge.isEmpty()) {
+        return judgeAgain(*options);
+    }
+    // A run that is ended before its time ends with its season, and tells what it found.
+    std::signal(SIGINT, [](int) { interrupted = 1; });
+    std::signal(SIGTERM, [](int) { interrupted = 1; });
     return options->desktopMinutes > 0 ? followInItsTime(*options) : followFaster(*options, home.path());
 }
 
@@ -238,5 +286,6 @@ int run(int argc, char** argv) {
 } // namespace pelloran::soak
 
 int main(int argc, char** argv) {
+    pelloran::soak::measureExactly(argv);
     return pelloran::soak::run(argc, argv);
 }
