@@ -219,7 +219,7 @@ std::vector<Judged> Player::remarks() const {
         rows.push_back({QStringLiteral("the game's logs"), QStringLiteral("could not be written"), {}, true});
     }
     const std::pair<Finds, QString> sorts[] = {
-        {Finds::noPick, QStringLiteral("outside of picks")},
+        {Finds::noPick, QStringLiteral("between picks")},
         {Finds::knownPick, QStringLiteral("of a pick seen before")},
         {Finds::newPick, QStringLiteral("of a new pick")},
     };
