@@ -18,6 +18,9 @@ namespace {
 
 const QString serverProgram = QStringLiteral("Xvfb");
 
+// Above those that people and other programs use.
+constexpr int firstNumber = 1'000;
+
 void end(QProcess& process) {
     if (process.state() != QProcess::NotRunning) {
         process.kill();
@@ -47,19 +50,27 @@ bool VirtualDisplay::isInstalled(const QString& program) {
 }
 
 std::unique_ptr<VirtualDisplay> VirtualDisplay::start(const QStringList& arguments) {
-    auto display = std::make_unique<VirtualDisplay>();
-    QProcess& server = display->server;
+    // A server that chooses takes the lowest number, also that of one that a test has just ended: whoever was to find
+    // it gone would find another test's.
+    static int next = firstNumber + static_cast<int>(::getpid() % 1'000) * 50;
+    for (int attempt = 0; attempt < 20; ++attempt) {
+        auto display = std::make_unique<VirtualDisplay>();
+        if (display->startServer(next++, arguments)) {
+            return display;
+        }
+    }
+    return nullptr;
+}
+
+bool VirtualDisplay::startServer(int number, const QStringList& arguments) {
+    displayName = ':' + QByteArray::number(number);
     endWithParent(server);
     server.setStandardErrorFile(QProcess::nullDevice());
-    // It tells its number on standard output as soon as it takes connections.
-    server.start(serverProgram, QStringList{QStringLiteral("-displayfd"), QStringLiteral("1"),
-                                            QStringLiteral("-nolisten"), QStringLiteral("tcp")} +
+    // It tells its number on standard output as soon as it takes connections, and ends where the number is taken.
+    server.start(serverProgram, QStringList{QString::fromLatin1(displayName), QStringLiteral("-displayfd"),
+                                            QStringLiteral("1"), QStringLiteral("-nolisten"), QStringLiteral("tcp")} +
                                     arguments);
-    if (!server.waitForReadyRead(patience)) {
-        return nullptr;
-    }
-    display->displayName = ':' + server.readLine().trimmed();
-    return display;
+    return server.waitForReadyRead(patience);
 }
 
 VirtualDisplay::~VirtualDisplay() {

@@ -15,7 +15,8 @@ constexpr int patience = 10'000; // milliseconds; for what should be there in a 
 // Asks again and again, without a pause that could be too short, until `condition` holds; false after `milliseconds`.
 bool eventually(const std::function<bool()>& condition, int milliseconds = patience);
 
-// An X server without a screen, on a number that was free. Ends with the object.
+// An X server without a screen, on a number that was free and that no other test takes afterwards. Ends with the
+// object.
 class VirtualDisplay {
 public:
     // Whether such a server is installed.
@@ -42,6 +43,8 @@ public:
     void stop();
 
 private:
+    bool startServer(int number, const QStringList& arguments);
+
     QProcess server;
     std::vector<std::unique_ptr<QProcess>> programs;
     QByteArray displayName;
