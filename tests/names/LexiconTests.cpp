@@ -489,7 +489,7 @@ TEST(Lexicon, LongLinesAndManyNamesAreNoTrouble) {
     // Looking back from each of its characters at all before it would take a minute.
     QString endless;
     for (int i = 0; i < 400'000; ++i) {
-        endless += QChar(0x4E00 + i * 7919 % 20'000);
+        endless += QChar(0x4E00 + i % 20'000 * 7919 % 20'000);
     }
     const Lexicon hostile({{endless, {}}, {u"X"_s, {}}}, Lexicon::forCards);
     EXPECT_EQ(hostile.settle(u"王"_s), std::nullopt);
