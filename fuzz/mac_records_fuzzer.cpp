@@ -110,7 +110,7 @@ void readBitmap(Bytes& bytes) {
     const QSize points(bytes.take() % 64 - 1, bytes.take() % 64 - 1);
     QByteArray pixels = bytes.rest();
     if (how & 32) {
-        pixels.resize(std::max<qsizetype>(pixels.size(), 48 * 256), '\x5A');
+        pixels.resize(std::max(pixels.size(), qsizetype{48} * 256), '\x5A');
     }
     const QImage image =
         macos::opaqueImage(std::as_bytes(std::span(pixels.constData(), std::size_t(pixels.size()))), layout);

@@ -205,7 +205,7 @@ private:
         return {};
     }
 
-    FileTree::Done note(ShownSnapshot shown) {
+    FileTree::Done note(const ShownSnapshot& shown) {
         return tickWriter.show({snapshotToJson(shown.snapshot), shown.follows});
     }
 

@@ -12,8 +12,8 @@ namespace pelloran::testing {
 // returns.
 class Hand {
 public:
-    explicit Hand(QProcessEnvironment displayEnvironment)
-        : environment(std::move(displayEnvironment)) {}
+    explicit Hand(const QProcessEnvironment& displayEnvironment)
+        : environment(displayEnvironment) {}
 
     static bool isInstalled();
 

@@ -2,6 +2,8 @@
 
 #include "tests/support/Printing.h"
 
+#include <QStringList>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 #include "platform/qt-network/NewSockets.h"
 
+#include <fcntl.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -18,6 +19,7 @@ constexpr long mostDescriptors = 1024;
 // Of an answer that is being read no more than this waits for long.
 constexpr int flood = 4096;
 
+// Also those that other threads open and close meanwhile.
 void forEachSocket(const std::function<void(int descriptor, unsigned long long number)>& each) {
     const long end = std::min(::sysconf(_SC_OPEN_MAX), mostDescriptors);
     for (int descriptor = 0; descriptor < end; ++descriptor) {
@@ -43,10 +45,19 @@ NewSockets::NewSockets() {
 
 void NewSockets::endFlooded() const {
     forEachSocket([this](int descriptor, unsigned long long number) {
+        if (present.contains(number)) {
+            return;
+        }
+        // Whose it is may have closed it meanwhile, and another have its number: what is looked at is what is ended.
+        const int same = ::fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
+        struct stat found{};
         int waiting = 0;
-        if (!present.contains(number) && isConnectedToTheNetwork(descriptor) &&
-            ::ioctl(descriptor, FIONREAD, &waiting) == 0 && waiting > flood) {
-            ::shutdown(descriptor, SHUT_RDWR); // it stays Qt's to close
+        if (same >= 0 && ::fstat(same, &found) == 0 && found.st_ino == number && isConnectedToTheNetwork(same) &&
+            ::ioctl(same, FIONREAD, &waiting) == 0 && waiting > flood) {
+            ::shutdown(same, SHUT_RDWR); // it stays Qt's to close
+        }
+        if (same >= 0) {
+            ::close(same);
         }
     });
 }
