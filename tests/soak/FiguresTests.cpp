@@ -12,7 +12,7 @@
 namespace pelloran::soak {
 namespace {
 
-constexpr std::size_t megabyte = 1024 * 1024;
+constexpr std::size_t megabyte = std::size_t{1024} * 1024;
 
 #ifdef __has_feature
 constexpr bool hasThreadSanitizer = __has_feature(thread_sanitizer);
