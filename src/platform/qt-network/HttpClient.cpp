@@ -209,7 +209,7 @@ public:
         const int status = statusOf(*reply);
         if (givenUp || isTooLong) {
             reply->abort();
-            connections.endFlooded();
+            connections.end();
         }
         if (givenUp) {
             return std::unexpected(TransportError{*givenUp});

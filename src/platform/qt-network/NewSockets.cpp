@@ -1,7 +1,6 @@
 #include "platform/qt-network/NewSockets.h"
 
 #include <fcntl.h>
-#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -15,9 +14,6 @@ namespace {
 
 // A program of ours has some tens of descriptors; more are not looked at.
 constexpr long mostDescriptors = 1024;
-
-// Of an answer that is being read no more than this waits for long.
-constexpr int flood = 4096;
 
 // Also those that other threads open and close meanwhile.
 void forEachSocket(const std::function<void(int descriptor, unsigned long long number)>& each) {
@@ -43,7 +39,7 @@ NewSockets::NewSockets() {
     forEachSocket([this](int, unsigned long long number) { present.insert(number); });
 }
 
-void NewSockets::endFlooded() const {
+void NewSockets::end() const {
     forEachSocket([this](int descriptor, unsigned long long number) {
         if (present.contains(number)) {
             return;
@@ -51,9 +47,7 @@ void NewSockets::endFlooded() const {
         // Whose it is may have closed it meanwhile, and another have its number: what is looked at is what is ended.
         const int same = ::fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
         struct stat found{};
-        int waiting = 0;
-        if (same >= 0 && ::fstat(same, &found) == 0 && found.st_ino == number && isConnectedToTheNetwork(same) &&
-            ::ioctl(same, FIONREAD, &waiting) == 0 && waiting > flood) {
+        if (same >= 0 && ::fstat(same, &found) == 0 && found.st_ino == number && isConnectedToTheNetwork(same)) {
             ::shutdown(same, SHUT_RDWR); // it stays Qt's to close
         }
         if (same >= 0) {

@@ -13,9 +13,9 @@ class NewSockets {
 public:
     NewSockets();
 
-    // Ends those on which much waits to be read. Another thread's may be among them, which has it fail as if its server
-    // had hung up.
-    void endFlooded() const;
+    // Ends those that lead to the network, whatever waits on them: how much is read ahead of a flood goes up and down.
+    // Another thread's may be among them, which has it fail as if its server had hung up.
+    void end() const;
 
 private:
     std::set<unsigned long long> present; // by their numbers in the system, which outlive no socket
