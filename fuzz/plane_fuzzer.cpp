@@ -7,6 +7,7 @@
 #include "reading/LineDetector.h"
 #include "reading/SteadyLines.h"
 #include "recognition/WindowCapture.h"
+#include "tests/reading/PlaneReference.h"
 
 #include <QImage>
 
@@ -88,26 +89,6 @@ void checkComponents(const Plane& mask) {
     }
 }
 
-// Each pixel again and again, until nothing rises.
-Plane plainFlood(Plane level, const Plane& plane) {
-    for (bool rises = true; rises;) {
-        rises = false;
-        for (int y = 0; y < plane.height; ++y) {
-            for (int x = 0; x < plane.width; ++x) {
-                std::uint8_t most = level.at(x, y);
-                most = std::max(most, x > 0 ? level.at(x - 1, y) : most);
-                most = std::max(most, y > 0 ? level.at(x, y - 1) : most);
-                most = std::max(most, x + 1 < plane.width ? level.at(x + 1, y) : most);
-                most = std::max(most, y + 1 < plane.height ? level.at(x, y + 1) : most);
-                most = std::min(most, plane.at(x, y));
-                rises |= most > level.at(x, y);
-                level.row(y)[x] = std::max(level.at(x, y), most);
-            }
-        }
-    }
-    return level;
-}
-
 void checkFlood(const Plane& plane, Bytes& bytes) {
     Plane seed(plane.width, plane.height);
     for (int spots = bytes.take() % 8; spots > 0 && !plane.pixels.empty(); --spots) {
@@ -115,7 +96,7 @@ void checkFlood(const Plane& plane, Bytes& bytes) {
         const int y = bytes.take() * plane.height / 256;
         seed.row(y)[x] = std::min(plane.at(x, y), std::uint8_t(bytes.take()));
     }
-    require(floodedFrom(seed, plane) == plainFlood(seed, plane));
+    require(floodedFrom(seed, plane) == testing::plainFlood(seed, plane));
 }
 
 void checkExtremes(const Plane& plane, int radius) {

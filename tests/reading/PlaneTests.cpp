@@ -1,5 +1,7 @@
 #include "reading/Plane.h"
 
+#include "tests/reading/PlaneReference.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -139,26 +141,6 @@ Plane lanes(int width, int height, bool across) {
     return plane;
 }
 
-// Each pixel again and again, until nothing rises.
-Plane plainFlood(Plane level, const Plane& plane) {
-    for (bool rises = true; rises;) {
-        rises = false;
-        for (int y = 0; y < plane.height; ++y) {
-            for (int x = 0; x < plane.width; ++x) {
-                std::uint8_t most = level.at(x, y);
-                most = std::max(most, x > 0 ? level.at(x - 1, y) : most);
-                most = std::max(most, y > 0 ? level.at(x, y - 1) : most);
-                most = std::max(most, x + 1 < plane.width ? level.at(x + 1, y) : most);
-                most = std::max(most, y + 1 < plane.height ? level.at(x, y + 1) : most);
-                most = std::min(most, plane.at(x, y));
-                rises |= most > level.at(x, y);
-                level.row(y)[x] = std::max(level.at(x, y), most);
-            }
-        }
-    }
-    return level;
-}
-
 TEST(PlaneTest, FloodFindsEveryWayHoweverManyTurnsItTakes) {
     struct Row {
         Plane plane;
@@ -176,7 +158,7 @@ TEST(PlaneTest, FloodFindsEveryWayHoweverManyTurnsItTakes) {
             Plane seed(row.plane.width, row.plane.height);
             (atEnd ? seed.pixels.back() : seed.pixels.front()) =
                 atEnd ? row.plane.pixels.back() : row.plane.pixels.front();
-            EXPECT_EQ(floodedFrom(seed, row.plane), plainFlood(seed, row.plane));
+            EXPECT_EQ(floodedFrom(seed, row.plane), testing::plainFlood(seed, row.plane));
         }
     }
     EXPECT_TRUE(floodedFrom(Plane(), Plane()).pixels.empty());
