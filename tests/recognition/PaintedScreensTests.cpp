@@ -2,6 +2,7 @@
 #include "recognition/CardRecognizer.h"
 #include "tests/fakes/FakeApplicationFiles.h"
 #include "tests/support/Printing.h"
+#include "tests/support/Sanitizers.h"
 #include "tools/stage/ScreenSeries.h"
 
 #include <QJsonArray>
@@ -24,17 +25,7 @@ using stage::Language;
 using stage::Look;
 using stage::ScreenSeries;
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool slow = true;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-constexpr bool slow = true;
-#else
-constexpr bool slow = false;
-#endif
-#else
-constexpr bool slow = false;
-#endif
+constexpr bool slow = testing::hasAddressSanitizer || testing::hasThreadSanitizer;
 
 struct Client {
     const char* name;

@@ -6,13 +6,6 @@
 
 namespace pelloran::testing {
 
-// The sanitizer for undefined behaviour looks at an object's type through a pipe when it first meets it.
-#ifdef __has_feature
-constexpr bool sanitizerNeedsDescriptors = __has_feature(undefined_behavior_sanitizer);
-#else
-constexpr bool sanitizerNeedsDescriptors = false;
-#endif
-
 // While it lives, the process can open nothing more, or at most `spare` files at once.
 class NoDescriptors {
 public:
