@@ -1,5 +1,6 @@
 #include "tests/desktop/Picture.h"
 #include "tests/platform/x11/TestClient.h"
+#include "tests/support/ProcessStatus.h"
 #include "tests/support/VirtualDisplay.h"
 
 #include <QCoreApplication>
@@ -12,9 +13,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <unistd.h>
-
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <functional>
 #include <memory>
@@ -201,13 +201,8 @@ int memory(qint64 process, const QByteArray& field) {
 
 // Processor time so far, in seconds.
 double work(qint64 process) {
-    QFile file(QStringLiteral("/proc/%1/stat").arg(process));
-    if (!file.open(QIODevice::ReadOnly)) {
-        return -1;
-    }
-    const QByteArray stat = file.readAll();
-    const QList<QByteArray> fields = stat.mid(stat.lastIndexOf(')') + 2).split(' ');
-    return (fields.value(11).toDouble() + fields.value(12).toDouble()) / static_cast<double>(sysconf(_SC_CLK_TCK));
+    using Seconds = std::chrono::duration<double>;
+    return Seconds(testing::processorTimeOf(process).value_or(std::chrono::milliseconds())).count();
 }
 
 bool measurePick(const Desktop& desktop) {

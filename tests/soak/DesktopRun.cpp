@@ -3,6 +3,7 @@
 #include "tests/platform/x11/TestClient.h"
 #include "tests/soak/DataServer.h"
 #include "tests/support/EndWithParent.h"
+#include "tests/support/ProcessStatus.h"
 #include "tests/support/ProgramRun.h"
 #include "tests/support/VirtualDisplay.h"
 
@@ -80,7 +81,7 @@ std::expected<std::vector<Sample>, QString> followOnDesktop(std::chrono::minutes
     qint64 withCards = 0;
     std::vector<Sample> samples;
     qint64 ticksBefore = 0;
-    auto workBefore = workOf(program->processId()).value_or(std::chrono::milliseconds());
+    auto workBefore = testing::processorTimeOf(program->processId()).value_or(std::chrono::milliseconds());
     QElapsedTimer sinceStart;
     sinceStart.start();
     const QDeadlineTimer deadline(length);
@@ -105,7 +106,7 @@ std::expected<std::vector<Sample>, QString> followOnDesktop(std::chrono::minutes
             withCards += program->readLine().contains("\"recognized\":true") ? 1 : 0;
         }
         auto sample = sampleOf(program->processId());
-        const auto work = workOf(program->processId());
+        const auto work = testing::processorTimeOf(program->processId());
         if (!sample || !work) {
             return std::unexpected(QStringLiteral("the program cannot be looked at"));
         }

@@ -57,17 +57,6 @@ std::chrono::nanoseconds workOfThis() {
     return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
-std::optional<std::chrono::milliseconds> workOf(qint64 process) {
-    const auto stat = contentOf(QStringLiteral("/proc/%1/stat").arg(process));
-    if (!stat) {
-        return std::nullopt;
-    }
-    // The name, in brackets, may hold anything.
-    const QByteArrayList fields = stat->mid(stat->lastIndexOf(')') + 2).split(' ');
-    const qint64 ticks = fields.value(11).toLongLong() + fields.value(12).toLongLong();
-    return std::chrono::milliseconds(ticks * 1000 / sysconf(_SC_CLK_TCK));
-}
-
 QByteArray toCsv(const std::vector<Sample>& samples) {
     QByteArray text = head;
     for (const Sample& sample : samples) {

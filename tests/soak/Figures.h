@@ -30,9 +30,8 @@ std::optional<Sample> sampleOf(qint64 process);
 // The same of this process, and what its allocator says.
 Sample sampleOfThis();
 
-// Processor time so far: of all threads of this process; of another one, by the clock of the system's accounting.
+// Processor time so far, of all threads of this process.
 std::chrono::nanoseconds workOfThis();
-std::optional<std::chrono::milliseconds> workOf(qint64 process);
 
 // One line each, with the names of the columns before them.
 QByteArray toCsv(const std::vector<Sample>& samples);

@@ -1,5 +1,8 @@
 #include "tests/soak/Figures.h"
 
+#include "tests/support/ProcessStatus.h"
+#include "tests/support/Sanitizers.h"
+
 #include <QFile>
 
 #include <gtest/gtest.h>
@@ -14,14 +17,8 @@ namespace {
 
 constexpr std::size_t megabyte = std::size_t{1024} * 1024;
 
-#ifdef __has_feature
-constexpr bool hasThreadSanitizer = __has_feature(thread_sanitizer);
-#else
-constexpr bool hasThreadSanitizer = false;
-#endif
-
 TEST(Figures, TellWhatThisProcessHolds) {
-    if (hasThreadSanitizer) {
+    if (testing::hasThreadSanitizer) {
         GTEST_SKIP() << "the thread sanitizer has a thread of its own, and shares its memory with itself";
     }
     const Sample before = sampleOfThis();
@@ -50,7 +47,7 @@ TEST(Figures, TellWhatThisProcessHolds) {
 
 TEST(Figures, AreNotToldOfAProcessThatIsNot) {
     EXPECT_FALSE(sampleOf(0));
-    EXPECT_FALSE(workOf(0));
+    EXPECT_FALSE(testing::processorTimeOf(0));
 }
 
 TEST(Figures, CountTheWorkOfAllThreads) {

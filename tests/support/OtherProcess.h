@@ -1,36 +1,15 @@
 #pragma once
 
-#include <QByteArray>
-#include <QFile>
-#include <QList>
-#include <QString>
+#include "tests/support/ProcessStatus.h"
 
 #include <gtest/gtest.h>
 #include <sys/types.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <csignal>
 #include <thread>
 
 namespace pelloran::testing {
-
-// What the system tells of a process, from its state on: "T" is stopped. Empty when there is none.
-inline QList<QByteArray> statusOf(qint64 process) {
-    QFile file(QStringLiteral("/proc/%1/stat").arg(process));
-    if (!file.open(QIODevice::ReadOnly)) {
-        return {};
-    }
-    const QByteArray line = file.readAll();
-    return line.mid(line.lastIndexOf(')') + 2).split(' ');
-}
-
-// What it has had of the processors until now.
-inline std::chrono::milliseconds processorTimeOf(qint64 process) {
-    const QList<QByteArray> status = statusOf(process);
-    return std::chrono::milliseconds((status.value(11).toLongLong() + status.value(12).toLongLong()) * 1000 /
-                                     sysconf(_SC_CLK_TCK));
-}
 
 // Has a process hang for as long as this object lives.
 class Suspended {
