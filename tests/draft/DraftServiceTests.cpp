@@ -1,6 +1,5 @@
 #include "draft/DraftService.h"
 
-#include "base/Log.h"
 #include "localisation/AppLanguage.h"
 #include "recognition/ScreenReader.h"
 #include "tests/fakes/FakeSystemSettings.h"
@@ -8,6 +7,7 @@
 #include "tests/fakes/FakeUserDefaults.h"
 #include "tests/fakes/FakeWindowServer.h"
 #include "tests/fakes/ManualQueue.h"
+#include "tests/support/CollectedLog.h"
 #include "tests/support/Printing.h"
 #include "tests/support/SampleStore.h"
 
@@ -76,10 +76,7 @@ protected:
         EXPECT_TRUE(recorder->published.empty()) << "nothing is published before the first tick";
     }
 
-    ~DraftServiceTest() override {
-        AppLanguage::configure(nullptr, nullptr);
-        setLogSink({});
-    }
+    ~DraftServiceTest() override { AppLanguage::configure(nullptr, nullptr); }
 
     void makeService() {
         service.emplace(config, sample.store, queue, screenReader);
@@ -402,12 +399,11 @@ TEST_F(DraftServiceTest, DropsSnapshotsWithoutADelegate) {
 
 TEST_F(DraftServiceTest, DoesNotReadTextWithoutAReader) {
     readerMissing = true;
-    QStringList logged;
-    setLogSink([&](const QString& message) { logged.append(message); });
+    const testing::CollectedLog logged;
     writeLog(cardPickLog);
     EXPECT_EQ(names(tick()), list({"Unrecognized", "Unrecognized", "Unrecognized"}));
     tick();
-    EXPECT_EQ(logged, list({"install the reader"})) << "told once";
+    EXPECT_EQ(logged.lines(), list({"install the reader"})) << "told once";
     readerMissing = false;
     setReads({"Fireball", "", ""});
     EXPECT_EQ(names(tick()), list({"Fireball", "Unrecognized", "Unrecognized"})) << "used as soon as it is there";

@@ -1,5 +1,5 @@
-#include "base/Log.h"
 #include "platform/UserDefaults.h"
+#include "tests/support/CollectedLog.h"
 #include "tests/support/Printing.h"
 
 #include <QDir>
@@ -56,15 +56,9 @@ private:
 
 class SettingsUserDefaultsTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        clear();
-        setLogSink([this](const QString& message) { logged << message; });
-    }
+    void SetUp() override { clear(); }
 
-    void TearDown() override {
-        setLogSink({});
-        clear();
-    }
+    void TearDown() override { clear(); }
 
     void clear() {
         QDir(programFolder).removeRecursively();
@@ -81,7 +75,7 @@ protected:
     const QString programFolder = configurationFolder() + QStringLiteral("/Pelloran");
     const QString path = programFolder + QStringLiteral("/Pelloran.ini");
     const QString key = QStringLiteral("pelloran.language");
-    QStringList logged;
+    testing::CollectedLog logged;
 };
 
 TEST_F(SettingsUserDefaultsTest, KeepsTextsInTheUsersConfigurationFolder) {
@@ -96,7 +90,7 @@ TEST_F(SettingsUserDefaultsTest, KeepsTextsInTheUsersConfigurationFolder) {
         EXPECT_EQ(UserDefaults::create()->string(key), value) << "another run must find it";
     }
     EXPECT_TRUE(QFileInfo(path).isFile());
-    EXPECT_TRUE(logged.isEmpty());
+    EXPECT_TRUE(logged.lines().isEmpty());
 }
 
 TEST_F(SettingsUserDefaultsTest, KeysDoNotMix) {
@@ -126,7 +120,7 @@ TEST_F(SettingsUserDefaultsTest, ForgetsWhatIsRemovedAndNothingElse) {
 
     defaults->setString(other, QStringLiteral("1.4"));
     EXPECT_EQ(defaults->string(other), QStringLiteral("1.4"));
-    EXPECT_TRUE(logged.isEmpty());
+    EXPECT_TRUE(logged.lines().isEmpty());
 }
 
 TEST_F(SettingsUserDefaultsTest, RemovesWhatIsNotTextToo) {
@@ -177,7 +171,7 @@ TEST_F(SettingsUserDefaultsTest, AFileThatIsNoStoreIsWrittenAnew) {
     const auto defaults = UserDefaults::create();
     defaults->setString(key, QStringLiteral("zh"));
     EXPECT_EQ(defaults->string(key), QStringLiteral("zh"));
-    EXPECT_TRUE(logged.isEmpty()) << logged.join(u'\n').toStdString();
+    EXPECT_TRUE(logged.lines().isEmpty()) << logged.lines().join(u'\n').toStdString();
 }
 
 TEST_F(SettingsUserDefaultsTest, AStoreThatCannotBeWrittenIsLoggedAndTheValueHolds) {
@@ -187,13 +181,13 @@ TEST_F(SettingsUserDefaultsTest, AStoreThatCannotBeWrittenIsLoggedAndTheValueHol
     const auto defaults = UserDefaults::create();
     defaults->setString(key, QStringLiteral("zh"));
     EXPECT_EQ(defaults->string(key), QStringLiteral("zh"));
-    ASSERT_EQ(logged.size(), 1);
-    EXPECT_TRUE(logged.front().contains(key)) << logged.front().toStdString();
-    EXPECT_TRUE(logged.front().contains(path)) << logged.front().toStdString();
+    ASSERT_EQ(logged.lines().size(), 1);
+    EXPECT_TRUE(logged.lines().front().contains(key)) << logged.lines().front().toStdString();
+    EXPECT_TRUE(logged.lines().front().contains(path)) << logged.lines().front().toStdString();
 
     ASSERT_TRUE(inTheWay.remove());
     defaults->setString(key, QStringLiteral("en"));
-    EXPECT_EQ(logged.size(), 1) << "an error of the past is not told again";
+    EXPECT_EQ(logged.lines().size(), 1) << "an error of the past is not told again";
 }
 
 TEST_F(SettingsUserDefaultsTest, WhatWouldBeWaitedForIsNotRead) {
@@ -222,12 +216,13 @@ TEST_F(SettingsUserDefaultsTest, WhatWouldBeWaitedForIsNotRead) {
         const auto defaults = UserDefaults::create();
         EXPECT_EQ(defaults->file(), path);
         EXPECT_EQ(defaults->string(key), std::nullopt);
-        ASSERT_EQ(logged.size(), 1);
-        EXPECT_EQ(logged.front(), QStringLiteral("the choices stored in %1 cannot be used: %2").arg(path, c.reason));
+        ASSERT_EQ(logged.lines().size(), 1);
+        EXPECT_EQ(logged.lines().front(),
+                  QStringLiteral("the choices stored in %1 cannot be used: %2").arg(path, c.reason));
         defaults->setString(key, QStringLiteral("en"));
         EXPECT_EQ(defaults->string(key), QStringLiteral("en"));
-        ASSERT_EQ(logged.size(), 2);
-        EXPECT_TRUE(logged.back().endsWith(QStringLiteral("it holds until the program ends")));
+        ASSERT_EQ(logged.lines().size(), 2);
+        EXPECT_TRUE(logged.lines().back().endsWith(QStringLiteral("it holds until the program ends")));
         defaults->remove(key);
         EXPECT_EQ(defaults->string(key), std::nullopt);
 
@@ -249,7 +244,7 @@ TEST_F(SettingsUserDefaultsTest, AFullDiskKeepsTheChoicesOfBefore) {
         const FullDisk full;
         defaults->setString(key, QStringLiteral("en"));
     }
-    ASSERT_EQ(logged.size(), 1);
+    ASSERT_EQ(logged.lines().size(), 1);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_EQ(file.readAll(), before);
 }
@@ -262,8 +257,8 @@ TEST_F(SettingsUserDefaultsTest, ARemovalThatCannotBeWrittenIsLoggedAndHolds) {
         defaults->remove(key);
     }
     EXPECT_EQ(defaults->string(key), std::nullopt);
-    ASSERT_EQ(logged.size(), 1);
-    EXPECT_TRUE(logged.front().contains(key)) << logged.front().toStdString();
+    ASSERT_EQ(logged.lines().size(), 1);
+    EXPECT_TRUE(logged.lines().front().contains(key)) << logged.lines().front().toStdString();
 }
 
 } // namespace

@@ -1,8 +1,8 @@
 #include "reading/chinese/ChineseLineReader.h"
 
-#include "base/Log.h"
 #include "reading/chinese/ChineseInk.h"
 #include "tests/reading/PaintedCharacters.h"
+#include "tests/support/CollectedLog.h"
 
 #include <gtest/gtest.h>
 
@@ -50,12 +50,6 @@ Lexicon lexiconOf(const QStringList& names) {
 
 class ChineseLineReaderTest : public ::testing::Test {
 protected:
-    ChineseLineReaderTest() {
-        setLogSink([this](const QString& message) { logged << message; });
-    }
-
-    ~ChineseLineReaderTest() override { setLogSink({}); }
-
     std::optional<ChineseReading> read(const std::optional<Plane>& line, const Lexicon& among,
                                        const ChineseAcceptance& acceptance = ofChineseCards) {
         return reader.read(1, [&](std::size_t) { return line; }, among, acceptance);
@@ -67,7 +61,7 @@ protected:
         return reading && reading->isName ? reading->text : QString();
     }
 
-    QStringList logged;
+    testing::CollectedLog logged;
     ChineseLineReader reader{*testing::paintedModel()};
     const Lexicon lexicon = lexiconOf(known);
 };
@@ -95,7 +89,7 @@ TEST_F(ChineseLineReaderTest, ReadsKnownNamesInEverySizeAndSpacing) {
             }
         }
     }
-    EXPECT_TRUE(logged.isEmpty());
+    EXPECT_TRUE(logged.lines().isEmpty());
 }
 
 TEST_F(ChineseLineReaderTest, NamesThatAreNotKnownAreNone) {
@@ -280,14 +274,14 @@ TEST_F(ChineseLineReaderTest, MissingCharactersAreToldOnce) {
     const Plane line = testing::inkOfLine(text("王日山人"), 30);
     const Lexicon lacking = lexiconOf({text("石龙"), text("王日山人"), text("龙石丙")});
     EXPECT_EQ(nameRead(line, lacking), text("王日山人"));
-    ASSERT_EQ(logged.size(), 1);
-    EXPECT_TRUE(logged[0].endsWith(text("丙龙"))) << logged[0].toStdString();
+    ASSERT_EQ(logged.lines().size(), 1);
+    EXPECT_TRUE(logged.lines()[0].endsWith(text("丙龙"))) << logged.lines()[0].toStdString();
     read(line, lacking);
     read(line, lexiconOf({text("丙龙石"), text("王日山人")})); // the names anew, as after a sync
-    EXPECT_EQ(logged.size(), 1);
+    EXPECT_EQ(logged.lines().size(), 1);
     read(line, lexiconOf({text("石龙石"), text("丁王")}));
-    ASSERT_EQ(logged.size(), 2) << "others are";
-    EXPECT_TRUE(logged[1].endsWith(text("丁"))) << logged[1].toStdString();
+    ASSERT_EQ(logged.lines().size(), 2) << "others are";
+    EXPECT_TRUE(logged.lines()[1].endsWith(text("丁"))) << logged.lines()[1].toStdString();
 }
 
 TEST_F(ChineseLineReaderTest, WhatIsNoTextIsNoName) {

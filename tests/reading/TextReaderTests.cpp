@@ -1,8 +1,8 @@
 #include "platform/TextReader.h"
 
-#include "base/Log.h"
 #include "tests/fakes/FakeApplicationFiles.h"
 #include "tests/reading/PaintedText.h"
+#include "tests/support/CollectedLog.h"
 #include "tests/support/Printing.h"
 #include "tests/support/SharedData.h"
 
@@ -265,12 +265,6 @@ TEST_F(TextReaderTest, OddBandsAreNoHarm) {
 // The program's files, with another model.
 class ModelFileTest : public ::testing::Test {
 protected:
-    ModelFileTest() {
-        setLogSink([this](const QString& message) { logged << message; });
-    }
-
-    ~ModelFileTest() override { setLogSink({}); }
-
     static QByteArray shippedModel() {
         QFile file(QStringLiteral(PELLORAN_SOURCES "/resources/characters/chinese.model"));
         EXPECT_TRUE(file.open(QIODevice::ReadOnly));
@@ -295,13 +289,13 @@ protected:
     }
 
     QTemporaryDir folder;
-    QStringList logged;
+    testing::CollectedLog logged;
 };
 
 TEST_F(ModelFileTest, TheShippedModelIsTakenWithoutAWord) {
     write(shippedModel());
     EXPECT_EQ(englishReadings(), offers);
-    EXPECT_TRUE(logged.isEmpty()) << logged.join(u'\n').toStdString();
+    EXPECT_TRUE(logged.lines().isEmpty()) << logged.lines().join(u'\n').toStdString();
 }
 
 TEST_F(ModelFileTest, WithoutAUsableModelEnglishIsReadAndTheLogSaysWhy) {
@@ -345,9 +339,10 @@ TEST_F(ModelFileTest, WithoutAUsableModelEnglishIsReadAndTheLogSaysWhy) {
             write(*row.file);
         }
         EXPECT_EQ(englishReadings(), offers);
-        ASSERT_EQ(logged.size(), 1);
-        EXPECT_TRUE(logged[0].startsWith(QStringLiteral("Chinese names cannot be read: "))) << logged[0].toStdString();
-        EXPECT_TRUE(logged[0].endsWith(row.reason)) << logged[0].toStdString();
+        ASSERT_EQ(logged.lines().size(), 1);
+        EXPECT_TRUE(logged.lines()[0].startsWith(QStringLiteral("Chinese names cannot be read: ")))
+            << logged.lines()[0].toStdString();
+        EXPECT_TRUE(logged.lines()[0].endsWith(row.reason)) << logged.lines()[0].toStdString();
     }
 }
 

@@ -1,8 +1,8 @@
 #include "recognition/ScreenReader.h"
 
-#include "base/Log.h"
 #include "tests/fakes/FakeTextReader.h"
 #include "tests/fakes/FakeWindowServer.h"
+#include "tests/support/CollectedLog.h"
 #include "tests/support/Printing.h"
 
 #include <gtest/gtest.h>
@@ -16,12 +16,9 @@ using testing::FakeWindowServer;
 class ScreenReaderTest : public ::testing::Test {
 protected:
     ScreenReaderTest() {
-        setLogSink([this](const QString& message) { logged.append(message); });
         textReader->tokens = {{QStringLiteral("Fireball"), 1, 0.2, 0.5, 0.1, 0.02}};
         textReader->scales = true;
     }
-
-    ~ScreenReaderTest() override { setLogSink({}); }
 
     void showWindow() {
         windowServer->onScreen = {{WindowDescription{
@@ -41,7 +38,7 @@ protected:
     bool readerMissing = false;
     int windowServersMade = 0;
     int textReadersMade = 0;
-    QStringList logged;
+    testing::CollectedLog logged;
     ScreenReader screen{
         [this] {
             ++windowServersMade;
@@ -89,7 +86,8 @@ TEST_F(ScreenReaderTest, HandsOnWhyThereIsNoPicture) {
 
 TEST_F(ScreenReaderTest, TellsOnceOfEachCauseOfNoPicture) {
     const auto told = [this](std::initializer_list<const char*> parts) {
-        const QStringList lines = std::exchange(logged, {});
+        const QStringList lines = logged.lines();
+        logged.clear();
         EXPECT_EQ(std::size_t(lines.size()), parts.size()) << lines.join(u'\n').toStdString();
         qsizetype line = 0;
         for (const char* part : parts) {
@@ -141,7 +139,7 @@ TEST_F(ScreenReaderTest, TellsOnceOfAMissingReaderAndTriesAgain) {
     for (int look = 0; look < 3; ++look) {
         EXPECT_EQ(screen.look({}, ReadingHints()), ReadText());
     }
-    EXPECT_EQ(logged, QStringList{QStringLiteral("install it")});
+    EXPECT_EQ(logged.lines(), QStringList{QStringLiteral("install it")});
     readerMissing = false;
     EXPECT_EQ(screen.look({}, ReadingHints()).value().tokens, textReader->tokens);
 }

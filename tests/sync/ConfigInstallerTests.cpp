@@ -1,9 +1,9 @@
 #include "sync/ConfigInstaller.h"
 
-#include "base/Log.h"
 #include "base/SerialQueue.h"
 #include "sync/InstallTools.h"
 #include "tests/fakes/FakeApplicationFiles.h"
+#include "tests/support/CollectedLog.h"
 #include "tests/support/NoDescriptors.h"
 #include "tests/support/Printing.h"
 #include "tests/support/TarWriter.h"
@@ -50,12 +50,9 @@ std::error_code unsupported(const std::filesystem::path&, const std::filesystem:
 class ConfigInstallerTest : public ::testing::Test {
 protected:
     ConfigInstallerTest() {
-        setLogSink([this](const QString& message) { logged.append(message); });
         tools.temporaryFolder = folder.filePath(u"temporary"_s);
         tools.lockPatience = std::chrono::milliseconds(100);
     }
-
-    ~ConfigInstallerTest() override { setLogSink({}); }
 
     LocalConfig config() const { return LocalConfig(files); }
 
@@ -117,7 +114,7 @@ protected:
     QTemporaryDir folder;
     testing::FakeApplicationFiles files{folder.path()};
     InstallTools tools;
-    QStringList logged;
+    testing::CollectedLog logged;
 };
 
 // With both ways of bringing the new content into its place.
@@ -139,7 +136,7 @@ TEST_P(ConfigInstallerSwapTest, InstallsWhereNothingWas) {
                            u"support/Pelloran/config/winrates/class_winrates.json"_s, u"temporary"_s}));
     EXPECT_EQ(read(config().localHashURL()), "old") << "no line break";
     expectOldContent();
-    EXPECT_THAT(logged, IsEmpty());
+    EXPECT_THAT(logged.lines(), IsEmpty());
 }
 
 TEST_P(ConfigInstallerSwapTest, ReplacesEverythingThatWas) {
@@ -156,7 +153,7 @@ TEST_P(ConfigInstallerSwapTest, ReplacesEverythingThatWas) {
               (QStringList{u"Pelloran"_s, u"Pelloran/config"_s, u"Pelloran/config/.content_hash"_s,
                            u"Pelloran/config/mage_arena_LAST_7_DAYS.json"_s, u"Pelloran/config/manifest.json"_s}));
     EXPECT_EQ(config().localHash(), u"new"_s);
-    EXPECT_THAT(logged, IsEmpty());
+    EXPECT_THAT(logged.lines(), IsEmpty());
 }
 
 TEST_P(ConfigInstallerSwapTest, AnEmptyArchiveIsContentToo) {
@@ -278,13 +275,14 @@ TEST_P(ConfigInstallerSwapTest, KeepsWhatNoSyncHasBrought) {
         const QStringList beside = QDir(QFileInfo(config).path()).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
         if (c.keptIn.isEmpty()) {
             EXPECT_EQ(beside, QStringList{u"config"_s});
-            EXPECT_THAT(logged, IsEmpty());
+            EXPECT_THAT(logged.lines(), IsEmpty());
         } else {
             EXPECT_EQ(everythingIn(c.keptIn), c.keptFiles);
-            ASSERT_FALSE(logged.isEmpty());
-            EXPECT_EQ(logged.last(), u"a sync has put the server's files in the place of your own win-rate files, "
-                                     u"which are kept in "_s +
-                                         c.keptIn);
+            ASSERT_FALSE(logged.lines().isEmpty());
+            EXPECT_EQ(logged.lines().last(),
+                      u"a sync has put the server's files in the place of your own win-rate files, "
+                      u"which are kept in "_s +
+                          c.keptIn);
             EXPECT_FALSE(QFileInfo::exists(config + u".bak"_s));
         }
     }
@@ -306,7 +304,7 @@ TEST_P(ConfigInstallerSwapTest, ReplacesNothingThatItCannotKeep) {
                                                                 u"/winrates-before-sync: No space left on device"_s);
         EXPECT_EQ(everythingIn(directory()), (QStringList{u"winrates"_s, u"winrates/class_winrates.json"_s}));
         EXPECT_EQ(read(mine), "mine");
-        EXPECT_THAT(logged, IsEmpty());
+        EXPECT_THAT(logged.lines(), IsEmpty());
     }
 }
 
@@ -319,7 +317,7 @@ TEST_P(ConfigInstallerSwapTest, KeepsOnesOwnFilesOnceForAll) {
                   (QStringList{u"config"_s, u"winrates-before-sync"_s}));
         EXPECT_EQ(read(parent + u"/winrates-before-sync/winrates/class_winrates.json"_s), "mine");
     }
-    EXPECT_EQ(logged.size(), 1) << logged.join(u'\n').toStdString();
+    EXPECT_EQ(logged.lines().size(), 1) << logged.lines().join(u'\n').toStdString();
 }
 
 TEST_P(ConfigInstallerSwapTest, LeavesOnesOwnFilesWhereTheyAreWhenAnyStepFails) {
@@ -340,7 +338,7 @@ TEST_P(ConfigInstallerSwapTest, LeavesOnesOwnFilesWhereTheyAreWhenAnyStepFails) 
         ++failures;
         EXPECT_EQ(everythingIn(directory()), (QStringList{u"winrates"_s, u"winrates/class_winrates.json"_s}));
         EXPECT_EQ(read(mine), "mine");
-        EXPECT_THAT(logged, IsEmpty());
+        EXPECT_THAT(logged.lines(), IsEmpty());
     }
     EXPECT_EQ(failures, GetParam() ? 2 : 5);
 }
@@ -446,7 +444,7 @@ TEST_F(ConfigInstallerTest, FailuresDoNotPileUp) {
     }
     installFirst();
     EXPECT_EQ(stagings(), QStringList{QFileInfo(others).fileName()});
-    EXPECT_THAT(logged, IsEmpty());
+    EXPECT_THAT(logged.lines(), IsEmpty());
 }
 
 TEST_F(ConfigInstallerTest, AFailedFirstInstallationLeavesAnEmptyFolder) {
@@ -496,7 +494,7 @@ TEST_F(ConfigInstallerTest, NewContentCountsThoughTheOldOneCannotBeSetAside) {
     }
     EXPECT_TRUE(installer().install(manifest(u"new"_s), "raw", bundle("new")));
     EXPECT_EQ(config().localHash(), u"new"_s);
-    EXPECT_THAT(logged, ElementsAre(u"cannot set the old configuration aside: Permission denied"_s));
+    EXPECT_THAT(logged.lines(), ElementsAre(u"cannot set the old configuration aside: Permission denied"_s));
 }
 
 TEST_F(ConfigInstallerTest, EverythingIsOnTheDiskBeforeItIsSwappedIn) {
@@ -554,7 +552,8 @@ TEST_F(ConfigInstallerTest, NewContentCountsThoughItsFolderCannotBeSynced) {
     };
     EXPECT_TRUE(installer().install(manifest(u"new"_s), "raw", bundle("new")));
     EXPECT_EQ(config().localHash(), u"new"_s);
-    EXPECT_THAT(logged, ElementsAre(u"cannot write "_s + QFileInfo(directory()).path() + u": Input/output error"_s));
+    EXPECT_THAT(logged.lines(),
+                ElementsAre(u"cannot write "_s + QFileInfo(directory()).path() + u": Input/output error"_s));
 }
 
 TEST_F(ConfigInstallerTest, SaysWhatIsInTheWay) {
@@ -621,7 +620,7 @@ TEST_F(ConfigInstallerTest, ReplacesAFolderThatIsReadOnlyItself) {
     EXPECT_EQ(installer().install(manifest(u"new"_s), "raw", bundle("new")), ConfigInstaller::Installation::done);
     EXPECT_EQ(config().localHash(), u"new"_s);
     EXPECT_FALSE(QFileInfo::exists(directory() + u".bak"_s));
-    EXPECT_THAT(logged, IsEmpty());
+    EXPECT_THAT(logged.lines(), IsEmpty());
 }
 
 // Mounts a small disk that this program and what it starts see, and nobody else: it is gone with the program, however
@@ -767,7 +766,7 @@ TEST_F(ConfigInstallerTest, InstallsNothingWhereTheFolderIsAFile) {
     EXPECT_EQ(installed.error().localizedDescription(),
               u"cannot make the folder "_s + directory() + u": Not a directory"_s);
     EXPECT_EQ(read(directory()), "mine");
-    EXPECT_THAT(logged, IsEmpty());
+    EXPECT_THAT(logged.lines(), IsEmpty());
 }
 
 TEST_F(ConfigInstallerTest, RemovesOnlyOldDownloadsOfOurs) {
@@ -836,7 +835,7 @@ TEST_F(ConfigInstallerTest, APutAsideContentComesBackThoughTheNextInstallationFa
     EXPECT_FALSE(installer().install(manifest(u"new"_s), "raw", "garbage"));
     expectOldContent();
     EXPECT_FALSE(QFileInfo::exists(directory() + u".bak"_s));
-    EXPECT_THAT(logged,
+    EXPECT_THAT(logged.lines(),
                 ElementsAre(u"an update of the configuration was cut off: the previous files are back in place"_s));
 }
 
@@ -884,7 +883,7 @@ TEST_F(ConfigInstallerTest, PutsABackupBackThatAnInterruptedSwapLeft) {
     installer().restoreInterruptedSwap();
     expectOldContent();
     EXPECT_FALSE(QFileInfo::exists(directory() + u".bak"_s));
-    EXPECT_THAT(logged,
+    EXPECT_THAT(logged.lines(),
                 ElementsAre(u"an update of the configuration was cut off: the previous files are back in place"_s));
 }
 
@@ -894,7 +893,7 @@ TEST_F(ConfigInstallerTest, LeavesABackupAloneBesideAFolder) {
     installer().restoreInterruptedSwap();
     expectOldContent();
     EXPECT_TRUE(QFileInfo::exists(directory() + u".bak/older"_s));
-    EXPECT_THAT(logged, IsEmpty());
+    EXPECT_THAT(logged.lines(), IsEmpty());
 }
 
 TEST_F(ConfigInstallerTest, LeavesABackupToTheInstallationUnderWay) {
@@ -909,7 +908,7 @@ TEST_F(ConfigInstallerTest, LeavesABackupToTheInstallationUnderWay) {
 TEST_F(ConfigInstallerTest, MendsNothingWhereNothingIs) {
     installer().restoreInterruptedSwap();
     EXPECT_THAT(everythingIn(folder.path()), IsEmpty());
-    EXPECT_THAT(logged, IsEmpty());
+    EXPECT_THAT(logged.lines(), IsEmpty());
 }
 
 } // namespace

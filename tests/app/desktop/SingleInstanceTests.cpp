@@ -1,6 +1,6 @@
 #include "app/desktop/SingleInstance.h"
 
-#include "base/Log.h"
+#include "tests/support/CollectedLog.h"
 #include "tests/support/NoDescriptors.h"
 #include "tests/support/Printing.h"
 #include "tests/support/QtThread.h"
@@ -186,14 +186,12 @@ TEST_F(SingleInstanceTest, IgnoresWhoSaysSomethingElse) {
 }
 
 TEST_F(SingleInstanceTest, GoesOnWhereNothingCanBeWritten) {
-    QStringList lines;
-    setLogSink([&lines](const QString& line) { lines << line; });
+    const testing::CollectedLog told;
     EXPECT_EQ(SingleInstance(folder.filePath(QStringLiteral("missing")), name).begin(), Outcome::unavailable);
     EXPECT_EQ(SingleInstance(QString(), name).begin(), Outcome::unavailable);
     const QString tooLong = QString(150, u'x'); // for the address of a socket, not for a file
     EXPECT_EQ(SingleInstance(folder.path(), tooLong).begin(), Outcome::unavailable);
-    setLogSink({});
-    EXPECT_EQ(lines.size(), 3);
+    EXPECT_EQ(told.lines().size(), 3);
 }
 
 TEST_F(SingleInstanceTest, AnswersAgainAfterTooFewFilesCouldBeOpened) {

@@ -1,6 +1,6 @@
 #include "draft/logs/LogWatcher.h"
 
-#include "base/Log.h"
+#include "tests/support/CollectedLog.h"
 #include "tests/support/NoDescriptors.h"
 #include "tests/support/Printing.h"
 #include "tests/support/SharedData.h"
@@ -56,17 +56,6 @@ protected:
     DraftState poll() const { return LogWatcher(folder.path()).poll(); }
 
     QTemporaryDir folder;
-};
-
-class CollectedLog {
-public:
-    CollectedLog() {
-        setLogSink([this](const QString& message) { messages.append(message); });
-    }
-
-    ~CollectedLog() { setLogSink({}); }
-
-    QStringList messages;
 };
 
 const QByteArray drafting = "D 1 SetDraftMode - DRAFTING\n";
@@ -245,7 +234,7 @@ TEST_F(LogWatching, RemembersNothingBetweenPolls) {
 }
 
 TEST_F(LogWatching, SaysOnceThatALogIsTooLarge) {
-    CollectedLog collected;
+    const testing::CollectedLog collected;
     const QString path = session(u"Hearthstone_1"_s);
     write(path + u"/LoadingScreen.log"_s, "currMode=DRAFT\n");
     write(path + u"/Arena.log"_s, drafting);
@@ -257,22 +246,22 @@ TEST_F(LogWatching, SaysOnceThatALogIsTooLarge) {
         EXPECT_EQ(state.draftMode, u"UNKNOWN"_s);
         EXPECT_FALSE(state.inDraft);
     }
-    EXPECT_EQ(collected.messages, QStringList{path + u"/Arena.log is larger than 64 MiB and is not read"_s});
+    EXPECT_EQ(collected.lines(), QStringList{path + u"/Arena.log is larger than 64 MiB and is not read"_s});
 }
 
 TEST_F(LogWatching, TellsOnceOfALogItCannotUseAndNotOfOneThatIsMissing) {
     const QString path = session(u"Hearthstone_1"_s);
-    CollectedLog collected;
+    const testing::CollectedLog collected;
     poll();
-    EXPECT_EQ(collected.messages, QStringList());
+    EXPECT_EQ(collected.lines(), QStringList());
     write(path + u"/Arena.log"_s, "\xFF");
     QDir().mkdir(path + u"/LoadingScreen.log"_s);
     const LogWatcher watcher(folder.path());
     watcher.poll();
     watcher.poll();
-    ASSERT_EQ(collected.messages.size(), 2);
-    EXPECT_TRUE(collected.messages[0].contains(u"LoadingScreen.log cannot be read"_s));
-    EXPECT_TRUE(collected.messages[1].contains(u"Arena.log is not text"_s));
+    ASSERT_EQ(collected.lines().size(), 2);
+    EXPECT_TRUE(collected.lines()[0].contains(u"LoadingScreen.log cannot be read"_s));
+    EXPECT_TRUE(collected.lines()[1].contains(u"Arena.log is not text"_s));
 }
 
 TEST_F(LogWatching, OutlivesWhatBecomesOfItsFilesAndTellsOnce) {
@@ -359,7 +348,7 @@ TEST_F(LogWatching, OutlivesWhatBecomesOfItsFilesAndTellsOnce) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
         wellAgain();
-        CollectedLog collected;
+        const testing::CollectedLog collected;
         const LogWatcher watcher(logs, [] {});
         EXPECT_TRUE(watcher.poll().inDraft);
         c.happen();
@@ -367,19 +356,19 @@ TEST_F(LogWatching, OutlivesWhatBecomesOfItsFilesAndTellsOnce) {
             EXPECT_EQ(watcher.poll().inDraft, c.draftGoesOn);
         }
         const QStringList lines = c.line.isEmpty() ? QStringList() : QStringList{c.line};
-        EXPECT_EQ(collected.messages, lines);
+        EXPECT_EQ(collected.lines(), lines);
         wellAgain();
         EXPECT_TRUE(watcher.poll().inDraft) << "nothing has to be started again";
-        EXPECT_EQ(collected.messages, lines);
+        EXPECT_EQ(collected.lines(), lines);
     }
 }
 
 TEST_F(LogWatching, SaysNothingOfAFolderThatIsWaitedFor) {
-    CollectedLog collected;
+    const testing::CollectedLog collected;
     const QString logs = folder.filePath(u"Logs"_s);
     const LogWatcher watcher(logs, [] {});
     EXPECT_FALSE(watcher.poll().inDraft);
-    EXPECT_EQ(collected.messages, QStringList());
+    EXPECT_EQ(collected.lines(), QStringList());
     ASSERT_TRUE(QDir().mkpath(logs + u"/Hearthstone_1"_s));
     write(logs + u"/Hearthstone_1/Arena.log"_s, drafting);
     EXPECT_TRUE(watcher.poll().inDraft);

@@ -1,7 +1,7 @@
 #include "platform/freedesktop/SessionBus.h"
 
-#include "base/Log.h"
 #include "tests/platform/freedesktop/FakePortal.h"
+#include "tests/support/CollectedLog.h"
 #include "tests/support/OtherProcess.h"
 #include "tests/support/Printing.h"
 #include "tests/support/SilentSocket.h"
@@ -162,12 +162,10 @@ TEST_F(SessionBusTest, OnlyASilentOneIsAvoided) {
         SCOPED_TRACE(row.why);
         qputenv("DBUS_SESSION_BUS_ADDRESS", row.address);
         qputenv("XDG_RUNTIME_DIR", row.runtimeFolder);
-        QStringList told;
-        setLogSink([&told](const QString& line) { told.append(line); });
+        const CollectedLog told;
         avoidSilentSessionBus(brief);
-        setLogSink({});
         EXPECT_EQ(qgetenv("DBUS_SESSION_BUS_ADDRESS"), row.then);
-        EXPECT_EQ(told.size(), row.then == "disabled:" ? 1 : 0);
+        EXPECT_EQ(told.lines().size(), row.then == "disabled:" ? 1 : 0);
     }
 }
 

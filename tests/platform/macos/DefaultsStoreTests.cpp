@@ -1,7 +1,7 @@
 #include "platform/macos/DefaultsStore.h"
 
-#include "base/Log.h"
 #include "tests/contracts/UserDefaultsContract.h"
+#include "tests/support/CollectedLog.h"
 
 #include <QStringList>
 
@@ -44,16 +44,10 @@ struct MemoryDefaults {
 
 class DefaultsStoreTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        setLogSink([this](const QString& line) { logged << line; });
-    }
-
-    void TearDown() override { setLogSink({}); }
-
     MemoryDefaults memory;
     DefaultsStore store{memory.calls()};
     const QString key = QStringLiteral("pelloran.language");
-    QStringList logged;
+    testing::CollectedLog logged;
 };
 
 TEST_F(DefaultsStoreTest, GivesKeysToTheSystemAsTheyAre) {
@@ -61,7 +55,7 @@ TEST_F(DefaultsStoreTest, GivesKeysToTheSystemAsTheyAre) {
     EXPECT_EQ(memory.values, (std::map<QString, QString>{{key, QStringLiteral("zh")}}));
     store.remove(key);
     EXPECT_TRUE(memory.values.empty());
-    EXPECT_TRUE(logged.isEmpty());
+    EXPECT_TRUE(logged.lines().isEmpty());
 }
 
 TEST_F(DefaultsStoreTest, SeesWhatOthersStoreMeanwhile) {
@@ -75,13 +69,13 @@ TEST_F(DefaultsStoreTest, WhatCannotBeStoredIsLoggedAndHolds) {
     memory.full = true;
     store.setString(key, QStringLiteral("zh"));
     EXPECT_EQ(store.string(key), QStringLiteral("zh"));
-    ASSERT_EQ(logged.size(), 1);
-    EXPECT_EQ(logged.front(),
+    ASSERT_EQ(logged.lines().size(), 1);
+    EXPECT_EQ(logged.lines().front(),
               QStringLiteral("cannot store the choice \"pelloran.language\" in the store; it holds until "
                              "the program ends"));
     store.remove(key);
     EXPECT_EQ(store.string(key), std::nullopt);
-    EXPECT_EQ(logged.size(), 2);
+    EXPECT_EQ(logged.lines().size(), 2);
     EXPECT_EQ(memory.values[key], QStringLiteral("en"));
 }
 
@@ -93,7 +87,7 @@ TEST_F(DefaultsStoreTest, WhatIsStoredLaterTakesThePlaceOfWhatWasNot) {
     EXPECT_EQ(store.string(key), QStringLiteral("en"));
     memory.values[key] = QStringLiteral("system");
     EXPECT_EQ(store.string(key), QStringLiteral("system")) << "nothing is held back any more";
-    EXPECT_EQ(logged.size(), 1);
+    EXPECT_EQ(logged.lines().size(), 1);
 }
 
 } // namespace

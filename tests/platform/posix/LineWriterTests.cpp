@@ -1,6 +1,6 @@
 #include "platform/posix/LineWriter.h"
 
-#include "base/Log.h"
+#include "tests/support/CollectedLog.h"
 #include "tests/support/Printing.h"
 
 #include <QTest>
@@ -26,7 +26,6 @@ protected:
     ~LineWriterTest() override {
         closeReader();
         ::close(ends[1]);
-        setLogSink({});
     }
 
     void closeReader() {
@@ -71,8 +70,7 @@ TEST_F(LineWriterTest, NeverWaitsForASlowReaderAndLosesNothing) {
 }
 
 TEST_F(LineWriterTest, LeavesOutWholeLinesForAStalledReader) {
-    int told = 0;
-    setLogSink([&](const QString&) { ++told; });
+    const testing::CollectedLog told;
     LineWriter writer(ends[1]);
     const QByteArray line = QByteArray(1024 * 1024 - 1, 'x') + '\n';
     const auto readAll = [&](qsizetype lines) {
@@ -86,15 +84,14 @@ TEST_F(LineWriterTest, LeavesOutWholeLinesForAStalledReader) {
     for (int i = 0; i < 6; ++i) {
         writer.write(line);
     }
-    EXPECT_EQ(told, 1) << "once, not for every line";
+    EXPECT_EQ(told.lines().size(), 1) << "once, not for every line";
     EXPECT_EQ(readAll(4), line + line + line + line) << "what fits the pipe and the allowance, no line cut";
     writer.write(line);
     EXPECT_EQ(readAll(1), line) << "goes on once the reader has caught up";
 }
 
 TEST_F(LineWriterTest, EndsQuietlyWhenTheReaderHasGone) {
-    int told = 0;
-    setLogSink([&](const QString&) { ++told; });
+    const testing::CollectedLog told;
     LineWriter writer(ends[1]);
     closeReader();
     writer.write("one\n");
@@ -108,7 +105,7 @@ TEST_F(LineWriterTest, EndsQuietlyWhenTheReaderHasGone) {
     QCoreApplication::processEvents();
     pollfd query{.fd = ends[0], .events = POLLIN, .revents = 0};
     EXPECT_EQ(::poll(&query, 1, 0), 0) << "nothing arrives";
-    EXPECT_EQ(told, 0);
+    EXPECT_EQ(told.lines().size(), 0);
 }
 
 TEST_F(LineWriterTest, EndsWithOneLineWhereTheDiskIsFull) {
@@ -116,8 +113,7 @@ TEST_F(LineWriterTest, EndsWithOneLineWhereTheDiskIsFull) {
     if (full < 0) {
         GTEST_SKIP() << "needs /dev/full";
     }
-    QStringList told;
-    setLogSink([&](const QString& line) { told.append(line); });
+    const testing::CollectedLog told;
     {
         LineWriter writer(full);
         for (int i = 0; i < 3; ++i) {
@@ -126,8 +122,8 @@ TEST_F(LineWriterTest, EndsWithOneLineWhereTheDiskIsFull) {
         }
     }
     ::close(full);
-    EXPECT_EQ(told, QStringList{QStringLiteral(
-                        "the snapshots end, standard output cannot be written: No space left on device")});
+    EXPECT_EQ(told.lines(), QStringList{QStringLiteral(
+                                "the snapshots end, standard output cannot be written: No space left on device")});
 }
 
 } // namespace
