@@ -1,4 +1,4 @@
-# Whether the tests that docs/security.md and docs/faults.md name are there: a claim whose test has gone is only a claim.
+# Whether the tests that the papers name are there: a claim whose test has gone is only a claim.
 # Takes PROJECT (the checkout).
 #
 # A test is named as `Suite.Name`, or as `name_fuzzer`. In a table whose last column is called "Test" each row names one,
@@ -92,13 +92,10 @@ expect("a row without a test" "| a | test |\n|---|---|\n| x | y |\n" "No test is
 expect("another table" "| a | b |\n|---|---|\n| x | y |\n" "")
 expect("another table below" "| a | Test |\n|---|---|\n\n| x | y |\n" "")
 
-foreach(document security faults)
-  set(path "${PROJECT}/docs/${document}.md")
-  if(EXISTS "${path}")
-    file(READ "${path}" text)
-    complaints_of("${text}" found)
-    if(found)
-      message(SEND_ERROR "docs/${document}.md: ${found}")
-    endif()
+foreach(document README.md docs/security.md docs/faults.md docs/macos.md docs/releasing.md docs/soak.md)
+  file(READ "${PROJECT}/${document}" text)
+  complaints_of("${text}" found)
+  if(found)
+    message(SEND_ERROR "${document}: ${found}")
   endif()
 endforeach()
