@@ -68,9 +68,8 @@ Done write(const QString& path, const QByteArray& bytes) {
 
 // As a client looks at it before it unpacks.
 Done checkAsClient(const QByteArray& manifest, const QByteArray& bundle) {
-    if (manifest.size() > ConfigSync::maximumManifestBytes) {
-        return problem(
-            u"the manifest has more than %1 bytes, which clients refuse"_s.arg(ConfigSync::maximumManifestBytes));
+    if (manifest.size() > maximumManifestBytes) {
+        return problem(u"the manifest has more than %1 bytes, which clients refuse"_s.arg(maximumManifestBytes));
     }
     if (bundle.size() > ConfigSync::maximumBundleBytes) {
         return problem(

@@ -28,8 +28,7 @@ public:
 
     static constexpr std::chrono::seconds pollInterval{600};
 
-    // What a server may make us read into memory. Real manifests have a few hundred bytes, bundles less than a million.
-    static constexpr qint64 maximumManifestBytes = pelloran::maximumManifestBytes;
+    // What a server may make us read into memory as a bundle. Real ones have less than a million bytes.
     static constexpr qint64 maximumBundleBytes = 64LL * 1024 * 1024;
 
     // `server` is the base URL, to which "/pelloran/latest" is added. An installation that an earlier run did not

@@ -2,7 +2,7 @@
 
 #include "base/FileTree.h"
 #include "platform/ApplicationFiles.h"
-#include "sync/ManifestRequest.h"
+#include "sync/RemoteManifest.h"
 
 #include <QFileInfo>
 #include <QStringDecoder>

@@ -14,9 +14,6 @@ namespace pelloran {
 
 class HttpClient;
 
-// What a server may make us read into memory. Real manifests have a few hundred bytes.
-constexpr qint64 maximumManifestBytes = qint64{1024} * 1024;
-
 // How long a server may say nothing, unless told otherwise.
 constexpr std::chrono::seconds configServerPatience{12};
 

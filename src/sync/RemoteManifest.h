@@ -11,6 +11,9 @@
 
 namespace pelloran {
 
+// What a server may make us read into memory as a manifest. Real ones have a few hundred bytes.
+constexpr qint64 maximumManifestBytes = qint64{1024} * 1024;
+
 // What the configuration server offers.
 struct RemoteManifest {
     std::optional<qint64> version;
