@@ -2,6 +2,7 @@
 
 #include "data/CardFile.h"
 #include "fuzz/Require.h"
+#include "publish/CardLists.h"
 #include "publish/CardTable.h"
 
 #include <cstdint>
@@ -11,12 +12,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     using namespace pelloran;
     using fuzzing::require;
     const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
-    const auto file = cardFileFromTable(bytes, QStringLiteral("then"));
-    if (!file) {
-        require(!file.error().isEmpty());
+    const auto cards = cardsFromTable(bytes, QStringLiteral("then"), CardLists());
+    if (!cards) {
+        require(!cards.error().isEmpty());
         return 0;
     }
-    const auto decoded = CardFile::decode(*file, QStringLiteral("table"));
+    const auto decoded = CardFile::decode(cards->file, QStringLiteral("table"));
     require(decoded && !decoded->rows.empty());
     return 0;
 }

@@ -146,12 +146,6 @@ std::optional<TableRow> rowFrom(const CsvRow& row, const std::vector<const Colum
 
 } // namespace
 
-std::expected<QByteArray, QStringList> cardFileFromTable(const QByteArray& table, const QString& fetchedAt) {
-    auto cards = cardsFromTable(table, fetchedAt, {});
-    return cards ? std::expected<QByteArray, QStringList>(std::move(cards->file))
-                 : std::unexpected(std::move(cards).error());
-}
-
 std::expected<TableCards, QStringList> cardsFromTable(const QByteArray& table, const QString& fetchedAt,
                                                       const CardLists& lists) {
     QStringDecoder decoder(QStringDecoder::Utf8);

@@ -2,6 +2,7 @@
 
 #include "data/CardFile.h"
 #include "data/WinrateFormats.h"
+#include "publish/CardLists.h"
 #include "tests/support/Printing.h"
 
 #include <gtest/gtest.h>
@@ -10,6 +11,16 @@ namespace pelloran {
 namespace {
 
 const QString noTime = QStringLiteral("then");
+
+// Without lists of cards.
+std::expected<QByteArray, QStringList> cardFileFromTable(const QByteArray& table, const QString& fetchedAt) {
+    auto cards = cardsFromTable(table, fetchedAt, {});
+    if (!cards) {
+        return std::unexpected(cards.error());
+    }
+    EXPECT_EQ(cards->remarks, QStringList());
+    return cards->file;
+}
 
 TEST(CardTable, MakesACardFileOfEveryColumn) {
     const auto file =
