@@ -17,7 +17,7 @@ public:
     virtual void show() = 0;
 
     // At the start: as the last run left it, shown or hidden; shown where nothing is known of one.
-    virtual void open() { show(); }
+    virtual void open() = 0;
 
     virtual void hide() = 0;
     virtual bool isVisible() const = 0;

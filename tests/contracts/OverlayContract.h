@@ -40,6 +40,11 @@ TEST_P(OverlayContract, IsMadeHidden) {
     EXPECT_FALSE(overlay.isVisible());
 }
 
+TEST_P(OverlayContract, OpensShownWhereNoRunWasBefore) {
+    overlay.open();
+    EXPECT_TRUE(overlay.isVisible());
+}
+
 TEST_P(OverlayContract, IsSeenFromShowingToHiding) {
     overlay.hide(); // already
     EXPECT_FALSE(overlay.isVisible());

@@ -33,6 +33,12 @@ public:
         record.visible = true;
     }
 
+    // Of an earlier run nothing is known.
+    void open() override {
+        steps << QStringLiteral("panel opened");
+        record.visible = true;
+    }
+
     void hide() override { record.visible = false; }
 
     bool isVisible() const override { return record.visible; }

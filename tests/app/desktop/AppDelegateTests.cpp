@@ -195,7 +195,7 @@ TEST_F(AppDelegateTest, StartsInItsOrder) {
                          QStringLiteral("image"),
                          QStringLiteral("tooltip"),
                          QStringLiteral("menu"),
-                         QStringLiteral("panel shown"),
+                         QStringLiteral("panel opened"),
                          QStringLiteral("program activated"),
                          QStringLiteral("snapshot Waiting for Arena draft…"), // of the first tick
                          QStringLiteral("snapshot ") + bootEnglish,
