@@ -56,7 +56,7 @@ std::expected<std::unique_ptr<Recorder>, QString> recorderFor(const RunLoop& com
     return recorder;
 }
 
-// What `made` is, looked at by who records.
+// `made` itself, or, with a recorder, one around it by which that sees what it gives.
 template <typename Seam>
 std::unique_ptr<Seam> watched(std::unique_ptr<Seam> made, Recorder* recorder) {
     return recorder ? recorder->watched(std::move(made)) : std::move(made);
@@ -76,11 +76,11 @@ DraftParts::DraftParts(const RunLoop& command)
     , config(configFor(command))
     , store(*files)
     , recorder(recorderFor(command, config, store))
-    , screenReader([this] { return watched(WindowServer::create(), follower()); },
+    , screenReader([this] { return watched(WindowServer::create(), activeRecorder()); },
                    [this] {
                        auto reader = TextReader::create(*files);
                        if (reader) {
-                           reader = watched(*std::move(reader), follower());
+                           reader = watched(*std::move(reader), activeRecorder());
                        }
                        return reader;
                    })
@@ -93,18 +93,18 @@ DraftParts::DraftParts(const RunLoop& command)
 DraftParts::~DraftParts() = default;
 
 void DraftParts::observe(const DraftService& service) const {
-    if (follower()) {
-        follower()->follow(service);
+    if (activeRecorder()) {
+        activeRecorder()->follow(service);
     }
 }
 
 void DraftParts::finishRecording() const {
-    if (follower()) {
-        follower()->catchUp();
+    if (activeRecorder()) {
+        activeRecorder()->catchUp();
     }
 }
 
-Recorder* DraftParts::follower() const {
+Recorder* DraftParts::activeRecorder() const {
     return recorder ? recorder->get() : nullptr;
 }
 

@@ -44,14 +44,14 @@ public:
     const std::unique_ptr<ApplicationFiles> files;
     const AppConfig config;
     WinrateStore store;
-    const std::expected<std::unique_ptr<Recorder>, QString> recorder; // null: nobody asked; an error is a sentence
     // In this order, so that the queue waits for the look under way before what it uses goes.
+    const std::expected<std::unique_ptr<Recorder>, QString> recorder; // null: nobody asked; the error has been logged
     ScreenReader screenReader;
     const std::unique_ptr<SerialQueue> recognition;
     const std::shared_ptr<SnapshotPrinter> printer; // null: nobody asked
 
 private:
-    Recorder* follower() const; // null: nothing is recorded
+    Recorder* activeRecorder() const; // null: nothing is recorded
 };
 
 // Lines for the log.

@@ -79,10 +79,10 @@ OverlayPanelController::OverlayPanelController(const SystemSettings& systemSetti
     FloatingPanel* panel = &views->panel;
     panel->setFrame(place.frame);
     connect(panel, &FloatingPanel::didEndDrag, this, [this] {
-        isUsers = true;
+        hasUserActed = true;
         remember();
     });
-    connect(panel, &FloatingPanel::didCloseByUser, this, [this] { want(false); });
+    connect(panel, &FloatingPanel::didCloseByUser, this, [this] { setWanted(false); });
     connect(panel, &FloatingPanel::didResize, this,
             [this, panel] { panelResized(state, panel->hold(), panel->frame().size()); });
     connect(panel, &FloatingPanel::willStartDrag, this, [panel] { Motion::end(*panel, frameAnimation); });
@@ -107,15 +107,15 @@ OverlayPanelController::OverlayPanelController(const SystemSettings& systemSetti
 }
 
 OverlayPanelController::~OverlayPanelController() {
-    if (isUsers) {
+    if (hasUserActed) {
         remember();
     }
 }
 
-void OverlayPanelController::want(bool shown) {
+void OverlayPanelController::setWanted(bool shown) {
     if (shown != isWanted) {
         isWanted = shown;
-        isUsers = true;
+        hasUserActed = true;
         remember();
     }
 }
@@ -136,13 +136,13 @@ void OverlayPanelController::show() {
         main && std::ranges::none_of(FloatingPanel::visibleFrames(), seen)) {
         bringBack(*main);
     }
-    want(true);
+    setWanted(true);
     views->show();
     geometry->enqueue(GeometryPhase::settle, true);
 }
 
 void OverlayPanelController::hide() {
-    want(false);
+    setWanted(false);
     window().hide();
 }
 

@@ -61,7 +61,7 @@ private:
     OverlayPanelController(const SystemSettings& settings, std::unique_ptr<PanelWindow> window,
                            MotionPreference motionPreference, UserDefaults* memory, const PanelPlace& place);
 
-    void want(bool shown);
+    void setWanted(bool shown);
     void remember() const;
     void present(const OverlaySnapshot& snapshot);
     void showTiles(const OverlaySnapshot& snapshot, bool appearing);
@@ -79,7 +79,7 @@ private:
     const Motion motion;
     UserDefaults* const memory; // may be null
     bool isWanted;              // shown, or to be at the start; not hidden by the user
-    bool isUsers = false;       // the user has done something to it in this run
+    bool hasUserActed = false;  // moved, resized, hidden or shown it in this run: then there is something to remember
     PanelState state;
     const std::unique_ptr<PanelViews> views;
     const std::unique_ptr<GeometryDriver> geometry;

@@ -124,6 +124,10 @@ bool holdsAny(const QString& text, QStringView characters) {
     return std::ranges::any_of(text, [&](QChar c) { return characters.contains(c); });
 }
 
+// One name in so many may be unlike the rest, such as one with an accent in English; of another language's far more
+// are.
+constexpr std::size_t oneStrayIn = 20;
+
 // What a list's names look like, where that leaves no doubt.
 std::optional<QLatin1StringView> localeOfNames(const std::vector<Row>& rows) {
     // Small words that names of cards are full of, and those of the other languages in Latin letters.
@@ -147,19 +151,20 @@ std::optional<QLatin1StringView> localeOfNames(const std::vector<Row>& rows) {
         ideographs += holdsAny(name, u'\u4E00', u'\u9FFF');
         otherScripts += holdsAny(name, u'\u0370', u'\u1FFF') || holdsAny(name, u'\u3040', u'\u30FF') ||
                         holdsAny(name, u'\uAC00', u'\uD7AF');
+        // The same characters as either script writes them, of words that names of cards are full of.
         simplified += holdsAny(name, u"龙术师战圣兽灵护击亚尔猎骑");
         traditional += holdsAny(name, u"龍術師戰聖獸靈護擊亞爾獵騎");
         accents += std::ranges::any_of(name, [](QChar c) { return c.isLetter() && c.unicode() > 0x7F; });
         englishWords += englishWord.match(name).hasMatch();
         otherWords += otherWord.match(name).hasMatch();
     }
-    if (otherScripts * 20 > names) {
+    if (otherScripts * oneStrayIn > names) {
         return std::nullopt;
     }
     if (ideographs * 2 > names && simplified > traditional) {
         return chinese;
     }
-    if (accents * 20 <= names && englishWords > otherWords) {
+    if (accents * oneStrayIn <= names && englishWords > otherWords) {
         return english;
     }
     return std::nullopt;

@@ -27,10 +27,10 @@ struct ListedHero {
     bool operator==(const ListedHero&) const = default;
 };
 
-// Where a card was looked for and not found, or not where it should have been.
+// What the lists have for a row of figures.
 struct ListedRow {
-    const ListedCard* card = nullptr; // null: in none of the lists
-    bool isContradictory = false;     // the number is another card's
+    const ListedCard* card = nullptr; // null: the row's card is in none of them
+    bool isContradictory = false;     // they have the row's number for a card of another identifier
 };
 
 class CardLists {

@@ -1,7 +1,6 @@
 #include "names/Lexicon.h"
 
 #include "names/NameMatching.h"
-#include "names/ReadingDistance.h"
 #include "tests/names/LexiconReference.h"
 #include "tests/support/Printing.h"
 #include "tests/support/SharedData.h"

@@ -30,7 +30,7 @@ SingleInstance::SingleInstance(const QString& folder, const QString& name)
     , socketPath(folder + u'/' + name + QStringLiteral(".socket"))
     , lock(folder + u'/' + name + QStringLiteral(".lock")) {
     lock.setStaleLockTime(0); // however long it runs; a lock whose process is gone is no lock
-    connect(&hearing, &QTimer::timeout, this, &SingleInstance::listenAgain);
+    connect(&listeningTimer, &QTimer::timeout, this, &SingleInstance::listenAgain);
     server.setSocketOptions(QLocalServer::UserAccessOption);
     connect(&server, &QLocalServer::newConnection, this, [this] {
         while (QLocalSocket* asking = server.nextPendingConnection()) {
@@ -58,7 +58,7 @@ SingleInstance::Outcome SingleInstance::begin(std::chrono::milliseconds wait) {
             if (!listen()) {
                 return Outcome::unavailable;
             }
-            hearing.start(secondLook);
+            listeningTimer.start(checkInterval);
             return Outcome::first;
         }
         if (lock.error() != QLockFile::LockFailedError) {
@@ -74,7 +74,7 @@ SingleInstance::Outcome SingleInstance::begin(std::chrono::milliseconds wait) {
 }
 
 void SingleInstance::end() {
-    hearing.stop();
+    listeningTimer.stop();
     server.close();
     lock.unlock();
 }

@@ -33,8 +33,8 @@ public:
     SingleInstance(const QString& folder, const QString& name);
     ~SingleInstance() override;
 
-    // How soon it is noticed that nobody can be heard any more.
-    std::chrono::milliseconds secondLook{5'000};
+    // How often a first one looks whether other starts can still reach it. Set before begin().
+    std::chrono::milliseconds checkInterval{5'000};
 
     // Blocks for `wait` at most.
     Outcome begin(std::chrono::milliseconds wait = patience);
@@ -68,7 +68,7 @@ private:
     QString socketPath;
     QLockFile lock;
     QLocalServer server;
-    QTimer hearing;
+    QTimer listeningTimer;
 };
 
 // The same for every way to write one X display: the number of the screen and the way there do not matter.

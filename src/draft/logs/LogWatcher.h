@@ -43,13 +43,12 @@ public:
 
 private:
     std::optional<QByteArray> read(const QString& path) const;
+    void tellOnce(const QString& line) const;
 
     QString logsDir;
     std::function<void()> pause;
-    void tellOnce(const QString& line) const;
-
-    mutable QSet<QString> told; // so that each line is logged once, not with every poll
-    mutable bool listed = false;
+    mutable QSet<QString> told;  // so that each line is logged once, not with every poll
+    mutable bool listed = false; // the log folder has been there: it is not one that is still waited for
 };
 
 } // namespace pelloran

@@ -196,7 +196,7 @@ TEST_F(SingleInstanceTest, GoesOnWhereNothingCanBeWritten) {
 
 TEST_F(SingleInstanceTest, AnswersAgainAfterTooFewFilesCouldBeOpened) {
     SingleInstance first(folder.path(), name);
-    first.secondLook = 10ms;
+    first.checkInterval = 10ms;
     ASSERT_EQ(first.begin(), Outcome::first);
     const int asking = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     ASSERT_GE(asking, 0);
