@@ -1,5 +1,6 @@
 #include "platform/UserDefaults.h"
 #include "tests/support/CollectedLog.h"
+#include "tests/support/FullDisk.h"
 #include "tests/support/Printing.h"
 
 #include <QDir>
@@ -9,10 +10,8 @@
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
-#include <csignal>
 #include <functional>
 
 namespace pelloran {
@@ -30,29 +29,6 @@ const QString& configurationFolder() {
     }();
     return path;
 }
-
-// While it lives, no file can be written, not even by the superuser.
-class FullDisk {
-public:
-    FullDisk()
-        : handler(std::signal(SIGXFSZ, SIG_IGN)) {
-        getrlimit(RLIMIT_FSIZE, &before);
-        const rlimit none{0, before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &none);
-    }
-
-    ~FullDisk() {
-        setrlimit(RLIMIT_FSIZE, &before);
-        std::signal(SIGXFSZ, handler);
-    }
-
-    FullDisk(const FullDisk&) = delete;
-    FullDisk& operator=(const FullDisk&) = delete;
-
-private:
-    rlimit before{};
-    void (*handler)(int);
-};
 
 class SettingsUserDefaultsTest : public ::testing::Test {
 protected:

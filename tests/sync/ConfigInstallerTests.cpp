@@ -4,6 +4,7 @@
 #include "sync/InstallTools.h"
 #include "tests/fakes/FakeApplicationFiles.h"
 #include "tests/support/CollectedLog.h"
+#include "tests/support/FullDisk.h"
 #include "tests/support/NoDescriptors.h"
 #include "tests/support/Printing.h"
 #include "tests/support/TarWriter.h"
@@ -27,7 +28,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <filesystem>
 #include <future>
 #include <optional>
@@ -701,13 +701,10 @@ TEST_F(ConfigInstallerTest, AFullDiskKeepsTheOldContent) {
     TarWriter writer;
     writer.add({.name = "zeros", .content = QByteArray(qsizetype{8} * 1024 * 1024, '\0')});
     const QByteArray bytes = writer.gzipped();
-    rlimit before{};
-    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
-    const auto signalBefore = std::signal(SIGXFSZ, SIG_IGN);
 
     struct Case {
         const char* why;
-        rlim_t size;
+        rlim_t room;
         QString message; // a part of it
     };
 
@@ -717,17 +714,16 @@ TEST_F(ConfigInstallerTest, AFullDiskKeepsTheOldContent) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
-        const rlimit small{c.size, before.rlim_max};
-        ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
-        const auto installed = installer().install(manifest(u"new"_s), "raw", bytes);
-        ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
+        const auto installed = [&] {
+            const FullDisk full(c.room);
+            return installer().install(manifest(u"new"_s), "raw", bytes);
+        }();
         ASSERT_FALSE(installed);
         EXPECT_TRUE(installed.error().localizedDescription().contains(c.message))
             << installed.error().localizedDescription().toStdString();
         expectOldContent();
         EXPECT_THAT(everythingIn(tools.temporaryFolder), IsEmpty());
     }
-    std::signal(SIGXFSZ, signalBefore);
 }
 
 TEST_F(ConfigInstallerTest, KeepsItsContentWhileTooFewFilesCanBeOpened) {
