@@ -12,10 +12,10 @@
 #include <utility>
 #include <vector>
 
-// What several targets make of their bytes.
+// The names, and what knows them, of the targets that read lines.
 namespace pelloran::fuzzing {
 
-// That ships.
+// The one that ships.
 inline std::shared_ptr<const CharacterModel> model() {
     static const auto shipped = [] {
         QFile file(QStringLiteral(PELLORAN_MODEL));
@@ -27,7 +27,7 @@ inline std::shared_ptr<const CharacterModel> model() {
     return shipped;
 }
 
-// Some that are always the same, and some from the bytes.
+// Some names that are always the same, and some from the bytes.
 inline QStringList namesFrom(Bytes& bytes) {
     QStringList list{QStringLiteral("Amber Wolf"), QStringLiteral("Copper Kettle"), QStringLiteral("Quiet Orchard"),
                      QStringLiteral("王日田"), QStringLiteral("Ox")};

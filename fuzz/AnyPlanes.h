@@ -10,7 +10,7 @@
 // Pictures for the targets that look for lines in them: few bytes make much of a picture.
 namespace pelloran::fuzzing {
 
-// Numbers as good as any, the same for the same beginning.
+// Numbers as good as any, the same for the same beginning: Marsaglia's generator of shifts (xorshift32).
 class Grain {
 public:
     explicit Grain(int begin)
@@ -26,6 +26,10 @@ public:
 private:
     std::uint32_t state;
 };
+
+inline QRect wholeOf(const Plane& plane) {
+    return {0, 0, plane.width, plane.height};
+}
 
 inline void fill(Plane& plane, QRect area, int value) {
     area = area.intersected(QRect(0, 0, plane.width, plane.height));

@@ -25,10 +25,7 @@ namespace {
 using namespace pelloran;
 using fuzzing::Bytes;
 using fuzzing::require;
-
-QRect wholeOf(const Plane& plane) {
-    return {0, 0, plane.width, plane.height};
-}
+using fuzzing::wholeOf;
 
 void checkRows(const std::vector<TextBox>& boxes, double unit, RowOrder order) {
     std::vector<std::size_t> seen;

@@ -22,10 +22,7 @@ namespace {
 using namespace pelloran;
 using fuzzing::Bytes;
 using fuzzing::require;
-
-QRect wholeOf(const Plane& plane) {
-    return {0, 0, plane.width, plane.height};
-}
+using fuzzing::wholeOf;
 
 // Whatever lies behind the end of a row must not be seen.
 void readStrided(Bytes& bytes) {

@@ -58,7 +58,8 @@ int main(int argc, char** argv) {
     }
     const auto session = onDesktop ? GuiSession::prepare() : std::expected<void, QString>();
 
-    // Little else than the panel needs a display, and the bigger application object with it.
+    // Only the panel, and what of `doctor` looks at the desktop, need a display and the bigger application object with
+    // it.
     std::unique_ptr<QCoreApplication> application;
     if (onDesktop && session) {
         application = std::make_unique<QApplication>(argc, argv);

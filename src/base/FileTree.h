@@ -54,7 +54,7 @@ std::expected<QByteArray, Error> read(const QString& path, qint64 most);
 // The whole content in one step, or what was there before.
 Done writeAtomically(const QString& path, const QByteArray& bytes);
 
-// All of it at the place where an open file is. Of a full disk too it says why.
+// All of it, to an open file, from where that stands. What fails has its reason, also where that is a full disk.
 Done write(QFileDevice& file, const QByteArray& bytes);
 
 // Files and folders, which is all that `from` may hold, with the permissions of any new ones. `to` is not there. Of a

@@ -22,7 +22,7 @@ using strict_json::fields;
 using strict_json::HasFields;
 
 // Files come from servers too. What reads the screen compares each line with every name, and reckons with names of a
-// length that fits on a card: one of a million characters would keep it busy for minutes, and of ten for hours.
+// length that fits on a card: one of a million characters would keep it busy for minutes, one of ten million for hours.
 strict_json::Verdict beyondLimits(const QString& text) {
     if (text.size() > longestDataText) {
         return strict_json::wanted(u"a text of at most %1 characters"_s.arg(longestDataText));

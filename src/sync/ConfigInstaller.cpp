@@ -41,7 +41,7 @@ std::unexpected<ConfigSyncError> failure(const FileTree::Error& error) {
     return std::unexpected(ConfigSyncError{ConfigSyncError::Platform{error.description}});
 }
 
-// False, and a line of it, where the old content does not get back to its place or the new one out of it.
+// Of a move by which content gets back to where it was: logs why it failed, if it did; false then.
 bool putBack(const std::error_code& error) {
     if (error) {
         log(u"cannot put the configuration back: "_s + QString::fromStdString(error.message()));

@@ -20,7 +20,8 @@ constexpr std::chrono::seconds configServerPatience{12};
 // The folder of the manifest and its bundle, on the server of this base URL.
 QString configFolderURL(const QString& server);
 
-// The body of the file at `url`. A server that says nothing for `silence` is given up.
+// The body of the file at `url`; `silence` and `maximumBytes` as for checkedGet(). Errors: `BadURL`; `HttpStatus` for
+// any but 200 to 299; `Platform` for what the network says, and for a longer body.
 std::expected<QByteArray, ConfigSyncError> getFromConfigServer(HttpClient& http, const QString& url,
                                                                std::chrono::milliseconds silence, qint64 maximumBytes);
 
@@ -29,7 +30,7 @@ struct FetchedManifest {
     QByteArray raw;
 };
 
-// One request, of the manifest in that folder.
+// One request, of the manifest in that folder. Errors: those above, and those of RemoteManifest::fromJson().
 std::expected<FetchedManifest, ConfigSyncError> fetchManifest(HttpClient& http, const QString& folderURL,
                                                               std::chrono::milliseconds silence);
 

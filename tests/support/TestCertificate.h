@@ -15,8 +15,8 @@ namespace pelloran::testing {
 enum class CertificateKind { valid, expired, ofAnotherHost };
 
 struct TestCertificate {
-    QSslCertificate issuer;   // mostly itself
-    QSslConfiguration server; // of one on loopback that shows it
+    QSslCertificate issuer;   // whoever trusts it trusts the server's; the server's own, but for an expired one
+    QSslConfiguration server; // of a server on loopback that shows the certificate
 };
 
 // Made by the openssl program; absent where there is none.

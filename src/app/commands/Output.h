@@ -13,7 +13,8 @@ void print(const QByteArray& text);
 
 void printLines(const QStringList& lines);
 
-// How wide the terminal is that somebody reads it on; absent where it goes elsewhere.
+// How many columns the terminal has that somebody reads it on, 40 at least, and 80 where it does not tell; absent where
+// it goes elsewhere.
 std::optional<int> terminalColumns();
 
 } // namespace pelloran

@@ -111,7 +111,7 @@ bool SingleInstance::listen() {
     return true;
 }
 
-// It hangs up on what it does not know, as soon as its event loop turns.
+// A first one hangs up on words that it does not know, as soon as its event loop turns: that is an answer too.
 bool SingleInstance::answersAtAll(std::chrono::milliseconds wait) const {
     const QDeadlineTimer deadline(wait);
     const auto left = [&deadline] { return static_cast<int>(deadline.remainingTime()); };

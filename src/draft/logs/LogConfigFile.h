@@ -41,9 +41,11 @@ struct LogConfigError {
 struct LogConfigFile {
     QString path;                            // of the file itself, where links lead there
     std::optional<QByteArray> text;          // absent: there is no file
-    std::optional<LogConfigError> toWriting; // what is in the way of that
+    std::optional<LogConfigError> toWriting; // what is in the way of writing it
 };
 
+// What is there, whether it is text that can be merged or not. Changes nothing, and finds out what would be in the way
+// of a change. Errors: `leadsNowhere`, `noFile`, `unreadable`, and `tooLarge` beyond 1 MiB.
 std::expected<LogConfigFile, LogConfigError> readLogConfig(const QString& path);
 
 struct WrittenLogConfig {

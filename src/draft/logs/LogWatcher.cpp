@@ -54,7 +54,7 @@ LogWatcher::LogWatcher(const QString& folder, std::function<void()> pauseForGame
 std::optional<QString> LogWatcher::latestSessionDir() const {
     const auto found = sessionsIn(logsDir);
     if (!found) {
-        // One that never was is waited for, which whoever chose the folder says.
+        // One that has never been there is waited for: that is told where the folder is chosen.
         if (listed || FileTree::exists(logsDir)) {
             tellOnce(QStringLiteral("the log folder %1 cannot be listed: %2")
                          .arg(logsDir, QString::fromStdString(found.error().message())));

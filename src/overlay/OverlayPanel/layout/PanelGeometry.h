@@ -39,7 +39,7 @@ constexpr UpwardRect initialFrame{40, 60, 360, 420};
 // As small as the user can drag it.
 constexpr QSizeF minimumSize(280, 200);
 
-// As low as it makes itself, for a message. Who drags it wider then leaves it so low.
+// As low as it makes itself, for a message. It stays so low where the user drags it wider then.
 constexpr double lowestHeight = 160;
 
 // Enough of `frame` lies on the visible part of the screen to be seen and taken hold of.

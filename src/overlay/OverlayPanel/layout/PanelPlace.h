@@ -12,6 +12,7 @@
 // Where the user put the panel, for each arrangement of screens, from run to run.
 namespace pelloran {
 
+// As Qt tells of it, in its pixels.
 struct ScreenInUse {
     QString name;
     QRect geometry;
