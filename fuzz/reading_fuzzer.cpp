@@ -74,7 +74,7 @@ QImage paintedFrom(Bytes& bytes, const QSize& size) {
         const int place = bytes.take();
         const int x = bytes.take();
         const int y = bytes.take();
-        const QSize size(1 + bytes.take() % 16, 1 + bytes.take() % 16);
+        const QSize extent(1 + bytes.take() % 16, 1 + bytes.take() % 16);
         const int shade = bytes.take();
         QPoint corner(x * width / 256, y * height / 256);
         if (place < 192) {
@@ -87,9 +87,9 @@ QImage paintedFrom(Bytes& bytes, const QSize& size) {
                 QPoint(int(frame.pixelX(centre + (x - 128) / 1280.0)), int(frame.pixelY(base + (y - 192) / 9600.0)));
         }
         if (shade & 1) { // an outline
-            fill(QRect(corner, size).adjusted(-1, -1, 1, 1), qRgb(0, 0, 0));
+            fill(QRect(corner, extent).adjusted(-1, -1, 1, 1), qRgb(0, 0, 0));
         }
-        fill(QRect(corner, size), qRgb(shade, shade, shade < 240 ? shade / 2 : shade));
+        fill(QRect(corner, extent), qRgb(shade, shade, shade < 240 ? shade / 2 : shade));
     }
     return image.convertToFormat(format);
 }
