@@ -280,7 +280,7 @@ private:
                 return u"[%1].id is empty"_s.arg(place);
             }
             if (const auto before = seen.constFind(id); before != seen.cend()) {
-                return u"[%1].id is %2, which is [%3]'s"_s.arg(place).arg(id).arg(*before);
+                return u"[%1].id is %2, which is [%3]'s"_s.arg(QString::number(place), id, QString::number(*before));
             }
             seen.insert(id, place);
             const std::size_t number = lists.byId.value(id, lists.cards.size());

@@ -64,7 +64,7 @@ QJsonValue filledRows(const QJsonValue& value, const QString& place, Joining& jo
         const QJsonValue row = before.at(index);
         if (!row.isObject()) {
             rows.append(row);
-        } else if (const auto filled = filledRow(row.toObject(), u"%1[%2]"_s.arg(place).arg(index), joining)) {
+        } else if (const auto filled = filledRow(row.toObject(), place + u"[%1]"_s.arg(index), joining)) {
             rows.append(*filled);
         }
     }

@@ -173,7 +173,8 @@ private:
             if constexpr (isPercentage<Field>) {
                 const std::optional<double> percent = record.*field.member;
                 if (percent && (*percent < 0 || *percent > 100)) {
-                    remark(path, u"%1 of %2 is %3, not from 0 to 100"_s.arg(field.key, whose).arg(*percent));
+                    remark(path,
+                           u"%1 of %2 is %3, not from 0 to 100"_s.arg(field.key, whose, QString::number(*percent)));
                 }
             }
         };

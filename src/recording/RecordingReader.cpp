@@ -26,7 +26,7 @@ std::expected<void, QString> checkFile(const QString& path, qint64 largest) {
         return std::unexpected(u"%1 is not there, or is no file"_s.arg(path));
     }
     if (info.size() > largest) {
-        return std::unexpected(u"%1 has more than %2 bytes"_s.arg(path).arg(largest));
+        return std::unexpected(u"%1 has more than %2 bytes"_s.arg(path, QString::number(largest)));
     }
     return {};
 }
@@ -46,7 +46,8 @@ std::expected<std::vector<int>, QString> partsOf(const QString& folder) {
             parts.push_back(*number);
         }
         if (parts.size() > mostParts) {
-            return std::unexpected(FileTree::Error{u"%1 has more than %2 parts"_s.arg(folder).arg(mostParts)});
+            return std::unexpected(
+                FileTree::Error{u"%1 has more than %2 parts"_s.arg(folder, QString::number(mostParts))});
         }
         return {};
     });
@@ -125,7 +126,8 @@ std::expected<QImage, QString> PartReader::picture(qint64 number, const std::vec
     QImageReader::setAllocationLimit(mostMegabytes);
     QImageReader file(path, "png");
     if (file.size() != QSize(int(width), int(height))) {
-        return std::unexpected(u"%1 is not as large as the line %2 of %3 says"_s.arg(path).arg(lines).arg(eventFile));
+        return std::unexpected(
+            u"%1 is not as large as the line %2 of %3 says"_s.arg(path, QString::number(lines), eventFile));
     }
     QImage image = file.read();
     if (image.isNull()) {
@@ -152,7 +154,7 @@ std::expected<std::optional<QByteArray>, QString> PartReader::nextLine() {
 }
 
 QString PartReader::complaint(const QString& what) const {
-    return u"%1: line %2 %3"_s.arg(events.fileName()).arg(lines).arg(what);
+    return u"%1: line %2 %3"_s.arg(events.fileName(), QString::number(lines), what);
 }
 
 } // namespace pelloran::recording

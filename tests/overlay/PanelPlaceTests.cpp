@@ -27,6 +27,8 @@ TEST(PanelPlace, KnowsAnArrangementByItsScreens) {
     EXPECT_NE(arrangementOf({{u"DP-1"_s, {0, 0, 1280, 720}}}), arrangementOf({left})) << "another resolution";
     EXPECT_NE(arrangementOf({{u"DP-2"_s, {0, 0, 1920, 1080}}}), arrangementOf({left})) << "another screen";
     EXPECT_EQ(arrangementOf({}), QString());
+    EXPECT_EQ(arrangementOf({{u"%1 %4"_s, {0, 0, 1280, 720}}}), u"%1 %4 0,0 1280x720"_s)
+        << "a name that looks like a place for a number";
 }
 
 TEST(PanelPlace, OpensWhereItWasLeft) {

@@ -516,6 +516,35 @@ TEST_F(HostileRecording, HasNoBrokenDataAndNoBrokenLines) {
     EXPECT_TRUE(refusal().contains(QStringLiteral("longer than")));
 }
 
+TEST_F(HostileRecording, IsSpokenOfByTheNameOfItsFolder) {
+    struct Case {
+        const char* why;
+        QByteArray bytes;
+        qint64 size;
+        QString refusal;
+    };
+
+    const Case cases[] = {
+        {"a line of no JSON", "{\n", 2, QStringLiteral(": line 1 is no JSON")},
+        {"too many bytes", {}, recording::largestEventFile + 1, QStringLiteral(" has more than 67108864 bytes")},
+    };
+    // What a message must not take for places of its own.
+    const QString moved = draft.home.path() + QStringLiteral("/%1 and %2");
+    ASSERT_TRUE(QDir().rename(draft.path(), moved));
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        QFile file(moved + QStringLiteral("/part-000001/events.jsonl"));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(c.bytes);
+        ASSERT_TRUE(file.resize(c.size));
+        file.close();
+        const auto replayed = RecordedDraft::replayOf(moved, [](ColorReader&) {});
+        ASSERT_FALSE(replayed.outcome);
+        EXPECT_TRUE(replayed.outcome.error().startsWith(file.fileName() + c.refusal))
+            << replayed.outcome.error().toStdString();
+    }
+}
+
 // One byte anywhere: it is refused or gone through, in no more than the time it takes.
 TEST_F(HostileRecording, DoesNoHarmWhereverABitIsChanged) {
     QFile events(inPart("events.jsonl"));

@@ -208,7 +208,8 @@ QString originOf(const TrainingPlan& plan, const std::vector<Face>& faces, std::
             .arg(known)
             .arg(samples)};
     for (const Face& face : faces) {
-        lines.append(QStringLiteral("- %1 %2 (%3)").arg(face.glyphs.name(), face.glyphs.version()).arg(face.variants));
+        lines.append(QStringLiteral("- %1 %2 (%3)")
+                         .arg(face.glyphs.name(), face.glyphs.version(), QString::number(face.variants)));
     }
     lines.append(QStringLiteral("Linear discriminants: %1 dimensions, regularisation %2, seed %3.\n"
                                 "Made by pelloran-train-characters.")

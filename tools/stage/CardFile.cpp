@@ -16,8 +16,7 @@ std::expected<std::vector<Card>, QString> readCardFile(const QString& path) {
     const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &error);
     if (!document.isArray()) {
         return std::unexpected(QStringLiteral("%1: not a JSON array of cards: %2 at byte %3")
-                                   .arg(path, error.errorString())
-                                   .arg(error.offset));
+                                   .arg(path, error.errorString(), QString::number(error.offset)));
     }
     static const QStringList offered{QStringLiteral("MINION"), QStringLiteral("SPELL"), QStringLiteral("WEAPON"),
                                      QStringLiteral("HERO")};

@@ -249,15 +249,13 @@ namespace {
 
 struct JudgeWindow {
     Finding operator()(const WindowFacts::Picture& picture) const {
-        const QString what =
-            u"\"%1\"%2, %3x%4 pixels, found and captured in %5 ms."_s
-                .arg(picture.title.isEmpty() ? picture.owner : picture.title,
-                     picture.title.isEmpty() || picture.owner.isEmpty() || picture.owner == picture.title
-                         ? QString()
-                         : u" of "_s + picture.owner)
-                .arg(picture.size.width())
-                .arg(picture.size.height())
-                .arg(picture.took.count());
+        const QString what = u"\"%1\"%2, %3x%4 pixels, found and captured in %5 ms."_s.arg(
+            picture.title.isEmpty() ? picture.owner : picture.title,
+            picture.title.isEmpty() || picture.owner.isEmpty() || picture.owner == picture.title
+                ? QString()
+                : u" of "_s + picture.owner,
+            QString::number(picture.size.width()), QString::number(picture.size.height()),
+            QString::number(picture.took.count()));
         if (picture.isPlain) {
             return {checks::window, State::note, what, u"Its picture is of one colour, so there is nothing to read."_s,
                     u"Look again when the game shows something. Where it stays so, have the game draw in a window "
@@ -297,7 +295,8 @@ Finding judge(const ReaderFacts& facts) {
                 sentence(facts.error)};
     }
     const auto outcome = [](const ReaderFacts::Test& test) {
-        return u"\"%1\" was read as \"%2\" in %3 ms"_s.arg(test.expected, test.read).arg(test.took.count());
+        return u"\"%1\" was read as \"%2\" in %3 ms"_s.arg(test.expected, test.read,
+                                                           QString::number(test.took.count()));
     };
     if (!facts.latin.isPassed()) {
         return {checks::reader, State::problem, u"The test line %1."_s.arg(outcome(facts.latin)),
@@ -329,14 +328,11 @@ Finding judge(const DataFacts& facts) {
     }
     const bool areApart = facts.classes > 0 && folderOf(facts.classFile) != folderOf(facts.cardFile);
     const bool areMixed = areApart && facts.areClassesSample && !facts.isSample;
-    const QString what =
-        u"%1, %2 %3 ago: %4 cards, %5, %6 classes%7."_s
-            .arg(facts.cardFile, facts.isAgeOfFile ? u"written"_s : u"fetched"_s, durationText(facts.age))
-            .arg(facts.cards)
-            .arg(facts.isSample ? u"invented samples"_s : u"real figures"_s)
-            .arg(facts.classes)
-            .arg(areApart ? u" (%1%2)"_s.arg(facts.classFile, areMixed ? u", invented samples"_s : QString())
-                          : QString());
+    const QString what = u"%1, %2 %3 ago: %4 cards, %5, %6 classes%7."_s.arg(
+        facts.cardFile, facts.isAgeOfFile ? u"written"_s : u"fetched"_s, durationText(facts.age),
+        QString::number(facts.cards), facts.isSample ? u"invented samples"_s : u"real figures"_s,
+        QString::number(facts.classes),
+        areApart ? u" (%1%2)"_s.arg(facts.classFile, areMixed ? u", invented samples"_s : QString()) : QString());
     const QString noHeroes = u"The three heroes are shown without figures."_s;
     if (!facts.remark.isEmpty()) {
         return {checks::data, State::note, what + u' ' + sentence(facts.remark), noHeroes,
@@ -410,9 +406,9 @@ Finding judge(const ServerFacts& facts) {
             check, State::problem, what, meaning,
             u"Look whether this machine is online and the address is right; else it is for whoever runs the server."_s};
     }
-    const QString what = u"%1 answered in %2 ms%3: %4"_s.arg(facts.address)
-                             .arg(facts.took.count())
-                             .arg(isSecure ? u", its certificate is trusted"_s : QString(), facts.answer);
+    const QString what =
+        u"%1 answered in %2 ms%3: %4"_s.arg(facts.address, QString::number(facts.took.count()),
+                                            isSecure ? u", its certificate is trusted"_s : QString(), facts.answer);
     if (facts.hasNews && !isConfig) {
         return {check, State::note, what, {}, u"\"Check App Update\" in Pelloran's menu offers it."_s};
     }

@@ -114,8 +114,8 @@ std::optional<QByteArray> LogWatcher::read(const QString& path) const {
     }
     switch (text.error()) {
     case LogFileError::tooLarge:
-        tellOnce(
-            QStringLiteral("%1 is larger than %2 MiB and is not read").arg(path).arg(largestLogFile / 1024 / 1024));
+        tellOnce(QStringLiteral("%1 is larger than %2 MiB and is not read")
+                     .arg(path, QString::number(largestLogFile / 1024 / 1024)));
         break;
     case LogFileError::unreadable: {
         QFile file(path); // asked again, for the reason

@@ -23,8 +23,8 @@ QString descriptionOf(NSError* _Nullable error) {
         return QStringLiteral("no reason given");
     }
     return QStringLiteral("%1 (%2, error %3)")
-        .arg(QString::fromNSString(error.localizedDescription), QString::fromNSString(error.domain))
-        .arg(error.code);
+        .arg(QString::fromNSString(error.localizedDescription), QString::fromNSString(error.domain),
+             QString::number(error.code));
 }
 
 RecognisedLine lineOf(VNRecognizedTextObservation* observation, VNRecognizedText* candidate) {

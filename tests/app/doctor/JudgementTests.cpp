@@ -149,6 +149,9 @@ TEST(DoctorJudgement, OfTheGamesWindow) {
         {
             {"captured", [](auto&) {}, State::ok,
              u"\"Hearthstone\" of Hearthstone.exe, 1920x1080 pixels, found and captured in 12 ms."_s},
+            {"words of its own that look like places for others",
+             [](auto& facts) { std::get<Picture>(facts.seen).title = u"100%1"_s; }, State::ok,
+             u"\"100%1\" of Hearthstone.exe, 1920x1080 pixels, found and captured in 12 ms."_s},
             {"without a title", [](auto& facts) { std::get<Picture>(facts.seen).title.clear(); }, State::ok,
              u"\"Hearthstone.exe\", 1920"_s},
             {"without an owner", [](auto& facts) { std::get<Picture>(facts.seen).owner.clear(); }, State::ok,
@@ -181,6 +184,8 @@ TEST(DoctorJudgement, OfTheTextReader) {
                   {"no Chinese", [](auto& facts) { facts.chineseError = u"x is missing"_s; }, State::note,
                    u"no data for Chinese: x is missing."_s},
                   {"wrong", [](auto& facts) { facts.latin.read = u"Fjrebel"_s; }, State::problem, u"\"Fjrebel\""_s},
+                  {"wrong, and like a place for a number", [](auto& facts) { facts.latin.read = u"F%1"_s; },
+                   State::problem, u"was read as \"F%1\" in 20 ms"_s},
                   {"nothing", [](auto& facts) { facts.latin.read.clear(); }, State::problem, u"as \"\""_s},
                   {"wrong in Chinese", [](auto& facts) { facts.chinese.read = u"变形术"_s; }, State::note,
                    u"as \"变形术\" in 9 ms. In a Chinese client"_s},
@@ -202,6 +207,14 @@ TEST(DoctorJudgement, OfTheDataFiles) {
         well, {
                   {"real ones", [](auto&) {}, State::ok,
                    u"/d/cards.json, fetched 3 days ago: 7195 cards, real figures, 11 classes."_s},
+                  {"in folders whose names look like places for numbers",
+                   [](auto& facts) {
+                       facts.cardFile = u"/%1/%2/cards.json"_s;
+                       facts.classFile = u"/%3/classes.json"_s;
+                   },
+                   State::ok,
+                   u"/%1/%2/cards.json, fetched 3 days ago: 7195 cards, real figures, 11 classes "
+                   "(/%3/classes.json)."_s},
                   {"nobody says since when", [](auto& facts) { facts.isAgeOfFile = true; }, State::ok,
                    u"written 3 days ago"_s},
                   {"classes of elsewhere", [](auto& facts) { facts.classFile = u"/usr/classes.json"_s; }, State::ok,
@@ -260,6 +273,8 @@ TEST(DoctorJudgement, OfTheServers) {
         well, {
                   {"answers", [](auto&) {}, State::ok,
                    u"https://data.example answered in 80 ms, its certificate is trusted: fine."_s},
+                  {"an address with an escape", [](auto& facts) { facts.address = u"https://data.example/%1F"_s; },
+                   State::ok, u"https://data.example/%1F answered in 80 ms, its certificate is trusted: fine."_s},
                   {"none set", [](auto& facts) { facts.address.clear(); }, State::note, u"--config-server"_s},
                   {"none set for updates",
                    [](auto& facts) {

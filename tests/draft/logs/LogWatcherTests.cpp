@@ -235,7 +235,7 @@ TEST_F(LogWatching, RemembersNothingBetweenPolls) {
 
 TEST_F(LogWatching, SaysOnceThatALogIsTooLarge) {
     const testing::CollectedLog collected;
-    const QString path = session(u"Hearthstone_1"_s);
+    const QString path = session(u"Hearthstone_%1"_s); // a name that a message must not take for a place of its own
     write(path + u"/LoadingScreen.log"_s, "currMode=DRAFT\n");
     write(path + u"/Arena.log"_s, drafting);
     std::filesystem::resize_file((path + u"/Arena.log"_s).toStdString(), 1LL << 30);

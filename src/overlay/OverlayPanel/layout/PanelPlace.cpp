@@ -95,7 +95,7 @@ QString arrangementOf(const std::vector<ScreenInUse>& screens) {
     QStringList each;
     for (const ScreenInUse& screen : screens) {
         const QRect& at = screen.geometry;
-        each.append(u"%1 %2,%3 %4x%5"_s.arg(screen.name).arg(at.x()).arg(at.y()).arg(at.width()).arg(at.height()));
+        each.append(screen.name + u" %1,%2 %3x%4"_s.arg(at.x()).arg(at.y()).arg(at.width()).arg(at.height()));
     }
     each.sort();
     return each.join(u"; "_s);
