@@ -98,6 +98,8 @@ QNetworkRequest networkRequest(const HttpClient::Request& request) {
     if (!request.accept.isEmpty()) {
         made.setRawHeader("Accept", request.accept);
     }
+    // Of HTTP/2 a head of 16 kB may stand for 50 MB, over which Qt sits for minutes, with nobody to end it.
+    made.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
     made.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
     made.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
     made.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
@@ -244,11 +246,12 @@ private:
             body.size() < promised.toLongLong()) {
             return std::unexpected(TransportError{u"Connection closed"_s});
         }
-        // A redirect that was not followed carries the status of the redirect, which is nobody's answer.
-        const bool redirectRefused =
-            error == QNetworkReply::TooManyRedirectsError || error == QNetworkReply::InsecureRedirectError;
+        // What was wrong with a redirect, or with the connection that it led to, comes with the status of the redirect,
+        // which is nobody's answer.
+        const bool redirectFailed = status >= 300 && status <= 399 && error != QNetworkReply::NoError &&
+                                    error <= QNetworkReply::UnknownProxyError;
         // Qt makes an error of every status that is none of success, in words of its own: the status tells more.
-        if (error == QNetworkReply::NoError ? status != 0 : status != 0 && !hasSucceeded(status) && !redirectRefused) {
+        if (error == QNetworkReply::NoError ? status != 0 : status != 0 && !hasSucceeded(status) && !redirectFailed) {
             return Response{status, std::move(body)};
         }
         return std::unexpected(

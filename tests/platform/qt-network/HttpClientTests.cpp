@@ -30,6 +30,7 @@ using namespace std::chrono_literals;
 using ::testing::HasSubstr;
 using ::testing::Not;
 using testing::ScriptedServer;
+using ::testing::StartsWith;
 
 class HttpClientTest : public ::testing::Test {
 protected:
@@ -208,6 +209,8 @@ TEST_F(HttpClientTest, SaysThatNobodyAnswers) {
     asked.url.setPort(gone.serverPort());
     gone.close();
     EXPECT_EQ(failure(http->get(asked)), u"Connection refused"_s);
+    server.on("/x", ScriptedServer::answer("302 Found", "Location: " + asked.url.toEncoded() + "\r\n", ""));
+    EXPECT_EQ(failure(http->get(request(u"/x"_s))), u"Connection refused"_s) << "where a redirect leads";
 }
 
 TEST_F(HttpClientTest, FollowsARedirect) {
@@ -445,7 +448,8 @@ protected:
         if (!made) {
             GTEST_SKIP() << "needs the openssl program";
         }
-        secure = std::make_unique<ScriptedServer>(made->server);
+        certified = made->server;
+        secure = std::make_unique<ScriptedServer>(certified);
         trusting.addCaCertificate(made->issuer);
         secure->on("/x", ScriptedServer::answer("200 OK", {}, "secret"));
         server.on("/x", ScriptedServer::answer("200 OK", {}, "open"));
@@ -462,11 +466,14 @@ protected:
 
     const QSslConfiguration before = QSslConfiguration::defaultConfiguration();
     QSslConfiguration trusting = before;
+    QSslConfiguration certified; // the server's
     std::unique_ptr<ScriptedServer> secure;
 };
 
 TEST_F(SecureHttpClientTest, TrustsOnlyWhomTheSystemTrusts) {
     EXPECT_THAT(get(u"/x"_s).toStdString(), HasSubstr("self-signed"));
+    server.on("/up", ScriptedServer::answer("302 Found", "Location: " + secure->url(u"/x"_s).toEncoded() + "\r\n", ""));
+    EXPECT_THAT(failure(http->get(request(u"/up"_s))).toStdString(), HasSubstr("self-signed")) << "nor when led there";
     EXPECT_TRUE(secure->requests().empty());
     QSslConfiguration::setDefaultConfiguration(trusting);
     EXPECT_EQ(get(u"/x"_s), u"secret"_s);
@@ -492,6 +499,17 @@ TEST_F(SecureHttpClientTest, TakesABodyBeyondWhatItReadsAhead) {
     const auto answer = http->get(asked);
     ASSERT_TRUE(answer) << answer.error().description.toStdString();
     EXPECT_EQ(answer->body, body);
+}
+
+// There a head of 16 kB can say twelve thousand times what it said once, and Qt takes minutes over it.
+TEST_F(SecureHttpClientTest, SpeaksHttp1WhateverElseIsOffered) {
+    QSslConfiguration::setDefaultConfiguration(trusting);
+    certified.setAllowedNextProtocols({QSslConfiguration::ALPNProtocolHTTP2, QSslConfiguration::NextProtocolHttp1_1});
+    secure = std::make_unique<ScriptedServer>(certified);
+    secure->on("/x", ScriptedServer::answer("200 OK", {}, "secret"));
+    EXPECT_EQ(get(u"/x"_s), u"secret"_s);
+    ASSERT_FALSE(secure->requests().empty());
+    EXPECT_THAT(secure->requests().front().toStdString(), StartsWith("GET /x HTTP/1.1\r\n"));
 }
 
 TEST_F(SecureHttpClientTest, IsLedFromOpenToSecureButNotBack) {
