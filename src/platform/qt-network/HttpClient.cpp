@@ -38,7 +38,11 @@ constexpr int maximumRedirects = 10;
 // What may arrive ahead of us: the server is held back rather than our memory filled.
 constexpr qint64 readAhead = qint64{256} * 1024;
 
-constexpr auto interruptionPoll = 50ms;
+// What may arrive besides the body asked for. Qt keeps all of a head, and those come as fast as a network can. Far
+// more than any has, for what is counted may be another thread's answer.
+constexpr qint64 mostBesides = qint64{8} * 1024 * 1024;
+
+constexpr auto poll = 50ms;
 
 // Whether as many files can be opened as a request may take. Qt gives each manager and each look-up of a name a thread,
 // and one that cannot have what it waits by ends the whole program, in GLib or in Qt itself.
@@ -165,9 +169,11 @@ public:
         end.setSingleShot(true);
         end.setTimerType(Qt::PreciseTimer);
         end.start(std::chrono::ceil<std::chrono::milliseconds>(deadline.remainingTimeAsDuration()));
-        // A thread that is asked to end must not hold up the program's own end.
-        QTimer interruption;
-        interruption.start(interruptionPoll);
+        // A thread that is asked to end must not hold up the program's own end, and nothing is heard of a head before
+        // it is whole.
+        QTimer now;
+        now.start(poll);
+        const qint64 mostReceived = mostBesides + request.maximumBytes + request.maximumBytes / 2; // however packed
 
         const auto heard = [&] { silence.start(); };
         QObject::connect(reply.get(), &QNetworkReply::requestSent, &loop, [&] { lookup.settle(); });
@@ -193,9 +199,11 @@ public:
         QObject::connect(&end, &QTimer::timeout, &loop, timedOut);
         const auto isInterrupted = [] { return QThread::currentThread()->isInterruptionRequested(); };
         const auto cancelled = [&] { giveUp(u"The request was cancelled."_s); };
-        QObject::connect(&interruption, &QTimer::timeout, &loop, [&] {
+        QObject::connect(&now, &QTimer::timeout, &loop, [&] {
             if (isInterrupted()) {
                 cancelled();
+            } else if (connections.mostReceived() > mostReceived) {
+                giveUp(tooLong(mostReceived));
             }
         });
 
@@ -221,7 +229,7 @@ public:
             return std::unexpected(TransportError{*givenUp});
         }
         if (isTooLong && hasSucceeded(status)) {
-            return std::unexpected(TransportError{u"the answer is longer than %1 bytes"_s.arg(request.maximumBytes)});
+            return std::unexpected(TransportError{tooLong(request.maximumBytes)});
         }
         if (isTooLong) {
             return Response{status, body.first(request.maximumBytes)};
@@ -230,6 +238,8 @@ public:
     }
 
 private:
+    static QString tooLong(qint64 limit) { return u"the answer is longer than %1 bytes"_s.arg(limit); }
+
     // 0 before the first answer.
     static int statusOf(const QNetworkReply& reply) {
         return reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();

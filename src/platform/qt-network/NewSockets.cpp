@@ -1,5 +1,7 @@
 #include "platform/qt-network/NewSockets.h"
 
+#include "platform/qt-network/ReceivedBytes.h"
+
 #include <fcntl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -37,6 +39,16 @@ bool isConnectedToTheNetwork(int descriptor) {
 
 NewSockets::NewSockets() {
     forEachSocket([this](int, unsigned long long number) { present.insert(number); });
+}
+
+qint64 NewSockets::mostReceived() const {
+    qint64 most = 0;
+    forEachSocket([&](int descriptor, unsigned long long number) {
+        if (!present.contains(number)) {
+            most = std::max(most, receivedBytes(descriptor));
+        }
+    });
+    return most;
 }
 
 void NewSockets::end() const {

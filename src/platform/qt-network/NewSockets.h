@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QtGlobal>
+
 #include <set>
 
 namespace pelloran {
@@ -8,10 +10,14 @@ namespace pelloran {
 //
 // Qt reads the head of an answer byte by byte until it ends or nothing is there, on a thread of its own, and hears of
 // nothing meanwhile. Of a server that sends on without end, faster than that, it would never let go: one thread for
-// each request, busy and growing for as long as the server likes. Its connection has to be ended from outside.
+// each request, busy and growing for as long as the server likes. Its connection has to be counted and ended from
+// outside.
 class NewSockets {
 public:
     NewSockets();
+
+    // What has arrived on the one on which most has. It may be another thread's.
+    qint64 mostReceived() const;
 
     // Ends those that lead to the network, whatever waits on them: how much is read ahead of a flood goes up and down.
     // Another thread's may be among them, which has it fail as if its server had hung up.
