@@ -77,6 +77,13 @@ strict_json::Verdict beyondLimits(const Record& record) {
     return verdict;
 }
 
+// Of a file of nothing but small arrays, 64 MiB became three gigabytes, and its bundle had a hundred kilobytes. Marks
+// within texts count too, which are few in names.
+bool hasTooManyValues(const QByteArray& json) {
+    const auto beginsOne = [](char byte) { return byte == ',' || byte == '[' || byte == '{'; };
+    return std::ranges::count_if(json, beginsOne) > mostJsonValues;
+}
+
 template <typename Value>
 std::expected<Value, DataError> decodeAs(const QJsonValue& json) {
     const auto failed = [](const strict_json::Mismatch& mismatch) {
@@ -222,6 +229,10 @@ QByteArray encodeCards(const std::vector<CardStats>& cards) {
 }
 
 std::expected<QJsonValue, DataError> parseJson(const QByteArray& json) {
+    if (hasTooManyValues(json)) {
+        return std::unexpected(
+            DataError{u"WinrateFormats"_s, 0, u"the file has more than %1 values"_s.arg(mostJsonValues)});
+    }
     auto parsed = strict_json::parse(json);
     if (parsed) {
         return std::move(*parsed);

@@ -24,6 +24,9 @@ inline constexpr std::size_t mostClassRows = 100;
 inline constexpr std::size_t mostTextsOfARow = 10'000; // heroes of a class, in every language
 inline constexpr qsizetype longestDataText = 1'000;
 
+// In a file, whatever they are; more than so many rows have. The parser takes up to 200 bytes for each.
+inline constexpr qsizetype mostJsonValues = 5'000'000;
+
 // Why data could not be had. `localizedDescription` is for the user's eyes.
 struct DataError {
     QString domain; // "Pelloran" for our own findings, else the part of the system that failed

@@ -219,6 +219,10 @@ TEST(Decoding, RefusesWhatIsBeyondAnyRealFile) {
          u"time_range"_s + tooLong},
         {"a key that is not known may be as long as it likes", card("rules", longestDataText + 1), {}},
         {"as many rows as may be", cards(rows(R"({"card_id":""})", mostCardRows)), {}},
+        {"as many values as may be, which are none of ours", '[' + rows("0", mostJsonValues) + ']',
+         u"the file is not an object"_s},
+        {"a value more, in arrays that take much room", '[' + rows("[0]", mostJsonValues / 2) + ",0]",
+         u"the file has more than 5000000 values"_s},
         {"a row more", cards(rows(R"({"card_id":""})", mostCardRows + 1)),
          u"cards is not an array of at most 200000"_s},
     };
