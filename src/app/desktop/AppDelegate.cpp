@@ -213,7 +213,14 @@ void AppDelegate::handleConfigSyncResult(const ConfigSyncResult& result) {
     log(QStringLiteral("config sync: ") + result.userMessage());
     if (result.didUpdateFiles()) {
         if (const auto loaded = parts.store.adopt(*std::exchange(broughtData, nullptr)); !loaded) {
-            log(QStringLiteral("reload after sync failed: ") + loaded.error().localizedDescription);
+            const DataError& error = loaded.error();
+            log(QStringLiteral("reload after sync failed: ") + error.localizedDescription);
+            if (!error.path.isEmpty()) {
+                log(QStringLiteral(
+                        "the next start will fail with that, unless the server brings better files before or "
+                        "%1 is removed")
+                        .arg(error.path));
+            }
         } else {
             log(QStringLiteral("reloaded store cards=%1; source=%2")
                     .arg(parts.store.metaDescription(), parts.store.cardsSourceDescription()));

@@ -573,6 +573,11 @@ TEST_F(AppDelegateTest, KeepsItsDataWhenWhatASyncBroughtCannotBeLoaded) {
     syncQueue->finishNext();
     EXPECT_TRUE(store.stats(QStringLiteral("OWN")));
     EXPECT_EQ(steps.filter(QStringLiteral("log reload after sync failed: ")).size(), 1);
+    EXPECT_EQ(steps.filter(QStringLiteral("log the next start will fail with that"))
+                  .filter(QStringLiteral("/winrates/all_classes_LAST_7_DAYS.json is removed"))
+                  .size(),
+              1)
+        << "which file it is, and what to do";
     EXPECT_EQ(lastMessage(), QStringLiteral("Config updated · feedbeef… · Waiting for Arena draft…"));
 }
 
