@@ -173,7 +173,9 @@ Done write(QFileDevice& file, const QByteArray& bytes) {
 
 Done writeAtomically(const QString& path, const QByteArray& bytes) {
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || !writeAll(file, bytes.constData(), bytes.size()) || !file.commit()) {
+    // Of bytes in a buffer commit() tells nobody that the disk has no room for them.
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) || !writeAll(file, bytes.constData(), bytes.size()) ||
+        !file.commit()) {
         return failure(u"write"_s, path, file.errorString());
     }
     return {};

@@ -1,6 +1,7 @@
 #include "publish/Publisher.h"
 
 #include "base/Digest.h"
+#include "base/FileTree.h"
 #include "publish/Bundle.h"
 #include "publish/Problem.h"
 #include "publish/SourceFolder.h"
@@ -56,8 +57,9 @@ Done write(const QString& path, const QByteArray& bytes) {
         return {};
     }
     QSaveFile file(path);
+    // Of bytes in a buffer commit() tells nobody that the disk has no room for them.
     const bool written =
-        file.open(QFile::WriteOnly) && file.write(bytes) == bytes.size() &&
+        file.open(QFile::WriteOnly | QFile::Unbuffered) && FileTree::write(file, bytes) &&
         file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther) &&
         file.commit();
     if (!written) {

@@ -1,6 +1,7 @@
 #include "base/FileTree.h"
 
 #include "base/SerialQueue.h"
+#include "tests/support/FullDisk.h"
 #include "tests/support/NoDescriptors.h"
 #include "tests/support/Printing.h"
 
@@ -177,6 +178,20 @@ TEST_F(FileTreeTest, WritesAllOrNothing) {
     const auto failed = FileTree::writeAtomically(at(u"no/such/folder"_s), "x");
     ASSERT_FALSE(failed);
     EXPECT_TRUE(failed.error().description.startsWith(u"cannot write "_s + at(u"no/such/folder"_s) + u": "_s));
+    EXPECT_THAT(QDir(folder.path()).entryList(QDir::Files), ElementsAre(u"file"_s));
+}
+
+// A few bytes wait in a buffer, and only its last write tells that there is no room for them.
+TEST_F(FileTreeTest, ReplacesNothingOnAFullDisk) {
+    write(u"file"_s, "first");
+    {
+        const FullDisk full;
+        const auto failed = FileTree::writeAtomically(at(u"file"_s), "second");
+        ASSERT_FALSE(failed);
+        EXPECT_EQ(failed.error(), FileTree::Error{u"cannot write %1: File too large"_s.arg(at(u"file"_s))});
+        EXPECT_FALSE(FileTree::writeAtomically(at(u"new"_s), "bytes"));
+    }
+    EXPECT_EQ(read(u"file"_s), "first");
     EXPECT_THAT(QDir(folder.path()).entryList(QDir::Files), ElementsAre(u"file"_s));
 }
 

@@ -3,6 +3,7 @@
 #include "base/Digest.h"
 #include "sync/ConfigSync.h"
 #include "tests/publish/DataFolder.h"
+#include "tests/support/FullDisk.h"
 #include "tests/support/Printing.h"
 
 #include <QJsonDocument>
@@ -162,6 +163,21 @@ TEST_F(Publishing, DoesNotPublishWhatItHasPublished) {
     }
     EXPECT_TRUE(publish(source.path(), source.path() + QStringLiteral("-www"), std::nullopt));
     QDir(source.path() + QStringLiteral("-www")).removeRecursively();
+}
+
+TEST_F(Publishing, ReplacesNoManifestByHalfOfOne) {
+    const Publication first = published();
+    const QByteArray manifest = onServer(QStringLiteral("manifest.json"));
+    source.write(classFile, R"({"classes": []})");
+    {
+        const FullDisk full(rlim_t(manifest.size()) - 1);
+        const auto publication = publish(source.path(), target.path(), std::nullopt);
+        ASSERT_FALSE(publication);
+        EXPECT_EQ(publication.error(), QStringList(QStringLiteral("cannot write %1: File too large")
+                                                       .arg(target.path(latest + QStringLiteral("manifest.json")))));
+    }
+    EXPECT_EQ(onServer(QStringLiteral("manifest.json")), manifest);
+    EXPECT_TRUE(served().contains(first.bundle));
 }
 
 TEST_F(Publishing, TellsThatItCannotWrite) {
