@@ -63,7 +63,7 @@ Owner Owner::current() {
 }
 
 QString redacted(QString text, const Owner& owner) {
-    static const QRegularExpression battleTag = unicode(u"[\\w]{1,24}#\\d{3,9}(?!\\d)"_s);
+    static const QRegularExpression battleTag = unicode(u"[\\w\\p{M}]{1,24}#\\d{3,9}(?!\\d)"_s);
     static const QRegularExpression homeFolder = unicode(u"([\\\\/]+(?:home|Users|users)[\\\\/]+)[^\\\\/\\s\"':;,]+"_s);
     static const QRegularExpression homeFolderOfWindows =
         QRegularExpression(u"([A-Z]:[\\\\/]+users[\\\\/]+)(?:[^\\\\/\"':;,]+(?=[\\\\/])|[^\\\\/\\s\"':;,]+)"_s,
@@ -71,9 +71,7 @@ QString redacted(QString text, const Owner& owner) {
     for (const QString& home : owner.homes) {
         text.replace(anyPath(home), u"~"_s);
     }
-    text.replace(homeFolderOfWindows, u"\\1<user>"_s);
-    text.replace(homeFolder, u"\\1<user>"_s);
-    text.replace(battleTag, u"<player>"_s);
+    text.replace(battleTag, u"<player>"_s); // an account's name may be its first part
     for (const QString& account : owner.accounts) {
         if (account.size() >= shortestAccount) {
             text.replace(QRegularExpression(u"(?<!\\w)"_s + QRegularExpression::escape(account) + u"(?!\\w)"_s,
@@ -82,6 +80,9 @@ QString redacted(QString text, const Owner& owner) {
                          u"<user>"_s);
         }
     }
+    // Behind the names: one may hold what a folder's name is taken to end at.
+    text.replace(homeFolderOfWindows, u"\\1<user>"_s);
+    text.replace(homeFolder, u"\\1<user>"_s);
     return text;
 }
 

@@ -8,8 +8,9 @@ namespace pelloran::recording {
 namespace {
 
 TEST(Redaction, TakesOutWhoPlaysAndWhereTheyLive) {
-    const Owner owner{{QStringLiteral("/home/mira"), QStringLiteral("/srv/Zoë K")},
-                      {QStringLiteral("mira"), QStringLiteral("zoë.k"), QStringLiteral("ar")}};
+    const Owner owner{
+        {QStringLiteral("/home/mira"), QStringLiteral("/srv/Zoë K")},
+        {QStringLiteral("mira"), QStringLiteral("zoë.k"), QStringLiteral("ar"), QStringLiteral("O'Neil")}};
 
     struct Case {
         const char* why;
@@ -28,6 +29,12 @@ TEST(Redaction, TakesOutWhoPlaysAndWhereTheyLive) {
         {"a folder of Windows", "C:\\Users\\Jo Ann\\x", "C:\\Users\\<user>\\x"},
         {"a folder within a Wine prefix", "drive_c/users/jo/AppData", "drive_c/users/<user>/AppData"},
         {"the account by its name", "hello mira, go", "hello <user>, go"},
+        {"an account that a quotation mark does not end", "C:\\users\\O'Neil\\x, 'o'neil' and /home/O'Neil",
+         "C:\\users\\<user>\\x, '<user>' and /home/<user>"},
+        {"an account within another's folder", "/home/mira.old/x and C:\\users\\mira lane\\x",
+         "/home/<user>/x and C:\\users\\<user>\\x"},
+        {"an account with a number is a battle tag", "Mira#12345", "<player>"},
+        {"a battle tag whose accents stand apart", "Rene\u0301#12345", "<player>"},
         {"no part of a word", "admiral miracle", "admiral miracle"},
         {"an account in other letters", "Mira and ZOË.K", "<user> and <user>"},
         {"two letters are in every text", "ar", "ar"},
