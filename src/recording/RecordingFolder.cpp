@@ -211,11 +211,12 @@ QString RecordingFolder::pathOf(const Part& part) const {
 }
 
 FileTree::Done RecordingFolder::makeRoom(qint64 bytes) {
-    const std::size_t kept = events ? 1 : 0; // what is being written stays
+    // What is being written stays. Nothing goes for what has no room anyway.
+    const qint64 staying = block + (events ? parts.back().bytes : 0);
+    if (staying + bytes > mostBytes) {
+        return refusal(u"there is no room for a recording within %1 bytes"_s.arg(mostBytes));
+    }
     while (size() + bytes > mostBytes) {
-        if (parts.size() <= kept) {
-            return refusal(u"there is no room for a recording within %1 bytes"_s.arg(mostBytes));
-        }
         if (auto removed = removePart(parts.front()); !removed) {
             return removed;
         }

@@ -157,6 +157,25 @@ TEST_F(RecordingFolderTest, SaysWhyItCannotGoOn) {
     EXPECT_FALSE(folder->beginPart(header, {}, {}));
 }
 
+TEST_F(RecordingFolderTest, RemovesNothingForWhatHasNoRoomAnyway) {
+    {
+        auto folder = open();
+        ASSERT_TRUE(folder);
+        for (int part = 1; part <= 3; ++part) {
+            ASSERT_TRUE(folder->beginPart(header, {}, {}));
+            ASSERT_TRUE(folder->addPicture(0, QByteArray(10'000, 'p')));
+        }
+        EXPECT_FALSE(folder->addPicture(1, QByteArray(1'000'000, 'p')));
+        EXPECT_EQ(partsOf(path), (std::vector{1, 2, 3}));
+    }
+    auto folder = open(20'000);
+    ASSERT_TRUE(folder);
+    const auto begun = folder->beginPart(header, QByteArray(30'000, 'c'), {});
+    ASSERT_FALSE(begun);
+    EXPECT_EQ(begun.error().description, QStringLiteral("there is no room for a recording within 20000 bytes"));
+    EXPECT_EQ(partsOf(path), (std::vector{1, 2, 3})) << "an earlier recording, and nothing in its place";
+}
+
 TEST_F(RecordingFolderTest, HasNoPartBeforeItsEventsAreThere) {
     write(QStringLiteral("part-000003/cards.json"), "{}"); // as far as one came that died then
     EXPECT_FALSE(partsOf(path)) << "nothing to go through";
