@@ -68,6 +68,9 @@ QString LogText::keptUnfinished(QByteArrayView line) const {
     if (whole.isEmpty()) {
         return whole;
     }
+    if (whole.size() > mostCharacters) { // as such a whole line is not told
+        return {};
+    }
     qsizetype end = whole.size();
     while (end > 0 && !whole[end - 1].isSpace()) {
         --end;

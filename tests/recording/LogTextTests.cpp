@@ -130,6 +130,15 @@ TEST(LogText, TellsNoMoreThanIsReadAgain) {
         << "of earlier drafts, the mode";
 }
 
+TEST(LogText, TellsNoMoreOfALineWithoutAnEnd) {
+    LogText text{Owner()};
+    text.update("SetDraftMode - DRAFTING\nDraft " + QByteArray("word ").repeated(1'000'000));
+    const auto change = text.takeChange();
+    ASSERT_TRUE(change);
+    EXPECT_EQ(change->lines, QStringList{QStringLiteral("SetDraftMode - DRAFTING")});
+    EXPECT_EQ(change->unfinished, std::nullopt) << "the recording could not be read again";
+}
+
 // Whatever the game writes, in whatever pieces it is seen: the draft's state follows from what is kept.
 TEST(LogText, KeepsAllThatTheDraftsStateFollowsFrom) {
     const std::vector<QByteArray> pieces{
