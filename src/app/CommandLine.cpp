@@ -3,6 +3,7 @@
 #include "app/Commit.h"
 
 #include <QCommandLineParser>
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <vector>
@@ -198,10 +199,28 @@ std::expected<Command, QString> buildCheckUpdate(const QCommandLineParser& parse
     return noArguments(parsed, CheckUpdateOnce{optionalValue(parsed, updateServerOption)});
 }
 
+// "enUS.json", "zhCN=cards"
+bool looksLikeList(const QString& argument) {
+    static const QRegularExpression list(QStringLiteral("\\A[a-z]{2}[A-Z]{2}=|[.]json\\z"),
+                                         QRegularExpression::CaseInsensitiveOption);
+    return list.match(argument).hasMatch();
+}
+
 std::expected<Command, QString> buildPublish(const QCommandLineParser& parsed) {
     const QStringList arguments = parsed.positionalArguments();
-    // A shell makes several files of one pattern, of which the option takes the first.
+    // A shell makes several files of one pattern, of which the option takes the first. The others are known for what
+    // they are behind the folders alone; before these, one would be taken for a folder.
     const bool areLists = parsed.isSet(namesOption) && arguments.size() > 2;
+    if (parsed.isSet(namesOption)) {
+        for (const QString& folder : arguments.first(std::min(arguments.size(), qsizetype{2}))) {
+            if (looksLikeList(folder)) {
+                return std::unexpected(
+                    QStringLiteral("--names takes one FILE, and %1 stands where a folder should: say --names before "
+                                   "each FILE, or put the others behind SOURCE and TARGET")
+                        .arg(folder));
+            }
+        }
+    }
     if (arguments.size() != 2 && !areLists) {
         return std::unexpected(QStringLiteral("publish needs the folder of data files and the web server's"));
     }
@@ -403,8 +422,9 @@ const std::vector<Syntax>& syntaxes() {
             {
                 {cardsOption, QStringLiteral("FILE.csv"),
                  QStringLiteral("a table of cards that is made into the card file first")},
-                {namesOption, QStringLiteral("FILE..."),
-                 QStringLiteral("public lists of cards, one a language, from which names and the like are filled in")},
+                {namesOption, QStringLiteral("FILE"),
+                 QStringLiteral("a public list of cards in one language, from which names and the like are filled in; "
+                                "may be given for each language")},
             },
             buildPublish,
         },

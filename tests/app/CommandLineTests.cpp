@@ -154,7 +154,7 @@ TEST(CommandLine, TakesListsOfCardsOneByOneOrAllAtOnce) {
     const QStringList two{QStringLiteral("enUS.json"), QStringLiteral("zhCN=b.json")};
     for (const char* line :
          {"publish data www --names enUS.json --names zhCN=b.json", "publish data www --names enUS.json zhCN=b.json",
-          "publish --names=enUS.json data www zhCN=b.json"}) {
+          "publish --names=enUS.json data www zhCN=b.json", "publish --names enUS.json --names zhCN=b.json data www"}) {
         SCOPED_TRACE(line);
         const auto publication = parsed<PublishData>(line);
         EXPECT_EQ(publication.source, QStringLiteral("data"));
@@ -226,6 +226,11 @@ TEST(CommandLine, RefusesWhatDoesNotFit) {
         {"nowhere to publish", "publish data", "publish needs"},
         {"two places to publish", "publish data www more", "publish needs"},
         {"a list of cards and nowhere to publish", "publish data --names a.json", "publish needs"},
+        {"of two lists before the folders the second would be one", "publish --names a.json b.json data www",
+         "b.json stands where a folder should"},
+        {"nor between the folders", "publish data --names a.json b.json www", "b.json stands where a folder should"},
+        {"a list is nowhere to publish", "publish data --names a.json b.json", "b.json stands where a folder should"},
+        {"a list with its language", "publish --names a.json zhCN=b data www", "zhCN=b stands where a folder should"},
         {"a release of no version", "release-info --dmg a.dmg", "--version"},
         {"a build that is no number", "release-info --version 1 --build 1a", "--build"},
         {"a build too large", "release-info --version 1 --build 9223372036854775808", "--build"},
