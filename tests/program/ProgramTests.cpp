@@ -790,6 +790,9 @@ TEST_F(PanelProgramTest, RunsOnceForAUserAndADisplay) {
     const ProgramOutput second = run({});
     EXPECT_EQ(second.exitCode, 0);
     EXPECT_TRUE(second.standardError.contains("running already")) << second.standardError.toStdString();
+    const ProgramOutput recording = run({QStringLiteral("--record"), path("recording")});
+    EXPECT_TRUE(recording.standardError.contains("--record keeps nothing; end the running program first"))
+        << "who waits for a recording: " << recording.standardError.toStdString();
     EXPECT_EQ(run({QStringLiteral("match"), QStringLiteral("Fireball")}).exitCode, 0) << "commands are exempt";
 
     ::kill(static_cast<pid_t>(first.processId()), SIGSTOP);

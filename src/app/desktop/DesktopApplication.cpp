@@ -86,6 +86,9 @@ int runOnDesktop(const RunLoop& command, SystemSettings& settings, UserDefaults&
         if (command.resetPanel) {
             log(QStringLiteral("--reset-panel has forgotten nothing; end the running program first"));
         }
+        if (command.record) {
+            log(QStringLiteral("--record keeps nothing; end the running program first"));
+        }
         return EXIT_SUCCESS;
     case SingleInstance::Outcome::firstSilent:
         log(QStringLiteral("running already, but it does not answer; end it first"));
