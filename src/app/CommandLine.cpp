@@ -480,20 +480,27 @@ CommandHelp helpOf(const Syntax& syntax) {
 
 QString helpText(const Syntax& syntax) {
     const CommandHelp help = helpOf(syntax);
-    QString text = QStringLiteral("Usage: %1\n%2\n\nOptions:\n").arg(help.usage, help.description);
-    const auto addLine = [&text](const QString& term, const QString& description) {
-        text += QStringLiteral("  %1  %2\n").arg(term.leftJustified(22), description);
+    const auto table = [](const std::vector<OptionHelp>& entries) {
+        qsizetype width = 0;
+        for (const OptionHelp& entry : entries) {
+            width = std::max(width, entry.name.size());
+        }
+        QString lines;
+        for (const OptionHelp& entry : entries) {
+            lines += QStringLiteral("  %1  %2\n").arg(entry.name.leftJustified(width), entry.description);
+        }
+        return lines;
     };
-    for (const OptionHelp& option : help.options) {
-        addLine(option.name, option.description);
-    }
+    QString text = QStringLiteral("Usage: %1\n%2\n\nOptions:\n").arg(help.usage, help.description);
+    text += table(help.options);
     if (syntax.name.isEmpty()) {
-        text += QStringLiteral("\nCommands (pelloran COMMAND --help tells more):\n");
+        std::vector<OptionHelp> commands;
         for (const Syntax& command : syntaxes()) {
             if (!command.name.isEmpty()) {
-                addLine(command.name, command.description);
+                commands.push_back({command.name, command.description});
             }
         }
+        text += QStringLiteral("\nCommands (pelloran COMMAND --help tells more):\n") + table(commands);
     }
     return text;
 }

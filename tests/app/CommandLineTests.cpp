@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 namespace pelloran {
 namespace {
 
@@ -199,6 +201,18 @@ TEST(CommandLine, ExplainsItself) {
         EXPECT_TRUE(parsed<PrintText>(words).text.contains(QStringLiteral("Usage: pelloran"))) << words;
     }
     EXPECT_TRUE(parsed<PrintText>("recognize --help").text.contains(QStringLiteral("--phase")));
+}
+
+TEST(CommandLine, ExplainsOptionsOneBelowTheOther) {
+    static const QRegularExpression entry(QStringLiteral("^  (-.*?  +)\\S"), QRegularExpression::MultilineOption);
+    for (const char* words : {"--help", "publish --help", "release-info --help"}) {
+        const QString text = parsed<PrintText>(words).text;
+        std::set<qsizetype> columns;
+        for (const auto& match : entry.globalMatch(text)) {
+            columns.insert(match.capturedLength(1));
+        }
+        EXPECT_EQ(columns.size(), 1U) << text.toStdString();
+    }
 }
 
 TEST(CommandLine, RefusesWhatDoesNotFit) {
