@@ -33,6 +33,7 @@ struct SessionFact {
 struct LogsFacts {
     std::optional<QString> asked;       // with --logs-dir
     std::optional<QString> folder;      // the one that is there
+    QStringList others;                 // where the game is, too; unless asked
     std::optional<SessionFact> session; // the newest one in it
 };
 

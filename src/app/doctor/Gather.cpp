@@ -159,9 +159,13 @@ Places Places::ofThisMachine(const std::optional<QString>& askedLogsDir) {
 }
 
 LogsFacts gatherLogs(const Places& places, const QDateTime& now) {
-    LogsFacts facts{.asked = places.askedLogsDir, .folder = logsDirOf(places), .session = std::nullopt};
+    LogsFacts facts{.asked = places.askedLogsDir, .folder = logsDirOf(places), .others = {}, .session = std::nullopt};
     if (!facts.folder) {
         return facts;
+    }
+    if (!facts.asked) {
+        facts.others = gameLogsDirs(places.standardLogsDir, places.home, places.environment);
+        facts.others.removeAll(*facts.folder);
     }
     if (const auto session = LogWatcher(*facts.folder).latestSessionDir()) {
         const QDateTime begun = beginningOf(*session);

@@ -44,7 +44,7 @@ constexpr std::chrono::hours oldData{14 * 24};
 constexpr QSize leastWindow{640, 480};
 
 // Enough to see what is meant.
-constexpr qsizetype mostNamesShown = 5;
+constexpr qsizetype mostShown = 5;
 
 QString sizeText(qint64 bytes) {
     if (bytes < 10'000) {
@@ -62,6 +62,12 @@ QString sentence(QString text) {
         }
     }
     return text;
+}
+
+QString shortList(const QStringList& texts) {
+    const qsizetype more = texts.size() - mostShown;
+    return texts.first(std::min(texts.size(), mostShown)).join(u", "_s) +
+           (more > 0 ? u" and %1 more"_s.arg(more) : QString());
 }
 
 QString describe(const LogFileFact& file) {
@@ -200,12 +206,18 @@ Finding judge(const LogsFacts& facts) {
                 u"Start the game once. If it is installed elsewhere, name its folder Logs with --logs-dir, or its Wine "
                 "prefix with the variable WINEPREFIX."_s};
     }
-    if (!facts.session) {
-        return {checks::logs, State::problem, u"%1 holds no session of the game."_s.arg(*facts.folder),
-                u"The game has not run yet, or it writes its logs elsewhere."_s,
-                u"Start the game. If it runs, name its folder Logs with --logs-dir."_s};
+    Finding finding =
+        facts.session ? judgeSession(*facts.folder, *facts.session)
+                      : Finding{checks::logs, State::problem, u"%1 holds no session of the game."_s.arg(*facts.folder),
+                                u"The game has not run yet, or it writes its logs elsewhere."_s,
+                                u"Start the game. If it runs, name its folder Logs with --logs-dir."_s};
+    if (!facts.others.isEmpty()) {
+        finding.what += u" Logs of the game are also in %1."_s.arg(shortList(facts.others));
+        finding.advice = QStringList{finding.advice, u"To follow the game there, name that folder with --logs-dir."_s}
+                             .join(u' ')
+                             .trimmed();
     }
-    return judgeSession(*facts.folder, *facts.session);
+    return finding;
 }
 
 Finding judge(const LogConfigFacts& facts) {
@@ -339,7 +351,8 @@ Finding judge(const DataFacts& facts) {
                 u"Mend or remove that file."_s};
     }
     if (facts.classes == 0) {
-        return {checks::data, State::note, what, noHeroes, u"Put winrates/class_winrates.json beside the card file."_s};
+        return {checks::data, State::note, what, noHeroes,
+                u"Put a class_winrates.json into %1."_s.arg(facts.configurationFolder)};
     }
     if (facts.isSample) {
         return {checks::data, State::note, what, u"They are for a look at the program and say nothing of any card."_s,
@@ -363,11 +376,10 @@ Finding judge(const NamesFacts& facts) {
     if (facts.unmatchable.isEmpty()) {
         return {checks::names, State::ok, u"Each of %1 can be matched."_s.arg(facts.names), {}, {}};
     }
-    const qsizetype more = facts.unmatchable.size() - mostNamesShown;
-    const QString shown = facts.unmatchable.first(std::min(facts.unmatchable.size(), mostNamesShown)).join(u", "_s) +
-                          (more > 0 ? u" and %1 more"_s.arg(more) : QString());
     return {checks::names, State::note,
-            u"%1 of %2 can never be matched: %3."_s.arg(facts.unmatchable.size()).arg(facts.names).arg(shown),
+            u"%1 of %2 can never be matched: %3."_s.arg(facts.unmatchable.size())
+                .arg(facts.names)
+                .arg(shortList(facts.unmatchable)),
             u"Where one of these is offered, its tile stays \"Unrecognized\"."_s,
             facts.strict ? u"Leave --strict-lengths away: longer names count then, where they are read exactly."_s
                          : u"Nothing can be done: they have too few letters, or are heroes of several classes."_s};

@@ -4,11 +4,14 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QStringList>
 #include <QtGlobal>
 
 #include <algorithm>
 #include <filesystem>
+#include <functional>
+#include <vector>
 
 namespace pelloran {
 
@@ -64,25 +67,39 @@ QStringList winePrefixes(const QString& home, const EnvironmentLookup& environme
     return prefixes;
 }
 
-std::optional<QString> gameLogsDir(const QString& standard, const QString& home, const EnvironmentLookup& environment) {
-    if (isFolder(standard)) {
-        return standard;
-    }
-    std::optional<QString> newest;
-    auto newestDate = std::filesystem::file_time_type::min();
+QStringList gameLogsDirs(const QString& standard, const QString& home, const EnvironmentLookup& environment) {
+    struct Found {
+        QString folder;
+        std::filesystem::file_time_type date;
+    };
+
+    std::vector<Found> inPrefixes;
     for (const QString& prefix : winePrefixes(home, environment)) {
         const QString folder = prefix + QStringLiteral("/drive_c/Program Files (x86)/Hearthstone/Logs");
-        if (!isFolder(folder)) {
-            continue;
-        }
-        std::error_code unknownDate;
-        const auto date = std::filesystem::last_write_time(nativePath(folder), unknownDate);
-        if (!newest || (!unknownDate && date > newestDate)) {
-            newest = folder;
-            newestDate = unknownDate ? std::filesystem::file_time_type::min() : date;
+        if (isFolder(folder)) {
+            std::error_code unknown;
+            const auto date = std::filesystem::last_write_time(nativePath(folder), unknown);
+            inPrefixes.push_back({folder, unknown ? std::filesystem::file_time_type::min() : date});
         }
     }
-    return newest;
+    std::ranges::stable_sort(inPrefixes, std::ranges::greater(), &Found::date);
+    QStringList folders;
+    if (isFolder(standard)) {
+        folders.append(standard);
+    }
+    QStringList real; // Steam's folder has several names
+    for (const Found& found : inPrefixes) {
+        if (const QString path = QFileInfo(found.folder).canonicalFilePath(); !real.contains(path)) {
+            real.append(path);
+            folders.append(found.folder);
+        }
+    }
+    return folders;
+}
+
+std::optional<QString> gameLogsDir(const QString& standard, const QString& home, const EnvironmentLookup& environment) {
+    const QStringList folders = gameLogsDirs(standard, home, environment);
+    return folders.isEmpty() ? std::nullopt : std::optional(folders.first());
 }
 
 EnvironmentLookup processEnvironment() {

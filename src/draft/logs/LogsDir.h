@@ -16,7 +16,10 @@ using EnvironmentLookup = std::function<std::optional<QString>(const QString& na
 // ones the first in that order and then by name. Absent when there is none.
 std::optional<QString> gameLogsDir(const QString& standard, const QString& home, const EnvironmentLookup& environment);
 
-// The same on this machine, for this user.
+// The same, and behind it the others, the most recently changed ones first; none twice, whatever links lead to it.
+QStringList gameLogsDirs(const QString& standard, const QString& home, const EnvironmentLookup& environment);
+
+// That one on this machine, for this user.
 std::optional<QString> foundLogsDir();
 
 // Those prefixes, in that order, whether they are there or not; none twice.

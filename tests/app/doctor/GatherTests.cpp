@@ -95,6 +95,14 @@ TEST_F(DoctorGathering, FindsTheLogs) {
 
     write(session + u"Arena.log"_s, "\xFF\xFF");
     EXPECT_EQ(gatherLogs(places(), later).session->arena.error, LogFileError::notText);
+
+    EXPECT_EQ(facts.others, QStringList());
+    ASSERT_TRUE(QDir(folder.path()).mkpath(u"Games/a/drive_c/Program Files (x86)/Hearthstone/Logs"_s));
+    const LogsFacts two = gatherLogs(places(), later);
+    ASSERT_EQ(two.others.size(), 1);
+    EXPECT_NE(two.others.first(), two.folder);
+    named.askedLogsDir = two.folder;
+    EXPECT_EQ(gatherLogs(named, later).others, QStringList()) << "who names one knows";
 }
 
 TEST_F(DoctorGathering, TakesADateToComeForNow) {

@@ -85,6 +85,14 @@ TEST(DoctorJudgement, OfTheLogs) {
              u"LoadingScreen.log is not text"_s},
             {"of last week", [](auto& facts) { facts.session->arena.age = facts.session->loadingScreen.age = 24h * 7; },
              State::note, u"7 days ago"_s},
+            {"the game is there twice", [](auto& facts) { facts.others = {u"/b/Logs"_s, u"/c/Logs"_s}; }, State::ok,
+             u"also in /b/Logs, /c/Logs. To follow the game there, name that folder with --logs-dir."_s},
+            {"the game is there twice and has not run in one of them",
+             [](auto& facts) {
+                 facts.session.reset();
+                 facts.others = {u"/b/Logs"_s};
+             },
+             State::problem, u"with --logs-dir. To follow the game there"_s},
             {"of last week, but still written to", [](auto& facts) { facts.session->loadingScreen.age = 24h * 7; },
              State::ok, u"7 days ago"_s},
         });
@@ -200,6 +208,7 @@ TEST(DoctorJudgement, OfTheDataFiles) {
     well.configurationFolder = u"/d"_s;
     well.isUsersOwn = true;
     well.cards = 7195;
+    well.configurationFolder = u"/home/config"_s;
     well.classFile = u"/d/classes.json"_s;
     well.classes = 11;
     well.age = 24h * 3;
@@ -229,7 +238,8 @@ TEST(DoctorJudgement, OfTheDataFiles) {
                   {"old", [](auto& facts) { facts.age = 24h * 40; }, State::note, u"fetched 40 days ago"_s},
                   {"heroes refused", [](auto& facts) { facts.remark = u"class file x passed over: y"_s; }, State::note,
                    u"Class file x passed over: y."_s},
-                  {"no heroes", [](auto& facts) { facts.classes = 0; }, State::note, u"class_winrates.json"_s},
+                  {"no heroes", [](auto& facts) { facts.classes = 0; }, State::note,
+                   u"Put a class_winrates.json into /home/config."_s},
                   {"the user's file is broken", [](auto& facts) { facts.error = u"/d/cards.json: bad"_s; },
                    State::problem, u"remove it"_s},
                   {"nothing at all",

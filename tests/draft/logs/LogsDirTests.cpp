@@ -3,6 +3,8 @@
 #include "tests/support/Printing.h"
 
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -103,6 +105,27 @@ TEST_F(LogsDir, IsTheFirstInOrderOfEquallyRecentOnes) {
     EXPECT_EQ(find(), wine);
     const QString chosen = install(u"z"_s);
     EXPECT_EQ(find(folder.filePath(u"z"_s)), chosen);
+}
+
+TEST_F(LogsDir, HasTheOthersBehindIt) {
+    const auto all = [&] {
+        return gameLogsDirs(folder.filePath(u"standard"_s), folder.path(), [](const QString&) { return Text(); });
+    };
+    EXPECT_EQ(all(), QStringList());
+    const QString last = install(u".wine"_s, 3);
+    const QString first = install(u"Games/a"_s, 1);
+    const QString second = install(u".local/share/Steam/steamapps/compatdata/4711/pfx"_s, 2);
+    QDir(folder.path()).mkpath(u".steam"_s);
+    ASSERT_TRUE(QFile::link(folder.filePath(u".local/share/Steam"_s), folder.filePath(u".steam/steam"_s)));
+    const QStringList found = all();
+    ASSERT_EQ(found.size(), 3) << "what Steam has under two names is there once";
+    EXPECT_EQ(found[0], first);
+    EXPECT_EQ(QFileInfo(found[1]).canonicalFilePath(), QFileInfo(second).canonicalFilePath());
+    EXPECT_EQ(found[2], last);
+    const QString standard = folder.filePath(u"standard"_s);
+    QDir().mkpath(standard);
+    EXPECT_EQ(all().first(), standard);
+    EXPECT_EQ(all().size(), 4);
 }
 
 TEST_F(LogsDir, IsNotWhereAFileStandsInItsWay) {
