@@ -4,10 +4,16 @@
 
 namespace pelloran {
 
-// For the user's eyes: what is wrong, and with which file.
+// What is wrong, in English: the description of a file without cards is the same Chinese text in every language.
+inline QString explanation(const DataError& error) {
+    const bool isWithoutCards = error.domain == QStringLiteral("Pelloran") && error.code == 2;
+    return isWithoutCards ? QStringLiteral("holds no card in any form that is known") : error.localizedDescription;
+}
+
+// The same with the file that it is about.
 inline QString describe(const DataError& error) {
-    const bool tellsPath = error.path.isEmpty() || error.localizedDescription.contains(error.path);
-    return tellsPath ? error.localizedDescription : error.path + QStringLiteral(": ") + error.localizedDescription;
+    const QString what = explanation(error);
+    return error.path.isEmpty() || what.contains(error.path) ? what : error.path + QStringLiteral(": ") + what;
 }
 
 } // namespace pelloran

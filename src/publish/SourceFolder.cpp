@@ -1,6 +1,7 @@
 #include "publish/SourceFolder.h"
 
 #include "data/CardFile.h"
+#include "data/DataErrorText.h"
 #include "data/DataFiles.h"
 #include "data/WinrateData.h"
 #include "data/WinrateFields.h"
@@ -184,7 +185,7 @@ private:
     void checkCards(const SourceFile& file) {
         const auto decoded = CardFile::decode(file.bytes, file.path);
         if (!decoded) {
-            problem(file.path, decoded.error().localizedDescription);
+            problem(file.path, explanation(decoded.error()));
             return;
         }
         if (decoded->isSample) {
@@ -209,7 +210,7 @@ private:
     void checkClasses(const SourceFile& file) {
         const auto decoded = ClassWinrateFile::decode(file.bytes);
         if (!decoded) {
-            problem(file.path, decoded.error().localizedDescription);
+            problem(file.path, explanation(decoded.error()));
             return;
         }
         double highest = 0;

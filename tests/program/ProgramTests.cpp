@@ -173,6 +173,23 @@ TEST_F(ProgramTest, ExaminesAMachineWithoutADisplayAndChangesNothing) {
     EXPECT_EQ(contents(), before);
 }
 
+TEST_F(ProgramTest, ExaminesAChineseMachineInEnglishToo) {
+    environment.insert(QStringLiteral("LANG"), QStringLiteral("zh_CN.UTF-8"));
+    write("data/Pelloran/config/winrates/all_classes_LAST_7_DAYS.json", "{}");
+    const ScriptedServer server; // knows no page
+    const auto checks = byCheck(
+        run({QStringLiteral("doctor"), QStringLiteral("--json"), QStringLiteral("--config-server"), server.base()}));
+    for (const auto& [check, says] :
+         {std::pair("configuration server", "HTTP 404"), std::pair("data files", "no card")}) {
+        const auto found = checks.find(QString::fromUtf8(check));
+        ASSERT_NE(found, checks.end()) << check;
+        const QString what = found->second[QStringLiteral("what")].toString();
+        EXPECT_TRUE(what.contains(QString::fromUtf8(says))) << what.toStdString();
+        EXPECT_TRUE(std::ranges::none_of(what, [](QChar each) { return each.script() == QChar::Script_Han; }))
+            << what.toStdString();
+    }
+}
+
 TEST_F(ProgramTest, CompletesTheGamesLogConfigWhenAsked) {
     ASSERT_TRUE(QDir().mkpath(path(".wine/drive_c/Program Files (x86)/Hearthstone/Logs")));
     const QByteArray before = "[Power]\r\nLogLevel=1\r\n";

@@ -56,7 +56,8 @@ TEST(SourceFolder, RefusesWhatClientsWouldRefuse) {
 
     const Case cases[] = {
         {"no JSON", cardFile, "{", "winrates/all_classes_LAST_7_DAYS.json: "},
-        {"no row", cardFile, R"({"cards": []})", "winrates/all_classes_LAST_7_DAYS.json: "},
+        {"no row", cardFile, R"({"cards": []})",
+         "winrates/all_classes_LAST_7_DAYS.json: holds no card in any form that is known"},
         {"a row without an id", cardFile, R"({"cards": [{"cost": 1}]})", "winrates/all_classes_LAST_7_DAYS.json: "},
         {"a text for a number", classFile, R"({"classes": [{"player_class": "MAGE", "name_zh": "", "rank": "1"}]})",
          "winrates/class_winrates.json: "},

@@ -6,6 +6,7 @@
 #include "app/Json.h"
 #include "app/ServerClients.h"
 #include "base/Log.h"
+#include "localisation/AppLanguage.h"
 #include "model/DraftModel.h"
 #include "platform/ApplicationFiles.h"
 #include "platform/HttpClient.h"
@@ -102,6 +103,8 @@ void printFinding(const Finding& finding, bool asJson) {
 }
 
 int run(const ExamineMachine& command) {
+    // Its sentences are English and hold what others say in the user's language.
+    AppLanguage::overridePreference(AppLanguage::en);
     // What works apart may outlive this function.
     const std::shared_ptr<const ApplicationFiles> files = ApplicationFiles::create();
     const std::shared_ptr<const UserDefaults> defaults = UserDefaults::create();

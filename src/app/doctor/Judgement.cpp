@@ -422,7 +422,7 @@ Finding judge(const ServerFacts& facts) {
         u"%1 answered in %2 ms%3: %4"_s.arg(facts.address, QString::number(facts.took.count()),
                                             isSecure ? u", its certificate is trusted"_s : QString(), facts.answer);
     if (facts.hasNews && !isConfig) {
-        return {check, State::note, what, {}, u"\"Check App Update\" in Pelloran's menu offers it."_s};
+        return {check, State::note, what, {}, u"\"Check App Update\" (检查应用更新) in Pelloran's menu offers it."_s};
     }
     if (url.scheme() == u"http"_s && !isOnThisMachine(url.host())) {
         return {check, State::note, what,

@@ -287,6 +287,9 @@ TEST_F(DoctorGathering, ReadsTheDataThatTheProgramWould) {
     const DataAndNames broken = gatherData(files, NameLengths::limited, now);
     EXPECT_TRUE(broken.data.error.contains(folder.filePath(own))) << broken.data.error.toStdString();
     EXPECT_TRUE(broken.data.isUsersOwn);
+    write(own, R"({"cards": []})");
+    EXPECT_EQ(gatherData(files, NameLengths::limited, now).data.error,
+              folder.filePath(own) + u": holds no card in any form that is known"_s);
 
     write(u"resources/winrates/class_winrates.json"_s,
           R"({"selected_params": ["SAMPLE"], "classes": [{"player_class": "MAGE", "name_zh": "x"}]})");
