@@ -27,7 +27,11 @@ AppConfig configFor(const RunLoop& command) {
     AppConfig config;
     config.logsDir = logsDirToRead(command.logsDir);
     if (!QFileInfo(config.logsDir).isDir()) {
-        log(QStringLiteral("no log folder of the game found; waiting for one at %1").arg(config.logsDir));
+        log(QStringLiteral("no log folder of the game found; waiting for one at %1%2")
+                .arg(config.logsDir, command.logsDir
+                                         ? QString()
+                                         : QStringLiteral("; one in a Wine prefix is found when Pelloran is started "
+                                                          "again, or waited for where --logs-dir names it")));
     }
     if (command.windowOwner) {
         config.windowOwnerHint = *command.windowOwner;

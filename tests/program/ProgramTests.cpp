@@ -631,6 +631,21 @@ TEST_F(ProgramTest, PublishesFromTheFirstTickAndEndsWhenTold) {
     }
 }
 
+TEST_F(ProgramTest, TellsHowALaterLogFolderIsFound) {
+    for (const bool isNamed : {false, true}) {
+        QProcess process;
+        process.setProcessEnvironment(environment);
+        process.start(program, QStringList{QStringLiteral("--no-panel")} +
+                                   (isNamed ? QStringList{QStringLiteral("--logs-dir"), path("logs")} : QStringList()));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return process.canReadLine(); }, 20'000));
+        ::kill(static_cast<pid_t>(process.processId()), SIGTERM);
+        ASSERT_TRUE(process.waitForFinished(20'000));
+        const QByteArray diagnostics = process.readAllStandardError();
+        EXPECT_TRUE(diagnostics.contains("waiting for one at")) << diagnostics.toStdString();
+        EXPECT_EQ(diagnostics.contains("started again"), !isNamed) << diagnostics.toStdString();
+    }
+}
+
 TEST_F(ProgramTest, BeginsWithTheFilesThatACutOffUpdateLeft) {
     const QString cardFile = write("data/Pelloran/config.bak/winrates/all_classes_LAST_7_DAYS.json",
                                    R"({"cards": [{"card_id": "OWN", "name_en": "Own Card"}]})");

@@ -203,8 +203,8 @@ Finding judge(const LogsFacts& facts) {
                     meaning, u"Name the folder Logs inside of the game's own folder."_s};
         }
         return {checks::logs, State::problem, u"No log folder of the game was found in the usual places."_s, meaning,
-                u"Start the game once. If it is installed elsewhere, name its folder Logs with --logs-dir, or its Wine "
-                "prefix with the variable WINEPREFIX."_s};
+                u"Start the game once, then Pelloran anew. If it is installed elsewhere, name its folder Logs with "
+                "--logs-dir, or its Wine prefix with the variable WINEPREFIX."_s};
     }
     Finding finding =
         facts.session ? judgeSession(*facts.folder, *facts.session)
