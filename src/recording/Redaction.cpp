@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <utility>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -32,6 +33,41 @@ QRegularExpression anyPath(const QString& path) {
     QString pattern = QRegularExpression::escape(path);
     return unicode(pattern.replace(u"\\/"_s, u"/"_s).replace(u'/', u"[\\\\/]+"_s) + u"(?![^\\\\/\\s\"':;,)])"_s);
 }
+
+// Whole words only.
+QRegularExpression anyAccount(const QString& account) {
+    return QRegularExpression(u"(?<!\\w)"_s + QRegularExpression::escape(account) + u"(?!\\w)"_s,
+                              QRegularExpression::CaseInsensitiveOption |
+                                  QRegularExpression::UseUnicodePropertiesOption);
+}
+
+// Of the names that were asked for last: making a pattern takes ten times as long as looking for it in a line, and a
+// log has any number of lines, all of one owner.
+class Patterns {
+public:
+    Patterns(QRegularExpression (*patternOf)(const QString&), qsizetype shortestName)
+        : make(patternOf)
+        , shortest(shortestName) {}
+
+    const std::vector<QRegularExpression>& of(const QStringList& names) {
+        if (names != made) {
+            made = names;
+            patterns.clear();
+            for (const QString& name : names) {
+                if (name.size() >= shortest) {
+                    patterns.push_back(make(name));
+                }
+            }
+        }
+        return patterns;
+    }
+
+private:
+    QRegularExpression (*make)(const QString&);
+    qsizetype shortest;
+    QStringList made;
+    std::vector<QRegularExpression> patterns;
+};
 
 void addOnce(QStringList& texts, const QString& text) {
     if (!text.isEmpty() && !texts.contains(text)) {
@@ -68,16 +104,15 @@ QString redacted(QString text, const Owner& owner) {
     static const QRegularExpression homeFolderOfWindows =
         QRegularExpression(u"([A-Z]:[\\\\/]+users[\\\\/]+)(?:[^\\\\/\"':;,]+(?=[\\\\/])|[^\\\\/\\s\"':;,]+)"_s,
                            QRegularExpression::CaseInsensitiveOption | QRegularExpression::UseUnicodePropertiesOption);
-    for (const QString& home : owner.homes) {
-        text.replace(anyPath(home), u"~"_s);
+    static thread_local Patterns ofHomes(anyPath, 0);
+    static thread_local Patterns ofAccounts(anyAccount, shortestAccount);
+    for (const QRegularExpression& home : ofHomes.of(owner.homes)) {
+        text.replace(home, u"~"_s);
     }
     text.replace(battleTag, u"<player>"_s); // an account's name may be its first part
-    for (const QString& account : owner.accounts) {
-        if (account.size() >= shortestAccount) {
-            text.replace(QRegularExpression(u"(?<!\\w)"_s + QRegularExpression::escape(account) + u"(?!\\w)"_s,
-                                            QRegularExpression::CaseInsensitiveOption |
-                                                QRegularExpression::UseUnicodePropertiesOption),
-                         u"<user>"_s);
+    if (!owner.accounts.isEmpty()) { // who asks with them and without finds them made
+        for (const QRegularExpression& account : ofAccounts.of(owner.accounts)) {
+            text.replace(account, u"<user>"_s);
         }
     }
     // Behind the names: one may hold what a folder's name is taken to end at.

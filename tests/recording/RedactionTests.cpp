@@ -52,6 +52,33 @@ TEST(Redaction, TakesOutWhoPlaysAndWhereTheyLive) {
     }
 }
 
+TEST(Redaction, IsOfWhoeverIsAskedAbout) {
+    const QStringList homes{QStringLiteral("/home/mira")};
+    const QStringList accounts{QStringLiteral("mira")};
+    const QString text = QStringLiteral("/home/mira/x of mira and jo");
+
+    struct Case {
+        const char* why;
+        Owner owner;
+        const char* kept;
+    };
+
+    // What is kept of one must not be taken for the next.
+    const Case cases[] = {
+        {"both", {homes, accounts}, "~/x of <user> and jo"},
+        {"their home alone", {homes, {}}, "~/x of mira and jo"},
+        {"both again", {homes, accounts}, "~/x of <user> and jo"},
+        {"another account", {homes, {QStringLiteral("jo"), QStringLiteral("and")}}, "~/x of mira <user> jo"},
+        {"another home", {{QStringLiteral("/home/jo")}, accounts}, "/home/<user>/x of <user> and jo"},
+        {"nobody", {}, "/home/<user>/x of mira and jo"},
+        {"the first again", {homes, accounts}, "~/x of <user> and jo"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        EXPECT_EQ(redacted(text, c.owner), QString::fromUtf8(c.kept));
+    }
+}
+
 TEST(Redaction, KnowsWhoRunsIt) {
     const QByteArray home = qgetenv("HOME");
     const QByteArray user = qgetenv("USER");
