@@ -13,7 +13,8 @@ namespace pelloran::recording {
 
 namespace {
 
-constexpr int mostMegabytes = 300; // of a picture in memory
+constexpr int mostMegabytes = 300;           // of a picture in memory
+constexpr qint64 lineRoom = largestLine + 3; // with its end, a byte that is too much, and a NUL
 
 } // namespace
 
@@ -63,7 +64,8 @@ std::expected<std::vector<int>, QString> partsOf(const QString& folder) {
 
 PartReader::PartReader(const QString& path)
     : folder(path)
-    , events(path + u'/' + eventFile) {}
+    , events(path + u'/' + eventFile)
+    , buffer(std::make_unique_for_overwrite<char[]>(lineRoom)) {}
 
 std::expected<std::unique_ptr<PartReader>, QString> PartReader::open(const QString& folder, int number) {
     std::unique_ptr<PartReader> part(new PartReader(folder + u'/' + partName(number)));
@@ -137,10 +139,12 @@ std::expected<QImage, QString> PartReader::picture(qint64 number, const std::vec
 }
 
 std::expected<std::optional<QByteArray>, QString> PartReader::nextLine() {
-    QByteArray line = events.readLine(largestLine + 2);
-    if (line.isEmpty()) {
+    // Qt would make room for the longest line for each line.
+    const qint64 size = events.readLine(buffer.get(), lineRoom);
+    if (size <= 0) {
         return std::nullopt;
     }
+    const QByteArray line(buffer.get(), size);
     if (!line.endsWith('\n')) {
         if (line.size() > largestLine) {
             ++lines;

@@ -50,6 +50,7 @@ private:
 
     QString folder;
     QFile events;
+    std::unique_ptr<char[]> buffer; // as large as the longest line
     PartHeader head;
     qint64 lines = 0;
     bool cutOff = false;
