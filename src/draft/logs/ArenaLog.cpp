@@ -147,17 +147,35 @@ QString choiceOnce(const QString& pattern) {
     return pattern + QStringLiteral("|Client chooses: .+");
 }
 
+// Made once for each thread that asks: making them takes longer than looking for them in a short log.
+struct Patterns {
+    LinePattern currentMode{LogPatterns::currentMode, "currMode="};
+    LinePattern draftMode{LogPatterns::draftMode, "SetDraftMode - "};
+    LinePattern newDeck{LogPatterns::newDeck, "Got new draft deck with ID: "};
+    LinePattern chosenHero{LogPatterns::chosenHero, "OnChosen(): hero="};
+    LinePattern heroCard{LogPatterns::heroCard, "Hero Card = "};
+    LinePattern heroClicked{choiceOnce(u'(' + LogPatterns::heroClicked.toString() + u')'), " (HERO_"};
+    LinePattern deckAndHero{LogPatterns::deckAndHero, "Draft Deck ID: "};
+    LinePattern deckCard{LogPatterns::deckCard, "Draft deck contains card "};
+    LinePattern choice{choiceOnce(LogPatterns::choice.toString()), "Client chooses: "};
+};
+
+const Patterns& patterns() {
+    static thread_local const Patterns made;
+    return made;
+}
+
 } // namespace
 
 std::optional<QString> lastScene(QByteArrayView loadingScreenLog) {
-    const LinePattern currentMode(LogPatterns::currentMode, "currMode=");
-    const auto match = currentMode.last({loadingScreenLog.data(), static_cast<std::size_t>(loadingScreenLog.size())});
+    const auto match =
+        patterns().currentMode.last({loadingScreenLog.data(), static_cast<std::size_t>(loadingScreenLog.size())});
     return match ? std::optional(match->captured(1)) : std::nullopt;
 }
 
 void readArenaLog(QByteArrayView arenaLog, DraftState& state) {
     const Bytes log(arenaLog.data(), static_cast<std::size_t>(arenaLog.size()));
-    if (const auto mode = LinePattern(LogPatterns::draftMode, "SetDraftMode - ").last(log)) {
+    if (const auto mode = patterns().draftMode.last(log)) {
         state.draftMode = mode->captured(1);
     }
 
@@ -165,34 +183,31 @@ void readArenaLog(QByteArrayView arenaLog, DraftState& state) {
     const std::size_t begins = findLast(log, LogPatterns::draftBegins);
     const Bytes draft = begins == Bytes::npos ? log : log.substr(begins);
 
-    if (const auto deck = LinePattern(LogPatterns::newDeck, "Got new draft deck with ID: ").first(draft)) {
+    if (const auto deck = patterns().newDeck.first(draft)) {
         state.deckId = deck->captured(1);
     }
-    auto hero = LinePattern(LogPatterns::chosenHero, "OnChosen(): hero=").first(draft);
+    auto hero = patterns().chosenHero.first(draft);
     if (!hero) {
-        hero = LinePattern(LogPatterns::heroCard, "Hero Card = ").first(draft);
+        hero = patterns().heroCard.first(draft);
     }
     if (hero) {
         state.hero = hero->captured(1);
         state.hasHero = true;
-    } else {
-        const QString clicked = choiceOnce(u'(' + LogPatterns::heroClicked.toString() + u')');
-        if (LinePattern(clicked, " (HERO_").first(draft)) {
-            state.hasHero = true;
-        }
+    } else if (patterns().heroClicked.first(draft)) {
+        state.hasHero = true;
     }
 
     if (const std::size_t listing = findLast(draft, LogPatterns::deckListing); listing != Bytes::npos) {
         const Bytes deck = draft.substr(listing);
-        if (const auto head = LinePattern(LogPatterns::deckAndHero, "Draft Deck ID: ").first(deck)) {
+        if (const auto head = patterns().deckAndHero.first(deck)) {
             state.deckId = head->captured(1);
             state.hero = head->captured(2);
             state.hasHero = true;
         }
-        state.deckCardIds = LinePattern(LogPatterns::deckCard, "Draft deck contains card ").all(deck);
+        state.deckCardIds = patterns().deckCard.all(deck);
     }
 
-    if (const auto pick = LinePattern(choiceOnce(LogPatterns::choice.toString()), "Client chooses: ").last(draft)) {
+    if (const auto pick = patterns().choice.last(draft)) {
         state.lastChoiceName = pick->captured(1);
         state.lastChoiceId = pick->captured(2);
     }
