@@ -7,6 +7,7 @@
 #include "localisation/AppLanguage.h"
 #include "platform/GuiSession.h"
 #include "platform/HttpClient.h"
+#include "platform/posix/StandardStreams.h"
 #include "platform/SystemLog.h"
 #include "platform/SystemSettings.h"
 #include "platform/UserDefaults.h"
@@ -39,6 +40,7 @@ struct RunCommand {
 } // namespace
 
 int main(int argc, char** argv) {
+    holdStandardStreams();
     qInstallMessageHandler(logQtMessage);
     QStringList arguments;
     for (int i = 1; i < argc; ++i) {

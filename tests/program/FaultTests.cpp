@@ -8,9 +8,11 @@
 #include <QTest>
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <csignal>
+#include <vector>
 
 // The program while something around it hangs or goes wrong.
 namespace pelloran {
@@ -88,6 +90,49 @@ TEST_F(FaultTest, StartsWithoutASessionBusThatHangs) {
     EXPECT_TRUE(says("boot cards="));
     EXPECT_TRUE(prints(1));
     expectPromptEnd();
+}
+
+// What is opened next would get the number of a missing stream, and every line meant for that.
+TEST_F(FaultTest, StartedWithoutStandardStreamsItWritesIntoNothingElse) {
+    struct Case {
+        const char* why;
+        std::vector<int> missing;
+    };
+
+    const Case cases[] = {
+        {"nothing to be read", {STDIN_FILENO}},
+        {"nowhere for snapshots", {STDOUT_FILENO}},
+        {"nowhere for the log", {STDERR_FILENO}},
+        {"as some starters of desktops have it: snapshots went into the lock, and the log hung the event loop",
+         {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.why);
+        process.setChildProcessModifier([&c] {
+            for (const int stream : c.missing) {
+                ::close(stream);
+            }
+        });
+        // It is what shows that a program is there which has nothing to say it on.
+        const QString recording = home.filePath(QStringLiteral("recording%1").arg(&c - cases));
+        start({QStringLiteral("--snapshots"), QStringLiteral("--record"), recording});
+        ASSERT_TRUE(QTest::qWaitFor([&] { return QFile::exists(recording); }, patience));
+        for (const int stream : c.missing) {
+            const QString number = QStringLiteral("/proc/%1/fd/%2").arg(process.processId()).arg(stream);
+            EXPECT_EQ(QFile::symLinkTarget(number), QProcess::nullDevice()) << stream;
+        }
+        expectPromptEnd();
+    }
+}
+
+TEST_F(FaultTest, ACommandWithoutStandardOutputFails) {
+    process.setChildProcessModifier([] { ::close(STDOUT_FILENO); });
+    process.setProcessEnvironment(environment);
+    process.start(testing::programToTest("PELLORAN_TEST_PROGRAM", PELLORAN_PROGRAM),
+                  {QStringLiteral("match"), QStringLiteral("Fireball")});
+    EXPECT_TRUE(says("standard output could not be written")) << diagnostics.toStdString();
+    EXPECT_TRUE(QTest::qWaitFor([this] { return process.state() == QProcess::NotRunning; }, patience));
+    EXPECT_EQ(process.exitCode(), 1);
 }
 
 // A timer that was due many times meanwhile is due once.
