@@ -107,6 +107,7 @@ OverlayPanelController::OverlayPanelController(const SystemSettings& systemSetti
 }
 
 OverlayPanelController::~OverlayPanelController() {
+    window().endDrag(); // the end may come while it is held, or before its release is heard of
     if (hasUserActed) {
         remember();
     }

@@ -84,6 +84,8 @@ TEST_F(DesktopFault, EndsWithAMessageWhenTheDisplayGoes) {
 
 TEST_F(DesktopFault, GoesOnWithoutAPanelWhenTheDisplayGoes) {
     startStage({QStringLiteral("--scenario"), QStringLiteral("demo")});
+    // Its logs are there first, and with them the program would rightly miss it.
+    ASSERT_TRUE(until([this] { return gameWindow() != XCB_WINDOW_NONE; })) << "the game does not come up";
     startPelloran({QStringLiteral("--no-panel")});
     playToPick(QStringLiteral("cardPick"));
     if (IsSkipped() || HasFatalFailure()) {

@@ -278,6 +278,11 @@ TEST_F(OverlayPanelControllerTest, OpensAsItWasLeft) {
     EXPECT_EQ(panel().frame(), moved);
     EXPECT_EQ(memory.writes, 1) << "nothing new to tell";
 
+    PanelDrag(panel(), {100, 100}).moveBy({30, -40});
+    const UpwardRect held = panel().frame();
+    start();
+    EXPECT_EQ(panel().frame(), held) << "the end came before the button was let go of";
+
     updateSettled(tiles(3));
     dragWidthTo(650);
     updateSettled(tiles(3));

@@ -33,6 +33,9 @@ public:
 
     bool inLiveResize() const { return hold() == UserHold::edge; }
 
+    // As if the button were let go of, where it is held.
+    void endDrag();
+
     // Room for the close button in the top right corner: its centre lies `inset` + half a line below and beside it.
     void placeCloseButton(double inset);
     int closeButtonWidth() const;
@@ -61,8 +64,6 @@ private:
         QPointF from;        // where the pointer took hold, on the screen
         UpwardRect frame;    // at that moment
     };
-
-    void endDrag();
 
     std::optional<Drag> drag;
     CloseButton* closeButton;
