@@ -287,16 +287,16 @@ TEST_F(HttpClientTest, ReadsNoHeadWithoutEnd) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
-        std::binary_semaphore isOver{0};
-        server.on("/x", [&](QTcpSocket& socket) {
-            QObject::connect(&socket, &QTcpSocket::disconnected, &socket, [&] { isOver.release(); });
-            c.script(socket);
+        const auto isOver = std::make_shared<std::counting_semaphore<>>(0); // the server outlives this
+        server.on("/x", [isOver, script = c.script](QTcpSocket& socket) {
+            QObject::connect(&socket, &QTcpSocket::disconnected, &socket, [isOver] { isOver->release(); });
+            script(socket);
         });
         auto asked = request(u"/x"_s);
         asked.deadline = 300ms;
         EXPECT_EQ(failure(http->get(asked)), u"The request timed out."_s);
         // Nothing else ends it: where it is left to Qt, this waits for ever.
-        ASSERT_TRUE(isOver.try_acquire_for(60s)) << "the server sends on, and somebody reads it";
+        ASSERT_TRUE(isOver->try_acquire_for(60s)) << "the server sends on, and somebody reads it";
     }
 }
 
