@@ -145,7 +145,6 @@ TEST_F(ServerTest, BringsWhatIsPublishedAndAsksOnceWhileItStays) {
 
 TEST_F(ServerTest, KeepsTheOldDataOnABadDay) {
     installOld();
-    sync->timeout = 0.3;
 
     const auto archive = [](const testing::TarWriter::Entry& entry) {
         testing::TarWriter writer;
@@ -253,10 +252,12 @@ TEST_F(ServerTest, KeepsTheOldDataOnABadDay) {
         SCOPED_TRACE(c.why);
         server.on(manifestPath, c.manifest);
         server.on(bundlePath, c.bundle);
+        // A busy machine must not make a server silent that is not.
+        sync->timeout = c.reason == timedOut ? 0.3 : 12;
         QElapsedTimer time;
         time.start();
         const Result result = syncOnce();
-        EXPECT_LT(time.elapsed(), 15'000);
+        EXPECT_LT(time.elapsed(), 60'000) << "nothing is waited for without end; tar alone takes a busy machine long";
         const auto* skipped = std::get_if<Result::SkippedOffline>(&result.outcome);
         ASSERT_TRUE(skipped) << result.userMessage().toStdString();
         EXPECT_EQ(skipped->localHash, u"hash-of-OLD"_s);

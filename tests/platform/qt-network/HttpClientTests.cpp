@@ -39,7 +39,7 @@ protected:
         QNetworkProxyFactory::setUseSystemConfiguration(false);
     }
 
-    HttpClient::Request request(const QString& path) const { return {server.url(path), {}, 10s, 12s, 1000}; }
+    HttpClient::Request request(const QString& path) const { return {server.url(path), {}, 60s, 60s, 1000}; }
 
     // The text of a failure; the status of what is none.
     static QString failure(const std::expected<HttpClient::Response, HttpClient::TransportError>& answer) {
@@ -335,7 +335,7 @@ TEST_F(HttpClientTest, WaitsNoLongerThanItMay) {
          [](QTcpSocket& socket) { socket.write("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nabc"); }, 200ms, 60s},
         {"silence outlasts the deadline", nothing, 60s, 200ms},
         {"a head that trickles", ScriptedServer::trickle("HTTP/1.1 200 OK\r\n", "X: y\r\n", 10), 60s, 300ms},
-        {"a body that trickles", ScriptedServer::trickle("HTTP/1.0 200 OK\r\n\r\n", "x", 10), 10s, 300ms},
+        {"a body that trickles", ScriptedServer::trickle("HTTP/1.0 200 OK\r\n\r\n", "x", 10), 60s, 300ms},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
@@ -347,7 +347,7 @@ TEST_F(HttpClientTest, WaitsNoLongerThanItMay) {
         time.start();
         EXPECT_EQ(failure(http->get(asked)), u"The request timed out."_s);
         EXPECT_GE(std::chrono::milliseconds(time.elapsed()), std::min(c.silence, c.deadline) - 20ms);
-        EXPECT_LT(std::chrono::milliseconds(time.elapsed()), 10s);
+        EXPECT_LT(std::chrono::milliseconds(time.elapsed()), 30s);
     }
 }
 
@@ -399,7 +399,7 @@ TEST_F(StalledProxyTest, IsNotWaitedForBeyondTheDeadline) {
         }
         EXPECT_EQ(said, u"The request timed out."_s);
         EXPECT_GE(std::chrono::milliseconds(time.elapsed()), 280ms);
-        EXPECT_LT(std::chrono::milliseconds(time.elapsed()), 10s);
+        EXPECT_LT(std::chrono::milliseconds(time.elapsed()), 30s);
     }
 }
 
@@ -415,7 +415,7 @@ TEST_F(StalledProxyTest, DoesNotHoldUpTheEndOfTheThread) {
         GTEST_SKIP() << "Qt asks for no such script here: " << said.toStdString();
     }
     EXPECT_EQ(said, u"The request was cancelled."_s);
-    EXPECT_LT(std::chrono::milliseconds(time.elapsed()), 9s) << "sooner than it would have given up anyway";
+    EXPECT_LT(std::chrono::milliseconds(time.elapsed()), 30s) << "sooner than it would have given up anyway";
 }
 
 TEST_F(HttpClientTest, ALittleNowAndThenIsNoSilence) {
@@ -437,7 +437,7 @@ TEST_F(HttpClientTest, GivesUpWhenItsThreadIsToEnd) {
     asked.get_future().wait();
     queue.reset();
     EXPECT_EQ(said, u"The request was cancelled."_s);
-    EXPECT_LT(std::chrono::milliseconds(time.elapsed()), 9s) << "sooner than it would have given up anyway";
+    EXPECT_LT(std::chrono::milliseconds(time.elapsed()), 30s) << "sooner than it would have given up anyway";
 }
 
 // A server with a certificate of its own, which this process trusts while the test runs.
