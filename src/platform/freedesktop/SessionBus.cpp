@@ -80,19 +80,71 @@ private:
     const int descriptor;
 };
 
-// Any answer will do, also a refusal and a hanging up: the bus library knows what to do with them.
-bool answers(const Socket& bus, std::chrono::milliseconds patience) {
-    const QByteArray greeting = QByteArray("\0AUTH EXTERNAL ", 15) + QByteArray::number(::getuid()).toHex() + "\r\n";
-    if (::send(bus.number(), greeting.constData(), static_cast<std::size_t>(greeting.size()), MSG_NOSIGNAL) < 0) {
-        return errno != EAGAIN;
+// Of a message's header: a number that says what it tells, the type of that, and the text.
+struct Field {
+    char number;
+    char type;
+    QByteArrayView text;
+};
+
+// The first message on every connection, as it goes over the wire: asks the bus for a name.
+QByteArray hello() {
+    constexpr QByteArrayView bus("org.freedesktop.DBus");
+    const auto pad = [](QByteArray& bytes, qsizetype to) {
+        while (bytes.size() % to != 0) {
+            bytes += '\0';
+        }
+    };
+    const auto append = [](QByteArray& bytes, qsizetype small) {
+        bytes += static_cast<char>(small);
+        bytes.append(3, '\0');
+    };
+    QByteArray fields;
+    for (const Field& field :
+         {Field{1, 'o', "/org/freedesktop/DBus"}, Field{2, 's', bus}, Field{3, 's', "Hello"}, Field{6, 's', bus}}) {
+        pad(fields, 8);
+        fields += field.number;
+        fields += QByteArrayView("\1").toByteArray() + field.type + '\0';
+        append(fields, field.text.size());
+        fields += field.text.toByteArray() + '\0';
     }
-    const QDeadlineTimer deadline(patience);
+    QByteArray message("l\1\0\1", 4); // smallest byte first, a call, no flags, the protocol's version
+    append(message, 0);               // of arguments
+    append(message, 1);               // its serial number
+    append(message, fields.size());
+    message += fields;
+    pad(message, 8);
+    return message;
+}
+
+// What has been answered to `bytes`, or empty when it hung up; absent when it says nothing until the deadline.
+std::optional<QByteArray> answerTo(const QByteArray& bytes, const Socket& bus, const QDeadlineTimer& deadline) {
+    if (::send(bus.number(), bytes.constData(), static_cast<std::size_t>(bytes.size()), MSG_NOSIGNAL) < 0) {
+        return errno == EAGAIN ? std::nullopt : std::optional(QByteArray());
+    }
     pollfd readable{bus.number(), POLLIN, 0};
     int ready = 0;
     do {
         ready = ::poll(&readable, 1, static_cast<int>(deadline.remainingTime()));
     } while (ready < 0 && errno == EINTR);
-    return ready != 0;
+    if (ready == 0) {
+        return std::nullopt;
+    }
+    QByteArray answer(512, '\0');
+    answer.resize(std::max<qsizetype>(::recv(bus.number(), answer.data(), 512, 0), 0));
+    return answer;
+}
+
+// Any answer will do, also a refusal and a hanging up: the bus library knows what to do with them. One that lets
+// programs in has to answer what they say first, too.
+bool answers(const Socket& bus, std::chrono::milliseconds patience) {
+    const QDeadlineTimer deadline(patience);
+    const QByteArray greeting = QByteArray("\0AUTH EXTERNAL ", 15) + QByteArray::number(::getuid()).toHex() + "\r\n";
+    const auto greeted = answerTo(greeting, bus, deadline);
+    if (!greeted || !greeted->startsWith("OK ")) {
+        return greeted.has_value();
+    }
+    return answerTo("BEGIN\r\n" + hello(), bus, deadline).has_value();
 }
 
 // As the bus library looks for it.

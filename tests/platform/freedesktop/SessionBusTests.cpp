@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <thread>
 
@@ -119,6 +120,54 @@ TEST_F(SessionBusTest, AnyAnswerIsOne) {
         EXPECT_FALSE(isSilentBus(at("bus"), ample));
         other.join();
         EXPECT_EQ(greeting, QByteArray("\0AUTH EXTERNAL ", 15) + QByteArray::number(::getuid()).toHex() + "\r\n");
+        QFile::remove(path("bus"));
+    }
+}
+
+// The bus library would wait for the answer to its first message as long as for the greeting.
+TEST_F(SessionBusTest, OneThatGreetsHasToAnswerTheFirstMessageToo) {
+    const QByteArray first("BEGIN\r\n"
+                           "l\1\0\1\0\0\0\0\1\0\0\0\x6d\0\0\0"
+                           "\1\1o\0\x15\0\0\0/org/freedesktop/DBus\0\0\0"
+                           "\2\1s\0\x14\0\0\0org.freedesktop.DBus\0\0\0\0"
+                           "\3\1s\0\5\0\0\0Hello\0\0\0"
+                           "\6\1s\0\x14\0\0\0org.freedesktop.DBus\0\0\0\0",
+                           135);
+
+    struct Row {
+        const char* why;
+        QByteArray answer;
+        std::chrono::milliseconds patience;
+        bool isSilent;
+    };
+
+    for (const Row& row :
+         {Row{"it says its first words", "l\2\1\1", ample, false}, Row{"it falls silent", "", brief, true}}) {
+        SCOPED_TRACE(row.why);
+        SilentSocket bus(path("bus"));
+        QByteArray heard;
+        std::thread other([&] {
+            const int taken = bus.take();
+            const auto hear = [&] {
+                char bytes[1'000];
+                const ssize_t count = ::read(taken, bytes, sizeof bytes);
+                heard.append(bytes, std::max<ssize_t>(count, 0));
+                return count > 0;
+            };
+            (void)hear();
+            heard.clear();
+            EXPECT_EQ(::write(taken, "OK 0123456789abcdef\r\n", 21), 21);
+            while (heard.size() < first.size() && hear()) {
+            }
+            EXPECT_EQ(::write(taken, row.answer.constData(), static_cast<std::size_t>(row.answer.size())),
+                      row.answer.size());
+            while (hear()) { // until it hangs up
+            }
+            ::close(taken);
+        });
+        EXPECT_EQ(isSilentBus(at("bus"), row.patience), row.isSilent);
+        other.join();
+        EXPECT_TRUE(row.isSilent || heard == first) << heard.toHex().toStdString();
         QFile::remove(path("bus"));
     }
 }
