@@ -144,15 +144,37 @@ TEST_F(DesktopFault, StaysAboveTheGameUnderANewWindowManager) {
         return;
     }
     const QRect place = panelBounds();
+    const auto expectBack = [&](const char* why, const std::function<void()>& cover) {
+        SCOPED_TRACE(why);
+        {
+            const Suspended helpless(pelloran.process.processId());
+            cover();
+            ASSERT_TRUE(until([this] { return !panelIsAboveGame(); })) << "nothing covers it";
+        }
+        EXPECT_TRUE(until([this] { return panelIsAboveGame(); })) << "it stays below";
+        EXPECT_EQ(panelBounds(), place);
+    };
     display->stopPrograms();
-    EXPECT_TRUE(pelloran.printsAnother());
-    EXPECT_EQ(panelBounds(), place) << "without a window manager";
-    startWindowManager();
-    ASSERT_TRUE(until([this] { return gameWindow() != XCB_WINDOW_NONE; })) << "it does not manage the game";
-    client->raise(frameOf(gameWindow()));
-    EXPECT_TRUE(until([this] { return panelIsAboveGame(); }));
+    ASSERT_TRUE(until([this] { return client->parent(gameWindow()) == client->root(); })) << "it is still managed";
     EXPECT_TRUE(pelloran.printsAnother());
     EXPECT_EQ(panelBounds(), place);
+    expectBack("without a window manager", [this] { client->raise(gameWindow()); });
+
+    startWindowManager();
+    ASSERT_TRUE(until([this] { return gameWindow() != XCB_WINDOW_NONE && frameOf(gameWindow()) != gameWindow(); }))
+        << "it does not manage the game";
+    // Nobody but a manager can raise what it frames, and this one puts nothing above windows that bypass it.
+    expectBack("the new one's frame is above the panel", [this] { client->lower(panel()); });
+    const auto isFullScreen = [this] {
+        const auto states = client->numbers(gameWindow(), "_NET_WM_STATE");
+        return std::ranges::find(states, client->atom("_NET_WM_STATE_FULLSCREEN")) != states.end();
+    };
+    for (const bool wanted : {!isFullScreen(), isFullScreen()}) {
+        client->sendToRoot(gameWindow(), "_NET_WM_STATE", wanted ? 1 : 0, client->atom("_NET_WM_STATE_FULLSCREEN"));
+        ASSERT_TRUE(until([&] { return isFullScreen() == wanted; }));
+        expectBack("also after the game has changed to full screen or back", [this] { client->lower(panel()); });
+    }
+    EXPECT_TRUE(pelloran.printsAnother());
     EXPECT_EQ(pelloran.last[QStringLiteral("cards")].toArray().size(), 3);
 }
 
@@ -166,7 +188,7 @@ TEST_F(DesktopFault, ItsIconComesBackToANewTray) {
     EXPECT_TRUE(pelloran.printsAnother());
     startWindowManager();
     startTray();
-    ASSERT_TRUE(until([this] { return trayIcon() != XCB_WINDOW_NONE; })) << "no icon in the new tray";
+    waitForIconInNewTray();
     openTrayMenu();
     closeMenu();
 }

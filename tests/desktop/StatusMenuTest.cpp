@@ -33,6 +33,15 @@ xcb_window_t StatusMenuTest::trayIcon() {
     return XCB_WINDOW_NONE;
 }
 
+void StatusMenuTest::waitForIconInNewTray() {
+    ASSERT_TRUE(until([this] { return trayIcon() != XCB_WINDOW_NONE; })) << "no icon in the new tray";
+    ASSERT_TRUE(until([this] {
+        hand.click(client->bounds(trayIcon()).center());
+        return until([this] { return !popups().empty(); }, 3'000);
+    })) << "no click reaches it";
+    closeMenu();
+}
+
 xcb_window_t StatusMenuTest::iconInside(xcb_window_t window, int depth) {
     for (const xcb_window_t inner : client->children(window)) {
         if (client->text(inner, "WM_CLASS").startsWith("pelloran") && client->isViewable(inner)) {

@@ -20,6 +20,10 @@ protected:
     // The program's window in the tray; none when it is not there.
     xcb_window_t trayIcon();
 
+    // Until the icon is in a tray that has just come, and a click on it opens the menu, which is closed again: such a
+    // tray moves its icons about for a moment, and a click meanwhile reaches none.
+    void waitForIconInNewTray();
+
     QImage picture(xcb_window_t window) { return client->screenshot(client->bounds(window)); }
 
     // The topmost window of the program, once it has that many lines of text.

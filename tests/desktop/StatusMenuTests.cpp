@@ -160,7 +160,7 @@ TEST_F(StatusMenu, OpensOnThePanelAndTakesATrayThatComesLater) {
     if (IsSkipped() || HasFatalFailure()) {
         return;
     }
-    EXPECT_TRUE(until([this] { return trayIcon() != XCB_WINDOW_NONE; })) << "it is not taken";
+    waitForIconInNewTray();
     click(openTrayMenu(), quit);
     expectEnd(0);
 }
