@@ -12,6 +12,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <thread>
 #include <vector>
 
 // The program while something around it hangs or goes wrong.
@@ -133,6 +134,23 @@ TEST_F(FaultTest, ACommandWithoutStandardOutputFails) {
     EXPECT_TRUE(says("standard output could not be written")) << diagnostics.toStdString();
     EXPECT_TRUE(QTest::qWaitFor([this] { return process.state() == QProcess::NotRunning; }, patience));
     EXPECT_EQ(process.exitCode(), 1);
+}
+
+// Whoever ends a session may send several kinds in one go, and a second one is not to break into the end.
+TEST_F(FaultTest, SignalsInOneGoAreOneWishToEnd) {
+    start({QStringLiteral("--snapshots")});
+    ASSERT_TRUE(says("boot cards=") && prints(1));
+    const auto id = static_cast<pid_t>(process.processId());
+    ::kill(id, SIGHUP);
+    QElapsedTimer time;
+    time.start();
+    while (time.elapsed() < 400 && QFile::exists(QStringLiteral("/proc/%1/exe").arg(id))) {
+        ::kill(id, SIGTERM);
+        std::this_thread::sleep_for(std::chrono::microseconds(200));
+    }
+    EXPECT_TRUE(QTest::qWaitFor([this] { return process.state() == QProcess::NotRunning; }, promptly));
+    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(process.exitCode(), 0);
 }
 
 // A timer that was due many times meanwhile is due once.

@@ -39,7 +39,8 @@ void tellEventLoop(int signal) {
         const char byte = 0;
         [[maybe_unused]] const ssize_t written = ::write(writeEnd, &byte, 1);
     } else if (now - first > inOneGo) {
-        // The event loop has not turned since: something that it waits for hangs, such as the desktop.
+        // The orderly end has not come to its own, or has not begun: something hangs that it waits for, such as the
+        // desktop.
         std::signal(signal, SIG_DFL);
         ::raise(signal); // on the way out of here
     }
@@ -62,11 +63,6 @@ TerminationSignals::TerminationSignals() {
     auto* notifier = new QSocketNotifier(ends[0], QSocketNotifier::Read, this);
     connect(notifier, &QSocketNotifier::activated, this, [notifier] {
         notifier->setEnabled(false);
-        // A second signal ends the program at once: the orderly end waits for the look under way, and that may wait for
-        // a display that hangs.
-        for (const int signal : terminating) {
-            std::signal(signal, SIG_DFL);
-        }
         QCoreApplication::exit(0); // unlike quit(), which a window that declines to close can stop
     });
     for (const int signal : terminating) {
