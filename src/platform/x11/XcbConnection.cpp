@@ -42,7 +42,8 @@ std::expected<std::unique_ptr<XcbConnection>, NoConnection> XcbConnection::open(
     }
     std::unique_ptr<XcbConnection> connection(new XcbConnection(*std::move(opened), screen, connector.limits()));
     if (!connection->initialize()) {
-        return std::unexpected(NoConnection::unreachable);
+        const bool isSilent = connection->stalled && !connection->broken();
+        return std::unexpected(isSilent ? NoConnection::silent : NoConnection::unreachable);
     }
     return connection;
 }

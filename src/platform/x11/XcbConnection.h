@@ -31,7 +31,7 @@ struct Failure {
 // requests until it goes on. One thread at a time.
 class XcbConnection {
 public:
-    // A server that falls silent as soon as it has been reached, or lacks what every one has, counts as unreachable.
+    // A server that lacks what every one has counts as unreachable.
     static std::expected<std::unique_ptr<XcbConnection>, NoConnection> open(ServerConnector& connector);
 
     // For whoever asks once: null where there is no connection, for whatever reason.

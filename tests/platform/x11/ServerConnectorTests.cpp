@@ -1,5 +1,7 @@
 #include "platform/x11/ServerConnector.h"
 
+#include "platform/x11/XcbConnection.h"
+
 #include <QByteArray>
 #include <QDeadlineTimer>
 
@@ -71,6 +73,7 @@ public:
         words[2] = 11; // version of the protocol
         words[6] = 18; // length of what follows, in units of four bytes
         words[16] = 1; // a mask of numbers to give out, which must not be 0
+        words[27] = 1; // length of a request at most, in units of 256 times four bytes
         words[28] = 1; // screens
         EXPECT_EQ(write(talking, words.data(), words.size()), ssize_t(words.size()));
     }
@@ -171,6 +174,30 @@ TEST_F(ServerConnectorTest, AnotherDisplayIsAnotherAttempt) {
     EXPECT_TRUE(other.takesConnection(inAMoment));
     server->welcome();
     EXPECT_TRUE(server->isHungUpOn());
+}
+
+TEST_F(ServerConnectorTest, AServerThatFailsAfterItsFirstWordsIsKnownForWhatItDoes) {
+    struct Case {
+        const char* why;
+        bool hangsUp;
+        NoConnection expected;
+    };
+
+    for (const auto& c :
+         {Case{"it falls silent", false, NoConnection::silent}, Case{"it hangs up", true, NoConnection::unreachable}}) {
+        SCOPED_TRACE(c.why);
+        connector.emplace(Patience{.usual = 50ms, .whileStalled = std::chrono::milliseconds(inAMoment)});
+        EXPECT_EQ(failure(), NoConnection::silent);
+        ASSERT_TRUE(server->takesConnection(inAMoment));
+        server->welcome();
+        if (c.hangsUp) {
+            server->hangUp();
+        }
+        const auto opened = XcbConnection::open(*connector);
+        ASSERT_FALSE(opened);
+        EXPECT_EQ(opened.error(), c.expected);
+        EXPECT_TRUE(c.hangsUp || server->isHungUpOn()) << "the connection is kept";
+    }
 }
 
 TEST_F(ServerConnectorTest, KnowsAtOnceWhereThereIsNoServer) {
