@@ -1,9 +1,11 @@
 #include "tests/desktop/StatusMenuTest.h"
+#include "tests/support/EndWithParent.h"
 #include "tests/support/OtherProcess.h"
 #include "tests/support/SilentSocket.h"
 
 #include <QElapsedTimer>
 #include <QFile>
+#include <QScopeGuard>
 #include <QTest>
 
 #include <algorithm>
@@ -163,6 +165,8 @@ TEST_F(DesktopFault, StaysAboveTheGameUnderANewWindowManager) {
     startWindowManager();
     ASSERT_TRUE(until([this] { return gameWindow() != XCB_WINDOW_NONE && frameOf(gameWindow()) != gameWindow(); }))
         << "it does not manage the game";
+    // While managers change the game is off the screen for a moment, which a look may meet.
+    expectedLog.append("[Pelloran] no window of the game is found");
     // Nobody but a manager can raise what it frames, and this one puts nothing above windows that bypass it.
     expectBack("the new one's frame is above the panel", [this] { client->lower(panel()); });
     const auto isFullScreen = [this] {
@@ -243,6 +247,37 @@ TEST_F(DesktopFault, IsThereInTimeOnASessionBusThatHangs) {
     time.start();
     expectEnd(0);
     EXPECT_LT(time.elapsed(), 10'000);
+}
+
+TEST_F(DesktopFault, GoesOnAndEndsWhenTheSessionBusHangsLater) {
+    needs(QStringLiteral("dbus-daemon"));
+    if (IsSkipped()) {
+        return;
+    }
+    const QString path = home.filePath(QStringLiteral("bus"));
+    QProcess bus;
+    testing::endWithParent(bus);
+    const auto endBus = qScopeGuard([&bus] {
+        bus.kill();
+        bus.waitForFinished();
+    });
+    bus.start(QStringLiteral("dbus-daemon"),
+              {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--address=unix:path=") + path});
+    ASSERT_TRUE(until([&] { return QFile::exists(path); })) << "dbus-daemon does not start";
+    environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=") + path);
+    startPanel();
+    if (IsSkipped() || HasFatalFailure()) {
+        return;
+    }
+    const Suspended hangs(bus.processId());
+    EXPECT_TRUE(pelloran.printsAnother());
+    openMenu(panelBackground(), 3);
+    closeMenu();
+    pelloran.process.terminate();
+    QElapsedTimer time;
+    time.start();
+    expectEnd(0);
+    EXPECT_LT(time.elapsed(), 10'000) << "the bus library gives up after 25 seconds at the soonest";
 }
 
 // A server without clients starts anew, as one does that was brought up for this program.
