@@ -61,6 +61,24 @@ inline void paintLetters(Plane& plane, Bytes& bytes) {
     }
 }
 
+// The same lines again and again, as on a page: more of them than are looked at.
+inline void paintPage(Plane& plane, Bytes& bytes) {
+    const int letter = 3 + bytes.take() % 16;
+    const int width = letter * (2 + bytes.take() % 12);
+    const int shade = bytes.take();
+    const int across = width + 1 + bytes.take();
+    const int down = letter + 3 + bytes.take() % 32;
+    for (int y = 0; y < plane.height; y += down) {
+        for (int x = 0; x < plane.width; x += across) {
+            fill(plane, QRect(x, y, width + 4, letter + 4), 0);
+            for (int at = 2; at + letter / 2 < width; at += letter) {
+                fill(plane, QRect(x + at, y + 2, letter / 2, letter), shade);
+                fill(plane, QRect(x + at, y + 2 + letter / 3, letter * 3 / 4, letter / 4), shade);
+            }
+        }
+    }
+}
+
 // Paths of light with walls between them, a pixel wide or some: where a flood has a long way to go.
 inline void paintMaze(Plane& plane, Bytes& bytes) {
     const int width = 1 + bytes.take() % 6;
@@ -81,8 +99,10 @@ inline Plane planeFrom(Bytes& bytes, int width, int height) {
     Plane plane(width, height, std::uint8_t(bytes.take()));
     for (int shapes = bytes.take() % 24; shapes > 0; --shapes) {
         const int what = bytes.take();
-        if (what < 96) {
+        if (what < 88) {
             paintLetters(plane, bytes);
+        } else if (what < 96) {
+            paintPage(plane, bytes);
         } else if (what < 192) {
             const QRect area(bytes.take() * width / 256, bytes.take() * height / 256, bytes.take(), bytes.take() / 2);
             fill(plane, area, bytes.take());

@@ -11,6 +11,8 @@
 #include "publish/FilledFiles.h"
 
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonValue>
 #include <QTemporaryDir>
 
 #include <array>
@@ -39,6 +41,22 @@ void checkReasons(const QStringList& reasons) {
     require(!reasons.isEmpty() && !reasons.contains(QString()));
 }
 
+QJsonArray rowsOf(const QByteArray& json) {
+    return strict_json::parse(json).value_or(QJsonValue())[u"cards"].toArray();
+}
+
+// Also of rows that had no identifier until it was filled in.
+void checkFigures(const QJsonArray& before, const QJsonArray& after) {
+    for (qsizetype i = 0; before.size() == after.size() && i < before.size(); ++i) {
+        for (const char* figure :
+             {"deck_win_rate", "drawn_win_rate", "played_win_rate", "popularity", "avg_copies_in_deck", "num_games"}) {
+            const QJsonValue had = before[i][QLatin1StringView(figure)];
+            const QJsonValue has = after[i][QLatin1StringView(figure)];
+            require(has.type() == had.type() && has.toDouble() == had.toDouble());
+        }
+    }
+}
+
 void fillCards(const QByteArray& json, const CardLists& lists) {
     const auto filled = filledCardFile(json, lists);
     if (!filled) {
@@ -47,6 +65,7 @@ void fillCards(const QByteArray& json, const CardLists& lists) {
     }
     const auto again = filledCardFile(filled->bytes, lists);
     require(again && again->bytes == filled->bytes);
+    checkFigures(rowsOf(json), rowsOf(filled->bytes));
     const auto before = CardFile::decode(json, QStringLiteral("cards.json"));
     const auto after = CardFile::decode(filled->bytes, QStringLiteral("cards.json"));
     if (!before || !after || before->rows.size() != after->rows.size()) {

@@ -21,7 +21,9 @@ void parse(const QByteArray& bytes) {
     }
     require(model->serialized() == bytes);
     const std::size_t last = model->characters().size() - 1;
-    require(model->indexOf(model->characters()[last]) == last);
+    for (std::size_t i = 0; i <= last; ++i) {
+        require(model->indexOf(model->characters()[i]) == i);
+    }
     const CharacterCosts among(*model, std::vector<std::size_t>{0, last});
     std::vector<float> costs(2);
     CharacterFeature feature{};

@@ -77,6 +77,20 @@ QImage paintedFrom(Bytes& bytes, const QSize& size) {
         const QSize extent(1 + bytes.take() % 16, 1 + bytes.take() % 16);
         const int shade = bytes.take();
         QPoint corner(x * width / 256, y * height / 256);
+        if (place >= 248) { // a page of lines: more of them than are read
+            const int letter = 4 + size.height();
+            for (int top = 0; top < height; top += letter + 4 + y / 4) {
+                for (int left = 0; left < width; left += 6 * letter + 24 + x) {
+                    fill(QRect(left, top, 6 * letter + 4, letter + 4), qRgb(0, 0, 0));
+                    for (int i = 0; i < 6; ++i) {
+                        fill(QRect(left + 2 + i * letter, top + 2, letter / 2, letter), qRgb(shade, shade, shade));
+                        fill(QRect(left + 2 + i * letter, top + 2 + letter * (i % 3) / 3, letter * 3 / 4, letter / 4),
+                             qRgb(shade, shade, shade));
+                    }
+                }
+            }
+            continue;
+        }
         if (place < 192) {
             const auto slot = std::size_t(place % 3);
             const bool isHero = place >= 96;
