@@ -144,7 +144,7 @@ std::expected<std::optional<QByteArray>, QString> PartReader::nextLine() {
     if (size <= 0) {
         return std::nullopt;
     }
-    const QByteArray line(buffer.get(), size);
+    QByteArray line(buffer.get(), size);
     if (!line.endsWith('\n')) {
         if (line.size() > largestLine) {
             ++lines;
