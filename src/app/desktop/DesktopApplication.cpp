@@ -110,7 +110,9 @@ int runOnDesktop(const RunLoop& command, SystemSettings& settings, UserDefaults&
     MessageBoxAlerts alerts(PanelWindow::create, [&presence] { presence->activate(); });
     TrayStatusItem statusItem;
     if (!statusItem.isAvailable()) {
-        log(QStringLiteral("this desktop has no status area; the menu opens on a right click of the panel"));
+        log(QStringLiteral(
+            "this desktop has no status area; the menu opens on a right click of the panel, and starting "
+            "Pelloran again shows one that was closed"));
     }
     // Mends what an earlier run left half done, so before the data is loaded.
     const auto configSync = makeConfigSync(command.configServer, *parts.files);

@@ -494,11 +494,13 @@ std::vector<Finding> judge(const DesktopFacts& facts) {
             : Finding{compositor, State::note, u"None runs."_s, u"The panel is opaque and has cut corners."_s,
                       u"Nothing has to be done; the desktop's settings may have effects to switch on, or "
                       "start a compositor such as picom."_s});
-    findings.push_back(facts.hasTray ? Finding{tray, State::ok, u"There is one, and Pelloran's icon in it."_s, {}, {}}
-                                     : Finding{tray, State::note, u"This desktop has none."_s,
-                                               u"Pelloran has no icon; its menu opens on a right click of the panel."_s,
-                                               u"Nothing has to be done; on GNOME an extension such as AppIndicator "
-                                               "brings one."_s});
+    findings.push_back(facts.hasTray
+                           ? Finding{tray, State::ok, u"There is one, for Pelloran's icon."_s, {}, {}}
+                           : Finding{tray, State::note, u"This desktop has none."_s,
+                                     u"Pelloran has no icon; its menu opens on a right click of the panel, and "
+                                     "starting Pelloran again shows one that was closed."_s,
+                                     u"Nothing has to be done; on GNOME an extension such as AppIndicator "
+                                     "brings one."_s});
     return findings;
 }
 

@@ -374,6 +374,8 @@ TEST(DoctorJudgement, OfTheDesktop) {
             expectFinding(findings[i], c.states[i], {});
         }
     }
+    const DesktopFacts trayless{{}, u":0"_s, u"xcb"_s, {u"1920x1080"_s}, true, true, false};
+    expectFinding(judge(trayless).back(), note, u"starting Pelloran again shows one that was closed."_s);
 }
 
 TEST(DoctorJudgement, OfChecksThatWereNotDone) {
