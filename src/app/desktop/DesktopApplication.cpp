@@ -91,7 +91,7 @@ int runOnDesktop(const RunLoop& command, SystemSettings& settings, UserDefaults&
         }
         return EXIT_SUCCESS;
     case SingleInstance::Outcome::firstSilent:
-        log(QStringLiteral("running already, but it does not answer; end it first"));
+        log(QStringLiteral("running already, but it does not answer; end it first (\"pelloran doctor\" tells how)"));
         return EXIT_FAILURE;
     }
 

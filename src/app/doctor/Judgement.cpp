@@ -437,9 +437,9 @@ Finding judge(const InstanceFacts& facts) {
         return {checks::instance, State::ok, u"Pelloran does not run."_s, {}, {}};
     }
     if (!facts.answers) {
-        return {checks::instance, State::problem,
-                u"Pelloran runs as process %1 and does not answer."_s.arg(*facts.process),
-                u"Another start does nothing."_s, u"End it: kill %1"_s.arg(*facts.process)};
+        return {
+            checks::instance, State::problem, u"Pelloran runs as process %1 and does not answer."_s.arg(*facts.process),
+            u"Another start does nothing."_s, u"End it: kill %1, and where it stays: kill -9 %1"_s.arg(*facts.process)};
     }
     return {checks::instance,
             State::ok,

@@ -325,17 +325,17 @@ TEST(DoctorJudgement, OfTheServers) {
 }
 
 TEST(DoctorJudgement, OfOtherStarts) {
-    judgeAll<InstanceFacts>(
-        {}, {
-                {"none", [](auto&) {}, State::ok, u"does not run"_s},
-                {"one",
-                 [](auto& facts) {
-                     facts.process = 77;
-                     facts.answers = true;
-                 },
-                 State::ok, u"process 77 and answers"_s},
-                {"one that hangs", [](auto& facts) { facts.process = 77; }, State::problem, u"kill 77"_s},
-            });
+    judgeAll<InstanceFacts>({}, {
+                                    {"none", [](auto&) {}, State::ok, u"does not run"_s},
+                                    {"one",
+                                     [](auto& facts) {
+                                         facts.process = 77;
+                                         facts.answers = true;
+                                     },
+                                     State::ok, u"process 77 and answers"_s},
+                                    {"one that hangs", [](auto& facts) { facts.process = 77; }, State::problem,
+                                     u"kill 77, and where it stays: kill -9 77"_s},
+                                });
 }
 
 TEST(DoctorJudgement, OfTheFolders) {
