@@ -10,8 +10,8 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 #include <utility>
-#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -34,40 +34,19 @@ QRegularExpression anyPath(const QString& path) {
     return unicode(pattern.replace(u"\\/"_s, u"/"_s).replace(u'/', u"[\\\\/]+"_s) + u"(?![^\\\\/\\s\"':;,)])"_s);
 }
 
-// Whole words only.
-QRegularExpression anyAccount(const QString& account) {
+QRegularExpression anyCase(const QString& account) {
     return QRegularExpression(u"(?<!\\w)"_s + QRegularExpression::escape(account) + u"(?!\\w)"_s,
                               QRegularExpression::CaseInsensitiveOption |
                                   QRegularExpression::UseUnicodePropertiesOption);
 }
 
-// Of the names that were asked for last: making a pattern takes ten times as long as looking for it in a line, and a
-// log has any number of lines, all of one owner.
-class Patterns {
-public:
-    Patterns(QRegularExpression (*patternOf)(const QString&), qsizetype shortestName)
-        : make(patternOf)
-        , shortest(shortestName) {}
-
-    const std::vector<QRegularExpression>& of(const QStringList& names) {
-        if (names != made) {
-            made = names;
-            patterns.clear();
-            for (const QString& name : names) {
-                if (name.size() >= shortest) {
-                    patterns.push_back(make(name));
-                }
-            }
-        }
-        return patterns;
-    }
-
-private:
-    QRegularExpression (*make)(const QString&);
-    qsizetype shortest;
-    QStringList made;
-    std::vector<QRegularExpression> patterns;
-};
+// `make` of an owner's name or folder. Making one takes many times what searching a line with it takes.
+template <auto make>
+const QRegularExpression& madeOnce(const QString& text) {
+    thread_local std::map<QString, QRegularExpression> made;
+    const auto found = made.find(text);
+    return found != made.end() ? found->second : made.emplace(text, make(text)).first->second;
+}
 
 void addOnce(QStringList& texts, const QString& text) {
     if (!text.isEmpty() && !texts.contains(text)) {
@@ -104,15 +83,13 @@ QString redacted(QString text, const Owner& owner) {
     static const QRegularExpression homeFolderOfWindows =
         QRegularExpression(u"([A-Z]:[\\\\/]+users[\\\\/]+)(?:[^\\\\/\"':;,]+(?=[\\\\/])|[^\\\\/\\s\"':;,]+)"_s,
                            QRegularExpression::CaseInsensitiveOption | QRegularExpression::UseUnicodePropertiesOption);
-    static thread_local Patterns ofHomes(anyPath, 0);
-    static thread_local Patterns ofAccounts(anyAccount, shortestAccount);
-    for (const QRegularExpression& home : ofHomes.of(owner.homes)) {
-        text.replace(home, u"~"_s);
+    for (const QString& home : owner.homes) {
+        text.replace(madeOnce<anyPath>(home), u"~"_s);
     }
     text.replace(battleTag, u"<player>"_s); // an account's name may be its first part
-    if (!owner.accounts.isEmpty()) { // who asks with them and without finds them made
-        for (const QRegularExpression& account : ofAccounts.of(owner.accounts)) {
-            text.replace(account, u"<user>"_s);
+    for (const QString& account : owner.accounts) {
+        if (account.size() >= shortestAccount) {
+            text.replace(madeOnce<anyCase>(account), u"<user>"_s);
         }
     }
     // Behind the names: one may hold what a folder's name is taken to end at.

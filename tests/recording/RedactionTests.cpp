@@ -72,6 +72,7 @@ TEST(Redaction, IsOfWhoeverIsAskedAbout) {
         {"another home", {{QStringLiteral("/home/jo")}, accounts}, "/home/<user>/x of <user> and jo"},
         {"nobody", {}, "/home/<user>/x of mira and jo"},
         {"the first again", {homes, accounts}, "~/x of <user> and jo"},
+        {"an account that is called as a folder was", {{}, homes}, "<user>/x of mira and jo"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
