@@ -34,7 +34,8 @@ QRegularExpression anyPath(const QString& path) {
     return unicode(pattern.replace(u"\\/"_s, u"/"_s).replace(u'/', u"[\\\\/]+"_s) + u"(?![^\\\\/\\s\"':;,)])"_s);
 }
 
-QRegularExpression anyCase(const QString& account) {
+// Whole words only.
+QRegularExpression anyAccount(const QString& account) {
     return QRegularExpression(u"(?<!\\w)"_s + QRegularExpression::escape(account) + u"(?!\\w)"_s,
                               QRegularExpression::CaseInsensitiveOption |
                                   QRegularExpression::UseUnicodePropertiesOption);
@@ -89,7 +90,7 @@ QString redacted(QString text, const Owner& owner) {
     text.replace(battleTag, u"<player>"_s); // an account's name may be its first part
     for (const QString& account : owner.accounts) {
         if (account.size() >= shortestAccount) {
-            text.replace(madeOnce<anyCase>(account), u"<user>"_s);
+            text.replace(madeOnce<anyAccount>(account), u"<user>"_s);
         }
     }
     // Behind the names: one may hold what a folder's name is taken to end at.
