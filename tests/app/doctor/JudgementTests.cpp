@@ -212,43 +212,43 @@ TEST(DoctorJudgement, OfTheDataFiles) {
     well.classFile = u"/d/classes.json"_s;
     well.classes = 11;
     well.age = 24h * 3;
-    judgeAll<DataFacts>(
-        well, {
-                  {"real ones", [](auto&) {}, State::ok,
-                   u"/d/cards.json, fetched 3 days ago: 7195 cards, real figures, 11 classes."_s},
-                  {"in folders whose names look like places for numbers",
-                   [](auto& facts) {
-                       facts.cardFile = u"/%1/%2/cards.json"_s;
-                       facts.classFile = u"/%3/classes.json"_s;
-                   },
-                   State::ok,
-                   u"/%1/%2/cards.json, fetched 3 days ago: 7195 cards, real figures, 11 classes "
-                   "(/%3/classes.json)."_s},
-                  {"nobody says since when", [](auto& facts) { facts.isAgeOfFile = true; }, State::ok,
-                   u"written 3 days ago"_s},
-                  {"classes of elsewhere", [](auto& facts) { facts.classFile = u"/usr/classes.json"_s; }, State::ok,
-                   u"11 classes (/usr/classes.json)."_s},
-                  {"classes of elsewhere that are invented",
-                   [](auto& facts) {
-                       facts.classFile = u"/usr/classes.json"_s;
-                       facts.areClassesSample = true;
-                   },
-                   State::note, u"11 classes (/usr/classes.json, invented samples). What is shown"_s},
-                  {"samples", [](auto& facts) { facts.isSample = true; }, State::note, u"invented samples"_s},
-                  {"old", [](auto& facts) { facts.age = 24h * 40; }, State::note, u"fetched 40 days ago"_s},
-                  {"heroes refused", [](auto& facts) { facts.remark = u"class file x passed over: y"_s; }, State::note,
-                   u"Class file x passed over: y."_s},
-                  {"no heroes", [](auto& facts) { facts.classes = 0; }, State::note,
-                   u"Put a class_winrates.json into /home/config."_s},
-                  {"the user's file is broken", [](auto& facts) { facts.error = u"/d/cards.json: bad"_s; },
-                   State::problem, u"remove it"_s},
-                  {"nothing at all",
-                   [](auto& facts) {
-                       facts.error = u"not found"_s;
-                       facts.isUsersOwn = false;
-                   },
-                   State::problem, u"Install Pelloran anew"_s},
-              });
+    judgeAll<DataFacts>(well,
+                        {
+                            {"real ones", [](auto&) {}, State::ok,
+                             u"/d/cards.json, fetched 3 days ago: 7195 cards, real figures, 11 classes."_s},
+                            {"in folders whose names look like places for numbers",
+                             [](auto& facts) {
+                                 facts.cardFile = u"/%1/%2/cards.json"_s;
+                                 facts.classFile = u"/%3/classes.json"_s;
+                             },
+                             State::ok,
+                             u"/%1/%2/cards.json, fetched 3 days ago: 7195 cards, real figures, 11 classes "
+                             "(/%3/classes.json)."_s},
+                            {"nobody says since when", [](auto& facts) { facts.isAgeOfFile = true; }, State::ok,
+                             u"written 3 days ago"_s},
+                            {"classes of elsewhere", [](auto& facts) { facts.classFile = u"/usr/classes.json"_s; },
+                             State::ok, u"11 classes (/usr/classes.json)."_s},
+                            {"classes of elsewhere that are invented",
+                             [](auto& facts) {
+                                 facts.classFile = u"/usr/classes.json"_s;
+                                 facts.areClassesSample = true;
+                             },
+                             State::note, u"11 classes (/usr/classes.json, invented samples). What is shown"_s},
+                            {"samples", [](auto& facts) { facts.isSample = true; }, State::note, u"invented samples"_s},
+                            {"old", [](auto& facts) { facts.age = 24h * 40; }, State::note, u"fetched 40 days ago"_s},
+                            {"heroes refused", [](auto& facts) { facts.remark = u"class file x passed over: y"_s; },
+                             State::note, u"Class file x passed over: y."_s},
+                            {"no heroes", [](auto& facts) { facts.classes = 0; }, State::note,
+                             u"Put a class_winrates.json into /home/config."_s},
+                            {"the user's file is broken", [](auto& facts) { facts.error = u"/d/cards.json: bad"_s; },
+                             State::problem, u"remove it"_s},
+                            {"nothing at all",
+                             [](auto& facts) {
+                                 facts.error = u"not found"_s;
+                                 facts.isUsersOwn = false;
+                             },
+                             State::problem, u"Install Pelloran anew"_s},
+                        });
 }
 
 TEST(DoctorJudgement, OfTheNames) {
