@@ -77,6 +77,7 @@ bool XcbConnection::initialize() {
     const auto last = ask<xcb_get_input_focus_reply>(xcb_get_input_focus(connection), "GetInputFocus");
     if (!last) {
         std::free(ewmhAtoms);
+        xcb_ewmh_connection_wipe(&ewmh);
         return false;
     }
     // On failure the library has freed what it took.
