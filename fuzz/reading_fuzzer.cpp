@@ -120,7 +120,8 @@ LineReading readingFrom(Bytes& bytes, const QStringList& names) {
             text[place % text.size()] = character;
         }
     }
-    return {text.trimmed(), float(what / 64 + 1) / 4};
+    const int quarters = 1 + what / 64; // of certainty
+    return {text.trimmed(), float(quarters) / 4};
 }
 
 } // namespace

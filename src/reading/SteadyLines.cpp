@@ -91,6 +91,9 @@ std::vector<Light> lightAlong(const Plane& kept, const Plane& now) {
 } // namespace
 
 Plane sampleOf(const QImage& window, const LinePlace& place) {
+    if (!(place.height >= 1)) {
+        return {};
+    }
     const auto [highest, lowest] = std::ranges::minmax(place.tops);
     const QRect area =
         QRectF(QPointF(place.left, highest), QPointF(place.right, lowest + place.height)).toAlignedRect();

@@ -29,7 +29,7 @@ struct LinePlace {
 };
 
 // How such a line looks: the lightness in which white letters stand out, of some 24 rows along the band. No pixels
-// where the band is not within the window.
+// where the band is not within the window, or less than one high.
 Plane sampleOf(const QImage& window, const LinePlace& place);
 
 // By how much the two differ where they differ most, 0 to 255: the mean over a square as wide as two strokes of a

@@ -13,8 +13,6 @@ namespace pelloran {
 
 namespace {
 
-using testing::CharacterStyle;
-
 QString text(const char* each) {
     return QString::fromUtf8(each);
 }

@@ -220,9 +220,10 @@ TEST_F(TextReaderTest, FormatsAndStridesDoNotMatter) {
     QImage larger(1300, 740, QImage::Format_RGB32);
     larger.fill(Qt::white);
     for (int y = 0; y < 720; ++y) {
-        std::copy_n(image.constScanLine(y), 1280 * 4, larger.scanLine(y + 7) + 3 * 4);
+        std::copy_n(image.constScanLine(y), qsizetype{1280} * 4, larger.scanLine(y + 7) + qsizetype{3} * 4);
     }
-    const QImage window(larger.constScanLine(7) + 3 * 4, 1280, 720, larger.bytesPerLine(), QImage::Format_RGB32);
+    const QImage window(larger.constScanLine(7) + qsizetype{3} * 4, 1280, 720, larger.bytesPerLine(),
+                        QImage::Format_RGB32);
     EXPECT_EQ(reader->read(window, hints), expected);
 }
 
@@ -384,7 +385,7 @@ std::vector<Screen> screens() {
         screen.file = folder.filePath(file.chopped(5) + QStringLiteral(".png"));
         screen.hero = object[QStringLiteral("phase")].toString() == QStringLiteral("heroPick");
         screen.chinese = object[QStringLiteral("lang")].toString() == QStringLiteral("zh");
-        for (const QJsonValue& value : object[QStringLiteral("slots")].toObject()) {
+        for (const auto& value : object[QStringLiteral("slots")].toObject()) {
             const QJsonArray box = value[QStringLiteral("box")].toArray();
             screen.slotList.push_back(
                 {value[QStringLiteral("name")].toString(),
@@ -426,7 +427,7 @@ TEST_F(TextReaderTest, ReadsTheSharedScreens) {
     QFile cards(testing::sharedData(QStringLiteral("cards.json")));
     ASSERT_TRUE(cards.open(QIODevice::ReadOnly));
     QStringList cardNames;
-    for (const QJsonValue& card : QJsonDocument::fromJson(cards.readAll()).array()) {
+    for (const auto& card : QJsonDocument::fromJson(cards.readAll()).array()) {
         cardNames << card[QStringLiteral("name_en")].toString() << card[QStringLiteral("name_zh")].toString();
     }
     QStringList classNames;
