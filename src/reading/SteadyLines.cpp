@@ -135,7 +135,7 @@ double difference(const Plane& kept, const Plane& now) {
     std::vector<float> above(std::size_t(kept.height) + 1); // differences in all rows over it, within the columns
     float most = 0;
     for (int left = 0; left + side <= kept.width; ++left) {
-        const Light& light = lights[std::size_t(left + side / 2)];
+        const Light& light = lights[std::size_t(left) + std::size_t(side) / 2];
         for (int y = 0; y < kept.height; ++y) {
             const std::uint8_t* from = now.row(y) + left;
             const std::uint8_t* to = kept.row(y) + left;
@@ -146,11 +146,11 @@ double difference(const Plane& kept, const Plane& now) {
             above[std::size_t(y) + 1] = above[std::size_t(y)] + sum;
         }
         for (int top = 0; top + side <= kept.height; ++top) {
-            most = std::max(most, above[std::size_t(top + side)] - above[std::size_t(top)]);
+            most = std::max(most, above[std::size_t(top) + std::size_t(side)] - above[std::size_t(top)]);
         }
     }
     const double contrast = std::max(leastContrast, percentile(kept, 0.97) - percentile(kept, 0.03));
-    return std::min(255.0, most / (side * side) * 255 / contrast);
+    return std::min(255.0, most / float(side * side) * 255 / contrast);
 }
 
 bool isSteady(const Plane& kept, const Plane& now) {
