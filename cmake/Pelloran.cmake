@@ -30,8 +30,9 @@ if(PELLORAN_FUZZERS)
 endif()
 
 # What most sources include: parsing it takes most of the time of compiling one. Compiled once, with `base`, and taken by
-# every library. Sources still include what they use, which scripts/check looks after. (Compiling several sources as one
-# saves as much of a full build and nothing of the next one, and lets names of one source clash with another's.)
+# every library and program. Sources still include what they use, which scripts/check looks after. (Compiling several
+# sources as one saves as much of a full build and nothing of the next one, and lets names of one source clash with
+# another's.)
 set(pelloran_common_headers
   <QByteArray> <QDir> <QFile> <QFileInfo> <QJsonDocument> <QJsonObject> <QObject> <QString> <QStringList> <QTimer> <QUrl>
   <algorithm> <array> <chrono> <cmath> <expected> <filesystem> <functional> <memory> <optional> <utility> <variant>
