@@ -1,5 +1,6 @@
 #include "tests/soak/Player.h"
 
+#include "app/Json.h"
 #include "tests/soak/Trend.h"
 
 #include <QDir>
@@ -139,6 +140,7 @@ void Player::happen(const Event& event) {
                        switch (sync.server) {
                        case Sync::Server::newData:
                            publication = 1 - publication;
+                           ++publications;
                            server.serve(publication);
                            break;
                        case Sync::Server::asBefore:
@@ -173,6 +175,15 @@ void Player::check(const Tick& tick, std::size_t number, qint64 seasonNumber) {
         firstSeason[number] = shown;
     } else if (firstSeason[number] != shown) {
         ++otherThanBefore;
+        constexpr qsizetype most = 5;
+        if (toldDifferences.size() < most) {
+            const auto line = [](const OverlaySnapshot& snapshot) {
+                return QString::fromUtf8(json::line(json::toJson(snapshot)).trimmed());
+            };
+            toldDifferences.append(QStringLiteral("tick %1, season %2: %3 was %4")
+                                       .arg(QString::number(ticks), QString::number(seasonNumber + 1), line(shown),
+                                            line(firstSeason[number])));
+        }
     }
 }
 
@@ -215,6 +226,9 @@ std::vector<Judged> Player::remarks() const {
         {QStringLiteral("picks shown other than in the first season"), QString::number(otherThanBefore),
          QStringLiteral("none"), otherThanBefore > 0},
     };
+    rows.push_back({QStringLiteral("syncs"),
+                    QStringLiteral("%1, of which %2 brought data").arg(program.syncs()).arg(program.reloads()),
+                    QStringLiteral("%1 bring data").arg(publications), program.reloads() != publications});
     if (logsFailed) {
         rows.push_back({QStringLiteral("the game's logs"), QStringLiteral("could not be written"), {}, true});
     }

@@ -41,6 +41,9 @@ public:
     // What was read and shown of the picks, and what a tick costs by what it finds.
     std::vector<Judged> remarks() const;
 
+    // The first picks that were not shown as in the first season: as they were then and are now.
+    const QStringList& differences() const { return toldDifferences; }
+
 private:
     void happen(const Event& event);
     void check(const Tick& tick, std::size_t number, qint64 season);
@@ -74,6 +77,8 @@ private:
     int unread = 0;
     int wrong = 0;
     int otherThanBefore = 0;
+    QStringList toldDifferences;
+    int publications = 1; // that the program was to take, with that of its start
     bool logsFailed = false;
 };
 

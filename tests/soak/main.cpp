@@ -206,13 +206,12 @@ int followFaster(const Options& options, const QString& home) {
     });
     std::vector<Judged> rows = judge(player.samples(), boundsOf(season, options));
     std::ranges::copy(player.remarks(), std::back_inserter(rows));
-    rows.push_back({QStringLiteral("syncs"),
-                    QStringLiteral("%1, of which %2 brought data").arg(program.syncs()).arg(program.reloads()),
-                    {},
-                    false});
     const QStringList complaints = program.complaints();
     rows.push_back({QStringLiteral("lines of the log that nobody expects"), QString::number(complaints.size()),
                     QStringLiteral("none"), !complaints.isEmpty()});
+    for (const QString& difference : player.differences()) {
+        std::fprintf(stderr, "pick: %s\n", qPrintable(difference));
+    }
     for (const QString& line : complaints) {
         std::fprintf(stderr, "log: %s\n", qPrintable(line));
     }
