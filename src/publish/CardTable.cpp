@@ -6,7 +6,6 @@
 #include "publish/Problem.h"
 
 #include <QLocale>
-#include <QStringDecoder>
 
 #include <algorithm>
 #include <array>
@@ -40,7 +39,8 @@ Wanted take(const QString& cell, QString& text) {
 Wanted take(const QString& cell, qint64& number) {
     bool isInteger = false;
     number = cell.toLongLong(&isInteger);
-    return isInteger ? Wanted() : u"a whole number"_s;
+    // Qt stops at a null character and calls what stands before it the whole.
+    return isInteger && !cell.contains(QChar::Null) ? Wanted() : u"a whole number"_s;
 }
 
 Wanted take(const QString& cell, double& number) {
@@ -148,12 +148,10 @@ std::optional<TableRow> rowFrom(const CsvRow& row, const std::vector<const Colum
 
 std::expected<TableCards, QStringList> cardsFromTable(const QByteArray& table, const QString& fetchedAt,
                                                       const CardLists& lists) {
-    QStringDecoder decoder(QStringDecoder::Utf8);
-    const QString text = decoder(table);
-    if (decoder.hasError()) {
+    if (!table.isValidUtf8()) {
         return problem(u"not UTF-8: export it as \"CSV UTF-8\""_s);
     }
-    const auto rows = readRows(text, !lists.isEmpty());
+    const auto rows = readRows(QString::fromUtf8(table), !lists.isEmpty());
     if (!rows) {
         return std::unexpected(rows.error());
     }

@@ -98,7 +98,7 @@ TEST(CardTable, TakesWhatSpreadsheetsMakeOfATable) {
 TEST(CardTable, TellsWhatIsWrongAndWhere) {
     struct Case {
         const char* why;
-        const char* table;
+        QByteArray table;
         QStringList problems;
     };
 
@@ -109,6 +109,9 @@ TEST(CardTable, TellsWhatIsWrongAndWhere) {
         {"titles alone", "card_id,cost\n", {QStringLiteral("no card in it")}},
         {"another encoding",
          "card_id,name_zh\nA,\xBB\xF0\xC7\xF2\n",
+         {QStringLiteral("not UTF-8: export it as \"CSV UTF-8\"")}},
+        {"cut off within a character",
+         "card_id,name_zh\nA,\xE7\x81\xAB\xE7\x90",
          {QStringLiteral("not UTF-8: export it as \"CSV UTF-8\"")}},
         {"a column twice", "card_id,cost,Cost\nA,1,2\n", {QStringLiteral("there are two columns called \"cost\"")}},
         {"text for a number",
@@ -123,6 +126,9 @@ TEST(CardTable, TellsWhatIsWrongAndWhere) {
         {"half a crystal",
          "card_id,cost\nA,1.5\n",
          {QStringLiteral("line 2, column cost: \"1.5\" is not a whole number")}},
+        {"a null character in a number",
+         QByteArrayLiteral("card_id,cost\nA,3\0x\n"),
+         {QStringLiteral("line 2, column cost: \"3%1x\" is not a whole number").arg(QChar(QChar::Null))}},
         {"not a number at all, by name",
          "card_id,deck_win_rate\nA,nan\n",
          {QStringLiteral("line 2, column deck_win_rate: \"nan\" is not a number")}},
