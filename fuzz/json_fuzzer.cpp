@@ -2,12 +2,14 @@
 // says what the values are.
 
 #include "app/Json.h"
+#include "base/OneLine.h"
 #include "fuzz/Bytes.h"
 #include "fuzz/Require.h"
 #include "json/StrictJson.h"
 
 #include <QJsonDocument>
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -172,13 +174,16 @@ DraftState stateFrom(Bytes& bytes) {
         state.deckCardIds.push_back(textFrom(bytes));
     }
     state.phase = DraftPhase(bytes.take() % 3);
+    state.hasHero = bytes.take() & 1;
     return state;
 }
 
+// What is read of a line that is printed.
 QJsonObject printed(const QJsonObject& object) {
     const QByteArray line = json::line(object);
     require(line.endsWith('\n') && line.count('\n') == 1 && line.count('\r') == 0);
     require(line.isValidUtf8());
+    require(std::ranges::none_of(QString::fromUtf8(line.chopped(1)), isObeyedByTerminals));
     require(Grammar(std::string_view(line.constData(), std::size_t(line.size() - 1))).holds());
     const auto parsed = strict_json::parse(line);
     require(parsed && parsed->isObject());
@@ -189,32 +194,89 @@ QJsonObject printed(const QJsonObject& object) {
 
 // Halves of characters are escaped. A mark of byte order that begins a text is dropped by Qt when it reads, unless the
 // text has escapes.
-void sameText(const QJsonValue& read, const std::optional<QString>& text) {
-    require(text ? read.isString() : read.isNull());
-    require(!text || read.toString() == *text || text->startsWith(QChar::ByteOrderMark));
+bool is(const QJsonValue& read, const QString& text) {
+    return read.isString() && (read.toString() == text || text.startsWith(QChar::ByteOrderMark));
 }
 
-void checkSnapshot(const OverlaySnapshot& snapshot) {
-    const QJsonObject read = printed(json::toJson(snapshot));
-    sameText(read[u"title"], snapshot.title);
-    sameText(read[u"message"], snapshot.message);
-    const QJsonArray cards = read[u"cards"].toArray();
-    require(cards.size() == std::ssize(snapshot.cards));
-    for (std::size_t i = 0; i < snapshot.cards.size(); ++i) {
-        const OverlayCardViewModel& tile = snapshot.cards[i];
-        const QJsonObject card = cards[qsizetype(i)].toObject();
-        sameText(card[u"name"], tile.name);
-        sameText(card[u"subtitle"], tile.subtitle);
-        const QJsonArray metrics = card[u"metrics"].toArray();
-        require(metrics.size() == std::ssize(tile.metrics));
-        for (std::size_t k = 0; k < tile.metrics.size(); ++k) {
-            const QJsonObject metric = metrics[qsizetype(k)].toObject();
-            const double value = tile.metrics[k].value.value_or(NAN);
-            // JSON knows no other numbers.
-            require(std::isfinite(value) ? metric[u"value"].toDouble(NAN) == value : metric[u"value"].isNull());
-            sameText(metric[u"formatted"], tile.metrics[k].formatted());
-        }
-    }
+bool is(const QJsonValue& read, bool truth) {
+    return read.isBool() && read.toBool() == truth;
+}
+
+bool is(const QJsonValue& read, double number) {
+    // JSON knows no other numbers.
+    return std::isfinite(number) ? read.isDouble() && read.toDouble() == number : read.isNull();
+}
+
+template <typename Value>
+bool is(const QJsonValue& read, const std::optional<Value>& value) {
+    return value ? is(read, *value) : read.isNull();
+}
+
+bool is(const QJsonValue& read, const MetricValue& metric);
+bool is(const QJsonValue& read, const OverlayCardViewModel& tile);
+
+template <typename Value>
+bool is(const QJsonValue& read, const std::vector<Value>& values) {
+    const QJsonArray items = read.toArray();
+    return read.isArray() && std::ranges::equal(items, values, [](const QJsonValue& item, const Value& value) {
+               return is(item, value);
+           });
+}
+
+bool is(const QJsonValue& read, DraftPhase phase) {
+    constexpr const char* names[] = {"idle", "heroPick", "cardPick"};
+    return read == QLatin1StringView(names[static_cast<std::size_t>(phase)]);
+}
+
+bool is(const QJsonValue& read, MetricHighlight highlight) {
+    const char* const name = highlight == MetricHighlight::high  ? "high"
+                             : highlight == MetricHighlight::low ? "low"
+                                                                 : "normal";
+    return read == QLatin1StringView(name);
+}
+
+bool is(const QJsonValue& read, const MetricValue& metric) {
+    return read.toObject().size() == 4 && is(read[u"kind"], metric.kind.rawValue()) &&
+           is(read[u"value"], metric.value) && is(read[u"formatted"], metric.formatted()) &&
+           is(read[u"highlight"], metric.highlight);
+}
+
+bool is(const QJsonValue& read, const OverlayCardViewModel& tile) {
+    return read.toObject().size() == 5 && is(read[u"slotLabel"], tile.slotLabel) && is(read[u"name"], tile.name) &&
+           is(read[u"subtitle"], tile.subtitle) && is(read[u"recognized"], tile.recognized) &&
+           is(read[u"metrics"], tile.metrics);
+}
+
+bool is(const QJsonValue& read, const OverlaySnapshot& snapshot) {
+    return read.toObject().size() == 5 && is(read[u"title"], snapshot.title) &&
+           is(read[u"message"], snapshot.message) && is(read[u"cards"], snapshot.cards) &&
+           is(read[u"inDraft"], snapshot.inDraft) && is(read[u"phase"], snapshot.phase);
+}
+
+bool is(const QJsonValue& read, const DraftState& state) {
+    return read.toObject().size() == 11 && is(read[u"inDraft"], state.inDraft) &&
+           is(read[u"draftMode"], state.draftMode) && is(read[u"scene"], state.scene) &&
+           is(read[u"deckId"], state.deckId) && is(read[u"hero"], state.hero) && is(read[u"hasHero"], state.hasHero) &&
+           is(read[u"deckCardIds"], std::vector<QString>(state.deckCardIds.begin(), state.deckCardIds.end())) &&
+           is(read[u"lastChoiceName"], state.lastChoiceName) && is(read[u"lastChoiceId"], state.lastChoiceId) &&
+           is(read[u"sessionDir"], state.sessionDir) && is(read[u"phase"], state.phase);
+}
+
+bool is(const QJsonValue& read, const OCRToken& token) {
+    return read.toObject().size() == 6 && is(read[u"text"], token.text) &&
+           is(read[u"confidence"], double(token.confidence)) && is(read[u"midX"], token.midX) &&
+           is(read[u"midY"], token.midY) && is(read[u"width"], token.width) && is(read[u"height"], token.height);
+}
+
+bool is(const QJsonValue& read, const SlotMatch& match) {
+    return read.toObject().size() == 5 && is(read[u"slot"], match.slot.rawValue()) &&
+           is(read[u"cardId"], match.cardId) && is(read[u"confidence"], match.confidence) &&
+           is(read[u"method"], match.method) && is(read[u"ocrText"], match.ocrText);
+}
+
+template <typename Value>
+void check(const Value& value) {
+    require(is(printed(json::toJson(value)), value));
 }
 
 } // namespace
@@ -223,25 +285,17 @@ void checkSnapshot(const OverlaySnapshot& snapshot) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Bytes bytes(data, size);
     switch (bytes.take() % 4) {
-    case 0: {
-        const DraftState state = stateFrom(bytes);
-        const QJsonObject read = printed(json::toJson(state));
-        sameText(read[u"deckId"], state.deckId);
-        sameText(read[u"lastChoiceName"], state.lastChoiceName);
-        require(read[u"deckCardIds"].toArray().size() == state.deckCardIds.size());
+    case 0:
+        check(stateFrom(bytes));
         break;
-    }
-    case 1: {
-        const OCRToken token{textFrom(bytes),   float(numberFrom(bytes)), numberFrom(bytes),
-                             numberFrom(bytes), numberFrom(bytes),        numberFrom(bytes)};
-        sameText(printed(json::toJson(token))[u"text"], token.text);
-        const SlotMatch match{DraftSlot::left, maybeTextFrom(bytes), numberFrom(bytes), textFrom(bytes),
-                              textFrom(bytes)};
-        sameText(printed(json::toJson(match))[u"ocrText"], match.ocrText);
+    case 1:
+        check(OCRToken{textFrom(bytes), float(numberFrom(bytes)), numberFrom(bytes), numberFrom(bytes),
+                       numberFrom(bytes), numberFrom(bytes)});
+        check(SlotMatch{DraftSlot::allCases()[std::size_t(bytes.take()) % 3], maybeTextFrom(bytes), numberFrom(bytes),
+                        textFrom(bytes), textFrom(bytes)});
         break;
-    }
     default:
-        checkSnapshot(snapshotFrom(bytes));
+        check(snapshotFrom(bytes));
     }
     return 0;
 }
