@@ -2,6 +2,7 @@
 // reasons; what it fills is still such a file, says what it said before, and is filled once.
 
 #include "data/CardFile.h"
+#include "data/WinrateFields.h"
 #include "fuzz/Bytes.h"
 #include "fuzz/Require.h"
 #include "json/StrictJson.h"
@@ -15,14 +16,17 @@
 #include <QJsonValue>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
+#include <tuple>
 
 namespace {
 
 using namespace pelloran;
 using fuzzing::Bytes;
 using fuzzing::require;
+using namespace Qt::StringLiterals;
 
 constexpr std::array<const char*, 6> fileNames{"enUS.json", "cards.zhCN.json", "cards.json",
                                                "deDE.json", "zh-cn_enUS.json", "zhCN=cards.json"};
@@ -41,20 +45,54 @@ void checkReasons(const QStringList& reasons) {
     require(!reasons.isEmpty() && !reasons.contains(QString()));
 }
 
-QJsonArray rowsOf(const QByteArray& json) {
-    return strict_json::parse(json).value_or(QJsonValue())[u"cards"].toArray();
+QJsonValue contentOf(const QByteArray& json) {
+    return strict_json::parse(json).value_or(QJsonValue());
 }
 
-// Also of rows that had no identifier until it was filled in.
-void checkFigures(const QJsonArray& before, const QJsonArray& after) {
-    for (qsizetype i = 0; before.size() == after.size() && i < before.size(); ++i) {
-        for (const char* figure :
-             {"deck_win_rate", "drawn_win_rate", "played_win_rate", "popularity", "avg_copies_in_deck", "num_games"}) {
-            const QJsonValue had = before[i][QLatin1StringView(figure)];
-            const QJsonValue has = after[i][QLatin1StringView(figure)];
-            require(has.type() == had.type() && has.toDouble() == had.toDouble());
-        }
+// Whether nothing is lost or said otherwise, and nothing comes but what lists know. Rows may be left out.
+bool isKept(const QJsonValue& before, const QJsonValue& after) {
+    constexpr std::array known{"card_id"_L1, "name_zh"_L1, "name_en"_L1,    "cost"_L1,      "rarity"_L1,
+                               "type"_L1,    "set"_L1,     "card_class"_L1, "hero_names"_L1};
+    if (before.isNull() || before == u""_s) {
+        return true;
     }
+    if (before.isArray()) {
+        const QJsonArray had = before.toArray();
+        const QJsonArray has = after.toArray();
+        return has.size() < had.size() || std::ranges::equal(had, has, isKept);
+    }
+    if (!before.isObject()) {
+        return after == before;
+    }
+    const QJsonObject had = before.toObject();
+    const QJsonObject has = after.toObject();
+    return std::ranges::all_of(had.keys(), [&](const QString& key) { return isKept(had[key], has.value(key)); }) &&
+           std::ranges::all_of(has.keys(), [&](const QString& key) {
+               return had.contains(key) || std::ranges::find(known, key) != known.end();
+           });
+}
+
+bool saysNothing(const QString& text) {
+    return text.isEmpty();
+}
+
+bool saysNothing(const std::optional<QString>& text) {
+    return !text || text->isEmpty();
+}
+
+template <typename Number>
+bool saysNothing(const std::optional<Number>& number) {
+    return !number;
+}
+
+// A field is the row's own, where that says anything, and else the list's.
+bool isFilled(const CardStats& before, const CardStats& after, const CardStats& listed) {
+    const auto isRight = [&](auto member) {
+        const auto& expected = saysNothing(before.*member) ? listed.*member : before.*member;
+        return saysNothing(expected) ? saysNothing(after.*member) : after.*member == expected;
+    };
+    return std::apply([&](const auto&... field) { return (isRight(field.member) && ...); },
+                      strict_json::fields<CardStats>);
 }
 
 void fillCards(const QByteArray& json, const CardLists& lists) {
@@ -65,28 +103,36 @@ void fillCards(const QByteArray& json, const CardLists& lists) {
     }
     const auto again = filledCardFile(filled->bytes, lists);
     require(again && again->bytes == filled->bytes);
-    checkFigures(rowsOf(json), rowsOf(filled->bytes));
+    require(filled->bytes == json || isKept(contentOf(json), contentOf(filled->bytes)));
     const auto before = CardFile::decode(json, QStringLiteral("cards.json"));
     const auto after = CardFile::decode(filled->bytes, QStringLiteral("cards.json"));
     if (!before || !after || before->rows.size() != after->rows.size()) {
         return;
     }
-    // Figures are nobody's but the source's.
     for (std::size_t i = 0; i < before->rows.size(); ++i) {
-        require(after->rows[i].cardId == before->rows[i].cardId || before->rows[i].cardId.isEmpty());
-        require(after->rows[i].deckWinRate == before->rows[i].deckWinRate);
-        require(after->rows[i].numGames == before->rows[i].numGames);
+        if (const ListedRow found = lists.find(before->rows[i].cardId, {}); found.card) {
+            require(isFilled(before->rows[i], after->rows[i], found.card->card));
+        }
     }
 }
 
 void fillClasses(const QByteArray& json, const CardLists& lists) {
     const QByteArray filled = filledClassFile(json, lists).bytes;
     require(filledClassFile(filled, lists).bytes == filled);
+    require(filled == json || isKept(contentOf(json), contentOf(filled)));
     const auto before = ClassWinrateFile::decode(json);
     const auto after = ClassWinrateFile::decode(filled);
     require(before.has_value() == after.has_value());
+    const std::vector<ListedHero> heroes = lists.heroes();
     for (std::size_t i = 0; before && i < before->classes.size(); ++i) {
-        require(after->classes.at(i).playerClass == before->classes[i].playerClass);
+        const ClassWinrateRow& row = after->classes.at(i);
+        require(row.playerClass == before->classes[i].playerClass);
+        if (!before->classes[i].heroNames) {
+            const std::vector<QString> names = row.heroNames.value_or(std::vector<QString>());
+            require(std::ranges::all_of(names, [&](const QString& name) {
+                return std::ranges::find(heroes, ListedHero{name, row.playerClass.toUpper()}) != heroes.end();
+            }));
+        }
     }
 }
 
