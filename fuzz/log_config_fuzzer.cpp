@@ -1,11 +1,13 @@
-// Merges any bytes as the game's log.config: nothing that is outside of the two sections goes, and what is merged again
-// stays as it is.
+// Merges any bytes as the game's log.config: nothing that is outside of the two sections goes, what is merged again
+// stays as it is, and even a reader that forgives nothing finds there what the game has to be told.
 
 #include "draft/logs/LogConfig.h"
 #include "fuzz/Require.h"
 
 #include <QList>
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
 
 using namespace pelloran;
@@ -41,6 +43,45 @@ bool holdsInOrder(const QList<QByteArray>& lines, const QList<QByteArray>& wante
     return next == wanted.end();
 }
 
+// Whether both sections are there, and each block of theirs tells everything, and nothing otherwise. Names count only
+// as the game spells them.
+bool isComplete(QByteArray text) {
+    struct Block {
+        QByteArray head;
+        QList<QByteArray> lines; // without white space where it does not count
+    };
+
+    if (text.startsWith("\xEF\xBB\xBF")) {
+        text.remove(0, 3);
+    }
+    QList<Block> blocks{{}};
+    for (const QByteArray& line : text.replace('\r', '\n').split('\n')) {
+        const QByteArray content = line.trimmed();
+        const qsizetype equals = content.indexOf('=');
+        if (content.startsWith('[') && content.contains(']')) {
+            blocks.append({content, {}});
+        } else if (equals >= 0) {
+            blocks.last().lines.append(content.first(equals).trimmed() + '=' +
+                                       content.sliced(equals + 1).trimmed().toLower());
+        }
+    }
+    const auto tells = [](const Block& block, const QByteArray& key, const QByteArray& value) {
+        const QByteArray wanted = key + '=' + value;
+        return block.lines.contains(wanted) && std::ranges::all_of(block.lines, [&](const QByteArray& line) {
+                   return line == wanted || !line.startsWith(key + '=');
+               });
+    };
+    return std::ranges::all_of(std::array{"[Arena]", "[LoadingScreen]"}, [&](const char* head) {
+        const auto isOurs = [&](const Block& block) { return block.head == head; };
+        return std::ranges::any_of(blocks, isOurs) && std::ranges::all_of(blocks, [&](const Block& block) {
+                   return !isOurs(block) ||
+                          (tells(block, "LogLevel", "1") && tells(block, "FilePrinting", "true") &&
+                           tells(block, "ConsolePrinting", "false") && tells(block, "ScreenPrinting", "false") &&
+                           tells(block, "Verbose", "true"));
+               });
+    });
+}
+
 } // namespace
 
 // NOLINTNEXTLINE(readability-identifier-naming): the name libFuzzer calls
@@ -53,6 +94,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzzing::require(once->changes.isEmpty() == (once->text == text));
     const auto twice = mergeLogConfig(once->text);
     fuzzing::require(twice && twice->text == once->text && twice->changes.isEmpty());
+    fuzzing::require(isComplete(once->text));
     fuzzing::require(holdsInOrder(foreignLines(once->text), foreignLines(text)));
     if (!text.contains('[')) {
         fuzzing::require(once->text.startsWith(text));
