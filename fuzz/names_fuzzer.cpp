@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -115,6 +116,19 @@ void searchCards(const QStringList& texts, const QStringList& lines) {
     }
 }
 
+// The class one of whose heroes is called so, where it is the only one.
+std::optional<ClassMatch> plainHero(const std::vector<NamedClass>& classes, const QString& line) {
+    const QString norm = NameMatching::normalize(line);
+    QStringList keys;
+    for (const NamedClass& each : classes) {
+        if (std::ranges::any_of(each.heroNames,
+                                [&](const QString& name) { return NameMatching::normalize(name) == norm; })) {
+            keys.push_back(each.key);
+        }
+    }
+    return keys.size() == 1 && !norm.isEmpty() ? std::optional(ClassMatch{keys[0], 1.0, line}) : std::nullopt;
+}
+
 void searchClasses(const QStringList& texts, const QStringList& lines) {
     constexpr std::array<const char16_t*, 4> keys{u"MAGE", u"SHAMAN", u"DEATHKNIGHT", u"DEMONHUNTER"};
     std::vector<NamedClass> classes;
@@ -132,12 +146,7 @@ void searchClasses(const QStringList& texts, const QStringList& lines) {
         require(index.bestMatch(lines, lengths) == reference::matchClass(classes, lines, lengths));
     }
     for (const QString& line : lines) {
-        const auto hero = index.heroNamed(line);
-        require(!hero || std::ranges::any_of(classes, [&](const NamedClass& each) {
-            return each.key == hero->key && std::ranges::any_of(each.heroNames, [&](const QString& name) {
-                       return NameMatching::normalize(name) == NameMatching::normalize(line);
-                   });
-        }));
+        require(index.heroNamed(line, NameLengths::limitedUnlessExact) == plainHero(classes, line));
     }
 }
 
