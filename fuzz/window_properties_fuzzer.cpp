@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <vector>
@@ -96,8 +97,13 @@ void checkOwner(const x11::WindowProperties& window, const QByteArray& commandLi
     const bool hasClass =
         window.windowClass && window.windowClass->format == 8 && window.windowClass->bytes.toByteArray().contains('\0');
     require(owner.has_value() == hasClass);
-    require(!owner || (owner->isValidUtf16() && !owner->contains(QChar::Null)) || owner == program);
     const auto processes = plainNumbers(window.processId);
+    if (hasClass) {
+        const QByteArray name = window.windowClass->bytes.toByteArray().split('\0').at(1);
+        const QString said = name.isValidUtf8() ? QString::fromUtf8(name) : QString::fromLatin1(name);
+        const bool isProgram = x11::isLauncher(said) && !processes.empty() && !program.isEmpty();
+        require(owner == (isProgram ? program : said));
+    }
     require(asked.empty() || (asked.size() == 1 && asked.front() == processes.front()));
 }
 
@@ -169,6 +175,21 @@ void choose(Bytes& bytes) {
     (void)WindowCapture::chooseHearthstone(windows, QString::fromUtf8(bytes.takeBytes(std::size_t(bytes.take()))));
 }
 
+// A pixel as the masks of the layout say it, without haste.
+QRgb plainPixel(const QByteArray& pixels, int x, int y, int width, const x11::PixelLayout& layout) {
+    const int length = layout.bitsPerPixel / 8;
+    const auto at = qsizetype(layout.bytesPerLine(width)) * y + qsizetype{length} * x;
+    QByteArray pixel = pixels.sliced(at, length);
+    if (!layout.mostSignificantByteFirst) {
+        std::ranges::reverse(pixel);
+    }
+    const std::uint32_t number = pixel.toHex().toUInt(nullptr, 16);
+    const auto channel = [&](std::uint32_t mask) {
+        return int(std::lround(255.0 * (number & mask) / mask)); // as well as with both shifted
+    };
+    return qRgb(channel(layout.redMask), channel(layout.greenMask), channel(layout.blueMask));
+}
+
 void readPixels(Bytes& bytes) {
     x11::PixelLayout layout;
     layout.bitsPerPixel = bytes.take();
@@ -188,9 +209,10 @@ void readPixels(Bytes& bytes) {
     const QImage image =
         x11::toImage(std::as_bytes(std::span(pixels.constData(), std::size_t(pixels.size()))), size, layout);
     require(image.isNull() || (image.size() == size && image.format() == QImage::Format_RGB32));
-    if (!image.isNull()) {
-        require(qAlpha(image.pixel(0, 0)) == 255);
-        require(qAlpha(image.pixel(size.width() - 1, size.height() - 1)) == 255);
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); x += 1 + image.width() / 8) {
+            require(image.pixel(x, y) == plainPixel(pixels, x, y, size.width(), layout));
+        }
     }
 }
 
