@@ -4,106 +4,19 @@
 
 #include "data/CardFile.h"
 #include "data/WinrateFields.h"
+#include "fuzz/PlainJson.h"
 #include "fuzz/Require.h"
 #include "names/CardNameIndex.h"
 #include "names/ClassNameIndex.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QJsonValue>
-
-#include <algorithm>
 #include <cstdint>
 #include <expected>
-#include <tuple>
+#include <optional>
 
 namespace {
 
 using namespace pelloran;
 using fuzzing::require;
-
-bool says(const QJsonValue& json, const QString& text) {
-    return json.isString() && json.toString() == text;
-}
-
-bool says(const QJsonValue& json, double number) {
-    return json.isDouble() && json.toDouble() == number;
-}
-
-bool says(const QJsonValue& json, qint64 number) {
-    return json.isDouble() && json.toInteger(~number) == number;
-}
-
-template <strict_json::HasFields Record>
-bool says(const QJsonValue& json, const Record& record);
-template <typename Element>
-bool says(const QJsonValue& json, const std::vector<Element>& elements);
-
-template <typename Value>
-bool says(const QJsonValue& json, const std::optional<Value>& value) {
-    return value ? says(json, *value) : json.isNull() || json.isUndefined();
-}
-
-template <typename Element>
-bool says(const QJsonValue& json, const std::vector<Element>& elements) {
-    return json.isArray() &&
-           std::ranges::equal(json.toArray(), elements,
-                              [](const QJsonValue& each, const Element& element) { return says(each, element); });
-}
-
-template <strict_json::HasFields Record>
-bool says(const QJsonValue& json, const Record& record) {
-    const QJsonObject object = json.toObject();
-    return json.isObject() &&
-           std::apply(
-               [&](const auto&... field) { return (says(object.value(field.key), record.*field.member) && ...); },
-               strict_json::fields<Record>);
-}
-
-template <typename Value>
-struct Shape;
-
-template <>
-struct Shape<QString> {
-    static bool fits(const QJsonValue& json) { return json.isString() && json.toString().size() <= longestDataText; }
-};
-
-template <>
-struct Shape<double> {
-    static bool fits(const QJsonValue& json) { return json.isDouble(); }
-};
-
-template <>
-struct Shape<qint64> {
-    static bool fits(const QJsonValue& json) { return json.isDouble() && json.toInteger(0) == json.toInteger(1); }
-};
-
-template <typename Value>
-struct Shape<std::optional<Value>> {
-    static bool fits(const QJsonValue& json) { return json.isNull() || json.isUndefined() || Shape<Value>::fits(json); }
-};
-
-// The fuzzer's inputs are far too small for the limits on numbers of rows.
-template <typename Element>
-struct Shape<std::vector<Element>> {
-    static bool fits(const QJsonValue& json) {
-        const QJsonArray array = json.toArray();
-        return json.isArray() && std::ranges::all_of(array, Shape<Element>::fits);
-    }
-};
-
-template <strict_json::HasFields Record>
-struct Shape<Record> {
-    static bool fits(const QJsonValue& json) {
-        const auto member = [&]<typename Value>(QLatin1StringView key, Value Record::*) {
-            return Shape<Value>::fits(json.toObject().value(key));
-        };
-        return json.isObject() &&
-               std::apply([&](const auto&... field) { return (member(field.key, field.member) && ...); },
-                          strict_json::fields<Record>);
-    }
-};
 
 template <typename File>
 std::expected<File, DataError> look(const QByteArray& bytes) {
@@ -115,11 +28,7 @@ std::expected<File, DataError> look(const QByteArray& bytes) {
         require(again == file || !survives);
         require(again != file || qHash(*again) == qHash(*file));
     }
-    // Qt is not as strict with bytes that are no text.
-    if (const QJsonDocument document = QJsonDocument::fromJson(bytes); document.isObject() && bytes.isValidUtf8()) {
-        require(file.has_value() == Shape<File>::fits(document.object()));
-        require(!file || says(document.object(), *file));
-    }
+    require(fuzzing::isRight(file ? std::optional(*file) : std::nullopt, bytes, longestDataText));
     return file;
 }
 
