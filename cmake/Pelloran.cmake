@@ -15,6 +15,9 @@ if(PELLORAN_SANITIZERS)
   target_compile_options(pelloran_options INTERFACE
     -fsanitize=${PELLORAN_SANITIZERS} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   target_link_options(pelloran_options INTERFACE -fsanitize=${PELLORAN_SANITIZERS})
+  # What sanitizers cannot see, because the memory is there: an element behind the last one, the value of what has none, a
+  # part of a text beyond its end. The standard library and Qt ask for these where they are told to.
+  target_compile_definitions(pelloran_options INTERFACE _GLIBCXX_ASSERTIONS QT_FORCE_ASSERTS)
 endif()
 if(NOT PELLORAN_SANITIZERS)
   include("${CMAKE_CURRENT_LIST_DIR}/Hardening.cmake")
