@@ -13,7 +13,8 @@ target_include_directories(pelloran_options INTERFACE "${PROJECT_SOURCE_DIR}/src
 target_compile_options(pelloran_options INTERFACE $<$<CXX_COMPILER_ID:GNU>:--param=ggc-min-heapsize=262144>)
 if(PELLORAN_SANITIZERS)
   target_compile_options(pelloran_options INTERFACE
-    -fsanitize=${PELLORAN_SANITIZERS} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+    -fsanitize=${PELLORAN_SANITIZERS} -fno-omit-frame-pointer -fno-sanitize-recover=all
+    "-fsanitize-ignorelist=${PROJECT_SOURCE_DIR}/cmake/ubsan.ignorelist")
   target_link_options(pelloran_options INTERFACE -fsanitize=${PELLORAN_SANITIZERS})
   # What sanitizers cannot see, because the memory is there: an element behind the last one, the value of what has none, a
   # part of a text beyond its end. The standard library and Qt ask for these where they are told to.

@@ -77,6 +77,12 @@ bool says(const QJsonValue& json, const Value& value) {
     }
 }
 
+// Whether all of its texts are the same when they are written and read again: Qt drops a byte-order mark that begins
+// one, unless the text has escapes.
+inline bool survives(const QByteArray& json) {
+    return json.indexOf("\xEF\xBB\xBF", 1) < 0 && !json.toLower().contains("\\ufeff");
+}
+
 // Whether what became of a file is right: the value that it says, or none where it says none.
 template <typename Value>
 bool isRight(const std::optional<Value>& decoded, const QByteArray& file,
