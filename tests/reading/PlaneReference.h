@@ -2,11 +2,27 @@
 
 #include "reading/Plane.h"
 
+#include <QColor>
+
 #include <algorithm>
 #include <cstdint>
 
 // The plainest way to say what operations on planes give.
 namespace pelloran::testing {
+
+inline int plainLightness(QRgb pixel, Lettering lettering) {
+    const int darkest = std::min({qRed(pixel), qGreen(pixel), qBlue(pixel)});
+    const int lightest = std::max({qRed(pixel), qGreen(pixel), qBlue(pixel)});
+    switch (lettering) {
+    case Lettering::white:
+        return darkest;
+    case Lettering::whiteOrGolden:
+        return (darkest + (77 * qRed(pixel) + 150 * qGreen(pixel) + 29 * qBlue(pixel)) / 256) / 2;
+    case Lettering::grey:
+        return std::max(0, darkest - 3 * (lightest - darkest) / 2);
+    }
+    Q_UNREACHABLE();
+}
 
 // Each pixel again and again, until nothing rises.
 inline Plane plainFlood(Plane level, const Plane& plane) {
