@@ -14,10 +14,10 @@ target_compile_options(pelloran_options INTERFACE $<$<CXX_COMPILER_ID:GNU>:--par
 if(PELLORAN_SANITIZERS)
   target_compile_options(pelloran_options INTERFACE
     -fsanitize=${PELLORAN_SANITIZERS} -fno-omit-frame-pointer -fno-sanitize-recover=all
-    "-fsanitize-ignorelist=${PROJECT_SOURCE_DIR}/cmake/ubsan.ignorelist")
+    $<$<CXX_COMPILER_ID:Clang,AppleClang>:-fsanitize-ignorelist=${PROJECT_SOURCE_DIR}/cmake/ubsan.ignorelist>)
   target_link_options(pelloran_options INTERFACE -fsanitize=${PELLORAN_SANITIZERS})
   # What sanitizers cannot see, because the memory is there: an element behind the last one, the value of what has none, a
-  # part of a text beyond its end. The standard library and Qt ask for these where they are told to.
+  # part of a text beyond its end. The standard library and Qt look for these where they are told to.
   target_compile_definitions(pelloran_options INTERFACE _GLIBCXX_ASSERTIONS QT_FORCE_ASSERTS)
 endif()
 if(NOT PELLORAN_SANITIZERS)

@@ -50,13 +50,15 @@ QJsonValue contentOf(const QByteArray& json) {
     return strict_json::parse(json).value_or(QJsonValue());
 }
 
-// Whether nothing is lost or said otherwise, and nothing comes but what lists know. Rows may be left out.
-bool isKept(const QJsonValue& before, const QJsonValue& after) {
+// What lists know. Figures are nobody's but the source's.
+bool isFromLists(const QString& key) {
     constexpr std::array known{"card_id"_L1, "name_zh"_L1, "name_en"_L1,    "cost"_L1,      "rarity"_L1,
                                "type"_L1,    "set"_L1,     "card_class"_L1, "hero_names"_L1};
-    if (before.isNull() || before == u""_s) {
-        return true;
-    }
+    return std::ranges::find(known, key) != known.end();
+}
+
+// Whether nothing is lost or said otherwise, and nothing comes but what lists know. Rows may be left out.
+bool isKept(const QJsonValue& before, const QJsonValue& after) {
     if (before.isArray()) {
         const QJsonArray had = before.toArray();
         const QJsonArray has = after.toArray();
@@ -67,10 +69,13 @@ bool isKept(const QJsonValue& before, const QJsonValue& after) {
     }
     const QJsonObject had = before.toObject();
     const QJsonObject has = after.toObject();
-    return std::ranges::all_of(had.keys(), [&](const QString& key) { return isKept(had[key], has.value(key)); }) &&
-           std::ranges::all_of(has.keys(), [&](const QString& key) {
-               return had.contains(key) || std::ranges::find(known, key) != known.end();
-           });
+    const auto isOpen = [&](const QString& key) {
+        const QJsonValue value = had.value(key);
+        return isFromLists(key) && (value.isUndefined() || value.isNull() || value == u""_s);
+    };
+    return std::ranges::all_of(had.keys(),
+                               [&](const QString& key) { return isOpen(key) || isKept(had[key], has.value(key)); }) &&
+           std::ranges::all_of(has.keys(), [&](const QString& key) { return had.contains(key) || isOpen(key); });
 }
 
 bool isFilledFrom(const QByteArray& json, const QByteArray& filled) {

@@ -225,10 +225,10 @@ std::vector<Judged> Player::remarks() const {
          QStringLiteral("none wrong, one in twenty unread"), wrong > 0 || unread * 20 > offers},
         {QStringLiteral("picks shown other than in the first season"), QString::number(otherThanBefore),
          QStringLiteral("none"), otherThanBefore > 0},
+        {QStringLiteral("syncs"),
+         QStringLiteral("%1, of which %2 brought data").arg(program.syncs()).arg(program.reloads()),
+         QStringLiteral("%1 bring data").arg(publications), program.reloads() != publications},
     };
-    rows.push_back({QStringLiteral("syncs"),
-                    QStringLiteral("%1, of which %2 brought data").arg(program.syncs()).arg(program.reloads()),
-                    QStringLiteral("%1 bring data").arg(publications), program.reloads() != publications});
     if (logsFailed) {
         rows.push_back({QStringLiteral("the game's logs"), QStringLiteral("could not be written"), {}, true});
     }
