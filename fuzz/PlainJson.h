@@ -6,6 +6,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QJsonValue>
+#include <QMap>
+#include <QString>
 
 #include <algorithm>
 #include <concepts>
@@ -15,6 +17,8 @@
 
 // What strict_json says of a file, said again without it: what the parsed file holds, type by type.
 namespace pelloran::fuzzing {
+
+using Texts = QMap<QString, QString>;
 
 template <typename>
 inline constexpr bool isOptional = false;
@@ -32,6 +36,10 @@ bool fits(const QJsonValue& json, qsizetype longestText) {
         return json.isDouble();
     } else if constexpr (std::same_as<Value, qint64>) {
         return json.isDouble() && json.toInteger(0) == json.toInteger(1);
+    } else if constexpr (std::same_as<Value, Texts>) {
+        return json.isObject() && std::ranges::all_of(json.toObject(), [&](const QJsonValue& each) {
+                   return fits<QString>(each, longestText);
+               });
     } else if constexpr (isOptional<Value>) {
         return json.isNull() || json.isUndefined() || fits<typename Value::value_type>(json, longestText);
     } else if constexpr (strict_json::HasFields<Value>) {
@@ -61,6 +69,11 @@ bool says(const QJsonValue& json, const Value& value) {
         return json.isDouble() && json.toDouble() == value;
     } else if constexpr (std::same_as<Value, qint64>) {
         return json.isDouble() && json.toInteger(~value) == value;
+    } else if constexpr (std::same_as<Value, Texts>) {
+        const QJsonObject object = json.toObject();
+        return json.isObject() && object.keys() == value.keys() &&
+               std::ranges::all_of(value.keys(),
+                                   [&](const QString& key) { return says(object.value(key), value.value(key)); });
     } else if constexpr (isOptional<Value>) {
         return value ? says(json, *value) : json.isNull() || json.isUndefined();
     } else if constexpr (strict_json::HasFields<Value>) {

@@ -1,22 +1,12 @@
 #include "sync/RemoteManifest.h"
 
-#include "json/StrictJson.h"
+#include "sync/RemoteManifestFields.h"
 
 #include <QJsonDocument>
 
 using namespace Qt::StringLiterals;
 
 namespace pelloran {
-
-using strict_json::Field;
-
-template <>
-constexpr std::tuple strict_json::fields<RemoteManifest>{
-    Field{"version"_L1, &RemoteManifest::version},      Field{"hash"_L1, &RemoteManifest::hash},
-    Field{"bundle"_L1, &RemoteManifest::bundle},        Field{"bundle_sha256"_L1, &RemoteManifest::bundleSha256},
-    Field{"updated_at"_L1, &RemoteManifest::updatedAt}, Field{"file_count"_L1, &RemoteManifest::fileCount},
-    Field{"files"_L1, &RemoteManifest::files},
-};
 
 namespace {
 
