@@ -45,7 +45,4 @@ extern const QString folders;
 
 } // namespace checks
 
-// "3 minutes", of at most two figures.
-QString durationText(std::chrono::seconds duration);
-
 } // namespace pelloran::doctor

@@ -1,5 +1,6 @@
 #include "app/doctor/Judgement.h"
 
+#include "app/doctor/Wording.h"
 #include "tests/support/Printing.h"
 
 #include <gtest/gtest.h>
