@@ -20,6 +20,9 @@
 
 namespace pelloran::testing {
 
+inline const QByteArray draftBegins = "D 1 SetDraftMode - DRAFTING\nD 1 DraftManager.OnBegin\n";
+inline const QByteArray heroChosen = "D 1 DraftManager.OnChosen(): hero=HERO_08\n";
+
 // "Reads" a name off the colour in which its line is painted, so that it reads from pictures and nothing else.
 class ColorReader final : public TextReader {
 public:
@@ -263,5 +266,37 @@ private:
         windows->images[7] = picture;
     }
 };
+
+// From the menu to a third pick, with much that happens on the way.
+inline void play(RecordedDraft& draft) {
+    draft.tick();
+    draft.log("LoadingScreen.log", "D 1 currMode=HUB\n");
+    draft.tick();
+    draft.log("LoadingScreen.log", "D 1 prevMode=HUB currMode=DRAFT\n");
+    draft.log("Arena.log", draftBegins);
+    draft.offer({-1, -1, -1});
+    draft.tick();
+    draft.log("Arena.log", heroChosen);
+    draft.offer({0, 1, 2});
+    draft.tick();
+    draft.tick();
+    draft.offer({0, -1, 2}); // a cursor over a name: what was there stays
+    draft.tick();
+    draft.log("Arena.log", "D 1 Client chooses: Fire");
+    draft.tick();
+    draft.log("Arena.log", "ball (FIREBALL)\n");
+    draft.offer({2, 2, 1});
+    draft.tick();
+    draft.windows->failNext(WindowGone());
+    draft.tick();
+    draft.windows->onScreen->clear();
+    draft.windows->all->clear();
+    draft.tick();
+    draft.offer({1, -1, 0});
+    draft.tick();
+    draft.tick();
+    draft.log("Arena.log", "D 1 SetDraftMode - ACTIVE_DRAFT_DECK\n");
+    draft.tick();
+}
 
 } // namespace pelloran::testing

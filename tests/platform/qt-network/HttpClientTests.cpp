@@ -1,17 +1,11 @@
-#include "platform/HttpClient.h"
-
 #include "base/SerialQueue.h"
+#include "tests/platform/qt-network/HttpClientTest.h"
 #include "tests/support/NoDescriptors.h"
 #include "tests/support/Printing.h"
 #include "tests/support/Sanitizers.h"
-#include "tests/support/ScriptedServer.h"
-#include "tests/support/TestCertificate.h"
 
 #include <QElapsedTimer>
-#include <QNetworkProxyFactory>
 #include <QScopeGuard>
-#include <QSslConfiguration>
-#include <QSslSocket>
 
 #include <gmock/gmock.h>
 
@@ -20,48 +14,12 @@
 #include <memory>
 #include <semaphore>
 
-using namespace Qt::StringLiterals;
-
 namespace pelloran {
 
 namespace {
 
-using namespace std::chrono_literals;
 using ::testing::HasSubstr;
 using ::testing::Not;
-using testing::ScriptedServer;
-using ::testing::StartsWith;
-
-class HttpClientTest : public ::testing::Test {
-protected:
-    HttpClientTest() {
-        // Loopback is reached without the proxy that this machine may have.
-        QNetworkProxyFactory::setUseSystemConfiguration(false);
-    }
-
-    HttpClient::Request request(const QString& path) const { return {server.url(path), {}, 60s, 60s, 1000}; }
-
-    // The text of a failure; the status of what is none.
-    static QString failure(const std::expected<HttpClient::Response, HttpClient::TransportError>& answer) {
-        return answer ? QString::number(answer->status) : answer.error().description;
-    }
-
-    static QByteArray longBody() {
-        QByteArray body(5'000'000, '\0');
-        for (qsizetype i = 0; i < body.size(); ++i) {
-            body[i] = static_cast<char>(i % 251);
-        }
-        return body;
-    }
-
-    QByteArray headOf(const QString& path) {
-        EXPECT_TRUE(http->get(request(path)));
-        return server.requests().back().toLower();
-    }
-
-    ScriptedServer server;
-    std::unique_ptr<HttpClient> http = HttpClient::create();
-};
 
 // Qt ends the program where a thread of its own cannot have what it waits by.
 TEST_F(HttpClientTest, FailsWhileTooFewFilesCanBeOpened) {
@@ -351,73 +309,6 @@ TEST_F(HttpClientTest, WaitsNoLongerThanItMay) {
     }
 }
 
-TEST_F(HttpClientTest, AsksTheProxyThatTheSystemNames) {
-    qputenv("http_proxy", server.url(u"/"_s).toEncoded());
-    QNetworkProxyFactory::setUseSystemConfiguration(true);
-    auto asked = request(u"/"_s);
-    asked.url = QUrl(u"http://pelloran.invalid/x"_s);
-    failure(http->get(asked));
-    QNetworkProxyFactory::setUseSystemConfiguration(false);
-    qunsetenv("http_proxy");
-    ASSERT_FALSE(server.requests().empty());
-    EXPECT_THAT(server.requests().front().toStdString(), HasSubstr("pelloran.invalid"));
-}
-
-// The system names a script for its proxies, which a server that says nothing is to hand out.
-class StalledProxyTest : public HttpClientTest {
-protected:
-    StalledProxyTest() {
-        server.on("/x", ScriptedServer::answer("200 OK", {}, "x"));
-        scripts->on("/proxy.pac", [this](QTcpSocket&) { asked.release(); });
-        qputenv("http_proxy", "pac+" + scripts->url(u"/proxy.pac"_s).toEncoded());
-        QNetworkProxyFactory::setUseSystemConfiguration(true);
-        outside.url = QUrl(u"http://pelloran.invalid/"_s); // this machine itself would need no proxy
-    }
-
-    ~StalledProxyTest() override {
-        // Lets go of who still waits for the script, and then the next one has its turn.
-        scripts.reset();
-        EXPECT_EQ(failure(http->get(request(u"/x"_s))), u"200"_s);
-        QNetworkProxyFactory::setUseSystemConfiguration(false);
-        qunsetenv("http_proxy");
-    }
-
-    std::unique_ptr<ScriptedServer> scripts = std::make_unique<ScriptedServer>();
-    std::counting_semaphore<> asked{0};
-    HttpClient::Request outside = request(u"/"_s);
-};
-
-TEST_F(StalledProxyTest, IsNotWaitedForBeyondTheDeadline) {
-    outside.deadline = 300ms;
-    for (const char* why : {"the first", "one that waits for the first"}) {
-        SCOPED_TRACE(why);
-        QElapsedTimer time;
-        time.start();
-        const QString said = failure(http->get(outside));
-        if (scripts->requests().empty()) {
-            GTEST_SKIP() << "Qt asks for no such script here: " << said.toStdString();
-        }
-        EXPECT_EQ(said, u"The request timed out."_s);
-        EXPECT_GE(std::chrono::milliseconds(time.elapsed()), 280ms);
-        EXPECT_LT(std::chrono::milliseconds(time.elapsed()), 30s);
-    }
-}
-
-TEST_F(StalledProxyTest, DoesNotHoldUpTheEndOfTheThread) {
-    auto queue = SerialQueue::create(u"test"_s);
-    QString said;
-    queue->submit([&] { said = failure(http->get(outside)); }, nullptr, [] {});
-    const bool hasAsked = asked.try_acquire_for(3s);
-    QElapsedTimer time;
-    time.start();
-    queue.reset();
-    if (!hasAsked) {
-        GTEST_SKIP() << "Qt asks for no such script here: " << said.toStdString();
-    }
-    EXPECT_EQ(said, u"The request was cancelled."_s);
-    EXPECT_LT(std::chrono::milliseconds(time.elapsed()), 30s) << "sooner than it would have given up anyway";
-}
-
 TEST_F(HttpClientTest, ALittleNowAndThenIsNoSilence) {
     server.on("/x", ScriptedServer::trickle("HTTP/1.0 200 OK\r\n\r\n", "x", 50));
     auto asked = request(u"/x"_s);
@@ -438,105 +329,6 @@ TEST_F(HttpClientTest, GivesUpWhenItsThreadIsToEnd) {
     queue.reset();
     EXPECT_EQ(said, u"The request was cancelled."_s);
     EXPECT_LT(std::chrono::milliseconds(time.elapsed()), 30s) << "sooner than it would have given up anyway";
-}
-
-// A server with a certificate of its own, which this process trusts while the test runs.
-class SecureHttpClientTest : public HttpClientTest {
-protected:
-    void SetUp() override {
-        if (!QSslSocket::supportsSsl()) {
-            GTEST_SKIP() << "Qt has no TLS here";
-        }
-        const auto made = testing::makeCertificate(testing::CertificateKind::valid);
-        if (!made) {
-            GTEST_SKIP() << "needs the openssl program";
-        }
-        certified = made->server;
-        secure = std::make_unique<ScriptedServer>(certified);
-        trusting.addCaCertificate(made->issuer);
-        secure->on("/x", ScriptedServer::answer("200 OK", {}, "secret"));
-        server.on("/x", ScriptedServer::answer("200 OK", {}, "open"));
-    }
-
-    ~SecureHttpClientTest() override { QSslConfiguration::setDefaultConfiguration(before); }
-
-    QString get(const QString& path) {
-        auto asked = request(path);
-        asked.url = secure->url(path);
-        const auto answer = http->get(asked);
-        return answer ? QString::fromUtf8(answer->body) : answer.error().description;
-    }
-
-    const QSslConfiguration before = QSslConfiguration::defaultConfiguration();
-    QSslConfiguration trusting = before;
-    QSslConfiguration certified; // the server's
-    std::unique_ptr<ScriptedServer> secure;
-};
-
-TEST_F(SecureHttpClientTest, TrustsOnlyWhomTheSystemTrusts) {
-    EXPECT_THAT(get(u"/x"_s).toStdString(), HasSubstr("self-signed"));
-    server.on("/up", ScriptedServer::answer("302 Found", "Location: " + secure->url(u"/x"_s).toEncoded() + "\r\n", ""));
-    EXPECT_THAT(failure(http->get(request(u"/up"_s))).toStdString(), HasSubstr("self-signed")) << "nor when led there";
-    EXPECT_TRUE(secure->requests().empty());
-    QSslConfiguration::setDefaultConfiguration(trusting);
-    EXPECT_EQ(get(u"/x"_s), u"secret"_s);
-}
-
-TEST_F(SecureHttpClientTest, TellsNothingToWhoeverIsSomebodyElse) {
-    const auto other = testing::makeCertificate(testing::CertificateKind::ofAnotherHost);
-    ASSERT_TRUE(other);
-    secure = std::make_unique<ScriptedServer>(other->server);
-    trusting.addCaCertificate(other->issuer);
-    QSslConfiguration::setDefaultConfiguration(trusting);
-    EXPECT_THAT(get(u"/x"_s).toStdString(), HasSubstr("did not match any of the valid hosts"));
-    EXPECT_TRUE(secure->requests().empty());
-}
-
-TEST_F(SecureHttpClientTest, TakesABodyBeyondWhatItReadsAhead) {
-    QSslConfiguration::setDefaultConfiguration(trusting);
-    const QByteArray body = longBody();
-    secure->on("/long", ScriptedServer::answer("200 OK", {}, body));
-    auto asked = request(u"/long"_s);
-    asked.url = secure->url(u"/long"_s);
-    asked.maximumBytes = body.size();
-    const auto answer = http->get(asked);
-    ASSERT_TRUE(answer) << answer.error().description.toStdString();
-    EXPECT_EQ(answer->body, body);
-}
-
-// What comes faster than Qt reads it byte by byte is kept as fast.
-TEST_F(SecureHttpClientTest, KeepsNoHeadWithoutEnd) {
-    QSslConfiguration::setDefaultConfiguration(trusting);
-    secure->on("/x", ScriptedServer::trickle("HTTP/1.1 200 OK\r\n",
-                                             ("X-A: " + QByteArray(90, 'x') + "\r\n").repeated(5000), 0));
-    auto asked = request(u"/x"_s);
-    asked.url = secure->url(u"/x"_s);
-    asked.deadline = asked.transferTimeout = 20s;
-    EXPECT_EQ(failure(http->get(asked)), u"the answer is longer than 8390108 bytes"_s);
-}
-
-// There a head of 16 kB can say twelve thousand times what it said once, and Qt takes minutes over it.
-TEST_F(SecureHttpClientTest, SpeaksHttp1WhateverElseIsOffered) {
-    QSslConfiguration::setDefaultConfiguration(trusting);
-    certified.setAllowedNextProtocols({QSslConfiguration::ALPNProtocolHTTP2, QSslConfiguration::NextProtocolHttp1_1});
-    secure = std::make_unique<ScriptedServer>(certified);
-    secure->on("/x", ScriptedServer::answer("200 OK", {}, "secret"));
-    EXPECT_EQ(get(u"/x"_s), u"secret"_s);
-    ASSERT_FALSE(secure->requests().empty());
-    EXPECT_THAT(secure->requests().front().toStdString(), StartsWith("GET /x HTTP/1.1\r\n"));
-}
-
-TEST_F(SecureHttpClientTest, IsLedFromOpenToSecureButNotBack) {
-    QSslConfiguration::setDefaultConfiguration(trusting);
-    server.on("/up", ScriptedServer::answer("302 Found", "Location: " + secure->url(u"/x"_s).toEncoded() + "\r\n", ""));
-    const auto up = http->get(request(u"/up"_s));
-    ASSERT_TRUE(up) << up.error().description.toStdString();
-    EXPECT_EQ(up->body, "secret");
-    const std::size_t openRequests = server.requests().size();
-    secure->on("/down",
-               ScriptedServer::answer("302 Found", "Location: " + server.url(u"/x"_s).toEncoded() + "\r\n", ""));
-    EXPECT_EQ(get(u"/down"_s), u"Insecure redirect"_s);
-    EXPECT_EQ(server.requests().size(), openRequests);
 }
 
 } // namespace
