@@ -133,7 +133,7 @@ public:
             proxies = new SystemProxies(deadline);
             manager.setProxyFactory(proxies);
         }
-        const std::unique_ptr<QNetworkReply> reply(manager.get(networkRequest(request)));
+        std::unique_ptr<QNetworkReply> reply(manager.get(networkRequest(request)));
         reply->setReadBufferSize(readAhead);
 
         UnsentRequest lookup;
@@ -222,7 +222,9 @@ public:
         reply->disconnect(&loop);
         const int status = statusOf(*reply);
         if (givenUp || isTooLong) {
-            reply->abort();
+            // Not abort(): where Qt has made an error of the status and not yet said that the reply is finished, that
+            // warns of a second error.
+            reply.reset();
             connections.end();
         }
         if (givenUp) {
