@@ -29,7 +29,8 @@ AppUpdateChecker::LocalApplication localApplication(const BundleVersion& bundle,
 // The folder of releases on the update server, the one asked for or the one of this build.
 QString downloadBase(const std::optional<QString>& asked);
 
-// Asks the update server, the one asked for or the one of this build, with all that takes. Main thread.
+// Asks the update server, the one asked for or the one of this build, with all that takes. From one thread, which need
+// not be the main one.
 class UpdateClient {
 public:
     UpdateClient(const std::optional<QString>& asked, UserDefaults& defaults);

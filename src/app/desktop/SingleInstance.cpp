@@ -5,6 +5,7 @@
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QLocalSocket>
 #include <QUrl>
 
@@ -19,6 +20,16 @@ namespace {
 
 const QByteArray request = QByteArrayLiteral("show\n");
 const QByteArray acknowledgement = QByteArrayLiteral("shown\n");
+
+// As a lock has it for the program of a process. A number may have been given to another since; where the system does
+// not tell which program runs under it, as to no other user, it counts as the same.
+bool isOf(qint64 process, const QString& application) {
+    QString program = QFile::symLinkTarget(QStringLiteral("/proc/%1/exe").arg(process));
+    if (program.endsWith(QLatin1StringView(" (deleted)"))) {
+        program.chop(10); // replaced by an update while it runs
+    }
+    return program.isEmpty() || QFileInfo(program).fileName() == QFileInfo(application).fileName();
+}
 
 // Between two looks at whether the first listens already, or has ended.
 constexpr std::chrono::milliseconds pause{20};
@@ -88,7 +99,7 @@ std::optional<SingleInstance::Running> SingleInstance::running(std::chrono::mill
     }
     // What a crash left is no lock.
     const bool isThere = process > 0 && (::kill(static_cast<pid_t>(process), 0) == 0 || errno == EPERM);
-    return isThere ? std::optional(Running{process, answersAtAll(wait)}) : std::nullopt;
+    return isThere && isOf(process, application) ? std::optional(Running{process, answersAtAll(wait)}) : std::nullopt;
 }
 
 // Qt's server closes for good, without a word, when it cannot let one in because no more files can be opened.

@@ -21,11 +21,13 @@ struct LogFileFact {
     qint64 size = 0;
     std::chrono::seconds age{0};       // since it was last written
     std::optional<LogFileError> error; // of one that is there
+    QString reason;                    // of an error, in the system's words; "" where it has none
 };
 
 struct SessionFact {
     QString name;
     std::optional<std::chrono::seconds> age; // since the game began it, where its name tells
+    bool isFolder = true;
     LogFileFact arena;
     LogFileFact loadingScreen;
 };
@@ -34,6 +36,7 @@ struct LogsFacts {
     std::optional<QString> asked;       // with --logs-dir
     std::optional<QString> folder;      // the one that is there
     QStringList others;                 // where the game is, too; unless asked
+    QString obstacle;                   // why it cannot be listed; "" where it can
     std::optional<SessionFact> session; // the newest one in it
 };
 
@@ -102,9 +105,9 @@ struct DataFacts {
 };
 
 struct NamesFacts {
-    bool strict = false;
-    std::size_t names = 0;   // all of them, of cards, classes and heroes
-    QStringList unmatchable; // which no reading, however good, is taken for
+    bool strictnessCosts = false; // more could be matched if long names counted, where they are read exactly
+    std::size_t names = 0;        // all of them, of cards, classes and heroes
+    QStringList unmatchable;      // which no reading, however good, is taken for
 };
 
 struct ServerFacts {

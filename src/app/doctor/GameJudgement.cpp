@@ -32,10 +32,11 @@ QString describe(const LogFileFact& file) {
     return u"%1 (%2, written %3 ago)"_s.arg(file.name, sizeText(file.size), durationText(file.age));
 }
 
-QString describe(LogFileError error) {
+// A sentence without its subject and end.
+QString whatIsWrong(LogFileError error, const QString& reason) {
     switch (error) {
     case LogFileError::unreadable:
-        return u"cannot be read"_s;
+        return reason.isEmpty() ? u"cannot be read"_s : u"cannot be read: "_s + reason;
     case LogFileError::tooLarge:
         return u"is larger than %1 MiB and is not read"_s.arg(largestLogFile / 1024 / 1024);
     case LogFileError::notText:
@@ -45,8 +46,10 @@ QString describe(LogFileError error) {
 }
 
 QString adviceFor(LogFileError error) {
-    return error == LogFileError::unreadable ? u"Give yourself the right to read it."_s
-                                             : u"Restart the game: it begins new logs then."_s;
+    const QString restart = u"Restart the game: it begins new logs then."_s;
+    return error == LogFileError::unreadable
+               ? u"See to it that it is a file, and that you may read it and its folder. "_s + restart
+               : restart;
 }
 
 QString adviceFor(LogConfigError::Kind kind) {
@@ -73,13 +76,21 @@ QString adviceFor(LogConfigError::Kind kind) {
 }
 
 Finding judgeSession(const QString& folder, const SessionFact& session) {
+    if (!session.isFolder) {
+        return {checks::logs, State::problem,
+                u"%1/%2 is no folder, so there are no logs in it."_s.arg(folder, session.name),
+                u"Pelloran takes what was changed last under such a name for the game's session."_s,
+                u"Move it out of the folder Logs."_s};
+    }
+    const auto unusable = [&](const LogFileFact& file) {
+        return u"%1/%2/%3 %4."_s.arg(folder, session.name, file.name, whatIsWrong(*file.error, file.reason));
+    };
     const QString begun = session.age ? u", begun %1 ago"_s.arg(durationText(*session.age)) : QString();
     const QString files = u"%1, session %2%3: %4, %5."_s.arg(folder, session.name, begun, describe(session.arena),
                                                              describe(session.loadingScreen));
     if (session.arena.error) {
-        return {checks::logs, State::problem,
-                u"%1/%2/%3 %4."_s.arg(folder, session.name, session.arena.name, describe(*session.arena.error)),
-                u"Pelloran takes it that no draft runs."_s, adviceFor(*session.arena.error)};
+        return {checks::logs, State::problem, unusable(session.arena), u"Pelloran takes it that no draft runs."_s,
+                adviceFor(*session.arena.error)};
     }
     if (!session.arena.isThere && !session.loadingScreen.isThere) {
         return {checks::logs, State::problem, files,
@@ -92,9 +103,7 @@ Finding judgeSession(const QString& folder, const SessionFact& session) {
                 u"Enter the Arena; where the file does not appear then, see log.config and restart the game."_s};
     }
     if (session.loadingScreen.error) {
-        return {checks::logs, State::note,
-                u"%1/%2/%3 %4."_s.arg(folder, session.name, session.loadingScreen.name,
-                                      describe(*session.loadingScreen.error)),
+        return {checks::logs, State::note, unusable(session.loadingScreen),
                 u"Pelloran follows drafts, but does not notice when you leave their screen."_s,
                 adviceFor(*session.loadingScreen.error)};
     }
@@ -158,6 +167,10 @@ Finding judge(const LogsFacts& facts) {
         return {checks::logs, State::problem, u"No log folder of the game was found in the usual places."_s, meaning,
                 u"Start the game once, then Pelloran anew. If it is installed elsewhere, name its folder Logs with "
                 "--logs-dir, or its Wine prefix with the variable WINEPREFIX."_s};
+    }
+    if (!facts.obstacle.isEmpty()) {
+        return {checks::logs, State::problem, u"%1 cannot be listed: %2."_s.arg(*facts.folder, facts.obstacle),
+                u"Pelloran cannot know when a pick is on screen."_s, u"Give yourself the right to read that folder."_s};
     }
     Finding finding =
         facts.session ? judgeSession(*facts.folder, *facts.session)

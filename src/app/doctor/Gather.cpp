@@ -55,12 +55,13 @@ LogFileFact gatherLogFile(const QString& folder, const QString& name, const QDat
     LogFileFact fact;
     fact.name = name;
     const QFileInfo file(folder + u'/' + name);
-    fact.isThere = file.exists();
+    fact.isThere = FileTree::exists(file.filePath());
     if (fact.isThere) {
         fact.size = file.size();
         fact.age = ageAt(file.lastModified(), now);
         if (const auto read = readLogFile(file.filePath(), pauseForWriter); !read) {
             fact.error = read.error();
+            fact.reason = whyUnreadable(file.filePath());
         }
     }
     return fact;
@@ -73,13 +74,13 @@ QDateTime beginningOf(const QString& session) {
 
 // The session there is was begun before `config` was written, and shows it.
 bool missedBySession(const QString& logsDir, const QFileInfo& config) {
-    const auto session = LogWatcher(logsDir).latestSessionDir();
+    const auto session = newestSession(logsDir).value_or(std::nullopt);
     if (!session) {
         return false;
     }
     const QDateTime begun = beginningOf(*session);
     const bool isComplete =
-        QFileInfo::exists(*session + u"/Arena.log"_s) && QFileInfo::exists(*session + u"/LoadingScreen.log"_s);
+        FileTree::exists(*session + u"/Arena.log"_s) && FileTree::exists(*session + u"/LoadingScreen.log"_s);
     return !isComplete && begun.isValid() && config.lastModified() > begun;
 }
 
@@ -159,7 +160,9 @@ Places Places::ofThisMachine(const std::optional<QString>& askedLogsDir) {
 }
 
 LogsFacts gatherLogs(const Places& places, const QDateTime& now) {
-    LogsFacts facts{.asked = places.askedLogsDir, .folder = logsDirOf(places), .others = {}, .session = std::nullopt};
+    LogsFacts facts;
+    facts.asked = places.askedLogsDir;
+    facts.folder = logsDirOf(places);
     if (!facts.folder) {
         return facts;
     }
@@ -167,18 +170,22 @@ LogsFacts gatherLogs(const Places& places, const QDateTime& now) {
         facts.others = gameLogsDirs(places.standardLogsDir, places.home, places.environment);
         facts.others.removeAll(*facts.folder);
     }
-    if (const auto session = LogWatcher(*facts.folder).latestSessionDir()) {
+    const auto newest = newestSession(*facts.folder);
+    if (!newest) {
+        facts.obstacle = newest.error();
+    } else if (const auto& session = *newest) {
         const QDateTime begun = beginningOf(*session);
         facts.session = SessionFact{QFileInfo(*session).fileName(),
                                     begun.isValid() && begun <= now ? std::optional(ageAt(begun, now)) : std::nullopt,
-                                    gatherLogFile(*session, u"Arena.log"_s, now),
+                                    QFileInfo(*session).isDir(), gatherLogFile(*session, u"Arena.log"_s, now),
                                     gatherLogFile(*session, u"LoadingScreen.log"_s, now)};
     }
     return facts;
 }
 
 LogConfigFacts gatherLogConfig(const Places& places, Fix fix) {
-    const auto logsDir = logsDirOf(places);
+    // One that was named need not be there: its game's file is meant, and no other's.
+    const auto logsDir = places.askedLogsDir ? places.askedLogsDir : logsDirOf(places);
     LogConfigFacts facts;
     facts.path = logConfigPath(logsDir, places.home, places.environment);
     if (!facts.path) {
@@ -253,7 +260,6 @@ ReaderFacts gatherReader(const ApplicationFiles& files) {
 DataAndNames gatherData(const ApplicationFiles& files, NameLengths lengths, const QDateTime& now) {
     DataAndNames facts;
     facts.data.configurationFolder = files.configurationFolder();
-    facts.names.strict = lengths == NameLengths::limited;
     WinrateData data = WinrateData::read(files);
     const QString file = data.cards ? data.cardsSource : data.cards.error().path;
     facts.data.cardFile = file;
@@ -280,7 +286,6 @@ DataAndNames gatherData(const ApplicationFiles& files, NameLengths lengths, cons
 
 NamesFacts gatherNames(const WinrateStore& store, NameLengths lengths) {
     NamesFacts facts;
-    facts.strict = lengths == NameLengths::limited;
     const CardRecognizer recognizer(store, lengths);
     const auto look = [&](const QString& name, const QRectF& band, const auto& match, const auto& isRight) {
         ++facts.names;
@@ -314,6 +319,10 @@ NamesFacts gatherNames(const WinrateStore& store, NameLengths lengths) {
         for (const QString& name : std::as_const(names)) {
             look(name, CardRecognizer::heroBand(), heroes, [&](const QString& id) { return id == key; });
         }
+    }
+    if (lengths == NameLengths::limited && !facts.unmatchable.isEmpty()) {
+        const NamesFacts usual = gatherNames(store, NameLengths::limitedUnlessExact);
+        facts.strictnessCosts = usual.unmatchable.size() < facts.unmatchable.size();
     }
     return facts;
 }
@@ -376,7 +385,8 @@ FoldersFacts gatherFolders(const ApplicationFiles& files, const UserDefaults& de
     places.emplace_back(u"downloads while they are unpacked"_s, QDir::tempPath());
     FoldersFacts facts;
     for (const auto& [what, path] : places) {
-        facts.folders.push_back({what, path, FileTree::obstacleTo(path)});
+        const bool isTaken = FileTree::exists(path) && !QFileInfo(path).isDir(); // a link to nowhere takes it too
+        facts.folders.push_back({what, path, isTaken ? u"it is no folder"_s : FileTree::obstacleTo(path)});
     }
     return facts;
 }

@@ -10,8 +10,9 @@
 #include <memory>
 #include <optional>
 
-// Looks at the machine. With the parts of the program that do the same when it runs; nothing is changed, but for
-// fixLogs(). Each may wait as long as a disk or a server lets it: whoever asks sees to a limit.
+// Looks at the machine. With the parts of the program that do the same when it runs; nothing is changed, but by
+// gatherLogConfig() when it is asked to. Each may wait as long as a disk or a server lets it: whoever asks sees to a
+// limit.
 namespace pelloran {
 
 class ApplicationFiles;

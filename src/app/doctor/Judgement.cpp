@@ -131,8 +131,9 @@ Finding judge(const NamesFacts& facts) {
                 .arg(facts.names)
                 .arg(shortList(facts.unmatchable)),
             u"Where one of these is offered, its tile stays \"Unrecognized\"."_s,
-            facts.strict ? u"Leave --strict-lengths away: longer names count then, where they are read exactly."_s
-                         : u"Nothing can be done: they have too few letters, or are heroes of several classes."_s};
+            facts.strictnessCosts
+                ? u"Leave --strict-lengths away: longer names count then, where they are read exactly."_s
+                : u"They have too few letters, or name several classes: where that is wrong, mend the data."_s};
 }
 
 Finding judge(const ServerFacts& facts) {

@@ -8,7 +8,7 @@
 // How sentences about a machine are put, for people.
 namespace pelloran::doctor {
 
-// "3 minutes", of at most two figures.
+// In the largest unit of which there are two: "119 seconds", "3 minutes".
 QString durationText(std::chrono::seconds duration);
 
 // With a capital letter and an end; "" stays so.

@@ -74,6 +74,12 @@ std::expected<QByteArray, LogFileError> readLogFile(const QString& path, const s
     return std::unexpected(LogFileError::notText);
 }
 
+QString whyUnreadable(const QString& path) {
+    QFile file(path);
+    const auto opened = FileTree::openToRead(file);
+    return opened ? QString() : opened.error().description;
+}
+
 void pauseForWriter() {
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
 }

@@ -23,6 +23,9 @@ constexpr qint64 largestLogFile = 64LL * 1024 * 1024;
 // to four times, before it counts as no text.
 std::expected<QByteArray, LogFileError> readLogFile(const QString& path, const std::function<void()>& pause);
 
+// Why one that is unreadable cannot be opened, in the system's words; "" where it can.
+QString whyUnreadable(const QString& path);
+
 // One millisecond. The two writes of a line that crosses the game's write buffer are microseconds apart, so that an
 // immediate second look can fall between them as well; four pauses still pass unnoticed.
 void pauseForWriter();

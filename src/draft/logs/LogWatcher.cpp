@@ -47,30 +47,33 @@ std::expected<std::vector<Session>, std::error_code> sessionsIn(const QString& f
 
 } // namespace
 
+std::expected<std::optional<QString>, QString> newestSession(const QString& logsDir) {
+    const auto sessions = sessionsIn(logsDir);
+    if (!sessions) {
+        return std::unexpected(QString::fromStdString(sessions.error().message()));
+    }
+    // The system lists in no order of its own: by name, two equal dates give the same folder every time.
+    const auto newest = std::ranges::max_element(*sessions, [](const Session& one, const Session& other) {
+        return one.modified != other.modified ? one.modified < other.modified : one.name > other.name;
+    });
+    return newest == sessions->end() ? std::nullopt : std::optional(logsDir + u'/' + newest->name);
+}
+
 LogWatcher::LogWatcher(const QString& folder, std::function<void()> pauseForGame)
     : logsDir(folder)
     , pause(std::move(pauseForGame)) {}
 
 std::optional<QString> LogWatcher::latestSessionDir() const {
-    const auto found = sessionsIn(logsDir);
-    if (!found) {
+    auto newest = newestSession(logsDir);
+    if (!newest) {
         // One that has never been there is waited for: that is told where the folder is chosen.
         if (listed || FileTree::exists(logsDir)) {
-            tellOnce(QStringLiteral("the log folder %1 cannot be listed: %2")
-                         .arg(logsDir, QString::fromStdString(found.error().message())));
+            tellOnce(QStringLiteral("the log folder %1 cannot be listed: %2").arg(logsDir, newest.error()));
         }
         return std::nullopt;
     }
     listed = true;
-    const std::vector<Session>& sessions = *found;
-    // The system lists in no order of its own: by name, two equal dates give the same folder every time.
-    const auto newest = std::ranges::max_element(sessions, [](const Session& one, const Session& other) {
-        return one.modified != other.modified ? one.modified < other.modified : one.name > other.name;
-    });
-    if (newest == sessions.end()) {
-        return std::nullopt;
-    }
-    return logsDir + u'/' + newest->name;
+    return *std::move(newest);
 }
 
 GameLogs LogWatcher::read() const {
@@ -118,10 +121,8 @@ std::optional<QByteArray> LogWatcher::read(const QString& path) const {
                      .arg(path, QString::number(largestLogFile / 1024 / 1024)));
         break;
     case LogFileError::unreadable: {
-        QFile file(path); // asked again, for the reason
-        const auto opened = FileTree::openToRead(file);
-        tellOnce(QStringLiteral("%1 cannot be read").arg(path) +
-                 (opened ? QString() : QStringLiteral(": ") + opened.error().description));
+        const QString why = whyUnreadable(path);
+        tellOnce(QStringLiteral("%1 cannot be read").arg(path) + (why.isEmpty() ? why : QStringLiteral(": ") + why));
         break;
     }
     case LogFileError::notText:

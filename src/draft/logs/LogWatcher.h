@@ -7,6 +7,7 @@
 #include <QSet>
 #include <QString>
 
+#include <expected>
 #include <functional>
 #include <optional>
 
@@ -21,6 +22,10 @@ struct GameLogs {
     bool operator==(const GameLogs&) const = default;
 };
 
+// Path of the newest session folder, `logsDir` + "/" + its name; absent when there is none. Of folders of the same date
+// it is the first by name. The error is why the log folder cannot be listed, in the system's words. From any thread.
+std::expected<std::optional<QString>, QString> newestSession(const QString& logsDir);
+
 // Tells from the game's log files alone whether an Arena draft runs, at which phase, and what was picked. Every poll
 // reads the files afresh and remembers nothing of them, so a restart of the game or of this program needs no recovery.
 // Main thread.
@@ -30,8 +35,7 @@ public:
     // yet. `pause` is how a poll waits a moment for the game to finish a line (see readLogFile).
     explicit LogWatcher(const QString& logsDir, std::function<void()> pause = pauseForWriter);
 
-    // Path of the newest session folder, `logsDir` + "/" + its name; absent when there is none or the log folder cannot
-    // be listed. Of folders of the same date it is the first by name.
+    // The newest session; absent also when the log folder cannot be listed.
     std::optional<QString> latestSessionDir() const;
 
     // What the logs say now. Never fails: what cannot be read keeps its default.

@@ -84,10 +84,11 @@ QStringList gameLogsDirs(const QString& standard, const QString& home, const Env
     }
     std::ranges::stable_sort(inPrefixes, std::ranges::greater(), &Found::date);
     QStringList folders;
+    QStringList real; // Steam's folder has several names
     if (isFolder(standard)) {
         folders.append(standard);
+        real.append(QFileInfo(standard).canonicalFilePath());
     }
-    QStringList real; // Steam's folder has several names
     for (const Found& found : inPrefixes) {
         if (const QString path = QFileInfo(found.folder).canonicalFilePath(); !real.contains(path)) {
             real.append(path);

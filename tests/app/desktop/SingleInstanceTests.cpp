@@ -89,11 +89,17 @@ TEST_F(SingleInstanceTest, IsSeenWithoutBeingDisturbed) {
     }
     EXPECT_EQ(look(1ms), std::nullopt) << "it has ended";
     // What a crash leaves: the lock of a process that is gone. The largest number there can be is taken by none.
-    QFile lock(folder.filePath(name + QStringLiteral(".lock")));
-    ASSERT_TRUE(lock.open(QIODevice::WriteOnly));
-    lock.write("2147483647\npelloran\nhost\n");
-    lock.close();
+    const auto leave = [this](qint64 process) {
+        QFile lock(folder.filePath(name + QStringLiteral(".lock")));
+        ASSERT_TRUE(lock.open(QIODevice::WriteOnly));
+        lock.write(QByteArray::number(process) + "\npelloran\nhost\n");
+    };
+    leave(2147483647);
     EXPECT_EQ(look(1ms), std::nullopt);
+    if (QFileInfo::exists(QStringLiteral("/proc/self/exe"))) {
+        leave(::getpid());
+        EXPECT_EQ(look(1ms), std::nullopt) << "another program has its number now, and is not to be ended";
+    }
 }
 
 TEST_F(SingleInstanceTest, CanBeReachedByItsUserOnly) {

@@ -96,6 +96,13 @@ TEST_F(DoctorGathering, FindsTheLogs) {
     write(session + u"Arena.log"_s, "\xFF\xFF");
     EXPECT_EQ(gatherLogs(places(), later).session->arena.error, LogFileError::notText);
 
+    ASSERT_TRUE(QFile::link(u"/nowhere/at/all"_s, folder.filePath(session + u"LoadingScreen.log"_s)));
+    const LogFileFact led = gatherLogs(places(), later).session->loadingScreen;
+    EXPECT_TRUE(led.isThere);
+    EXPECT_EQ(led.error, LogFileError::unreadable);
+    EXPECT_EQ(led.reason, u"No such file or directory"_s);
+    ASSERT_TRUE(QFile::remove(folder.filePath(session + u"LoadingScreen.log"_s)));
+
     EXPECT_EQ(facts.others, QStringList());
     ASSERT_TRUE(QDir(folder.path()).mkpath(u"Games/a/drive_c/Program Files (x86)/Hearthstone/Logs"_s));
     const LogsFacts two = gatherLogs(places(), later);
@@ -103,6 +110,26 @@ TEST_F(DoctorGathering, FindsTheLogs) {
     EXPECT_NE(two.others.first(), two.folder);
     named.askedLogsDir = two.folder;
     EXPECT_EQ(gatherLogs(named, later).others, QStringList()) << "who names one knows";
+}
+
+TEST_F(DoctorGathering, KnowsWhyNoLogsCanBeFound) {
+    const QString logs = QFileInfo(QFileInfo(write(session + u"Arena.log"_s, "")).path()).path();
+    const QDateTime now = QDateTime::currentDateTime();
+    EXPECT_TRUE(gatherLogs(places(), now).session->isFolder);
+    ASSERT_TRUE(QDir(QFileInfo(logs).path()).rename(u"Logs"_s, u"Before"_s));
+    write(QDir(folder.path()).relativeFilePath(logs) + u"/Hearthstone_2026_04_12.zip"_s, "packed for somebody");
+    EXPECT_FALSE(gatherLogs(places(), now).session->isFolder);
+    EXPECT_EQ(gatherLogs(places(), now).obstacle, QString());
+
+    const auto allow =
+        qScopeGuard([&] { QFile::setPermissions(logs, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner); });
+    ASSERT_TRUE(QFile::setPermissions(logs, {}));
+    if (QFileInfo(logs).isReadable()) {
+        GTEST_SKIP() << "this user may read everything";
+    }
+    const LogsFacts facts = gatherLogs(places(), now);
+    EXPECT_EQ(facts.session, std::nullopt);
+    EXPECT_EQ(facts.obstacle, u"Permission denied"_s);
 }
 
 TEST_F(DoctorGathering, TakesADateToComeForNow) {
@@ -177,6 +204,21 @@ TEST_F(DoctorGathering, LooksAtTheLogConfigAndFixesItWhenAsked) {
     }
 }
 
+// Another game, which is all well, lies where it is looked for first.
+TEST_F(DoctorGathering, FixesNoOtherGameThanTheOneThatWasNamed) {
+    write(session + u"Power.log"_s, "");
+    write(config, "[Arena]\n");
+    const auto before = everything();
+    Places named = places();
+    named.askedLogsDir = folder.filePath(u"other/drive_c/Program Files (x86)/Hearthstone/Logs"_s); // not there yet
+    const LogConfigFacts facts = gatherLogConfig(named, Fix::yes);
+    ASSERT_TRUE(facts.path);
+    EXPECT_EQ(*facts.path, folder.filePath(u"other/drive_c/users/ann/AppData/Local/Blizzard/Hearthstone/log.config"_s));
+    EXPECT_TRUE(facts.fixed);
+    ASSERT_TRUE(QDir(folder.filePath(u"other"_s)).removeRecursively());
+    EXPECT_EQ(everything(), before);
+}
+
 TEST_F(DoctorGathering, TakesThePictureOfTheGame) {
     testing::FakeWindowServer windows;
     const auto none = gatherWindow(windows, u"x"_s);
@@ -225,15 +267,19 @@ TEST_F(DoctorGathering, KnowsWhichNamesNameNothing) {
         {"player_class": "DEMONHUNTER", "name_zh": "恶魔猎手", "name_en": "", "hero_names": ["Twin"]}
     ]})");
     const NamesFacts usual = gatherNames(sample.store, NameLengths::limitedUnlessExact);
-    EXPECT_FALSE(usual.strict);
+    EXPECT_FALSE(usual.strictnessCosts);
     EXPECT_EQ(usual.names, 14U);
     EXPECT_EQ(usual.unmatchable, (QStringList{u"Ox"_s, u"1234"_s, u"Twin"_s}))
         << "too few letters, and a hero of two classes";
     const NamesFacts strict = gatherNames(sample.store, NameLengths::limited);
-    EXPECT_TRUE(strict.strict);
+    EXPECT_TRUE(strict.strictnessCosts);
     EXPECT_EQ(strict.unmatchable, (QStringList{u"Ox"_s, u"1234"_s, u"Chromaggus the Twice-Born"_s,
                                                u"Fifteen Letterss"_s, u"Demon Hunter"_s, u"Twin"_s}))
         << "and too many";
+    const testing::SampleStore tooShort(R"({"cards": [{"card_id": "C", "name_en": "Ox"}]})", R"({"classes": []})");
+    const NamesFacts shortOnly = gatherNames(tooShort.store, NameLengths::limited);
+    EXPECT_EQ(shortOnly.unmatchable, QStringList{u"Ox"_s});
+    EXPECT_FALSE(shortOnly.strictnessCosts);
 }
 
 TEST_F(DoctorGathering, KnowsWhenFiguresWereTaken) {
@@ -418,8 +464,15 @@ TEST_F(DoctorGathering, KnowsWhatCannotBeWritten) {
         EXPECT_EQ(fact.obstacle, QString()) << fact.path.toStdString();
     }
     EXPECT_TRUE(everything().isEmpty()) << "nothing was made";
-    write(u"support"_s, "a file in the place of a folder");
-    EXPECT_TRUE(gatherFolders(files, defaults).folders.front().obstacle.contains(u"is no folder"_s));
+    const auto obstacle = [&] { return gatherFolders(files, defaults).folders.front().obstacle; };
+    write(u"support/Pelloran/config"_s, "a file in the place of a folder");
+    EXPECT_EQ(obstacle(), u"it is no folder"_s);
+    ASSERT_TRUE(QFile::remove(folder.filePath(u"support/Pelloran/config"_s)));
+    ASSERT_TRUE(QFile::link(u"/nowhere/at/all"_s, folder.filePath(u"support/Pelloran/config"_s)));
+    EXPECT_EQ(obstacle(), u"it is no folder"_s) << "a link that leads nowhere";
+    ASSERT_TRUE(QDir(folder.filePath(u"support"_s)).removeRecursively());
+    write(u"support"_s, "the same above it");
+    EXPECT_TRUE(obstacle().contains(u"support is no folder"_s));
 }
 
 // The real reader, with the model that ships.

@@ -52,8 +52,11 @@ void judgeAll(const Facts& well, std::initializer_list<Case<Facts>> cases) {
 TEST(DoctorJudgement, OfTheLogs) {
     LogsFacts well;
     well.folder = u"/logs"_s;
-    well.session = SessionFact{
-        u"Hearthstone_1"_s, {}, {u"Arena.log"_s, true, 12'345, 90s, {}}, {u"LoadingScreen.log"_s, true, 500, 2h, {}}};
+    well.session = SessionFact{u"Hearthstone_1"_s,
+                               {},
+                               true,
+                               {u"Arena.log"_s, true, 12'345, 90s, {}, {}},
+                               {u"LoadingScreen.log"_s, true, 500, 2h, {}, {}}};
     judgeAll<LogsFacts>(
         well,
         {
@@ -78,8 +81,26 @@ TEST(DoctorJudgement, OfTheLogs) {
              u"Enter the Arena"_s},
             {"no scenes", [](auto& facts) { facts.session->loadingScreen.isThere = false; }, State::note,
              u"no LoadingScreen.log"_s},
-            {"no permission", [](auto& facts) { facts.session->arena.error = LogFileError::unreadable; },
-             State::problem, u"/logs/Hearthstone_1/Arena.log cannot be read"_s},
+            {"no permission",
+             [](auto& facts) {
+                 facts.session->arena.error = LogFileError::unreadable;
+                 facts.session->arena.reason = u"Permission denied"_s;
+             },
+             State::problem, u"/logs/Hearthstone_1/Arena.log cannot be read: Permission denied."_s},
+            {"broken off", [](auto& facts) { facts.session->arena.error = LogFileError::unreadable; }, State::problem,
+             u"/logs/Hearthstone_1/Arena.log cannot be read. Pelloran"_s},
+            {"the folder may not be listed",
+             [](auto& facts) {
+                 facts.session.reset();
+                 facts.obstacle = u"Permission denied"_s;
+             },
+             State::problem, u"/logs cannot be listed: Permission denied."_s},
+            {"a file that is called as a session",
+             [](auto& facts) {
+                 facts.session->isFolder = false;
+                 facts.session->arena.isThere = facts.session->loadingScreen.isThere = false;
+             },
+             State::problem, u"/logs/Hearthstone_1 is no folder, so there are no logs in it."_s},
             {"of an absurd size", [](auto& facts) { facts.session->arena.error = LogFileError::tooLarge; },
              State::problem, u"larger than 64 MiB"_s},
             {"garbage", [](auto& facts) { facts.session->loadingScreen.error = LogFileError::notText; }, State::note,
@@ -266,10 +287,12 @@ TEST(DoctorJudgement, OfTheNames) {
                        facts.unmatchable = QStringList{u"A"_s, u"B"_s, u"C"_s, u"D"_s, u"E"_s, u"F"_s, u"G"_s};
                    },
                    State::note, u"A, B, C, D, E and 2 more."_s},
+                  {"which no option helps", [](auto& facts) { facts.unmatchable = QStringList{u"A"_s}; }, State::note,
+                   u"too few letters, or name several classes"_s},
                   {"by strict lengths",
                    [](auto& facts) {
-                       facts.strict = true;
-                       facts.unmatchable = QStringList{u"A"_s};
+                       facts.strictnessCosts = true;
+                       facts.unmatchable = QStringList{u"A long name"_s};
                    },
                    State::note, u"Leave --strict-lengths away"_s},
               });
