@@ -66,6 +66,7 @@ void DraftService::timerFired() {
 
 void DraftService::relocalizeAndRefresh() {
     forgetTiles();
+    Q_EMIT tilesForgotten();
     if (awaited) {
         awaited->dropped = true;
     }

@@ -67,6 +67,8 @@ public:
 Q_SIGNALS:
     // For those who look on; nothing comes of it here. What a tick begins with,
     void logsRead(const GameLogs& logs);
+    // that the tiles of before are forgotten,
+    void tilesForgotten();
     // and every snapshot, before the delegate has it.
     void published(const OverlaySnapshot& snapshot);
 

@@ -88,10 +88,10 @@ inline constexpr std::tuple fields<ReadRecord>{
 // All but the snapshot, which is kept as the program prints it.
 template <>
 inline constexpr std::tuple fields<TickRecord>{
-    Field{"at"_L1, &TickRecord::at},       Field{"language"_L1, &TickRecord::language},
-    Field{"logs"_L1, &TickRecord::logs},   Field{"windows"_L1, &TickRecord::windows},
-    Field{"image"_L1, &TickRecord::image}, Field{"reads"_L1, &TickRecord::reads},
-    Field{"shown"_L1, &TickRecord::shown},
+    Field{"at"_L1, &TickRecord::at},           Field{"language"_L1, &TickRecord::language},
+    Field{"forgets"_L1, &TickRecord::forgets}, Field{"logs"_L1, &TickRecord::logs},
+    Field{"windows"_L1, &TickRecord::windows}, Field{"image"_L1, &TickRecord::image},
+    Field{"reads"_L1, &TickRecord::reads},     Field{"shown"_L1, &TickRecord::shown},
 };
 
 } // namespace pelloran::strict_json

@@ -145,6 +145,7 @@ struct ReadRecord {
 struct TickRecord {
     qint64 at = 0; // milliseconds since the program was started
     std::optional<QString> language;
+    std::optional<bool> forgets; // the tiles of before, as when a language was chosen, be it the same
     std::optional<LogsChange> logs;
     std::optional<WindowsRecord> windows;
     std::optional<ImageRecord> image;             // absent: no picture was asked for

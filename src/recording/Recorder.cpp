@@ -48,6 +48,11 @@ std::shared_ptr<const DataRows> rowsOf(const WinrateStore& store) {
             // Another name, of a repeated row.
             row.nameZh = names[i].original;
             row.nameEn.reset();
+        } else if (names[i].original != row.nameZh && names[i].original != row.nameEn) {
+            // Its first row has no name: it has the figures, and this one of a repeated row the name.
+            rows->cards.push_back(row);
+            row.nameZh = names[i].original;
+            row.nameEn.reset();
         } else if (row.nameZh && !row.nameZh->isEmpty() && row.nameEn && !row.nameEn->isEmpty()) {
             ++i; // which is the other name
         }
@@ -337,6 +342,7 @@ void Recorder::catchUp() {
 
 void Recorder::follow(const DraftService& service) {
     QObject::connect(&service, &DraftService::logsRead, &service, [this](const GameLogs& logs) { tickBegins(logs); });
+    QObject::connect(&service, &DraftService::tilesForgotten, &service, [this] { forgets = true; });
     QObject::connect(&service, &DraftService::published, &service,
                      [this](const OverlaySnapshot& snapshot) { published(snapshot); });
 }
@@ -350,7 +356,8 @@ void Recorder::tickBegins(const GameLogs& logs) {
         classes = store.classLexicon();
         data = rowsOf(store);
     }
-    writer->take(TickBegin{writer->milliseconds(), AppLanguage::resolvedPreference().rawValue(), logs, data});
+    writer->take(TickBegin{writer->milliseconds(), AppLanguage::resolvedPreference().rawValue(),
+                           std::exchange(forgets, false), logs, data});
 }
 
 void Recorder::published(const OverlaySnapshot& snapshot) {

@@ -78,6 +78,7 @@ private:
     std::shared_ptr<const Lexicon> names;   // by which new data is noticed
     std::shared_ptr<const Lexicon> classes; // likewise
     std::shared_ptr<const recording::DataRows> data;
+    bool forgets = false; // the next tick does
 };
 
 } // namespace pelloran

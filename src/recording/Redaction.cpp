@@ -20,7 +20,8 @@ namespace pelloran::recording {
 namespace {
 
 // More than LogWatcher needs: where the game writes its lines in another way one day, these tell how.
-constexpr std::array<const char*, 5> landmarks{"Draft", "Client chooses", "currMode", "OnChosen", "Hero Card"};
+constexpr std::array<const char*, 6> landmarks{"Draft",    "Client chooses", "currMode",
+                                               "OnChosen", "Hero Card",      "Got new draft deck"};
 
 constexpr qsizetype shortestAccount = 3;
 
@@ -34,11 +35,18 @@ QRegularExpression anyPath(const QString& path) {
     return unicode(pattern.replace(u"\\/"_s, u"/"_s).replace(u'/', u"[\\\\/]+"_s) + u"(?![^\\\\/\\s\"':;,)])"_s);
 }
 
-// Whole words only.
+// Whole words only, which ideographs beside them do not lengthen; where nothing parts words, anywhere. A slash before
+// it may be written as in an address.
 QRegularExpression anyAccount(const QString& account) {
-    return QRegularExpression(u"(?<!\\w)"_s + QRegularExpression::escape(account) + u"(?!\\w)"_s,
-                              QRegularExpression::CaseInsensitiveOption |
-                                  QRegularExpression::UseUnicodePropertiesOption);
+    static const QString ideographs = u"\\p{Han}\\p{Hiragana}\\p{Katakana}"_s;
+    static const QRegularExpression anyIdeograph = unicode(u"["_s + ideographs + u']');
+    const QString name = QRegularExpression::escape(account);
+    const QString wordCharacter = u"[^\\W"_s + ideographs + u']';
+    const QString pattern = account.contains(anyIdeograph) ? name
+                                                           : u"(?:(?<=%2F)|(?<=%5C)|(?<!"_s + wordCharacter + u"))"_s +
+                                                                 name + u"(?!"_s + wordCharacter + u')';
+    return QRegularExpression(pattern, QRegularExpression::CaseInsensitiveOption |
+                                           QRegularExpression::UseUnicodePropertiesOption);
 }
 
 // `make` of an owner's name or folder. Making one takes many times what searching a line with it takes.

@@ -348,7 +348,7 @@ private:
             language = tick.language;
         }
         isFirstTick = false;
-        if (languageChanges) {
+        if (languageChanges || tick.forgets.value_or(false)) {
             program->service.relocalizeAndRefresh();
         } else {
             program->service.tick();

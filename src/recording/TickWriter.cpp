@@ -17,9 +17,21 @@ namespace {
 // Of a line that is no reading of a name: whatever it is, it is nothing of the draft's.
 constexpr double leastResemblance = 0.75;
 
+// As fractions of the window's width and height: less than half a place, more than what one line's box trembles.
+constexpr double sameSpot = 0.02;
+
+bool isNear(double one, double other) {
+    return std::abs(one - other) <= sameSpot;
+}
+
+// Where a line stands tells whose place it is.
 bool isAlike(const ReadText& one, const ReadText& other) {
+    const auto isSameLine = [](const OCRToken& a, const OCRToken& b) {
+        return a.text == b.text && isNear(a.midX, b.midX) && isNear(a.midY, b.midY);
+    };
     return one.columns.has_value() == other.columns.has_value() &&
-           std::ranges::equal(one.tokens, other.tokens, {}, &OCRToken::text, &OCRToken::text);
+           (!one.columns || std::ranges::equal(*one.columns, *other.columns, isNear)) &&
+           std::ranges::equal(one.tokens, other.tokens, isSameLine);
 }
 
 template <typename Rows, typename File>
@@ -50,7 +62,8 @@ TokenRecord recordOf(OCRToken token, const Reading& reading, const Owner& owner)
     return toRecord(token);
 }
 
-// Lines that a name was looked for in. Where the picture is not kept with them, only those that may be one.
+// Lines that a name was looked for in. Where the picture is not kept with them, only those that look like one: the
+// rules may take others for a card, and going through it then shows another, but those may be anybody's words.
 std::vector<TokenRecord> recordsOf(const std::vector<OCRToken>& tokens, const Reading& reading, const Owner& owner) {
     std::vector<TokenRecord> records;
     for (const OCRToken& token : tokens) {
@@ -99,9 +112,10 @@ void TickWriter::list(const Listing& listing) {
     if (!tick->windows) {
         tick->windows.emplace();
     }
-    auto& list = listing.listing == WindowListing::onScreen ? tick->windows->onScreen : tick->windows->all;
-    list.reset();
-    if (listing.windows) {
+    // The first is what the window is chosen from; a second one only looks whether windows can be listed.
+    const bool isNew = tick->listings.insert(listing.listing).second;
+    if (isNew && listing.windows) {
+        auto& list = listing.listing == WindowListing::onScreen ? tick->windows->onScreen : tick->windows->all;
         list = candidates(listing);
     }
 }
@@ -146,6 +160,9 @@ FileTree::Done TickWriter::end() {
     if (told.language != tick->begin.language) {
         record.language = told.language = tick->begin.language;
     }
+    if (tick->begin.forgets) {
+        record.forgets = true;
+    }
     record.logs = takeLogsChange();
     if (record.logs || told.session != session) {
         told.session = session;
@@ -176,7 +193,7 @@ FileTree::Done TickWriter::end() {
     const bool looked = tick->windows || record.image || record.reads;
     tick.reset();
     // Nothing comes of a tick that found nothing to look at and everything as it was: a program may wait for hours.
-    if (!looked && !record.language && !record.logs && !record.snapshot) {
+    if (!looked && !record.language && !record.forgets && !record.logs && !record.snapshot) {
         return {};
     }
     auto done = folder.addLine(lineOf(record));

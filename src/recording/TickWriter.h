@@ -15,6 +15,7 @@
 
 #include <memory>
 #include <optional>
+#include <set>
 #include <vector>
 
 namespace pelloran::recording {
@@ -28,6 +29,7 @@ struct DataRows {
 struct TickBegin {
     qint64 at = 0; // milliseconds since the program was started
     QString language;
+    bool forgets = false; // what was shown before
     GameLogs logs;
     std::shared_ptr<const DataRows> data; // the same object as long as it is the same data
 };
@@ -74,6 +76,7 @@ private:
     struct Tick {
         TickBegin begin;
         std::optional<WindowsRecord> windows;
+        std::set<WindowListing> listings; // that are in it
         std::optional<ImageRecord> image;
         std::vector<Reading> readings;
         std::optional<Shown> shown;

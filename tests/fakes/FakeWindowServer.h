@@ -3,6 +3,7 @@
 #include "platform/WindowServer.h"
 
 #include <deque>
+#include <functional>
 #include <map>
 
 namespace pelloran::testing {
@@ -11,6 +12,9 @@ namespace pelloran::testing {
 class FakeWindowServer final : public WindowServer {
 public:
     std::optional<std::vector<WindowDescription>> describeWindows(WindowListing listing) override {
+        if (beforeListing) {
+            beforeListing();
+        }
         return listing == WindowListing::onScreen ? onScreen : all;
     }
 
@@ -36,6 +40,7 @@ public:
     std::optional<std::vector<WindowDescription>> all = std::vector<WindowDescription>{};
     std::map<std::uint32_t, QImage> images;
     int captures = 0;
+    std::function<void()> beforeListing; // as windows come and go
     CapturePermission allowed = CapturePermission::granted;
 
 private:

@@ -11,6 +11,7 @@ TickRecord wholeTick() {
     TickRecord tick;
     tick.at = 1234;
     tick.language = QStringLiteral("zh");
+    tick.forgets = true;
     tick.logs = LogsChange{true, LogChange{true, {}, QStringList{QStringLiteral("currMode=DRAFT")}, {}},
                            LogChange{{}, true, {}, QStringLiteral("Dra")}};
     tick.windows = WindowsRecord{std::vector{WindowRecord{5, true, -10, 2.5, 1280, 720}}, std::nullopt};

@@ -138,6 +138,42 @@ TEST(Recorder, RepeatsWhatWasReadElsewhere) {
     EXPECT_EQ(replayed.readings, 0);
 }
 
+TEST(Recorder, NoticesWhereANameStands) {
+    RecordedDraft draft;
+    draft.log("Arena.log", draftBegins + heroChosen);
+    for (const std::array<int, 3> names : {std::array{0, -1, -1}, {-1, -1, 0}, {0, 1, -1}, {0, -1, 1}}) {
+        draft.offer(names);
+        draft.tick();
+    }
+    draft.end();
+    EXPECT_EQ(picturesIn(draft.path()), 4);
+    const auto replayed = draft.replay();
+    ASSERT_TRUE(replayed.outcome) << replayed.outcome.error().toStdString();
+    EXPECT_TRUE(replayed.outcome->isEqual());
+}
+
+// It may open between a tick's two looks, of which the first is what counts.
+TEST(Recorder, KeepsTheListOfWindowsThatWasActedUpon) {
+    RecordedDraft draft;
+    draft.log("Arena.log", draftBegins + heroChosen);
+    draft.offer({-1, -1, -1}); // else it would go on showing what it has
+    draft.tick();
+    draft.windows->onScreen->clear();
+    draft.windows->all->clear();
+    int listings = 0;
+    draft.windows->beforeListing = [&] {
+        if (++listings == 3) { // when it was chosen from all windows, and from those on the screen
+            draft.offer({2, 1, 0});
+        }
+    };
+    draft.tick();
+    EXPECT_EQ(listings, 3);
+    draft.end();
+    const auto replayed = draft.replay();
+    ASSERT_TRUE(replayed.outcome) << replayed.outcome.error().toStdString();
+    EXPECT_TRUE(replayed.outcome->isEqual());
+}
+
 TEST(Recorder, RecordsBothReadingsOfAReaderThatTakesTwo) {
     RecordedDraft draft;
     draft.readsTwice = true;
@@ -168,6 +204,24 @@ TEST(Recorder, FollowsTheLanguage) {
     EXPECT_TRUE(everythingIn(draft.path()).contains("冰风雪人"));
 }
 
+// A choice forgets what stood in for a name that is hidden, whether it changes anything or not.
+TEST(Recorder, FollowsAChoiceOfTheSameLanguage) {
+    RecordedDraft draft;
+    draft.log("Arena.log", draftBegins + heroChosen);
+    draft.offer({0, 1, 2});
+    draft.tick();
+    draft.offer({0, -1, 2});
+    draft.tick();
+    draft.service->relocalizeAndRefresh();
+    draft.finish();
+    draft.tick();
+    draft.end();
+    const auto replayed = draft.replay();
+    ASSERT_TRUE(replayed.outcome) << replayed.outcome.error().toStdString();
+    EXPECT_TRUE(replayed.outcome->isEqual());
+    EXPECT_EQ(replayed.outcome->compared, 4);
+}
+
 TEST(Recorder, BeginsAPartWithNewData) {
     RecordedDraft draft;
     draft.log("Arena.log", draftBegins + heroChosen);
@@ -185,6 +239,22 @@ TEST(Recorder, BeginsAPartWithNewData) {
     EXPECT_TRUE(replayed.outcome->isEqual());
     EXPECT_EQ(replayed.outcome->parts, 2);
     EXPECT_EQ(replayed.outcome->compared, 2);
+}
+
+TEST(Recorder, KeepsTheNameThatARepeatedRowBrings) {
+    RecordedDraft draft;
+    draft.store.write(QStringLiteral("all_classes_LAST_7_DAYS.json"), R"({"cards": [
+        {"card_id": "FROSTBOLT", "deck_win_rate": 50},
+        {"card_id": "FIREBALL", "name_en": "Fireball", "deck_win_rate": 11},
+        {"card_id": "FROSTBOLT", "name_en": "Frostbolt", "deck_win_rate": 99}]})");
+    draft.store.reload();
+    draft.log("Arena.log", draftBegins + heroChosen);
+    draft.offer({0, 1, -1});
+    draft.tick();
+    draft.end();
+    const auto replayed = draft.replay();
+    ASSERT_TRUE(replayed.outcome) << replayed.outcome.error().toStdString();
+    EXPECT_TRUE(replayed.outcome->isEqual());
 }
 
 // What a reader cannot make out is to be seen as it stood, not as it came in.

@@ -8,9 +8,9 @@ namespace pelloran::recording {
 namespace {
 
 TEST(Redaction, TakesOutWhoPlaysAndWhereTheyLive) {
-    const Owner owner{
-        {QStringLiteral("/home/mira"), QStringLiteral("/srv/Zoë K")},
-        {QStringLiteral("mira"), QStringLiteral("zoë.k"), QStringLiteral("ar"), QStringLiteral("O'Neil")}};
+    const Owner owner{{QStringLiteral("/home/mira"), QStringLiteral("/srv/Zoë K")},
+                      {QStringLiteral("mira"), QStringLiteral("zoë.k"), QStringLiteral("ar"), QStringLiteral("O'Neil"),
+                       QStringLiteral("小米拉")}};
 
     struct Case {
         const char* why;
@@ -33,6 +33,9 @@ TEST(Redaction, TakesOutWhoPlaysAndWhereTheyLive) {
          "C:\\users\\<user>\\x, '<user>' and /home/<user>"},
         {"an account within another's folder", "/home/mira.old/x and C:\\users\\mira lane\\x",
          "/home/<user>/x and C:\\users\\<user>\\x"},
+        {"an account among words that nothing parts", "玩家mira选择了 mira的套牌", "玩家<user>选择了 <user>的套牌"},
+        {"an account of ideographs", "玩家小米拉选择了", "玩家<user>选择了"},
+        {"an account in an address", "file=%2Fsrv%2Fmira%2Fx", "file=%2Fsrv%2F<user>%2Fx"},
         {"an account with a number is a battle tag", "Mira#12345", "<player>"},
         {"a battle tag whose accents stand apart", "Rene\u0301#12345", "<player>"},
         {"no part of a word", "admiral miracle", "admiral miracle"},
@@ -97,7 +100,7 @@ TEST(Redaction, KnowsWhoRunsIt) {
 
 TEST(Redaction, KeepsLinesOfTheDraftAlone) {
     for (const char* line :
-         {"currMode=DRAFT", "SetDraftMode - DRAFTING", "DraftManager.OnBegin", "Got new draft deck: Draft",
+         {"currMode=DRAFT", "SetDraftMode - DRAFTING", "DraftManager.OnBegin", "Got new draft deck with ID: 7",
           "OnChosen(): hero=X", "Hero Card = HERO_08", "Client chooses: X (Y)", "Draft deck contains card X"}) {
         EXPECT_TRUE(concernsDraft(line)) << line;
     }
