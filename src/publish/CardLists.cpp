@@ -93,7 +93,8 @@ strict_json::Verdict decodeInto(Names& names, const QJsonValue& value) {
 
 // Absent when the name tells none, or more than one.
 std::optional<QLatin1StringView> localeIn(const QString& fileName) {
-    static const QRegularExpression word(u"(?<![A-Za-z])([A-Za-z]{2})[-_]?([A-Za-z]{2})(?![A-Za-z])"_s);
+    // Looked at, not taken: one pair may be the second of the one before, as in "hs_zh_CN".
+    static const QRegularExpression word(u"(?<![A-Za-z])(?=([A-Za-z]{2})[-_]?([A-Za-z]{2})(?![A-Za-z]))"_s);
     std::optional<QLatin1StringView> told;
     for (const QRegularExpressionMatch& match : word.globalMatch(fileName)) {
         const QString found = match.captured(1) + match.captured(2);

@@ -90,25 +90,42 @@ const Column* columnFor(const QString& title, bool withNumbers) {
     return found == columns.end() ? nullptr : found;
 }
 
-// The separator is the one that makes the first line name the cards' column.
+bool nameCards(const QStringList& titles, bool withNumbers) {
+    return std::ranges::any_of(titles, [withNumbers](const QString& title) {
+        const Column* column = columnFor(title, withNumbers);
+        return column && (column->name == idColumn || column == &numberColumn);
+    });
+}
+
+// The separator is the one that makes the first line name the cards' column. With another all kinds of things are wrong
+// that are not.
 std::expected<std::vector<CsvRow>, QStringList> readRows(const QString& text, bool withNumbers) {
-    QString trouble =
-        withNumbers ? u"no column is called \"card_id\" or \"dbf_id\""_s : u"no column is called \"card_id\""_s;
+    const auto wrong = [](const CsvError& error) {
+        return problem(u"line %1: %2"_s.arg(error.line).arg(error.message));
+    };
+    std::optional<CsvError> inTitles; // unless they are fine with one of the separators
+    bool areTitles = false;
     for (const QChar separator : {u',', u';', u'\t'}) {
-        auto rows = parseCsv(text, separator);
-        if (!rows) {
-            trouble = u"line %1: %2"_s.arg(rows.error().line).arg(rows.error().message);
+        const auto titles = parseCsv(text, separator, 1);
+        if (!titles) {
+            inTitles = inTitles.value_or(titles.error());
             continue;
         }
-        const auto namesCards = [&](const QString& title) {
-            const Column* column = columnFor(title, withNumbers);
-            return column && (column->name == idColumn || column == &numberColumn);
-        };
-        if (!rows->empty() && std::ranges::any_of(rows->front().cells, namesCards)) {
-            return *rows;
+        areTitles = true;
+        if (titles->empty() || !nameCards(titles->front().cells, withNumbers)) {
+            continue;
         }
+        auto rows = parseCsv(text, separator);
+        if (!rows) {
+            return wrong(rows.error());
+        }
+        return *std::move(rows);
     }
-    return problem(trouble);
+    if (!areTitles) {
+        return wrong(*inTitles);
+    }
+    return problem(withNumbers ? u"no column is called \"card_id\" or \"dbf_id\""_s
+                               : u"no column is called \"card_id\""_s);
 }
 
 // Absent for a row without any; what is wrong goes to `problems`.

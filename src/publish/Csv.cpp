@@ -17,9 +17,9 @@ public:
         : text(table)
         , separator(between) {}
 
-    std::expected<std::vector<CsvRow>, CsvError> read() {
+    std::expected<std::vector<CsvRow>, CsvError> read(std::size_t mostRows) {
         std::vector<CsvRow> rows;
-        while (!atEnd()) {
+        while (!atEnd() && rows.size() < mostRows) {
             CsvRow row{line, {}};
             do {
                 auto cell = readCell();
@@ -93,8 +93,8 @@ private:
 
 } // namespace
 
-std::expected<std::vector<CsvRow>, CsvError> parseCsv(QStringView text, QChar separator) {
-    return CsvReader(text, separator).read();
+std::expected<std::vector<CsvRow>, CsvError> parseCsv(QStringView text, QChar separator, std::size_t mostRows) {
+    return CsvReader(text, separator).read(mostRows);
 }
 
 } // namespace pelloran

@@ -37,7 +37,9 @@ QByteArray changed(const QByteArray& json, Change change) {
 // Absent for a row that cannot be told from others.
 std::optional<QJsonObject> filledRow(QJsonObject row, const QString& place, Joining& joining) {
     const auto dbfId = strict_json::decode<std::optional<qint64>>(row.value("dbf_id"_L1));
-    if (dbfId && *dbfId && row.value(idKey).toString().isEmpty()) {
+    const QJsonValue id = row.value(idKey);
+    const bool hasNone = id.isUndefined() || id.isNull() || (id.isString() && id.toString().isEmpty());
+    if (dbfId && *dbfId && hasNone) {
         row.insert(idKey, QString());
     }
     auto card = strict_json::decode<CardStats>(row);

@@ -50,6 +50,11 @@ public:
 
     void readFolder(const QString& below) {
         const QDir directory(folder + u'/' + below);
+        const QFileInfo self(directory.path());
+        if (!self.isReadable() || !self.isExecutable()) {
+            problem(below.isEmpty() ? folder : below.chopped(1), u"may not be listed and searched"_s);
+            return;
+        }
         const auto entries = directory.entryInfoList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot);
         for (const QFileInfo& entry : entries) {
             const QString path = below + entry.fileName();

@@ -4,6 +4,10 @@
 #include "tests/publish/DataFolder.h"
 #include "tests/support/Printing.h"
 
+#include <QFile>
+#include <QFileInfo>
+#include <QScopeGuard>
+
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
@@ -95,6 +99,23 @@ TEST(SourceFolder, RefusesWhatIsNotAFile) {
     EXPECT_EQ(source.error(), (QStringList{QStringLiteral("broken: is a link; put the file itself there"),
                                            QStringLiteral("link.json: is a link; put the file itself there"),
                                            QStringLiteral("pipe: is neither a file nor a folder")}));
+}
+
+// As an empty one it would be published without what is in it.
+TEST(SourceFolder, RefusesAFolderThatMayNotBeRead) {
+    const DataFolder folder;
+    folder.write(cardFile, cards);
+    folder.write(QStringLiteral("more/extra.json"), "{}");
+    const QString more = folder.path(QStringLiteral("more"));
+    const auto allow =
+        qScopeGuard([&] { QFile::setPermissions(more, QFile::ReadUser | QFile::WriteUser | QFile::ExeUser); });
+    ASSERT_TRUE(QFile::setPermissions(more, {}));
+    if (QFileInfo(more).isReadable()) {
+        GTEST_SKIP() << "this user may read everything";
+    }
+    const auto source = SourceFolder::read(folder.path(), std::nullopt);
+    ASSERT_FALSE(source);
+    EXPECT_EQ(source.error(), QStringList{QStringLiteral("more: may not be listed and searched")});
 }
 
 TEST(SourceFolder, RefusesAFolderThatIsNoData) {
