@@ -5,13 +5,15 @@
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QLocalSocket>
 #include <QUrl>
 
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cerrno>
-#include <csignal>
 #include <thread>
 
 namespace pelloran {
@@ -21,14 +23,16 @@ namespace {
 const QByteArray request = QByteArrayLiteral("show\n");
 const QByteArray acknowledgement = QByteArrayLiteral("shown\n");
 
-// As a lock has it for the program of a process. A number may have been given to another since; where the system does
-// not tell which program runs under it, as to no other user, it counts as the same.
-bool isOf(qint64 process, const QString& application) {
-    QString program = QFile::symLinkTarget(QStringLiteral("/proc/%1/exe").arg(process));
-    if (program.endsWith(QLatin1StringView(" (deleted)"))) {
-        program.chop(10); // replaced by an update while it runs
+// Whether somebody holds it, as Qt does for as long as a lock lives: the number of a process that a crash left in it
+// may have been given to another one since.
+bool isHeld(const QString& lockFile) {
+    const int file = ::open(QFile::encodeName(lockFile).constData(), O_RDONLY | O_CLOEXEC);
+    if (file < 0) {
+        return errno != ENOENT;
     }
-    return program.isEmpty() || QFileInfo(program).fileName() == QFileInfo(application).fileName();
+    const bool isFree = ::flock(file, LOCK_SH | LOCK_NB) == 0;
+    ::close(file); // which lets go of it
+    return !isFree;
 }
 
 // Between two looks at whether the first listens already, or has ended.
@@ -97,9 +101,7 @@ std::optional<SingleInstance::Running> SingleInstance::running(std::chrono::mill
     if (!usable || !lock.getLockInfo(&process, &host, &application)) {
         return std::nullopt;
     }
-    // What a crash left is no lock.
-    const bool isThere = process > 0 && (::kill(static_cast<pid_t>(process), 0) == 0 || errno == EPERM);
-    return isThere && isOf(process, application) ? std::optional(Running{process, answersAtAll(wait)}) : std::nullopt;
+    return process > 0 && isHeld(lock.fileName()) ? std::optional(Running{process, answersAtAll(wait)}) : std::nullopt;
 }
 
 // Qt's server closes for good, without a word, when it cannot let one in because no more files can be opened.
