@@ -28,7 +28,7 @@ std::filesystem::path native(const QString& path);
 // What the system says of `doing`, such as "write", to `path`.
 Done checked(const std::error_code& error, const QString& doing, const QString& path);
 
-// Links that lead nowhere are there too.
+// Links that lead nowhere are there too, and so is what cannot be looked at.
 bool exists(const QString& path);
 
 // Why nothing could be made or written at `path`, in a few words; empty when it could. Nothing is tried.

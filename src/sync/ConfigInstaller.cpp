@@ -4,12 +4,15 @@
 #include "sync/InstallTools.h"
 #include "sync/TarArchive.h"
 
+#include <QDateTime>
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFileInfo>
 #include <QLockFile>
 #include <QThread>
 #include <QUuid>
+
+#include <unistd.h>
 
 #include <utility>
 
@@ -53,32 +56,47 @@ QString newUuid() {
     return QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
 }
 
-// What installations that were killed have left behind. `mine` is the folder of this one: its owner and its age tell
-// what is ours and what is old, without asking who we are and what time it is.
-void removeAbandonedDownloads(const QFileInfo& mine) {
-    const QDir folder(mine.path());
-    for (const QFileInfo& other : folder.entryInfoList({downloadPrefix + u"*"_s}, QDir::Dirs | QDir::NoSymLinks)) {
-        const bool isDownload = !QUuid::fromString(other.fileName().sliced(downloadPrefix.size())).isNull();
-        const auto age = std::chrono::milliseconds(other.lastModified().msecsTo(mine.lastModified()));
-        if (isDownload && other.ownerId() == mine.ownerId() && age > abandonedAfter) {
-            if (const auto removed = removeTree(other.filePath()); !removed) {
-                log(removed.error().description);
-            }
+// Our own ones and older than any installation could be, whatever is under way elsewhere.
+bool isAbandoned(const QFileInfo& folder) {
+    return folder.ownerId() == ::geteuid() &&
+           folder.lastModified() < QDateTime::currentDateTime().addDuration(-abandonedAfter);
+}
+
+void removeOrLog(const QString& folder) {
+    if (const auto removed = removeTree(folder); !removed) {
+        log(removed.error().description);
+    }
+}
+
+// Folders in `parent` that are called `prefix` and a UUID.
+QFileInfoList leftOvers(const QString& parent, const QString& prefix) {
+    QFileInfoList found = QDir(parent).entryInfoList({prefix + u'*'}, QDir::Dirs | QDir::NoSymLinks);
+    found.removeIf(
+        [&](const QFileInfo& folder) { return QUuid::fromString(folder.fileName().sliced(prefix.size())).isNull(); });
+    return found;
+}
+
+// What installations that were killed have left behind.
+void removeAbandonedDownloads(const QString& temporaryFolder) {
+    for (const QFileInfo& download : leftOvers(temporaryFolder, downloadPrefix)) {
+        if (isAbandoned(download)) {
+            removeOrLog(download.filePath());
         }
     }
 }
 
 // The one that an installation prepares when it fails stays until the next one: a server whose content always fails
-// must not fill the disk. Only with the lock held.
-void removeAbandonedStagings(const QString& directory) {
+// must not fill the disk.
+enum class Stagings {
+    all, // only with the lock held
+    abandoned,
+};
+
+void removeStagings(const QString& directory, Stagings which) {
     const QFileInfo configuration(directory);
-    const QString prefix = configuration.fileName() + stagingInfix;
-    for (const QFileInfo& other :
-         QDir(configuration.path()).entryInfoList({prefix + u'*'}, QDir::Dirs | QDir::NoSymLinks)) {
-        if (!QUuid::fromString(other.fileName().sliced(prefix.size())).isNull()) {
-            if (const auto removed = removeTree(other.filePath()); !removed) {
-                log(removed.error().description);
-            }
+    for (const QFileInfo& staging : leftOvers(configuration.path(), configuration.fileName() + stagingInfix)) {
+        if (which == Stagings::all || isAbandoned(staging)) {
+            removeOrLog(staging.filePath());
         }
     }
 }
@@ -156,7 +174,13 @@ auto ConfigInstaller::install(const RemoteManifest& manifest, const QByteArray& 
         return failure(made.error());
     }
     QLockFile lock(lockPath());
-    const auto locked = lockWithin(tools->lockPatience, lock);
+    auto locked = lockWithin(tools->lockPatience, lock);
+    if (!locked && lock.error() == QLockFile::UnknownError) {
+        // No room for it, perhaps for what earlier installations have left.
+        removeAbandonedDownloads(tools->temporaryFolder);
+        removeStagings(directory(), Stagings::abandoned);
+        locked = lockWithin(tools->lockPatience, lock);
+    }
     if (!locked) {
         return failure(locked.error());
     }
@@ -177,6 +201,10 @@ auto ConfigInstaller::install(const RemoteManifest& manifest, const QByteArray& 
 std::expected<void, ConfigSyncError> ConfigInstaller::installLocked(const RemoteManifest& manifest,
                                                                     const QByteArray& rawManifest,
                                                                     const QByteArray& bundle) const {
+    // First of all, for whatever is made may need the room.
+    removeAbandonedDownloads(tools->temporaryFolder);
+    removeStagings(directory(), Stagings::all);
+
     if (const auto made = makeFolders(directory()); !made) {
         return failure(made.error());
     }
@@ -194,8 +222,6 @@ std::expected<void, ConfigSyncError> ConfigInstaller::installLocked(const Remote
         return failure(made.error());
     }
     tools->after(InstallStep::madeDownloadFolder);
-    removeAbandonedDownloads(QFileInfo(download));
-    removeAbandonedStagings(directory());
 
     if (const auto written = writeAtomically(archive, bundle); !written) {
         return failure(written.error());
@@ -349,12 +375,19 @@ FileTree::Done ConfigInstaller::swapAndKeep(const QString& staging) const {
 
 FileTree::Done ConfigInstaller::keepBackup() const {
     const QString parent = QFileInfo(directory()).path();
+    const QString doing = u"keep your own win-rate files in"_s;
     QString kept = parent + u"/winrates-before-sync"_s;
-    for (int number = 2; exists(kept); ++number) {
+    std::error_code unknown;
+    for (int number = 2;
+         std::filesystem::symlink_status(native(kept), unknown).type() != std::filesystem::file_type::not_found;
+         ++number) {
+        // Where it cannot be told what is there, every name would be taken, without end.
+        if (unknown) {
+            return checked(unknown, doing, kept);
+        }
         kept = parent + u"/winrates-before-sync-%1"_s.arg(number);
     }
-    if (auto moved = checked(tools->move(native(backup()), native(kept)), u"keep your own win-rate files in"_s, kept);
-        !moved) {
+    if (auto moved = checked(tools->move(native(backup()), native(kept)), doing, kept); !moved) {
         return moved;
     }
     log(u"a sync has put the server's files in the place of your own win-rate files, which are kept in "_s + kept);

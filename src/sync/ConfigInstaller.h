@@ -18,8 +18,8 @@ struct InstallTools;
 // Puts new data files in the place of those that are there. Whatever happens to an installation, the configuration
 // folder holds its old content or the complete new one, a loss of power included; where two folders cannot be exchanged
 // in one step there is a moment with neither, and restoreInterruptedSwap() or the next installation mends what died in
-// it. Files that no sync has brought are never removed: the first installation over them leaves them in a folder beside
-// it, winrates-before-sync, or fails. On one thread at a time.
+// it. What lies in a folder that no sync has filled is never removed: the first installation there leaves it in a
+// folder beside it, winrates-before-sync, or fails. On one thread at a time.
 class ConfigInstaller {
 public:
     // With the system's own tools, or others. Not explicit: the configuration is all that an installer needs.

@@ -16,6 +16,15 @@ std::unexpected<ConfigSyncError> failure(decltype(ConfigSyncError::reason) reaso
     return std::unexpected(ConfigSyncError{std::move(reason)});
 }
 
+// Of the installed files, where the sync leaves or finds other ones than those of `loaded`.
+std::optional<QString> hashToLoad(const ConfigSyncResult& result, const std::optional<QString>& loaded) {
+    if (const auto* updated = std::get_if<ConfigSyncResult::Updated>(&result.outcome)) {
+        return updated->hash;
+    }
+    const auto* found = std::get_if<ConfigSyncResult::UpToDate>(&result.outcome);
+    return found && found->hash != loaded ? std::optional(found->hash) : std::nullopt;
+}
+
 } // namespace
 
 ConfigSync::ConfigSync(const QString& server, ConfigInstaller configInstaller, std::unique_ptr<HttpClient> client,
@@ -32,12 +41,13 @@ ConfigSync::ConfigSync(const QString& server, ConfigInstaller configInstaller, s
 void ConfigSync::syncAsync(QObject* receiver, const Completion& onComplete) {
     struct Outcome {
         ConfigSyncResult result;
+        std::optional<QString> hash; // of what was prepared
         std::function<void()> prepared;
     };
 
     const auto outcome = std::make_shared<Outcome>();
     workQueue->submit(
-        [this, outcome, server = Server{baseURLString, timeout}, prepare = prepareUpdate] {
+        [this, outcome, server = Server{baseURLString, timeout}, prepare = prepareUpdate, loaded = loadedHash] {
             if (isSyncing) {
                 outcome->result.outcome = ConfigSyncResult::SkippedBusy{};
                 return;
@@ -46,7 +56,8 @@ void ConfigSync::syncAsync(QObject* receiver, const Completion& onComplete) {
             outcome->result = syncIfNeeded(server);
             isSyncing = false;
             // Before anything else is on the queue, so that it is this sync's files that are looked at.
-            if (prepare && outcome->result.didUpdateFiles()) {
+            outcome->hash = hashToLoad(outcome->result, loaded);
+            if (prepare && outcome->hash) {
                 outcome->prepared = prepare();
             }
         },
@@ -56,6 +67,7 @@ void ConfigSync::syncAsync(QObject* receiver, const Completion& onComplete) {
                 onComplete(outcome->result);
                 return;
             }
+            loadedHash = outcome->hash;
             outcome->prepared();
             const QPointer<ConfigSync> self(this); // whoever is told may end it
             onComplete(outcome->result);

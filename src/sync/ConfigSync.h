@@ -40,11 +40,16 @@ public:
     // The label of the queue it is meant to get.
     static QString queueName() { return QStringLiteral("com.local.pelloran.configsync"); }
 
-    // What is made of new files and would hold up the main thread, such as decoding them. A sync of syncAsync that has
-    // installed some calls it on the queue's thread; what it returns runs on the main thread right before that sync's
-    // `onComplete`, and not without it, and is destroyed on the queue's thread, with all that it holds. Holds for the
-    // syncs that are asked for from then on.
+    // What is made of new files and would hold up the main thread, such as decoding them. A sync of syncAsync calls it
+    // on the queue's thread where it has installed some, or finds others up to date than those of `loadedHash`: another
+    // process has installed them. What it returns runs on the main thread right before that sync's `onComplete`, and
+    // not without it. Then it is destroyed on the queue's thread, with all that it holds; on the main thread where
+    // `receiver` has gone or `onComplete` ends the sync. Holds for the syncs that are asked for from then on.
     std::function<std::function<void()>()> prepareUpdate;
+
+    // Of the files that are loaded; absent: no sync's. Whoever loads them takes it from localHash() before that.
+    // Follows by itself when what prepareUpdate returned has run.
+    std::optional<QString> loadedHash;
 
     // One sync, and its result from the event loop unless `receiver` is gone by then.
     void syncAsync(QObject* receiver, const Completion& onComplete);

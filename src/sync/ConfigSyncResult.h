@@ -46,7 +46,7 @@ struct ConfigSyncResult {
     // In the language in force.
     QString userMessage() const;
 
-    // Whether what was loaded from the configuration folder is out of date.
+    // Whether it has put other files into the configuration folder.
     bool didUpdateFiles() const { return std::holds_alternative<Updated>(outcome); }
 
     bool operator==(const ConfigSyncResult&) const = default;

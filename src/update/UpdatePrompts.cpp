@@ -107,6 +107,7 @@ void UpdatePrompts::presentUpdateAlert(const QString& local, const AppReleaseInf
 
 void UpdatePrompts::openDownload(const AppReleaseInfo& release) {
     if (const auto url = release.preferredDownloadURL(checker.downloadBaseURLString())) {
+        // Of every address, whatever comes of it: what a release leads to is to be seen in the log.
         log(QStringLiteral("app update: opening ") + url->toString(QUrl::FullyEncoded));
         if (browser.open(*url)) {
             return;

@@ -162,11 +162,23 @@ TEST_F(FileTreeTest, RemovesWhateverIsThere) {
     write(u"tree/a/b"_s, "");
     write(u"tree/closed/c"_s, "");
     ASSERT_TRUE(QFile::link(at(u"outside"_s), at(u"tree/link"_s)));
+    write(u"protected/d"_s, "stays");
+    ASSERT_EQ(::chmod(qPrintable(at(u"protected"_s)), 0500), 0);
+    for (const QString& link : {u"tree/folder"_s, u"top"_s}) {
+        ASSERT_TRUE(QFile::link(at(u"protected"_s), at(link)));
+    }
     QFile::setPermissions(at(u"tree/closed"_s), QFileDevice::ReadOwner | QFileDevice::ExeOwner);
     QFile::setPermissions(at(u"tree"_s), {});
     EXPECT_TRUE(FileTree::removeTree(at(u"tree"_s)));
     EXPECT_FALSE(FileTree::exists(at(u"tree"_s)));
     EXPECT_EQ(read(u"outside"_s), "stays") << "a link is no part of a tree";
+    EXPECT_TRUE(FileTree::removeTree(at(u"top"_s))) << "a link to a folder, itself";
+    EXPECT_FALSE(FileTree::exists(at(u"top"_s)));
+    struct stat found{};
+    ASSERT_EQ(::stat(qPrintable(at(u"protected"_s)), &found), 0);
+    EXPECT_EQ(found.st_mode & 07777U, 0500U) << "nobody's rights change by a link";
+    EXPECT_EQ(read(u"protected/d"_s), "stays");
+    ::chmod(qPrintable(at(u"protected"_s)), 0700); // so that the folder of all can go
     EXPECT_TRUE(FileTree::removeTree(at(u"outside"_s))) << "a file";
     EXPECT_TRUE(FileTree::removeTree(at(u"outside"_s))) << "nothing";
 }

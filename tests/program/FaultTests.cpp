@@ -83,6 +83,19 @@ TEST_F(FaultTest, EndsAtOnceWhileTheServersNamesAreLookedUp) {
     EXPECT_FALSE(diagnostics.contains("config sync: ")) << "nothing has come of it";
 }
 
+// It takes as long as a sync has patience.
+TEST_F(FaultTest, ASyncGivesUpWhereNoNameServerAnswers) {
+    loadFirst(PELLORAN_HANGING_RESOLVER);
+    start({QStringLiteral("--snapshots"), QStringLiteral("--config-server"), QStringLiteral("http://files.invalid")});
+    ASSERT_TRUE(says("looking up files.invalid") && says("boot cards=")) << diagnostics.toStdString();
+    EXPECT_TRUE(prints(3)) << "the panel waits for it";
+    EXPECT_FALSE(diagnostics.contains("config sync: ")) << "it has not waited at all";
+    EXPECT_TRUE(says("config sync: Config sync failed; using local/bundled data: The request timed out."))
+        << diagnostics.toStdString();
+    EXPECT_TRUE(prints(1));
+    expectPromptEnd();
+}
+
 TEST_F(FaultTest, StartsWithoutASessionBusThatHangs) {
     const QString path = home.filePath(QStringLiteral("bus"));
     const testing::SilentSocket silent(path);

@@ -81,6 +81,34 @@ TEST_F(ConfigInstallerTest, ReplacesAFolderThatIsReadOnlyItself) {
     EXPECT_THAT(logged.lines(), IsEmpty());
 }
 
+// The folder is closed while somebody's own files are to get a name in it.
+TEST_F(ConfigInstallerTest, KeepsOnesOwnFilesWhereItCannotBeToldWhichNamesAreTaken) {
+    const QString mine = directory() + u"/winrates/class_winrates.json"_s;
+    write(mine, "mine");
+    tools.sync = [](const auto&) { return std::error_code(); }; // takes its time, and is not what this is about
+    const QString parent = QFileInfo(directory()).path();
+    const AsOrdinaryUser user(folder.path());
+    const auto allow = [&](QFileDevice::Permissions entering) {
+        EXPECT_TRUE(QFile::setPermissions(parent, QFileDevice::ReadOwner | QFileDevice::WriteOwner | entering));
+    };
+    tools.after = [&](InstallStep step) {
+        if (step == InstallStep::exchanged || step == InstallStep::movedStagingToConfig) {
+            allow({});
+        }
+    };
+    tools.move = [&](const auto& from, const auto& to) {
+        allow(QFileDevice::ExeOwner); // open again before anything is put back
+        return InstallTools::rename(from, to);
+    };
+    const auto installed = installer().install(manifest(u"new"_s), "raw", bundle("new"));
+    ASSERT_FALSE(installed) << "or it looks for a name without end";
+    EXPECT_EQ(installed.error().localizedDescription(),
+              u"cannot keep your own win-rate files in "_s + parent + u"/winrates-before-sync: Permission denied"_s);
+    EXPECT_EQ(everythingIn(directory()), (QStringList{u"winrates"_s, u"winrates/class_winrates.json"_s}));
+    EXPECT_EQ(read(mine), "mine");
+    EXPECT_THAT(logged.lines(), IsEmpty());
+}
+
 // Mounts a small disk that this program and what it starts see, and nobody else: it is gone with the program, however
 // that ends. False where only somebody else may do so, or the system has no such thing.
 bool mountForUsAlone(const QString& path) {
@@ -151,6 +179,73 @@ TEST_F(FullDiskTest, KeepsTheOldContentWhereTheDownloadHasNoRoom) {
     expectOldContent();
     EXPECT_THAT(everythingIn(tools.temporaryFolder), IsEmpty());
     EXPECT_EQ(QDir(directory() + u"/.."_s).entryList({u"config.staging-*"_s}, QDir::Dirs).size(), 0);
+}
+
+// What it left when the disk got full would keep it full.
+TEST_F(FullDiskTest, MakesRoomForTheLock) {
+    mountAt(files.applicationSupportFolder());
+    if (IsSkipped()) {
+        return;
+    }
+    installFirst();
+    const QString left = staging(u"0F8FAD5B-D9CB-469F-A165-70867728950E"_s);
+    write(left + u"/small"_s, "x");
+    QFile large(left + u"/large"_s);
+    ASSERT_TRUE(large.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+    while (large.write(QByteArray(4096, 'x')) > 0) {
+    }
+    large.close();
+    const auto install = [this] { return installer().install(manifest(u"new"_s), "raw", bundle("new")); };
+    const auto full = install();
+    ASSERT_FALSE(full);
+    EXPECT_EQ(full.error().localizedDescription(),
+              u"cannot lock "_s + directory() + u".lock: no permission or no space"_s);
+    expectOldContent();
+    setAge(left, 61);
+    EXPECT_EQ(install(), ConfigInstaller::Installation::done);
+    EXPECT_EQ(config().localHash(), u"new"_s);
+    EXPECT_THAT(logged.lines(), IsEmpty());
+}
+
+// Without the lock, what is younger may be another process's that is at it.
+TEST_F(ConfigInstallerTest, WithoutRoomForTheLockRemovesWhatIsOldAndNobodys) {
+    installFirst();
+    const QString old = u"0F8FAD5B-D9CB-469F-A165-70867728950E"_s;
+    const QString young = u"1F8FAD5B-D9CB-469F-A165-70867728950E"_s;
+    const auto leave = [](const QString& path, int minutes) {
+        write(path + u"/a"_s, "x");
+        setAge(path, minutes);
+    };
+    leave(staging(old), 61);
+    leave(staging(young), 50);
+    leave(staging(u"of-somebody"_s), 500);
+    leave(tools.temporaryFolder + u"/pl-config-"_s + old, 61);
+    {
+        const FullDisk full;
+        EXPECT_FALSE(installer().install(manifest(u"new"_s), "raw", bundle("new")));
+    }
+    expectOldContent();
+    EXPECT_EQ(QDir(directory() + u"/.."_s).entryList({u"config.staging-*"_s}, QDir::Dirs),
+              (QStringList{u"config.staging-"_s + young, u"config.staging-of-somebody"_s}));
+    EXPECT_THAT(everythingIn(tools.temporaryFolder), IsEmpty());
+    EXPECT_EQ(installer().install(manifest(u"new"_s), "raw", bundle("new")), ConfigInstaller::Installation::done);
+    EXPECT_EQ(QDir(directory() + u"/.."_s).entryList({u"config.staging-*"_s}, QDir::Dirs),
+              QStringList{u"config.staging-of-somebody"_s})
+        << "with the lock held all are nobody's";
+}
+
+// Before anything is made in the folder for temporary files.
+TEST_F(ConfigInstallerTest, MakesRoomForADownload) {
+    installFirst();
+    const QString abandoned = tools.temporaryFolder + u"/pl-config-0F8FAD5B-D9CB-469F-A165-70867728950E"_s;
+    write(abandoned + u"/a"_s, "x");
+    setAge(abandoned, 61);
+    tools.after = [&](InstallStep step) {
+        if (step == InstallStep::madeConfigFolder) {
+            EXPECT_FALSE(QFileInfo::exists(abandoned));
+        }
+    };
+    EXPECT_EQ(installer().install(manifest(u"new"_s), "raw", bundle("new")), ConfigInstaller::Installation::done);
 }
 
 // As on a full disk, no file may grow beyond a size: of this program and of the tar it starts.

@@ -65,6 +65,14 @@ protected:
         return found;
     }
 
+    // Of a folder that an installation prepares.
+    QString staging(const QString& id) const { return directory() + QStringLiteral(".staging-") + id; }
+
+    static void setAge(const QString& path, int minutes) {
+        const auto time = std::filesystem::file_time_type::clock::now() - std::chrono::minutes(minutes);
+        std::filesystem::last_write_time(path.toStdString(), time);
+    }
+
     static RemoteManifest manifest(const QString& hash) {
         RemoteManifest made;
         made.hash = hash;

@@ -250,19 +250,25 @@ TEST_F(ConfigInstallerTest, RemovesOnlyOldDownloadsOfOurs) {
     const auto download = [this](const QString& name, int minutes) {
         const QString path = tools.temporaryFolder + u'/' + name;
         write(path + u"/extract/a"_s, "x");
-        const auto time = std::filesystem::file_time_type::clock::now() - std::chrono::minutes(minutes);
-        std::filesystem::last_write_time(path.toStdString(), time);
+        setAge(path, minutes);
     };
     download(u"pl-config-0F8FAD5B-D9CB-469F-A165-70867728950E"_s, 61);
     download(u"pl-config-1F8FAD5B-D9CB-469F-A165-70867728950E"_s, 50);
     download(u"pl-config-2F8FAD5B-D9CB-469F-A165-70867728950E"_s, -500); // the clock was put back
     download(u"pl-config-backup"_s, 500);
     download(u"other-0F8FAD5B-D9CB-469F-A165-70867728950E"_s, 500);
+    // Of somebody who can write into the folder for temporary files.
+    const QString elsewhere = folder.filePath(u"elsewhere"_s);
+    write(elsewhere + u"/extract/a"_s, "x");
+    setAge(elsewhere, 500);
+    ASSERT_TRUE(QFile::link(elsewhere, tools.temporaryFolder + u"/pl-config-3F8FAD5B-D9CB-469F-A165-70867728950E"_s));
     installFirst();
+    EXPECT_EQ(read(elsewhere + u"/extract/a"_s), "x");
     EXPECT_EQ(QDir(tools.temporaryFolder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
               (QStringList{u"other-0F8FAD5B-D9CB-469F-A165-70867728950E"_s,
                            u"pl-config-1F8FAD5B-D9CB-469F-A165-70867728950E"_s,
-                           u"pl-config-2F8FAD5B-D9CB-469F-A165-70867728950E"_s, u"pl-config-backup"_s}));
+                           u"pl-config-2F8FAD5B-D9CB-469F-A165-70867728950E"_s,
+                           u"pl-config-3F8FAD5B-D9CB-469F-A165-70867728950E"_s, u"pl-config-backup"_s}));
 }
 
 TEST_F(ConfigInstallerTest, WaitsForAnotherInstallationOnlySoLong) {

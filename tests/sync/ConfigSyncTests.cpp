@@ -378,6 +378,24 @@ TEST_F(ConfigSyncTest, HasAnUpdatePreparedOnTheQueue) {
     EXPECT_EQ(steps, (QStringList{u"delivered"_s, u"Config is up to date (new…)"_s})) << "nothing new to prepare";
 
     steps.clear();
+    sync->loadedHash = u"older"_s;
+    sync->syncAsync(&receiver, complete);
+    queue->finishNext();
+    EXPECT_EQ(steps,
+              (QStringList{u"prepared with new"_s, u"delivered"_s, u"taken over"_s, u"Config is up to date (new…)"_s}))
+        << "another process has installed it";
+    EXPECT_EQ(sync->loadedHash, u"new"_s);
+    steps.clear();
+    queue->finishNext();
+    EXPECT_TRUE(held.expired());
+    EXPECT_EQ(steps, QStringList{u"delivered"_s});
+
+    steps.clear();
+    sync->syncAsync(&receiver, complete);
+    queue->finishNext();
+    EXPECT_EQ(steps, (QStringList{u"delivered"_s, u"Config is up to date (new…)"_s})) << "once";
+
+    steps.clear();
     http->fail(manifestURL, u"no server"_s);
     sync->syncAsync(&receiver, complete);
     queue->finishNext();

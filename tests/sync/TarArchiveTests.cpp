@@ -96,8 +96,6 @@ TEST_F(TarArchiveTest, AcceptsWhatAnHonestTarMakes) {
 }
 
 TEST_F(TarArchiveTest, RefusesWhatMustNotBeUnpacked) {
-    const qint64 tooMuch = TarListing::maximumUnpackedBytes + 1;
-
     struct Case {
         const char* why;
         TarWriter::Entry entry;
@@ -126,6 +124,9 @@ TEST_F(TarArchiveTest, RefusesWhatMustNotBeUnpacked) {
         {"an owner that pretends to be a whole line",
          {.name = "../x", .content = "x", .owner = "a 1 2026-01-31 10:00 y"},
          u"\"../x\" in the archive leads out of its folder"_s},
+        {"more than we want on the disk",
+         {.name = "zeros", .kind = 'S', .hole = TarListing::maximumUnpackedBytes + 1},
+         u"the archive unpacks to more than 512 MiB"_s},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
@@ -134,11 +135,6 @@ TEST_F(TarArchiveTest, RefusesWhatMustNotBeUnpacked) {
         writer.add(c.entry);
         EXPECT_EQ(messageOf(TarArchive::check(write(writer))), c.message);
     }
-    SCOPED_TRACE("more than we want on the disk");
-    TarWriter writer;
-    writer.add({.name = "big", .content = QByteArray(1000, 'x'), .claimedSize = tooMuch});
-    // Cut off as well; the size is told before its bytes.
-    EXPECT_NE(messageOf(TarArchive::check(write(writer))), u""_s);
 }
 
 TEST_F(TarArchiveTest, RefusesABombBeforeItGoesOff) {

@@ -72,6 +72,8 @@ void AppDelegate::applicationDidFinishLaunching() {
     overlay->open(); // in front, but the keyboard stays with the game
     parts.presence.activate();
 
+    // Before the files are read: those that another process puts there meanwhile count as new.
+    parts.configSync.loadedHash = parts.configSync.localHash();
     if (const auto loaded = parts.store.loadFromBundle(); !loaded) {
         log(loadFailureLine(loaded.error()));
         parts.alerts.runModal({
@@ -211,8 +213,8 @@ void AppDelegate::handleConfigSyncResult(const ConfigSyncResult& result) {
     }
     lastSyncResult = result;
     log(QStringLiteral("config sync: ") + result.userMessage());
-    if (result.didUpdateFiles()) {
-        if (const auto loaded = parts.store.adopt(*std::exchange(broughtData, nullptr)); !loaded) {
+    if (const auto data = std::exchange(broughtData, nullptr)) {
+        if (const auto loaded = parts.store.adopt(*data); !loaded) {
             const DataError& error = loaded.error();
             log(QStringLiteral("reload after sync failed: ") + error.localizedDescription);
             if (!error.path.isEmpty()) {

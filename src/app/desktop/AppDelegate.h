@@ -28,9 +28,9 @@ class UpdatePrompts;
 class WinrateStore;
 
 // The wiring of the desktop program: loads the data, starts the draft service and the configuration sync, owns the
-// panel, fills the status item and its menu, hands on every snapshot, loads the data again when a sync brought some,
-// and makes all visible text anew when the language changes. Lives for the whole run, held by a std::shared_ptr; main
-// thread only.
+// panel, fills the status item and its menu, hands on every snapshot, loads the data again when a sync brought some or
+// finds what another process brought, and makes all visible text anew when the language changes. Lives for the whole
+// run, held by a std::shared_ptr; main thread only.
 class AppDelegate final : public QObject,
                           public DraftServiceDelegate,
                           public std::enable_shared_from_this<AppDelegate> {
@@ -92,7 +92,7 @@ private:
     std::optional<DraftService> service; // once the data has been loaded
     QString idleStatusLine;
     std::optional<ConfigSyncResult> lastSyncResult; // the last that was not about being busy
-    std::shared_ptr<WinrateData> broughtData;       // by the sync whose result comes next
+    std::shared_ptr<WinrateData> broughtData;       // by or before the sync whose result comes next
     QMetaObject::Connection languageObserver;
     bool terminated = false;
 };

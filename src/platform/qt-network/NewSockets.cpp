@@ -8,22 +8,40 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <functional>
+#include <optional>
+#include <utility>
 
 namespace pelloran {
 
 namespace {
 
-// A program of ours has some tens of descriptors; more are not looked at.
-constexpr long mostDescriptors = 1024;
+// Empty where there is none.
+std::string localAddressOf(int descriptor) {
+    sockaddr_storage address{};
+    socklen_t length = sizeof(address);
+    if (::getsockname(descriptor, reinterpret_cast<sockaddr*>(&address), &length) != 0) {
+        return {};
+    }
+    return {reinterpret_cast<const char*>(&address), std::min<std::size_t>(length, sizeof(address))};
+}
+
+// Of what `descriptor` is now; `seenAs` is the descriptor under which it is known. Absent where it is no socket.
+std::optional<SocketKey> keyOf(int descriptor, int seenAs) {
+    struct stat found{};
+    if (::fstat(descriptor, &found) != 0 || !S_ISSOCK(found.st_mode)) {
+        return std::nullopt;
+    }
+    return SocketKey::of(found.st_ino, seenAs, found.st_ino == 0 ? localAddressOf(descriptor) : std::string());
+}
 
 // Also those that other threads open and close meanwhile.
-void forEachSocket(const std::function<void(int descriptor, unsigned long long number)>& each) {
-    const long end = std::min(::sysconf(_SC_OPEN_MAX), mostDescriptors);
+void forEachSocket(const std::function<void(int descriptor, const SocketKey& key)>& each) {
+    const int end = NewSockets::looksAt(::sysconf(_SC_OPEN_MAX));
     for (int descriptor = 0; descriptor < end; ++descriptor) {
-        struct stat found{};
-        if (::fstat(descriptor, &found) == 0 && S_ISSOCK(found.st_mode)) {
-            each(descriptor, found.st_ino);
+        if (const auto key = keyOf(descriptor, descriptor)) {
+            each(descriptor, *key);
         }
     }
 }
@@ -37,14 +55,27 @@ bool isConnectedToTheNetwork(int descriptor) {
 
 } // namespace
 
+SocketKey SocketKey::of(unsigned long long number, int descriptor, std::string localAddress) {
+    if (number != 0) {
+        return {.number = number, .descriptor = 0, .localAddress = {}}; // by whatever descriptor it is known
+    }
+    return {.number = 0, .descriptor = descriptor, .localAddress = std::move(localAddress)};
+}
+
+int NewSockets::looksAt(long limit) {
+    // A program of ours has some tens of descriptors; more are not looked at.
+    constexpr long mostDescriptors = 1024;
+    return static_cast<int>(limit < 0 ? mostDescriptors : std::min(limit, mostDescriptors));
+}
+
 NewSockets::NewSockets() {
-    forEachSocket([this](int, unsigned long long number) { present.insert(number); });
+    forEachSocket([this](int, const SocketKey& key) { present.insert(key); });
 }
 
 qint64 NewSockets::mostReceived() const {
     qint64 most = 0;
-    forEachSocket([&](int descriptor, unsigned long long number) {
-        if (!present.contains(number)) {
+    forEachSocket([&](int descriptor, const SocketKey& key) {
+        if (!present.contains(key)) {
             most = std::max(most, receivedBytes(descriptor));
         }
     });
@@ -52,14 +83,13 @@ qint64 NewSockets::mostReceived() const {
 }
 
 void NewSockets::end() const {
-    forEachSocket([this](int descriptor, unsigned long long number) {
-        if (present.contains(number)) {
+    forEachSocket([this](int descriptor, const SocketKey& key) {
+        if (present.contains(key)) {
             return;
         }
         // Whose it is may have closed it meanwhile, and another have its number: what is looked at is what is ended.
         const int same = ::fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
-        struct stat found{};
-        if (same >= 0 && ::fstat(same, &found) == 0 && found.st_ino == number && isConnectedToTheNetwork(same)) {
+        if (same >= 0 && keyOf(same, descriptor) == key && isConnectedToTheNetwork(same)) {
             ::shutdown(same, SHUT_RDWR); // it stays Qt's to close
         }
         if (same >= 0) {

@@ -2,9 +2,24 @@
 
 #include <QtGlobal>
 
+#include <compare>
 #include <set>
+#include <string>
 
 namespace pelloran {
+
+// What tells one socket from another.
+struct SocketKey {
+    // `number` is the system's, which outlives no socket. It is 0 for each on a Mac: there the descriptor and the local
+    // address tell.
+    static SocketKey of(unsigned long long number, int descriptor, std::string localAddress);
+
+    unsigned long long number = 0;
+    int descriptor = 0;
+    std::string localAddress;
+
+    auto operator<=>(const SocketKey&) const = default;
+};
 
 // The connections that this process has made since this was made.
 //
@@ -23,8 +38,11 @@ public:
     // Another thread's may be among them, which has it fail as if its server had hung up.
     void end() const;
 
+    // How many descriptors are looked at where a process may have `limit`; negative: as many as it likes.
+    static int looksAt(long limit);
+
 private:
-    std::set<unsigned long long> present; // by their numbers in the system, which outlive no socket
+    std::set<SocketKey> present;
 };
 
 } // namespace pelloran

@@ -136,6 +136,56 @@ TEST_F(AppDelegateTest, ReadsWhatASyncBroughtOnItsQueueAndTellsOfItInOrder) {
     }
 }
 
+// As `pelloran sync` may, while the panel is shown.
+TEST_F(AppDelegateTest, LoadsWhatAnotherProcessHasInstalled) {
+    struct Case {
+        const char* why;
+        const char* before; // null: none
+        const char* now;
+        bool loads;
+    };
+
+    const Case cases[] = {
+        {"other files", "1a2b3c4d", "feedbeef", true},
+        {"the first ones", nullptr, "feedbeef", true},
+        {"none: those that are loaded", "feedbeef", "feedbeef", false},
+    };
+    const QString line = QStringLiteral("Config up to date · feedbeef… · Waiting for Arena draft…");
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        QDir(folder.filePath(QStringLiteral("support"))).removeRecursively();
+        if (c.before) {
+            installConfiguration(c.before);
+        }
+        launch();
+        installConfiguration(c.now);
+        write("support/Pelloran/config/winrates/all_classes_LAST_7_DAYS.json", R"({"cards": [{"card_id": "NEW"}]})");
+        serveManifest(c.now);
+        syncQueue->betweenWorkAndResult = [this] {
+            EXPECT_TRUE(store.stats(QStringLiteral("OWN"))) << "the main thread's data is its own";
+        };
+        steps.clear();
+        syncQueue->finishNext();
+        syncQueue->betweenWorkAndResult = {};
+        EXPECT_EQ(store.stats(QStringLiteral("NEW")).has_value(), c.loads);
+        QStringList told{QStringLiteral("log config sync: Config is up to date (feedbeef…)"),
+                         QStringLiteral("snapshot ") + line};
+        if (c.loads) {
+            told.insert(1, QStringLiteral("log reloaded store cards=") + store.metaDescription() +
+                               QStringLiteral("; source=") + store.cardsSourceDescription());
+        }
+        EXPECT_EQ(steps, told);
+        while (syncQueue->waiting() > 0) {
+            syncQueue->finishNext();
+        }
+        EXPECT_TRUE(item.choose(Action::checkConfigNow));
+        steps.clear();
+        syncQueue->finishNext();
+        EXPECT_TRUE(steps.filter(QStringLiteral("reloaded")).isEmpty()) << "once";
+        delegate.reset();
+    }
+}
+
 TEST_F(AppDelegateTest, LoadsWhatASyncBringsWhileTheFirstAlertIsUp) {
     write("resources/winrates/all_classes_LAST_7_DAYS.json", "no figures");
     serveManifest("feedbeef");

@@ -62,6 +62,9 @@ TEST_F(LogFile, IsUnreadableWhenThereIsNoRegularFile) {
     EXPECT_EQ(read(), std::unexpected(LogFileError::unreadable)) << "missing";
     ASSERT_TRUE(QDir().mkdir(path));
     EXPECT_EQ(read(), std::unexpected(LogFileError::unreadable)) << "a folder";
+    ASSERT_TRUE(QDir().rmdir(path));
+    ASSERT_TRUE(QFile::link(u"/dev/zero"_s, path));
+    EXPECT_EQ(read(), std::unexpected(LogFileError::unreadable)) << "a device, which has no end";
 }
 
 TEST_F(LogFile, IsNotWaitedForWhenItIsAPipe) {

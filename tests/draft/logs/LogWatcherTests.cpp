@@ -10,6 +10,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -269,6 +270,27 @@ TEST_F(LogWatching, OutlivesWhatBecomesOfItsFilesAndTellsOnce) {
     const QString session = logs + u"/Hearthstone_1"_s;
     const QString arena = session + u"/Arena.log"_s;
     std::unique_ptr<testing::NoDescriptors> exhausted;
+    // Rights do not bind the superuser, who is somebody else meanwhile.
+    const bool isSuperuser = ::geteuid() == 0;
+    const auto forbid = [&](const QString& path) {
+        if (isSuperuser) {
+            for (const QString& above : {folder.path(), logs, session}) {
+                ASSERT_EQ(::chmod(qPrintable(above), 0755), 0);
+            }
+        }
+        ASSERT_EQ(::chmod(qPrintable(path), 0), 0);
+        if (isSuperuser) {
+            constexpr uid_t nobody = 65534;
+            ASSERT_EQ(::seteuid(nobody), 0);
+        }
+    };
+    const auto allow = [&] {
+        if (isSuperuser) {
+            ASSERT_EQ(::seteuid(0), 0);
+        }
+        ::chmod(qPrintable(logs), 0755);
+    };
+    const auto allowedAgain = qScopeGuard(allow);
 
     struct Case {
         const char* why;
@@ -300,6 +322,13 @@ TEST_F(LogWatching, OutlivesWhatBecomesOfItsFilesAndTellsOnce) {
              ASSERT_EQ(::mkfifo(qPrintable(arena), 0600), 0);
          },
          false, arena + u" cannot be read: it is no file"_s},
+        {"now a device, by way of a link",
+         [&] {
+             QFile::remove(arena);
+             QFile::link(u"/dev/zero"_s, arena);
+         },
+         false, arena + u" cannot be read: it is no file"_s},
+        {"it may not be read", [&] { forbid(arena); }, false, arena + u" cannot be read: Permission denied"_s},
         {"a link to itself",
          [&] {
              QFile::remove(arena);
@@ -331,6 +360,8 @@ TEST_F(LogWatching, OutlivesWhatBecomesOfItsFilesAndTellsOnce) {
              write(logs, "x");
          },
          false, u"the log folder %1 cannot be listed: Not a directory"_s.arg(logs)},
+        {"the log folder may not be listed", [&] { forbid(logs); }, false,
+         u"the log folder %1 cannot be listed: Permission denied"_s.arg(logs)},
         {"nothing more can be opened", [&] { exhausted = std::make_unique<testing::NoDescriptors>(); }, false,
          u"the log folder %1 cannot be listed: Too many open files"_s.arg(logs)},
         {"but one file: the folder can be listed, and its files be read one after the other",
@@ -340,6 +371,7 @@ TEST_F(LogWatching, OutlivesWhatBecomesOfItsFilesAndTellsOnce) {
     };
     const auto wellAgain = [&] {
         exhausted.reset();
+        allow();
         QFile::remove(logs);
         QDir(logs).removeRecursively();
         ASSERT_TRUE(QDir().mkpath(session));

@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace pelloran {
 namespace {
@@ -35,6 +36,16 @@ TEST(PrivateRuntimeFolder, IsTheSessionsOrOneOfOurOwn) {
         EXPECT_EQ(privateRuntimeFolder(none, temporary.path()), own) << "and again";
         ASSERT_EQ(::chmod(QFile::encodeName(own).constData(), 0777), 0);
         EXPECT_EQ(privateRuntimeFolder(none, temporary.path()), QString()) << "open to others";
+        ASSERT_EQ(::chmod(QFile::encodeName(own).constData(), 0700), 0);
+        EXPECT_EQ(privateRuntimeFolder(none, temporary.path()), own);
+        if (::geteuid() == 0) { // nobody else can give a folder away
+            constexpr uid_t nobody = 65534;
+            ASSERT_EQ(::chown(QFile::encodeName(own).constData(), nobody, gid_t(-1)), 0);
+            EXPECT_EQ(privateRuntimeFolder(none, temporary.path()), QString()) << "somebody else's";
+            EXPECT_EQ(existingPrivateRuntimeFolder(none, temporary.path()), QString());
+            EXPECT_EQ(privateRuntimeFolder(own, session.path()), session.path() + QStringLiteral("/pelloran-0"))
+                << "nor is the session's, where it is somebody else's";
+        }
         ASSERT_TRUE(QFile::remove(own) || QDir(own).removeRecursively());
         ASSERT_TRUE(QFile::link(session.path(), own));
         EXPECT_EQ(privateRuntimeFolder(none, temporary.path()), QString()) << "a link that somebody laid there";
