@@ -100,9 +100,12 @@ inline bool survives(const QByteArray& json) {
 template <typename Value>
 bool isRight(const std::optional<Value>& decoded, const QByteArray& file,
              qsizetype longestText = std::numeric_limits<qsizetype>::max()) {
-    const QJsonDocument document = QJsonDocument::fromJson(file);
-    if (!document.isObject() || !file.isValidUtf8()) { // Qt forgives bytes that are no text
+    if (!file.isValidUtf8()) { // Qt forgives bytes that are no text
         return true;
+    }
+    const QJsonDocument document = QJsonDocument::fromJson(file);
+    if (!document.isObject()) {
+        return !decoded;
     }
     return decoded ? says(document.object(), *decoded) : !fits<Value>(document.object(), longestText);
 }

@@ -19,8 +19,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <tuple>
+#include <vector>
 
 namespace {
 
@@ -57,29 +60,77 @@ bool isFromLists(const QString& key) {
     return std::ranges::find(known, key) != known.end();
 }
 
-// Whether nothing is lost or said otherwise, and nothing comes but what lists know. Rows may be left out.
-bool isKept(const QJsonValue& before, const QJsonValue& after) {
-    if (before.isArray()) {
-        const QJsonArray had = before.toArray();
-        const QJsonArray has = after.toArray();
-        return has.size() < had.size() || std::ranges::equal(had, has, isKept);
+// Whether the second list is what became of the first: each of its elements is one of that, in order, and none is gone
+// but where it may.
+template <typename Had, typename Has, typename IsKept, typename MayGo>
+bool areKept(const Had& had, const Has& has, IsKept isKept, MayGo mayGo) {
+    std::vector<bool> reached(std::size_t(std::ssize(has)) + 1); // so many of them are of what was gone through
+    reached[0] = true;
+    for (const auto& before : had) {
+        for (std::size_t count = reached.size(); count-- > 0;) {
+            reached[count] =
+                (reached[count] && mayGo(before)) ||
+                (count > 0 && reached[count - 1] && isKept(before, *(has.begin() + std::ptrdiff_t(count) - 1)));
+        }
     }
-    if (!before.isObject()) {
+    return reached.back();
+}
+
+// Of a file, for only rows may be filled, and only cards' be left out.
+enum class Part { cardFile, classFile, cardsByClass, cardsOfClass, cards, classes, row, other };
+
+Part partOf(Part whole, const QString& key) {
+    switch (whole) {
+    case Part::cardFile:
+        return key == "cards"_L1 ? Part::cards : key == "classes"_L1 ? Part::cardsByClass : Part::other;
+    case Part::classFile:
+        return key == "classes"_L1 ? Part::classes : Part::other;
+    case Part::cardsByClass:
+        return Part::cardsOfClass;
+    case Part::cardsOfClass:
+        return key == "cards"_L1 ? Part::cards : Part::other;
+    default:
+        return Part::other;
+    }
+}
+
+bool isNothing(const QJsonValue& value) {
+    return value.isUndefined() || value.isNull() || value == u""_s;
+}
+
+// A row that only its number tells of, which may be in no list.
+bool mayGo(const QJsonValue& row) {
+    return row.isObject() && isNothing(row["card_id"_L1]) && fuzzing::fits<qint64>(row["dbf_id"_L1], 0);
+}
+
+// Whether nothing is lost or said otherwise, and nothing comes but what lists know.
+bool isKept(const QJsonValue& before, const QJsonValue& after, Part part) {
+    if (before.isArray()) {
+        const bool areCards = part == Part::cards || part == Part::cardsOfClass;
+        const Part element = areCards || part == Part::classes ? Part::row : Part::other;
+        return after.isArray() &&
+               areKept(
+                   before.toArray(), after.toArray(),
+                   [&](const QJsonValue& had, const QJsonValue& has) { return isKept(had, has, element); },
+                   [&](const QJsonValue& had) { return areCards && mayGo(had); });
+    }
+    if (!before.isObject() || !after.isObject()) {
         return after == before;
     }
     const QJsonObject had = before.toObject();
     const QJsonObject has = after.toObject();
     const auto isOpen = [&](const QString& key) {
-        const QJsonValue value = had.value(key);
-        return isFromLists(key) && (value.isUndefined() || value.isNull() || value == u""_s);
+        return part == Part::row && isFromLists(key) && isNothing(had.value(key));
     };
     return std::ranges::all_of(had.keys(),
-                               [&](const QString& key) { return isOpen(key) || isKept(had[key], has.value(key)); }) &&
+                               [&](const QString& key) {
+                                   return isOpen(key) || isKept(had[key], has.value(key), partOf(part, key));
+                               }) &&
            std::ranges::all_of(has.keys(), [&](const QString& key) { return had.contains(key) || isOpen(key); });
 }
 
-bool isFilledFrom(const QByteArray& json, const QByteArray& filled) {
-    return filled == json || !fuzzing::survives(json) || isKept(contentOf(json), contentOf(filled));
+bool isFilledFrom(const QByteArray& json, const QByteArray& filled, Part file) {
+    return filled == json || !fuzzing::survives(json) || isKept(contentOf(json), contentOf(filled), file);
 }
 
 bool saysNothing(const QString& text) {
@@ -105,6 +156,11 @@ bool isFilled(const CardStats& before, const CardStats& after, const CardStats& 
                       strict_json::fields<CardStats>);
 }
 
+bool hasOwnRows(const QByteArray& json) {
+    const auto file = WinrateFile::decode(json);
+    return file && !file->cards.empty();
+}
+
 void fillCards(const QByteArray& json, const CardLists& lists) {
     const auto filled = filledCardFile(json, lists);
     if (!filled) {
@@ -113,23 +169,26 @@ void fillCards(const QByteArray& json, const CardLists& lists) {
     }
     const auto again = filledCardFile(filled->bytes, lists);
     require((again && again->bytes == filled->bytes) || !fuzzing::survives(json));
-    require(isFilledFrom(json, filled->bytes));
+    require(isFilledFrom(json, filled->bytes, Part::cardFile));
     const auto before = CardFile::decode(json, QStringLiteral("cards.json"));
     const auto after = CardFile::decode(filled->bytes, QStringLiteral("cards.json"));
-    if (!before || !after || before->rows.size() != after->rows.size()) {
+    // With all of its own rows left out a file is one of another shape.
+    if (!before || !after || hasOwnRows(json) != hasOwnRows(filled->bytes) || !fuzzing::survives(filled->bytes)) {
         return;
     }
-    for (std::size_t i = 0; i < before->rows.size(); ++i) {
-        if (const ListedRow found = lists.find(before->rows[i].cardId, {}); found.card) {
-            require(isFilled(before->rows[i], after->rows[i], found.card->card));
-        }
-    }
+    require(areKept(
+        before->rows, after->rows,
+        [&](const CardStats& had, const CardStats& has) {
+            const ListedRow found = lists.find(had.cardId.isEmpty() ? has.cardId : had.cardId, {});
+            return found.card ? isFilled(had, has, found.card->card) : has.cardId == had.cardId;
+        },
+        [](const CardStats& had) { return had.cardId.isEmpty(); }));
 }
 
 void fillClasses(const QByteArray& json, const CardLists& lists) {
     const QByteArray filled = filledClassFile(json, lists).bytes;
     require(filledClassFile(filled, lists).bytes == filled || !fuzzing::survives(json));
-    require(isFilledFrom(json, filled));
+    require(isFilledFrom(json, filled, Part::classFile));
     const auto before = ClassWinrateFile::decode(json);
     const auto after = ClassWinrateFile::decode(filled);
     require(before.has_value() == after.has_value());

@@ -18,6 +18,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 namespace {
@@ -55,6 +56,8 @@ void detect(const Plane& plane, Bytes& bytes) {
     const double unit = 0.25 + bytes.take() / 100.0;
     const std::vector<TextBox> boxes = detectLines(plane, unit);
     require(boxes.size() <= 12);
+    require(
+        std::ranges::is_sorted(boxes, std::greater{}, [unit](const TextBox& box) { return nameLikeness(box, unit); }));
     for (const TextBox& box : boxes) {
         require(!box.area.isEmpty() && wholeOf(plane).contains(box.area));
         require(box.ink > 0 && box.darkness >= 0 && box.darkness <= 1);
@@ -133,6 +136,7 @@ void findHeroes(const Plane& plane, Bytes& bytes) {
     for (const double stroke : {usualStroke, thinStroke}) {
         const auto lines = findHeroLines(window, frame, centre, stroke);
         require(lines.size() <= mostHeroLines);
+        require(std::ranges::is_sorted(lines, std::greater{}, [](const HeroLine& line) { return line.letters.top(); }));
         for (const HeroLine& line : lines) {
             require(line.letters.width() > 0 && line.letters.height() > 0);
             require(line.letters.left() >= -1 && line.letters.right() <= line.ink.width + 1);

@@ -152,7 +152,9 @@ void searchClasses(const QStringList& texts, const QStringList& lines) {
 
 void settle(const QStringList& texts, const QStringList& lines, int how) {
     std::vector<KnownName> names;
+    std::vector<QString> norms;
     for (const QString& text : texts) {
+        norms.push_back(reference::normalize(text));
         const int kinds = (how + int(names.size()) * 7) % 40;
         names.push_back({text, kinds < 32 ? NameKinds(kinds) : NameKinds(), kinds % 9 == 0});
     }
@@ -164,8 +166,18 @@ void settle(const QStringList& texts, const QStringList& lines, int how) {
         const auto settled = lexicon.settle(line, fitting);
         require(settled == plain.settle(line, fitting));
         require(!lexicon.contains(line) || (settled && settled->distance == 0));
-        const double resemblance = lexicon.resemblance(line);
-        require(resemblance >= 0 && resemblance <= 1 && (!lexicon.contains(line) || resemblance == 1));
+        require(lexicon.resemblance(line) == reference::resemblance(line, texts));
+        const QString norm = reference::normalize(line);
+        bool isKnown = false;
+        bool isStrict = true;
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            if (!norm.isEmpty() && norms[i] == norm) {
+                isKnown = true;
+                isStrict = isStrict && names[i].isStrict;
+            }
+        }
+        require(lexicon.contains(line) == isKnown);
+        require(lexicon.isStrict(line) == (isKnown && isStrict));
     }
 }
 

@@ -76,24 +76,7 @@ void readStrided(Bytes& bytes) {
 }
 
 void checkComponents(const Plane& mask) {
-    const Components components = componentsOf(mask);
-    require(components.numbers.size() == mask.pixels.size());
-    std::vector<Components::Group> counted(components.groups.size());
-    for (int y = 0; y < mask.height; ++y) {
-        for (int x = 0; x < mask.width; ++x) {
-            const auto at = std::size_t(y) * std::size_t(mask.width) + std::size_t(x);
-            const int number = components.numbers[at];
-            require((number != 0) == (mask.pixels[at] != 0));
-            if (number != 0) {
-                Components::Group& group = counted.at(std::size_t(number) - 1);
-                group.box |= QRect(x, y, 1, 1);
-                ++group.area;
-            }
-        }
-    }
-    for (std::size_t i = 0; i < counted.size(); ++i) {
-        require(counted[i].box == components.groups[i].box && counted[i].area == components.groups[i].area);
-    }
+    require(componentsOf(mask) == testing::plainComponents(mask));
 }
 
 void checkFlood(const Plane& plane, Bytes& bytes) {
@@ -121,23 +104,68 @@ void checkExtremes(const Plane& plane, int radius) {
     }
 }
 
+// Each pixel lies between the darkest and the lightest of those where it comes from.
+void checkResampled(const Plane& plane, double scale) {
+    const Plane scaled = resampled(plane, scale);
+    const int width = int(std::lround(plane.width * scale));
+    const int height = int(std::lround(plane.height * scale));
+    if (width <= 0 || height <= 0) {
+        require(scaled == plane);
+        return;
+    }
+    require(scaled.width == width && scaled.height == height);
+    require(scaled.pixels.size() == std::size_t(width) * std::size_t(height));
+    constexpr int reach = 2;    // pixels that scaling looks beyond
+    constexpr int rounding = 2; // of its sums
+    for (int y = 0; y < height; y += 1 + height / 8) {
+        for (int x = 0; x < width; x += 1 + width / 8) {
+            const QRect from(QPoint(x * plane.width / width - reach, y * plane.height / height - reach),
+                             QPoint((x + 1) * plane.width / width + reach, (y + 1) * plane.height / height + reach));
+            const auto [darkest, lightest] =
+                std::ranges::minmax(cropped(plane, from.intersected(wholeOf(plane))).pixels);
+            require(scaled.at(x, y) >= darkest - rounding && scaled.at(x, y) <= lightest + rounding);
+        }
+    }
+}
+
+struct PixelRange {
+    int first = 0;
+    int count = 0;
+};
+
+// Those of which some part lies within these fractions of their number.
+PixelRange pixelsBetween(double begin, double length, int number) {
+    const double from = begin * number;
+    const double to = from + length * number;
+    PixelRange range;
+    for (int pixel = 0; pixel < number; ++pixel) {
+        if (std::min(from, to) < pixel + 1 && std::max(from, to) > pixel) {
+            range.first = range.count == 0 ? pixel : range.first;
+            ++range.count;
+        }
+    }
+    return range;
+}
+
 void checkSizes(const Plane& plane, Bytes& bytes) {
     const double scale = bytes.take() / 64.0;
-    const Plane larger = resampled(plane, scale);
-    require(larger.pixels.size() == std::size_t(larger.width) * std::size_t(larger.height));
+    checkResampled(plane, scale);
     const int times = bytes.take() % 10;
-    const Plane smaller = shrunk(plane, times);
-    require(smaller.width == plane.width >> times && smaller.height == plane.height >> times);
-    const int median = percentile(plane, 0.5);
-    require(std::ranges::count_if(plane.pixels, [&](int value) { return value < median; }) * 2 <=
-            std::ssize(plane.pixels));
-    const double value = sampleAt(plane, bytes.take() / 2.0 - 3, bytes.take() / 2.0 - 3);
-    require(value >= 0 && value <= 255);
+    require(shrunk(plane, times) == testing::plainShrunk(plane, times));
+    const double x = bytes.take() / 2.0 - 3; // halves, of which sums are exact
+    const double y = bytes.take() / 2.0 - 3;
+    require(sampleAt(plane, x, y) == testing::plainSample(plane, x, y));
     const QRectF fraction(bytes.take() / 128.0 - 0.5, bytes.take() / 128.0 - 0.5, bytes.take() / 64.0 - 2,
                           std::bit_cast<double>(bytes.takeNumber(8)));
+    const PixelRange columns = pixelsBetween(fraction.x(), fraction.width(), plane.width);
+    const PixelRange rows = pixelsBetween(fraction.y(), fraction.height(), plane.height);
     const auto piece = WindowCapture::crop(imageOf(plane), fraction);
-    require(!piece || (piece->width() > 2 && piece->height() > 2 && piece->width() <= plane.width &&
-                       piece->height() <= plane.height));
+    require(piece.has_value() == (columns.count > 2 && rows.count > 2));
+    require(!piece || *piece == imageOf(plane).copy(columns.first, rows.first, columns.count, rows.count));
+    const double share = bytes.take() / 255.0;
+    for (const double each : {0.5, share}) {
+        require(percentile(plane, each) == testing::plainPercentile(plane, each));
+    }
 }
 
 void checkSteadiness(const Plane& plane, Bytes& bytes) {

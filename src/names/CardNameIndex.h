@@ -57,7 +57,6 @@ private:
     struct Query;
     struct Contest;
 
-    std::optional<Character> dense(char32_t character) const;
     Query query(std::u32string_view line) const;
     std::optional<std::size_t> findEqual(const Query& query) const;
     void searchGroup(const Query& query, std::size_t nameLength, Contest& contest) const;

@@ -14,10 +14,14 @@ struct Components {
     struct Group {
         QRect box;
         int area = 0; // pixels
+
+        bool operator==(const Group&) const = default;
     };
 
     std::vector<int> numbers;  // of the group of each pixel of the mask, from 1; 0 where the mask is 0
-    std::vector<Group> groups; // the group with number 1 first
+    std::vector<Group> groups; // the group with number 1 first; numbered as they are met row by row
+
+    bool operator==(const Components&) const = default;
 };
 
 Components componentsOf(const Plane& mask);

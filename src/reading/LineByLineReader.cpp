@@ -169,9 +169,8 @@ LineByLineReader::Look LineByLineReader::readAtPlaces(const QImage& image, const
             std::rotate(scripts.begin(), seen, seen + 1);
         }
     }
+    const bool isGuess = !hints.script && !remembered;
     Look best{image.size(), hints, scripts.front(), {}};
-    const bool isChinese = scripts.front() == Script::chinese && (cards || remembered);
-    bool missesChinese = false;
     std::vector<OCRToken> unsettled;
     for (const Script script : scripts) {
         ReadingTools& own = tools[std::size_t(script)];
@@ -179,7 +178,6 @@ LineByLineReader::Look LineByLineReader::readAtPlaces(const QImage& image, const
             cards ? cards->read(script, own, *hints.names) : readHeroesAtPlaces(image, script, own, *hints.names);
         ReadText text = textOf(row, image.size());
         unsettled.insert(unsettled.end(), text.unsettled.begin(), text.unsettled.end());
-        missesChinese |= isChinese && script == Script::chinese && !row.isComplete();
         if (script == scripts.front() || row.countOffers() > best.row.countOffers()) {
             best.script = script;
             best.row = std::move(row);
@@ -191,7 +189,10 @@ LineByLineReader::Look LineByLineReader::readAtPlaces(const QImage& image, const
         }
     }
     best.text.unsettled = std::move(unsettled);
-    if (missesChinese) {
+    // Of a script that was only tried, characters have to be seen: it may be another one, or nothing may stand there.
+    const bool isChinese =
+        best.script == Script::chinese && (!isGuess || std::ranges::any_of(best.row.slots, &PlacedSlot::isPrinted));
+    if (isChinese && !best.row.isComplete()) {
         tellOfSmallWindow(image.size());
     }
     return best;

@@ -95,4 +95,25 @@ std::optional<Lexicon::Settled> PlainLexicon::settle(const QString& line, NameKi
     return near && alone && !cutFromAnother ? std::optional(Lexicon::Settled{nearest->text, distance}) : std::nullopt;
 }
 
+double resemblance(const QString& line, const QStringList& names) {
+    const QString a = NameMatching::normalize(line);
+    double best = 0;
+    for (const QString& name : names) {
+        const QString b = NameMatching::normalize(name);
+        std::vector<std::vector<int>> table(static_cast<std::size_t>(a.size()) + 1,
+                                            std::vector<int>(static_cast<std::size_t>(b.size()) + 1, 0));
+        for (std::size_t i = 1; i < table.size(); ++i) {
+            for (std::size_t j = 1; j < table[i].size(); ++j) {
+                table[i][j] = a[static_cast<qsizetype>(i - 1)] == b[static_cast<qsizetype>(j - 1)]
+                                  ? table[i - 1][j - 1] + 1
+                                  : std::max(table[i - 1][j], table[i][j - 1]);
+            }
+        }
+        if (!a.isEmpty() && !b.isEmpty()) {
+            best = std::max(best, 2.0 * table.back().back() / static_cast<double>(a.size() + b.size()));
+        }
+    }
+    return best;
+}
+
 } // namespace pelloran::reference

@@ -3,6 +3,7 @@
 #include "names/Lexicon.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 #include <vector>
@@ -29,5 +30,8 @@ private:
     Lexicon::Tolerance tolerance;
     std::vector<Candidate> candidates;
 };
+
+// To the nearest of the names: twice the longest common subsequence as a share of both lengths, by the usual table.
+double resemblance(const QString& line, const QStringList& names);
 
 } // namespace pelloran::reference

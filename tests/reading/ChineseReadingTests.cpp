@@ -4,10 +4,12 @@
 #include "tests/fakes/FakeLineReader.h"
 #include "tests/reading/PaintedCharacters.h"
 #include "tests/reading/WordsByWidth.h"
+#include "tests/support/CollectedLog.h"
 #include "tests/support/Printing.h"
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <random>
 
 // Chinese names on painted screens, from pixels to tokens.
@@ -322,6 +324,64 @@ TEST_F(EitherScriptTest, WithoutAModelLatinLettersAreRead) {
     hints.script.reset();
     isLatin = true;
     EXPECT_EQ(textsOf(alone.read(testing::paintedCards(usual, wordsByWidth), hints).tokens), latin) << "and after it";
+}
+
+TEST_F(EitherScriptTest, OfASmallWindowItTellsOnceAndOnlyWhereChineseIsRead) {
+    const QSize small(1280, 690);
+    const QString missing = text("火川目王"); // from the data
+    const auto look = [&](const QSize& size, const Names& printed) {
+        isLatin = false;
+        return textsOf(reader.read(paintedChineseCards(size, printed), hints).tokens);
+    };
+
+    struct Row {
+        const char* why;
+        std::function<void()> looks;
+        qsizetype lines;
+    };
+
+    const Row table[] = {
+        {"all three names are read", [&] { EXPECT_EQ(look(small, first), listOf(first)); }, 0},
+        {"an empty board", [&] { EXPECT_EQ(look(small, {}), QStringList()); }, 0},
+        {"one of three is missing",
+         [&] {
+             EXPECT_FALSE(look(small, {first[0], missing, first[2]}).isEmpty());
+             EXPECT_FALSE(look(small, {missing, first[1], first[2]}).isEmpty());
+         },
+         1},
+        {"one is, in a window that is large enough",
+         [&] { EXPECT_FALSE(look(usual, {first[0], missing, first[2]}).isEmpty()); }, 0},
+        {"Chinese is asked for, and none is known",
+         [&] {
+             hints.script = Script::chinese;
+             EXPECT_EQ(look(small, {missing, missing, missing}), QStringList());
+         },
+         1},
+        {"a client that was Chinese is English now, and its names settle late",
+         [&] {
+             ASSERT_EQ(look(usual, first), listOf(first));
+             const QString strange = QStringLiteral("Wvqx");
+             testing::WordScript late({{{strange, latin[0]}, {strange, latin[1]}, {strange, latin[2]}}});
+             told.answer = std::ref(late);
+             EXPECT_EQ(textsOf(reader.read(testing::paintedCards(small, wordsByWidth), hints).tokens), latin);
+             told.answer = {};
+         },
+         0},
+    };
+    for (const Row& row : table) {
+        SCOPED_TRACE(row.why);
+        reader = LineByLineReader(std::make_unique<FakeLineReader>(told),
+                                  std::make_unique<ChineseLineReader>(*testing::paintedModel()));
+        hints.script.reset();
+        const testing::CollectedLog logged;
+        row.looks();
+        const QStringList lines = logged.lines();
+        ASSERT_EQ(lines.size(), row.lines) << lines.join(u'\n').toStdString();
+        if (!lines.isEmpty()) {
+            EXPECT_EQ(lines[0], QStringLiteral("the game's picture is 690 pixels high; Chinese names are read surely "
+                                               "from 700 on"));
+        }
+    }
 }
 
 TEST_F(EitherScriptTest, AMissingNameIsNotOfferedByAnotherWayToRead) {

@@ -98,6 +98,32 @@ TEST(PlaneTest, ShrinkingTakesMeansAndDropsOddEdges) {
     EXPECT_TRUE(shrunk(plane, 5).pixels.empty());
 }
 
+TEST(PlaneTest, EqualsThePlainestWayToSayIt) {
+    struct Row {
+        int width;
+        int height;
+        const char* why;
+    };
+
+    const Row table[] = {{37, 23, "odd sizes"}, {16, 8, "halves of halves"}, {1, 1, "a single pixel"}, {0, 0, "none"}};
+    for (const Row& row : table) {
+        SCOPED_TRACE(row.why);
+        const Plane plane = randomPlane(row.width, row.height, 9);
+        for (const double share : {0.0, 0.1, 0.5, 0.99, 1.0}) {
+            EXPECT_EQ(percentile(plane, share), testing::plainPercentile(plane, share)) << share;
+        }
+        for (int times = 0; times < 6; ++times) {
+            EXPECT_EQ(shrunk(plane, times), testing::plainShrunk(plane, times)) << times;
+        }
+        // Halves, of which sums are exact: within, across each edge, and outside.
+        for (double y = -2; y <= row.height + 2; y += 0.5) {
+            for (double x = -2; x <= row.width + 2; x += 2.5) {
+                ASSERT_EQ(sampleAt(plane, x, y), testing::plainSample(plane, x, y)) << x << ' ' << y;
+            }
+        }
+    }
+}
+
 TEST(PlaneTest, FloodStopsAtDarkMoats) {
     // A lit left half, a moat, and an island as light as the shore.
     Plane plane(9, 5, 200);

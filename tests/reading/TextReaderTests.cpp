@@ -1,6 +1,7 @@
 #include "platform/TextReader.h"
 
 #include "tests/fakes/FakeApplicationFiles.h"
+#include "tests/reading/PaintedCharacters.h"
 #include "tests/reading/PaintedText.h"
 #include "tests/support/CollectedLog.h"
 #include "tests/support/Printing.h"
@@ -345,6 +346,73 @@ TEST_F(ModelFileTest, WithoutAUsableModelEnglishIsReadAndTheLogSaysWhy) {
             << logged.lines()[0].toStdString();
         EXPECT_TRUE(logged.lines()[0].endsWith(row.reason)) << logged.lines()[0].toStdString();
     }
+}
+
+// Where Tesseract looks for its data, for as long as this lives or until the system's is back.
+class DataFolder {
+public:
+    explicit DataFolder(const QString& path) { qputenv(variable, path.toLocal8Bit()); }
+
+    ~DataFolder() { giveBack(); }
+
+    DataFolder(const DataFolder&) = delete;
+    DataFolder& operator=(const DataFolder&) = delete;
+
+    void giveBack() const {
+        if (before.isNull()) {
+            qunsetenv(variable);
+        } else {
+            qputenv(variable, before);
+        }
+    }
+
+private:
+    static constexpr const char* variable = "TESSDATA_PREFIX";
+    const QByteArray before = qgetenv(variable);
+};
+
+TEST_F(ModelFileTest, WithoutUsableLatinDataChineseIsReadAndInstallingItIsEnough) {
+    write(testing::paintedModel()->serialized());
+    const std::array<QString, 3> printed{QStringLiteral("王日山人"), QStringLiteral("石田木"),
+                                         QStringLiteral("大天中口火")};
+    const QImage chinese = testing::paintedChineseCards(QSize(1280, 720), printed);
+    const QStringList chineseNames(printed.begin(), printed.end());
+    const ReadingHints hints = hintsFor(cardBand, known(offers + chineseNames));
+
+    struct Row {
+        std::optional<QByteArray> file; // absent: none
+        const char* why;
+    };
+
+    const Row table[] = {{std::nullopt, "no file"}, {QByteArray(), "an empty one"}};
+    for (const Row& row : table) {
+        SCOPED_TRACE(row.why);
+        logged.clear();
+        const QTemporaryDir empty;
+        if (row.file) {
+            QFile file(empty.filePath(QStringLiteral("eng.traineddata")));
+            ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+            ASSERT_EQ(file.write(*row.file), row.file->size());
+        }
+        const DataFolder data(empty.path());
+        const auto reader = TextReader::create(testing::FakeApplicationFiles(folder.path()));
+        ASSERT_TRUE(reader) << reader.error().reason.toStdString();
+        EXPECT_EQ(textsOf((*reader)->read(chinese, hints).tokens), chineseNames);
+        EXPECT_EQ(textsOf((*reader)->read(paintedPick(1280, 720), hints).tokens), QStringList());
+        data.giveBack();
+        EXPECT_EQ(textsOf((*reader)->read(paintedPick(1280, 720), hints).tokens), offers) << "at the next look";
+        EXPECT_EQ(textsOf((*reader)->read(chinese, hints).tokens), chineseNames);
+        ASSERT_EQ(logged.lines().size(), 1);
+        EXPECT_TRUE(logged.lines()[0].contains(QStringLiteral("tesseract-ocr-eng"))) << logged.lines()[0].toStdString();
+    }
+}
+
+TEST_F(ModelFileTest, WithoutEitherDataThereIsNoReader) {
+    const DataFolder data(folder.path());
+    const auto reader = TextReader::create(testing::FakeApplicationFiles(folder.path()));
+    ASSERT_FALSE(reader);
+    EXPECT_TRUE(reader.error().reason.contains(QStringLiteral("tesseract-ocr-eng")));
+    EXPECT_TRUE(logged.lines().isEmpty()) << logged.lines().join(u'\n').toStdString();
 }
 
 TEST_F(TextReaderTest, BringsLinesToTheirSizeItself) {

@@ -12,6 +12,7 @@
 #include <condition_variable>
 #include <mutex>
 #include <optional>
+#include <system_error>
 #include <thread>
 
 namespace pelloran {
@@ -91,20 +92,21 @@ public:
     static constexpr std::size_t size = 2; // more would take memory and gain nothing on three lines
 
     explicit Pool(const QString& dataFolder) {
-        for (std::size_t i = 0; i < size; ++i) {
-            threads[i] = std::jthread([this, dataFolder] { run(dataFolder); });
+        try {
+            for (std::size_t i = 0; i < size; ++i) {
+                threads[i] = std::jthread([this, dataFolder] { run(dataFolder); });
+            }
+        } catch (const std::system_error&) {
+            // As many threads as may be. Those that run would be waited for without end, were they not told.
+            failed = true;
+            end();
+            return;
         }
         std::unique_lock lock(mutex);
         changed.wait(lock, [this] { return ready == size; });
     }
 
-    ~Pool() {
-        {
-            const std::scoped_lock lock(mutex);
-            ending = true;
-        }
-        changed.notify_all();
-    }
+    ~Pool() { end(); }
 
     bool isComplete() const { return !failed; }
 
@@ -123,6 +125,14 @@ public:
     }
 
 private:
+    void end() {
+        {
+            const std::scoped_lock lock(mutex);
+            ending = true;
+        }
+        changed.notify_all();
+    }
+
     void run(const QString& dataFolder) {
         keepTesseractOnThisThread();
         Network network;
