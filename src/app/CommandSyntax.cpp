@@ -79,6 +79,9 @@ std::expected<RunLoop, QString> parsedRunLoop(const QCommandLineParser& parsed) 
         .updateServer = optionalValue(parsed, updateServerOption),
         .record = optionalValue(parsed, recordOption),
     };
+    if (run.resetPanel && !run.panel) {
+        return std::unexpected(QStringLiteral("--reset-panel does not go with --no-panel"));
+    }
     if (isGiven(parsed, recordSizeOption)) {
         bool isNumber = false;
         run.recordMegabytes = parsed.value(recordSizeOption).toLongLong(&isNumber);

@@ -39,12 +39,12 @@ PanelColors colorsOf(const SystemSettings& settings) {
     return PanelColors::of(settings.appearance().value_or(appearanceOf(QGuiApplication::palette())));
 }
 
-QString currentScreens() {
+std::vector<ScreenInUse> screensOfQt() {
     std::vector<ScreenInUse> screens;
     for (const QScreen* screen : QGuiApplication::screens()) {
-        screens.push_back({screen->name(), screen->geometry()});
+        screens.push_back({screen->name(), screen->geometry(), screen == QGuiApplication::primaryScreen()});
     }
-    return arrangementOf(screens);
+    return screens;
 }
 
 PanelPlaces placesIn(const UserDefaults* memory) {
@@ -62,23 +62,28 @@ const QString OverlayPanelController::placesKey = QStringLiteral("pelloran.panel
 
 OverlayPanelController::OverlayPanelController(const SystemSettings& systemSettings,
                                                std::unique_ptr<PanelWindow> window, MotionPreference motionPreference,
-                                               UserDefaults* userDefaults)
+                                               UserDefaults* userDefaults, const Screens& screens)
     : OverlayPanelController(systemSettings, std::move(window), motionPreference, userDefaults,
-                             placeToOpen(placesIn(userDefaults), currentScreens(), FloatingPanel::visibleFrames())) {}
+                             screens ? screens : screensOfQt,
+                             placeToOpen(placesIn(userDefaults), arrangementOf(screens ? screens() : screensOfQt()),
+                                         FloatingPanel::visibleFrames())) {}
 
 OverlayPanelController::OverlayPanelController(const SystemSettings& systemSettings,
                                                std::unique_ptr<PanelWindow> window, MotionPreference motionPreference,
-                                               UserDefaults* userDefaults, const PanelPlace& place)
+                                               UserDefaults* userDefaults, Screens screens, const PanelPlace& place)
     : settings(systemSettings)
     , motion(systemSettings, motionPreference)
     , memory(userDefaults)
-    , isWanted(place.isShown)
+    , screensInUse(std::move(screens))
+    , asLeft(place)
     , state(initialPanelState(place.frame.size(), place.userSize))
     , views(std::make_unique<PanelViews>(std::move(window), colorsOf(systemSettings), state.metrics.current))
     , geometry(std::make_unique<GeometryDriver>(views->panel)) {
     FloatingPanel* panel = &views->panel;
     panel->setFrame(place.frame);
-    connect(panel, &FloatingPanel::didEndDrag, this, [this] {
+    connect(panel, &FloatingPanel::didEndDrag, this, [this, panel] {
+        const bool isShown = asLeft.isShown;
+        asLeft = {arrangementOf(screensInUse()), panel->frame(), state.userResizedFrame, isShown};
         hasUserActed = true;
         remember();
     });
@@ -96,13 +101,15 @@ OverlayPanelController::OverlayPanelController(const SystemSettings& systemSetti
     geometry->onTick = [this](GeometryPhase phase) { geometryTick(phase); };
 
     const auto watch = [this](QScreen* screen) {
-        connect(screen, &QScreen::availableGeometryChanged, this, &OverlayPanelController::bringBackIfLost,
-                Qt::QueuedConnection);
+        for (const auto signal : {&QScreen::geometryChanged, &QScreen::availableGeometryChanged}) {
+            connect(screen, signal, this, &OverlayPanelController::screensChanged, Qt::QueuedConnection);
+        }
     };
     std::ranges::for_each(QGuiApplication::screens(), watch);
     connect(qGuiApp, &QGuiApplication::screenAdded, this, watch);
-    for (const auto signal : {&QGuiApplication::screenRemoved, &QGuiApplication::primaryScreenChanged}) {
-        connect(qGuiApp, signal, this, &OverlayPanelController::bringBackIfLost, Qt::QueuedConnection);
+    for (const auto signal :
+         {&QGuiApplication::screenAdded, &QGuiApplication::screenRemoved, &QGuiApplication::primaryScreenChanged}) {
+        connect(qGuiApp, signal, this, &OverlayPanelController::screensChanged, Qt::QueuedConnection);
     }
 }
 
@@ -114,8 +121,8 @@ OverlayPanelController::~OverlayPanelController() {
 }
 
 void OverlayPanelController::setWanted(bool shown) {
-    if (shown != isWanted) {
-        isWanted = shown;
+    if (shown != asLeft.isShown) {
+        asLeft.isShown = shown;
         hasUserActed = true;
         remember();
     }
@@ -126,7 +133,7 @@ FloatingPanel& OverlayPanelController::window() const {
 }
 
 void OverlayPanelController::open() {
-    if (isWanted) {
+    if (asLeft.isShown) {
         show();
     }
 }
@@ -135,7 +142,7 @@ void OverlayPanelController::show() {
     const auto seen = [this](const UpwardRect& visible) { return isComfortablyOnScreen(window().frame(), visible); };
     if (const auto main = FloatingPanel::mainVisibleFrame();
         main && std::ranges::none_of(FloatingPanel::visibleFrames(), seen)) {
-        bringBack(*main);
+        moveTo(broughtBack(window().frame(), *main));
     }
     setWanted(true);
     views->show();
@@ -155,9 +162,8 @@ void OverlayPanelController::remember() const {
     if (!memory) {
         return;
     }
-    const PanelPlace place{currentScreens(), window().frame(), state.userResizedFrame, isWanted};
     const PanelPlaces before = placesIn(memory);
-    if (const PanelPlaces after = withPlace(before, place); after != before) {
+    if (const PanelPlaces after = withPlace(before, asLeft); after != before) {
         memory->setString(placesKey, textOf(after));
     }
 }
@@ -286,16 +292,29 @@ void OverlayPanelController::systemSettingsChanged() {
     views->applyColors(colorsOf(settings));
 }
 
-void OverlayPanelController::bringBack(const UpwardRect& visible) {
+void OverlayPanelController::moveTo(const UpwardRect& frame) {
     Motion::end(window(), frameAnimation);
-    window().setFrame(broughtBack(window().frame(), visible));
+    window().setFrame(frame);
 }
 
-void OverlayPanelController::bringBackIfLost() {
+void OverlayPanelController::screensChanged() {
     const auto main = FloatingPanel::mainVisibleFrame();
     const auto own = window().visibleFrame();
-    if (main && own && !isComfortablyOnScreen(window().frame(), *own)) {
-        bringBack(*main);
+    if (!main || !own) {
+        return;
+    }
+    const PanelPlace now{asLeft.screens, window().frame(), state.userResizedFrame, asLeft.isShown};
+    const PanelPlace next = placeAfterChange(placesIn(memory), now, arrangementOf(screensInUse()),
+                                             {FloatingPanel::visibleFrames(), *main, *own});
+    if (next.screens != asLeft.screens) {
+        asLeft = next;
+    }
+    state.userResizedFrame = next.userSize;
+    if (next.frame != now.frame) {
+        moveTo(next.frame);
+        if (state.lastSnapshot) {
+            adaptWindowSize(); // it may have been left while it showed something else
+        }
     }
 }
 

@@ -8,7 +8,9 @@
 
 #include <QObject>
 
+#include <functional>
 #include <memory>
+#include <vector>
 
 namespace pelloran {
 
@@ -29,12 +31,14 @@ public:
     // Where `memory` has how the panel was left, as PanelPlace has it.
     static const QString placesKey;
 
+    using Screens = std::function<std::vector<ScreenInUse>()>;
+
     // The panel is built, not shown. `settings` must outlive it. It stands as `memory` has it, if given; and where the
     // user puts it is written there: when a drag ends, when it is hidden or shown, and at the end. Nothing is written
-    // where the user puts it nowhere.
+    // where the user puts it nowhere. `screens` tells which there are; absent: those that Qt knows.
     OverlayPanelController(const SystemSettings& settings, std::unique_ptr<PanelWindow> window,
                            MotionPreference motionPreference = MotionPreference::asDesktopSays,
-                           UserDefaults* memory = nullptr);
+                           UserDefaults* memory = nullptr, const Screens& screens = {});
     ~OverlayPanelController() override;
 
     // Back onto the main screen if it is on none.
@@ -59,7 +63,8 @@ Q_SIGNALS:
 private:
     // As PanelPlace has it, of a panel that is to be built.
     OverlayPanelController(const SystemSettings& settings, std::unique_ptr<PanelWindow> window,
-                           MotionPreference motionPreference, UserDefaults* memory, const PanelPlace& place);
+                           MotionPreference motionPreference, UserDefaults* memory, Screens screens,
+                           const PanelPlace& place);
 
     void setWanted(bool shown);
     void remember() const;
@@ -72,14 +77,15 @@ private:
     // To the metrics in force.
     void applyLayout(AnimationGroup& group);
     void applyTypography();
-    void bringBack(const UpwardRect& visible);
-    void bringBackIfLost();
+    void moveTo(const UpwardRect& frame);
+    void screensChanged();
 
     const SystemSettings& settings;
     const Motion motion;
     UserDefaults* const memory; // may be null
-    bool isWanted;              // shown, or to be at the start; not hidden by the user
-    bool hasUserActed = false;  // moved, resized, hidden or shown it in this run: then there is something to remember
+    const Screens screensInUse;
+    PanelPlace asLeft;         // by the user, or as it opened: what the program makes of it since is not remembered
+    bool hasUserActed = false; // moved, resized, hidden or shown it in this run: then there is something to remember
     PanelState state;
     const std::unique_ptr<PanelViews> views;
     const std::unique_ptr<GeometryDriver> geometry;

@@ -141,6 +141,7 @@ TEST(CommandLine, ForgetsThePanelWhenTold) {
     EXPECT_FALSE(parsed<RunLoop>("").resetPanel);
     EXPECT_TRUE(parsed<RunLoop>("--reset-panel").resetPanel);
     EXPECT_FALSE(parse("sync --reset-panel")) << "has no panel";
+    EXPECT_FALSE(parse("--no-panel --reset-panel")) << "nor has this, and it would forget nothing";
 }
 
 TEST(CommandLine, TakesTheFoldersOfAPublication) {

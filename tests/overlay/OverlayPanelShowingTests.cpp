@@ -153,11 +153,12 @@ TEST_F(OverlayPanelControllerTest, OpensAsItWasLeft) {
 
     updateSettled(tiles(3));
     dragWidthTo(650);
-    updateSettled(tiles(3));
     const UpwardRect wide = panel().frame();
+    updateSettled(tiles(3));
     EXPECT_TRUE(tilesStandSideBySide());
+    EXPECT_NE(panel().frame(), wide);
     start();
-    EXPECT_EQ(panel().frame(), wide);
+    EXPECT_EQ(panel().frame(), wide) << "as it was let go of, whatever it made of itself since";
     EXPECT_TRUE(looksAsResolvedFor(0));
     updateSettled(message());
     EXPECT_EQ(panel().frame().size(), QSizeF(650, 600)) << "the size that the user gave it";
@@ -179,6 +180,112 @@ TEST_F(OverlayPanelControllerTest, OpensAsItWasLeft) {
     memory.remove(OverlayPanelController::placesKey);
     build();
     EXPECT_EQ(panel().frame(), (UpwardRect{40, 60, 360, 420}));
+}
+
+TEST_F(OverlayPanelControllerTest, RemembersWhereItWasPutNotWhereItWent) {
+    testing::FakeUserDefaults memory;
+    const auto start = [&] {
+        controller.reset();
+        controller = std::make_unique<OverlayPanelController>(settings, std::make_unique<FakePanelWindow>(),
+                                                              MotionPreference::asDesktopSays, &memory);
+        controller->open();
+        settle();
+    };
+    const auto remembered = [&] { return placesFrom(*memory.string(OverlayPanelController::placesKey)).at(0); };
+    const auto drag = [this](QPointF by) {
+        PanelDrag hand(panel(), {100, 100});
+        hand.moveBy(by);
+        hand.release();
+        turnEventLoop();
+        return panel().frame();
+    };
+    const double height = QGuiApplication::primaryScreen()->availableGeometry().height();
+
+    start();
+    updateSettled(message());
+    const UpwardRect atTheTop = drag({0, 60 + 160 - height});
+    ASSERT_EQ(atTheTop, (UpwardRect{40, height - 160, 360, 160}));
+    updateSettled(tiles(3));
+    EXPECT_LT(panel().frame().y, atTheTop.y) << "higher than what is left above it";
+    updateSettled(message());
+    controller->hide();
+    controller->show();
+    EXPECT_EQ(remembered().frame, atTheTop) << "hiding it is no wish to have it elsewhere";
+    start();
+    updateSettled(message());
+    EXPECT_EQ(panel().frame(), atTheTop) << "it went down to show three tiles";
+
+    const UpwardRect away = drag({5000, 0});
+    Q_EMIT qGuiApp->screenRemoved(QGuiApplication::primaryScreen());
+    turnEventLoop();
+    ASSERT_NE(panel().frame(), away);
+    EXPECT_EQ(panel().frame().y, away.y) << "no further than it must";
+    EXPECT_TRUE(QGuiApplication::primaryScreen()->availableGeometry().contains(panel().geometry()));
+    controller.reset();
+    EXPECT_EQ(remembered().frame, away) << "that was the program's doing, too";
+}
+
+TEST_F(OverlayPanelControllerTest, HasAPlaceForEachArrangementAlsoWhileItRuns) {
+    testing::FakeUserDefaults memory;
+    std::vector<ScreenInUse> screens{{u"laptop"_s, {0, 0, 800, 800}, true}};
+    const ScreenInUse external{u"external"_s, {800, 0, 800, 800}};
+    controller = std::make_unique<OverlayPanelController>(settings, std::make_unique<FakePanelWindow>(),
+                                                          MotionPreference::asDesktopSays, &memory,
+                                                          [&screens] { return screens; });
+    showSettled();
+    const auto drag = [this](QPointF by) {
+        PanelDrag hand(panel(), {100, 100});
+        hand.moveBy(by);
+        hand.release();
+        return panel().frame();
+    };
+    const auto dock = [&] {
+        screens.push_back(external);
+        Q_EMIT qGuiApp->screenAdded(QGuiApplication::primaryScreen());
+        settle();
+    };
+    const auto undock = [&] {
+        screens.pop_back();
+        Q_EMIT qGuiApp->screenRemoved(QGuiApplication::primaryScreen());
+        settle();
+    };
+
+    const UpwardRect alone = drag({20, -30});
+    dock();
+    EXPECT_EQ(panel().frame(), alone) << "it was put nowhere else yet";
+    const UpwardRect docked = drag({200, -100});
+    ASSERT_NE(docked, alone);
+    undock();
+    EXPECT_EQ(panel().frame(), alone);
+    dock();
+    EXPECT_EQ(panel().frame(), docked) << "back where it was";
+    updateSettled(tiles(3));
+    undock();
+    EXPECT_EQ(panel().frame(), (UpwardRect{alone.x, alone.y, 360, 600})) << "as large as what it shows";
+
+    controller.reset();
+    const PanelPlaces places = placesFrom(*memory.string(OverlayPanelController::placesKey));
+    ASSERT_EQ(places.size(), 2U);
+    EXPECT_EQ(places[0], (PanelPlace{arrangementOf(screens), alone, std::nullopt, true}));
+    screens.push_back(external);
+    EXPECT_EQ(places[1], (PanelPlace{arrangementOf(screens), docked, std::nullopt, true}));
+}
+
+TEST_F(OverlayPanelControllerTest, IsNoLargerThanTheScreenThatIsLeft) {
+    const QRect main = QGuiApplication::primaryScreen()->availableGeometry();
+    showSettled();
+    updateSettled(tiles(3));
+    dragWidthTo(main.width() + 300);
+    settle();
+    ASSERT_FALSE(main.contains(panel().geometry()));
+    Q_EMIT qGuiApp->screenRemoved(QGuiApplication::primaryScreen());
+    settle();
+    EXPECT_TRUE(main.contains(panel().geometry())) << "its close button, too";
+    for (const OverlaySnapshot& snapshot : {message(), tiles(3)}) {
+        updateSettled(snapshot);
+        EXPECT_TRUE(main.contains(panel().geometry()))
+            << panel().width() << " x " << panel().height() << " at " << panel().x() << ", " << panel().y();
+    }
 }
 
 TEST_F(OverlayPanelControllerTest, OpensOnTheScreenWhateverIsRemembered) {

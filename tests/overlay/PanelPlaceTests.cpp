@@ -26,6 +26,13 @@ TEST(PanelPlace, KnowsAnArrangementByItsScreens) {
     EXPECT_NE(arrangementOf({left, right}), arrangementOf({left}));
     EXPECT_NE(arrangementOf({{u"DP-1"_s, {0, 0, 1280, 720}}}), arrangementOf({left})) << "another resolution";
     EXPECT_NE(arrangementOf({{u"DP-2"_s, {0, 0, 1920, 1080}}}), arrangementOf({left})) << "another screen";
+    const ScreenInUse mainLeft{left.name, left.geometry, true};
+    const ScreenInUse mainRight{right.name, right.geometry, true};
+    EXPECT_EQ(arrangementOf({mainLeft, right}), u"DP-1 0,0 1920x1080; HDMI-1 1920,0 1280x1024"_s)
+        << "the main screen mostly is where the others begin, and that was never told";
+    EXPECT_EQ(arrangementOf({left, mainRight}), u"DP-1 0,0 1920x1080; HDMI-1 1920,0 1280x1024 main"_s)
+        << "the same numbers are another place";
+    EXPECT_EQ(arrangementOf({mainRight, left}), arrangementOf({left, mainRight}));
     EXPECT_EQ(arrangementOf({}), QString());
     EXPECT_EQ(arrangementOf({{u"%1 %4"_s, {0, 0, 1280, 720}}}), u"%1 %4 0,0 1280x720"_s)
         << "a name that looks like a place for a number";
@@ -97,6 +104,73 @@ TEST(PanelPlace, IsNoLargerThanTheScreenAlsoWhenItsContentChanges) {
     const PanelPlace there = place(u"A"_s, {10, 10, 1920, 500}, QSizeF(1920, 500));
     EXPECT_EQ(placeToOpen(withPlace({wide}, there), u"B"_s, {{0, 0, 2560, 1440}}), wide)
         << "back on the large screen it is as it was";
+}
+
+TEST(PanelPlace, FollowsTheScreensWhileItRuns) {
+    struct Case {
+        const char* why;
+        PanelPlaces places;
+        UpwardRect frame; // on A
+        QString screens;
+        VisibleScreens visible;
+        UpwardRect expected;
+    };
+
+    const UpwardRect right{2500, 300, 360, 420};
+    const PanelPlace onA = place(u"A"_s, right);
+    const PanelPlace onB = place(u"B"_s, {700, 500, 360, 420});
+    const VisibleScreens one{.all = {desk}, .main = desk, .own = desk};
+    const VisibleScreens two{.all = {desk, beside}, .main = desk, .own = beside};
+    const Case cases[] = {
+        {"nothing has changed", {onA, onB}, right, u"A"_s, two, right},
+        {"nor is it put back where the program moved it from",
+         {onA},
+         {2000, 300, 360, 420},
+         u"A"_s,
+         two,
+         {2000, 300, 360, 420}},
+        {"to where it was left on these screens", {onA, onB}, right, u"B"_s, one, onB.frame},
+        {"though it could be reached where it is", {onA, onB}, {100, 100, 360, 420}, u"B"_s, one, onB.frame},
+        {"on screens that are new to it, as far as it must", {onA}, right, u"C"_s, one, {1920 - 360, 300, 360, 420}},
+        {"it can be reached there", {onA}, {1800, 300, 360, 420}, u"C"_s, one, {1800, 300, 360, 420}},
+        {"lost on the screens that it was left on", {onB, onA}, {-5000, 300, 360, 420}, u"A"_s, two, right},
+        {"lost, and never put anywhere", {}, right, u"C"_s, one, {40, 60, 360, 420}},
+        {"lost and too large, and never put anywhere", {}, {2500, 300, 3000, 2000}, u"C"_s, one, {0, 0, 1920, 1040}},
+        {"wider than the screen that is left", {onB}, {100, 300, 2000, 420}, u"C"_s, one, {0, 300, 1920, 420}},
+        {"higher", {onB}, {100, 300, 360, 1300}, u"C"_s, one, {100, 0, 360, 1040}},
+        {"than its own of two", {onB}, {2000, 200, 1800, 420}, u"C"_s, two, {1920, 200, 1280, 420}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        for (const bool isShown : {true, false}) {
+            const PanelPlace now = place(u"A"_s, c.frame, {}, isShown);
+            EXPECT_EQ(placeAfterChange(c.places, now, c.screens, c.visible), place(c.screens, c.expected, {}, isShown));
+        }
+    }
+}
+
+TEST(PanelPlace, TakesTheUsersSizeAlongToOtherScreens) {
+    struct Case {
+        const char* why;
+        PanelPlaces places;
+        std::optional<QSizeF> userSize; // on A
+        std::optional<QSizeF> expected; // on B
+    };
+
+    const PanelPlace narrow = place(u"B"_s, {0, 0, 500, 400}, QSizeF(500, 400));
+    const Case cases[] = {
+        {"as large", {}, QSizeF(700, 500), QSizeF(700, 500)},
+        {"no larger than the screen", {}, QSizeF(2400, 1300), QSizeF(1920, 1040)},
+        {"none", {}, {}, {}},
+        {"the one that these screens have", {narrow}, QSizeF(2400, 1300), QSizeF(500, 400)},
+        {"none where they have none", {place(u"B"_s, {0, 0, 360, 420})}, QSizeF(2400, 1300), {}},
+    };
+    const VisibleScreens one{.all = {desk}, .main = desk, .own = desk};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        const PanelPlace now = place(u"A"_s, {100, 100, 360, 420}, c.userSize);
+        EXPECT_EQ(placeAfterChange(c.places, now, u"B"_s, one).userSize, c.expected);
+    }
 }
 
 TEST(PanelPlace, KeepsTheLatestArrangements) {

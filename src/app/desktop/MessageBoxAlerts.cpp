@@ -17,6 +17,7 @@
 #include <QStyle>
 #include <QTextDocument>
 #include <QTimer>
+#include <QWindow>
 
 #include <algorithm>
 #include <optional>
@@ -197,6 +198,15 @@ protected:
         }
     }
 
+    // Of its window. Who clicks on it wants its keyboard back from whatever took it meanwhile, which a window that no
+    // window manager knows is not given by one, nor by Qt.
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::MouseButtonPress && !isActiveWindow()) {
+            activateWindow();
+        }
+        return QDialog::eventFilter(watched, event);
+    }
+
     // The buttons have the keyboard, and no use for these.
     void keyPressEvent(QKeyEvent* event) override {
         if (event->key() == Qt::Key_PageUp || event->key() == Qt::Key_PageDown) {
@@ -237,6 +247,7 @@ int MessageBoxAlerts::runModal(const Alert& alert) {
     AlertBox box(alert, above->windowFlags() & (Qt::WindowStaysOnTopHint | Qt::X11BypassWindowManagerHint));
     const auto window = std::move(above); // goes before the box
     box.winId();                          // makes it known to the window server
+    box.windowHandle()->installEventFilter(&box);
     window->attach(*box.windowHandle());
     // A window that no window manager knows is neither placed nor given the keyboard by one.
     QTimer::singleShot(0, &box, [&box, &window] {

@@ -246,7 +246,7 @@ std::optional<std::vector<WindowDescription>> describeWindows(const XcbConnectio
             descriptions.push_back(std::move(description));
         }
     }
-    if (connection.broken()) {
+    if (!connection.isThere()) { // a server that hangs has not said that there is no window
         return std::nullopt;
     }
     return descriptions;

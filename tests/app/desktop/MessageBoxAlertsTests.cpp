@@ -210,6 +210,21 @@ TEST(MessageBoxAlerts, ScrollByTheKeyboard) {
     EXPECT_EQ(pressed, 0) << "the default is the default from everywhere";
 }
 
+TEST(MessageBoxAlerts, TakeTheKeyboardBackWhenClickedOn) {
+    answer(threeChoices, [](QDialog& box) {
+        EXPECT_TRUE(QTest::qWaitFor([&] { return box.isActiveWindow(); }));
+        QWidget other;
+        other.setGeometry(600, 600, 100, 100);
+        other.show();
+        other.activateWindow();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !box.isActiveWindow(); })) << "nothing has taken it";
+        const QPoint onTheText = label(box, "messageText").geometry().center();
+        QTest::mouseClick(box.windowHandle(), Qt::LeftButton, {}, onTheText);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return box.isActiveWindow(); })) << "where nobody manages windows, too";
+        box.close();
+    });
+}
+
 TEST(MessageBoxAlerts, MayLieOnTopOfOneAnother) {
     const int lower = answer(threeChoices, [](QDialog& first) {
         const int upper = answer(threeChoices, [&first](QDialog& second) {

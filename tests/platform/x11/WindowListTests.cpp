@@ -1,4 +1,7 @@
+#include "platform/x11/WindowList.h"
+
 #include "tests/platform/x11/X11Test.h"
+#include "tests/support/OtherProcess.h"
 #include "tests/support/Printing.h"
 
 #include <gmock/gmock.h>
@@ -30,6 +33,24 @@ using ManagedWindowListTest = ManagedX11Test;
 TEST_F(WindowListTest, AnEmptyDesktopHasNoWindows) {
     EXPECT_THAT(ids(), IsEmpty());
     EXPECT_THAT(ids(WindowListing::all), IsEmpty());
+}
+
+TEST_F(WindowListTest, AServerThatHangsIsNoEmptyDesktop) {
+    using std::chrono::milliseconds;
+    const x11::Patience brief{.usual = milliseconds(200), .whileStalled = milliseconds(1)};
+    const auto connection = x11::XcbConnection::open(brief);
+    ASSERT_TRUE(connection);
+    const auto window = client->create({});
+    {
+        const Suspended hangs(display->processId());
+        for (const WindowListing listing : {WindowListing::onScreen, WindowListing::all}) {
+            EXPECT_FALSE(x11::describeWindows(*connection, listing)) << "the game may run all the same";
+        }
+    }
+    EXPECT_TRUE(eventually([&] {
+        const auto windows = x11::describeWindows(*connection, WindowListing::onScreen);
+        return windows && windows->size() == 1 && windows->front().number == window;
+    })) << "it does not go on with the server";
 }
 
 TEST_F(WindowListTest, WithoutAManagerListsTopLevelWindowsFrontToBack) {

@@ -64,6 +64,10 @@ QSizeF largestOn(const UpwardRect& visible) {
     return visible.size().expandedTo(minimumSize);
 }
 
+bool fits(const QSizeF& size, const UpwardRect& visible) {
+    return size.boundedTo(largestOn(visible)) == size;
+}
+
 UpwardRect movedOnto(const UpwardRect& frame, const UpwardRect& visible) {
     UpwardRect moved = frame;
     moved.width = std::min(frame.width, largestOn(visible).width());
@@ -95,7 +99,8 @@ QString arrangementOf(const std::vector<ScreenInUse>& screens) {
     QStringList each;
     for (const ScreenInUse& screen : screens) {
         const QRect& at = screen.geometry;
-        each.append(screen.name + u" %1,%2 %3x%4"_s.arg(at.x()).arg(at.y()).arg(at.width()).arg(at.height()));
+        const QString mark = screen.isMain && !at.topLeft().isNull() ? u" main"_s : QString();
+        each.append(screen.name + u" %1,%2 %3x%4"_s.arg(at.x()).arg(at.y()).arg(at.width()).arg(at.height()) + mark);
     }
     each.sort();
     return each.join(u"; "_s);
@@ -158,6 +163,31 @@ PanelPlace placeToOpen(const PanelPlaces& places, const QString& screens, const 
     };
     const UpwardRect& screen = *std::ranges::min_element(visible, {}, rank);
     place.frame = movedOnto(place.frame, screen);
+    if (place.userSize) {
+        place.userSize = place.userSize->boundedTo(largestOn(screen));
+    }
+    return place;
+}
+
+PanelPlace placeAfterChange(const PanelPlaces& places, const PanelPlace& now, const QString& screens,
+                            const VisibleScreens& visible) {
+    const bool isLost = !isComfortablyOnScreen(now.frame, visible.own);
+    const bool hasOtherPlace =
+        screens != now.screens && std::ranges::find(places, screens, &PanelPlace::screens) != places.end();
+    PanelPlace place = now;
+    place.screens = screens;
+    if (hasOtherPlace || (isLost && !places.empty())) {
+        place = placeToOpen(places, screens, visible.all);
+        place.isShown = now.isShown; // that is how to start, not a wish to see it come or go
+        return place;
+    }
+    const UpwardRect& screen = isLost ? visible.main : visible.own;
+    if (isLost) {
+        place.frame = broughtBack(now.frame, screen);
+    }
+    if (!fits(place.frame.size(), screen)) {
+        place.frame = movedOnto(place.frame, screen);
+    }
     if (place.userSize) {
         place.userSize = place.userSize->boundedTo(largestOn(screen));
     }

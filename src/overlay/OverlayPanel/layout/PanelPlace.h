@@ -16,9 +16,11 @@ namespace pelloran {
 struct ScreenInUse {
     QString name;
     QRect geometry;
+    bool isMain = false; // frames are reckoned from it
 };
 
-// Names one arrangement of screens, in whatever order they are given.
+// Names one arrangement of screens, in whatever order they are given. The main one is told only where it is not the one
+// at the origin, as it mostly is.
 QString arrangementOf(const std::vector<ScreenInUse>& screens);
 
 // How a run left the panel.
@@ -45,5 +47,19 @@ PanelPlaces withPlace(PanelPlaces places, const PanelPlace& place);
 // does. On the screen that has the most of it (`visible` are those parts of the screens), else on the nearest one; what
 // would not be seen there is moved, and what is larger than the screen becomes smaller, the user's size too.
 PanelPlace placeToOpen(const PanelPlaces& places, const QString& screens, const std::vector<UpwardRect>& visible);
+
+// What docks and menu bars leave of the screens.
+struct VisibleScreens {
+    std::vector<UpwardRect> all;
+    UpwardRect main;
+    UpwardRect own; // the panel's
+};
+
+// Where it goes when something about the screens has changed while it runs. `now` is how it stands and the arrangement
+// that it stands so for; `screens` is today's. In another arrangement that has a place of its own it opens there. Where
+// it cannot be reached it opens too, or is brought back where there are no places. Else it stays, no larger than its
+// screen.
+PanelPlace placeAfterChange(const PanelPlaces& places, const PanelPlace& now, const QString& screens,
+                            const VisibleScreens& visible);
 
 } // namespace pelloran

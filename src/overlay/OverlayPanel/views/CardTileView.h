@@ -25,7 +25,7 @@ public:
     void applyLayout(const ResolvedMetrics& metrics);
     void setColors(const PanelColors& colors);
 
-    // Least width; it yields where the panel is narrower.
+    // The metrics' minimum. No layout asks: the tiles share what there is, which may be less.
     double minimumTileWidth() const { return minWidthConstraint; }
 
     TextLabel* const slotLabel;

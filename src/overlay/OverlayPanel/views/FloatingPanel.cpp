@@ -37,7 +37,6 @@ FloatingPanel::FloatingPanel(Qt::WindowFlags flags)
     , closeButton(new CloseButton(this)) { // owned by this
     setAttribute(Qt::WA_TranslucentBackground);
     setAttribute(Qt::WA_ShowWithoutActivating);
-    setAttribute(Qt::WA_AlwaysShowToolTips); // it is never the active window
     setContextMenuPolicy(Qt::CustomContextMenu);
     setMouseTracking(true);
     setFrame(initialFrame);

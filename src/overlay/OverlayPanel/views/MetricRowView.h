@@ -23,7 +23,7 @@ public:
     void applyLayout(const ResolvedMetrics& metrics);
     void setColors(const PanelColors& colors);
 
-    // The width it asks for; it yields where the tile is narrower.
+    // What its texts take, and the metrics' minimum at least. No layout asks: the tile gives it what there is.
     int wantedWidth() const;
     int rowHeight() const;
 
