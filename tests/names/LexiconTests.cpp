@@ -319,8 +319,9 @@ QString perturbed(const QString& text, std::mt19937& random) {
             result = random() % 2 == 0 ? result + anyLetter() : anyLetter() + result;
             break;
         default:
-            const QString pair = confused[static_cast<qsizetype>(random() % static_cast<unsigned>(confused.size()))];
-            result.replace(pair[random() % 2], pair[random() % 2]);
+            const QString& pair = confused[static_cast<qsizetype>(random() % static_cast<unsigned>(confused.size()))];
+            const auto anyOfBoth = [&] { return random() % 2 == 0 ? pair[0] : pair[1]; };
+            result.replace(anyOfBoth(), anyOfBoth());
         }
     }
     return result;
@@ -379,11 +380,11 @@ std::vector<KnownName> namesIn(const QString& path) {
     const QJsonDocument document = QJsonDocument::fromJson(file.readAll());
     QJsonArray rows = document.array();
     for (const QString& list : {u"cards"_s, u"classes"_s}) {
-        for (const QJsonValue& row : document.object()[list].toArray()) {
+        for (const QJsonValue row : document.object()[list].toArray()) {
             rows.append(row);
         }
     }
-    for (const QJsonValue& row : std::as_const(rows)) {
+    for (const QJsonValue row : std::as_const(rows)) {
         for (const QString& name : {row[u"name_zh"_s].toString(), row[u"name_en"_s].toString()}) {
             if (!name.isEmpty()) {
                 names.push_back({name, kindsOf(row[u"type"_s].toString())});
@@ -475,9 +476,10 @@ TEST(Lexicon, LongLinesAndManyNamesAreNoTrouble) {
 
 TEST(Lexicon, IsAskedFromSeveralThreads) {
     const Lexicon lexicon = cardLexicon({u"Fireball"_s, u"Frostbolt"_s});
-    const Lexicon copy = lexicon;
+    const Lexicon copy = lexicon; // NOLINT(performance-unnecessary-copy-initialization): asked beside it
     std::vector<std::optional<Settled>> answers(8);
     std::vector<std::jthread> threads;
+    threads.reserve(answers.size());
     for (std::size_t i = 0; i < answers.size(); ++i) {
         threads.emplace_back([&, i] { answers[i] = (i % 2 == 0 ? lexicon : copy).settle(u"Fjreball"_s); });
     }

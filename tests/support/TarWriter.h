@@ -10,7 +10,7 @@
 
 namespace pelloran::testing {
 
-// Writes archives that no tar would make of itself: any name, any kind, any size in a header.
+// Writes archives that no tar would make of itself: any name, any kind, any hole.
 class TarWriter {
 public:
     struct Entry {
@@ -21,7 +21,6 @@ public:
         QByteArray linkTarget = {};
         int mode = 0644;
         QByteArray owner = "somebody";
-        qint64 claimedSize = -1; // what the header says where it is not the content's size
         qint64 time = 1'700'000'000;
         qint64 hole = 0; // of kind 'S': how large a file without content is
     };
@@ -32,12 +31,11 @@ public:
         const auto octal = [](qint64 number, int digits) {
             return QByteArray::number(number, 8).rightJustified(digits, '0');
         };
-        const qint64 size = entry.claimedSize >= 0 ? entry.claimedSize : entry.content.size();
         put(0, entry.name);
         put(100, octal(entry.mode, 7));
         put(108, octal(0, 7));
         put(116, octal(0, 7));
-        put(124, octal(size, 11));
+        put(124, octal(entry.content.size(), 11));
         constexpr qint64 beyondOctal = qint64{1} << 33;
         if (entry.time < beyondOctal) {
             put(136, octal(entry.time, 11));

@@ -140,7 +140,7 @@ TEST_F(TarArchiveTest, RefusesWhatMustNotBeUnpacked) {
 TEST_F(TarArchiveTest, RefusesABombBeforeItGoesOff) {
     // Sixty files of ten megabytes, some hundred kilobytes in all.
     TarWriter writer;
-    writer.add({.name = "zeros", .content = QByteArray(10 * 1024 * 1024, '\0')});
+    writer.add({.name = "zeros", .content = QByteArray(qsizetype{10} * 1024 * 1024, '\0')});
     const QByteArray bomb = writer.gzippedTimes(60);
     EXPECT_LT(bomb.size(), 10 * 1024 * 1024);
     EXPECT_EQ(messageOf(TarArchive::check(write(bomb))), u"the archive unpacks to more than 512 MiB"_s);
