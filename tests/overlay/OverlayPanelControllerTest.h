@@ -110,6 +110,15 @@ protected:
 
     bool tilesStandSideBySide() const { return tile(1).x() > tile(0).x() && tile(1).y() == tile(0).y(); }
 
+    // A run that begins where the one before has ended, as `memory` has it.
+    void startAnew(UserDefaults& memory) {
+        controller.reset();
+        controller = std::make_unique<OverlayPanelController>(settings, std::make_unique<testing::FakePanelWindow>(),
+                                                              MotionPreference::asDesktopSays, &memory);
+        controller->open();
+        settle();
+    }
+
     // By the right edge, in steps, with a turn of the event loop after each.
     void dragWidthTo(int width, bool release = true) {
         testing::PanelDrag drag(panel(), {panel().width() - 1.0, panel().height() / 2.0});

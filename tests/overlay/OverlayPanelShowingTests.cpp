@@ -115,13 +115,7 @@ TEST_F(OverlayPanelControllerTest, ComesBackWhenItsScreenGoes) {
 
 TEST_F(OverlayPanelControllerTest, OpensAsItWasLeft) {
     testing::FakeUserDefaults memory;
-    const auto start = [&] {
-        controller.reset();
-        controller = std::make_unique<OverlayPanelController>(settings, std::make_unique<FakePanelWindow>(),
-                                                              MotionPreference::asDesktopSays, &memory);
-        controller->open();
-        settle();
-    };
+    const auto start = [&] { startAnew(memory); };
     start();
     EXPECT_TRUE(controller->isVisible());
     EXPECT_EQ(panel().frame(), (UpwardRect{40, 60, 360, 420})) << "a first run";
@@ -184,13 +178,7 @@ TEST_F(OverlayPanelControllerTest, OpensAsItWasLeft) {
 
 TEST_F(OverlayPanelControllerTest, RemembersWhereItWasPutNotWhereItWent) {
     testing::FakeUserDefaults memory;
-    const auto start = [&] {
-        controller.reset();
-        controller = std::make_unique<OverlayPanelController>(settings, std::make_unique<FakePanelWindow>(),
-                                                              MotionPreference::asDesktopSays, &memory);
-        controller->open();
-        settle();
-    };
+    const auto start = [&] { startAnew(memory); };
     const auto remembered = [&] { return placesFrom(*memory.string(OverlayPanelController::placesKey)).at(0); };
     const auto drag = [this](QPointF by) {
         PanelDrag hand(panel(), {100, 100});
