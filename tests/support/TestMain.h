@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <clocale>
+
 namespace pelloran::testing {
 
 // What the main() of every test program does: no display, no network, the same fonts everywhere, and an unexpected
@@ -17,6 +19,7 @@ int runAllTests(int argc, char** argv) {
     QStandardPaths::setTestModeEnabled(true);
     useTestFonts();
     const Application application(argc, argv);
+    std::setlocale(LC_MESSAGES, "C"); // what the system says is compared
     printMessage =
         qInstallMessageHandler([](QtMsgType type, const QMessageLogContext& context, const QString& message) {
             // The platform without a screen says so of what only a window manager could do.

@@ -38,7 +38,7 @@ TEST_F(WindowListTest, AnEmptyDesktopHasNoWindows) {
 TEST_F(WindowListTest, AServerThatHangsIsNoEmptyDesktop) {
     using std::chrono::milliseconds;
     const x11::Patience brief{.usual = milliseconds(200), .whileStalled = milliseconds(1)};
-    const auto connection = x11::XcbConnection::open(brief);
+    const auto connection = connectWith(brief);
     ASSERT_TRUE(connection);
     const auto window = client->create({});
     {

@@ -296,7 +296,7 @@ TEST_F(X11PanelTest, AServerThatHangsFailsRequestsUntilItGoesOn) {
     using std::chrono::milliseconds;
     EXPECT_GE(x11::Patience().usual, std::chrono::seconds(1)) << "a server may be busy";
     const x11::Patience brief{.usual = milliseconds(200), .whileStalled = milliseconds(1)};
-    const auto connection = x11::XcbConnection::open(brief);
+    const auto connection = connectWith(brief);
     ASSERT_TRUE(connection);
     std::optional<Suspended> hangs(std::in_place, display->processId());
     QElapsedTimer time;

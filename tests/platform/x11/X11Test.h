@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/WindowServer.h"
+#include "platform/x11/XcbConnection.h"
 #include "tests/platform/x11/TestClient.h"
 #include "tests/support/VirtualDisplay.h"
 
@@ -56,6 +57,16 @@ protected:
             }
         }
         return std::nullopt;
+    }
+
+    // A busy machine may use up so little patience before it is connected, and is asked again.
+    static std::unique_ptr<x11::XcbConnection> connectWith(x11::Patience brief) {
+        std::unique_ptr<x11::XcbConnection> connection;
+        eventually([&] {
+            connection = x11::XcbConnection::open(brief);
+            return connection != nullptr;
+        });
+        return connection;
     }
 
     std::unique_ptr<VirtualDisplay> display;
