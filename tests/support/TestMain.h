@@ -10,8 +10,8 @@
 
 namespace pelloran::testing {
 
-// What the main() of every test program does: no display, no network, the same fonts everywhere, and an unexpected
-// warning from Qt fails the test that caused it.
+// What the main() of every test program does: no display, no network, the same fonts and words of the system
+// everywhere, and an unexpected warning from Qt fails the test that caused it.
 template <typename Application>
 int runAllTests(int argc, char** argv) {
     static QtMessageHandler printMessage = nullptr;
@@ -19,7 +19,7 @@ int runAllTests(int argc, char** argv) {
     QStandardPaths::setTestModeEnabled(true);
     useTestFonts();
     const Application application(argc, argv);
-    std::setlocale(LC_MESSAGES, "C"); // what the system says is compared
+    std::setlocale(LC_MESSAGES, "C"); // Qt has set what the environment says
     printMessage =
         qInstallMessageHandler([](QtMsgType type, const QMessageLogContext& context, const QString& message) {
             // The platform without a screen says so of what only a window manager could do.

@@ -59,7 +59,8 @@ protected:
         return std::nullopt;
     }
 
-    // A busy machine may use up so little patience before it is connected, and is asked again.
+    // Tries again for as long as `eventually` does, as a busy machine may use up `brief` before it is connected. Null
+    // where none comes.
     static std::unique_ptr<x11::XcbConnection> connectWith(x11::Patience brief) {
         std::unique_ptr<x11::XcbConnection> connection;
         eventually([&] {
