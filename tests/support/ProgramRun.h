@@ -63,7 +63,10 @@ inline ProgramOutput runProgram(const QString& program, const QStringList& argum
     process.start(program, arguments);
     EXPECT_TRUE(process.waitForFinished(60'000)) << program.toStdString() << " does not end";
     EXPECT_EQ(process.exitStatus(), QProcess::NormalExit) << process.readAllStandardError().toStdString();
-    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+    ProgramOutput output{process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+    // A build with a sanitizer ends the program there: what is missing in its answer would not tell why.
+    EXPECT_FALSE(output.standardError.contains("Sanitizer: ")) << output.standardError.toStdString();
+    return output;
 }
 
 } // namespace pelloran::testing

@@ -5,6 +5,7 @@
 #include "base/SerialQueue.h"
 
 #include <QCoreApplication>
+#include <QDateTime>
 #include <QString>
 #include <QThread>
 #include <QTimer>
@@ -148,6 +149,21 @@ void handOver() {
     }
 }
 
+// The C library reads the zone anew each time it is asked what a local time is, under a lock that is its own.
+void askForLocalTimes() {
+    const auto ask = [] { return QDateTime::fromMSecsSinceEpoch(0).time(); };
+    const std::unique_ptr<QThread> thread(QThread::create([ask] {
+        ask();
+        setTurn(1);
+        waitForTurn(2);
+    }));
+    thread->start();
+    waitForTurn(1);
+    ask();
+    setTurn(2);
+    thread->wait();
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -155,10 +171,11 @@ int main(int argc, char** argv) {
     const std::map<std::string, void (*)()> all{{"thread-and-slot", raceThreadAndSlot},
                                                 {"queue-and-slot", raceQueueAndSlot},
                                                 {"work-and-delivery", raceWorkAndDelivery},
-                                                {"handed-over", handOver}};
+                                                {"handed-over", handOver},
+                                                {"local-times", askForLocalTimes}};
     const auto chosen = all.find(argc == 2 ? argv[1] : "");
     if (chosen == all.end()) {
-        std::cerr << "usage: races thread-and-slot|queue-and-slot|work-and-delivery|handed-over\n";
+        std::cerr << "usage: races thread-and-slot|queue-and-slot|work-and-delivery|handed-over|local-times\n";
         return 2;
     }
     chosen->second();
