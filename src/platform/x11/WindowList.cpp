@@ -4,6 +4,7 @@
 #include "platform/x11/WindowProperties.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <ranges>
 #include <span>
 #include <utility>
@@ -224,6 +225,7 @@ std::vector<xcb_window_t> applicationWindows(const XcbConnection& connection) {
 } // namespace
 
 std::optional<std::vector<WindowDescription>> describeWindows(const XcbConnection& connection, WindowListing listing) {
+    const std::size_t unansweredBefore = connection.unanswered();
     const xcb_ewmh_connection_t& atoms = connection.atoms();
     const auto desktops = rootNumbers(connection, atoms._NET_CURRENT_DESKTOP);
     // With no word of a current desktop there is only one.
@@ -246,7 +248,8 @@ std::optional<std::vector<WindowDescription>> describeWindows(const XcbConnectio
             descriptions.push_back(std::move(description));
         }
     }
-    if (!connection.isThere()) { // a server that hangs has not said that there is no window
+    // A server that hangs has not said that there is no window, and one that went on meanwhile has not told of all.
+    if (connection.broken() || connection.unanswered() != unansweredBefore) {
         return std::nullopt;
     }
     return descriptions;

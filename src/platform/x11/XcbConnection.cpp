@@ -161,6 +161,7 @@ void* XcbConnection::wait(unsigned int request, xcb_generic_error_t** error) con
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
         if (left.count() <= 0) {
             stalled = true;
+            ++unansweredRequests;
             xcb_discard_reply(connection, request);
             return nullptr;
         }

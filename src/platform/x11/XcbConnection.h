@@ -5,6 +5,7 @@
 #include <xcb/xcb.h>
 #include <xcb/xcb_ewmh.h>
 
+#include <cstddef>
 #include <cstdlib>
 #include <expected>
 #include <memory>
@@ -45,6 +46,10 @@ public:
 
     // Neither broken nor silent when it was last asked.
     bool isThere() const { return !stalled && !broken(); }
+
+    // How many requests were given up so far, as their answers did not come in time. Whose answers belong together only
+    // if all came looks whether there are more of them behind the last than before the first.
+    std::size_t unanswered() const { return unansweredRequests; }
 
     // For the requests themselves.
     operator xcb_connection_t*() const { return connection; }
@@ -111,6 +116,7 @@ private:
     bool composite = false;
     bool sharedMemory = false;
     mutable bool stalled = false; // the last request was not answered in time
+    mutable std::size_t unansweredRequests = 0;
 };
 
 } // namespace pelloran::x11

@@ -7,6 +7,10 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <chrono>
+#include <optional>
+#include <thread>
+#include <utility>
 
 namespace pelloran::testing {
 
@@ -51,6 +55,31 @@ TEST_F(WindowListTest, AServerThatHangsIsNoEmptyDesktop) {
         const auto windows = x11::describeWindows(*connection, WindowListing::onScreen);
         return windows && windows->size() == 1 && windows->front().number == window;
     })) << "it does not go on with the server";
+}
+
+TEST_F(WindowListTest, AServerThatGoesOnAmidAListHasNotToldOfAll) {
+    using namespace std::chrono_literals;
+    const auto here = client->create({});
+    const auto elsewhere = client->create({});
+    manage({here, elsewhere});
+    setDesktop(elsewhere, 1);
+    const auto listed = [here](const auto& windows) {
+        return windows && windows->size() == 1 && windows->front().number == here;
+    };
+    // Which desktop is shown is asked first, and given up long before the server goes on; it answers all the rest.
+    const auto connection = connectWith({.usual = 50ms, .whileStalled = 60s});
+    ASSERT_TRUE(connection);
+    {
+        std::optional<Suspended> hangs(std::in_place, display->processId());
+        const std::jthread goesOn([&] {
+            std::this_thread::sleep_for(300ms);
+            hangs.reset();
+        });
+        const auto windows = x11::describeWindows(*connection, WindowListing::onScreen);
+        EXPECT_TRUE(!windows || listed(windows)) << windows->size() << " windows, where one is shown";
+    }
+    EXPECT_TRUE(eventually([&] { return listed(x11::describeWindows(*connection, WindowListing::onScreen)); }))
+        << "it does not go on with the server";
 }
 
 TEST_F(WindowListTest, WithoutAManagerListsTopLevelWindowsFrontToBack) {
