@@ -62,13 +62,12 @@ QString LogText::kept(QByteArrayView line) const {
     return nameless == named || tellTheSame(nameless, text) ? nameless : named;
 }
 
-// Its last word may be half a name, which nobody would know for one.
+// It may end within a name, which nobody would know for one: what tells nothing yet is kept when it has its end, and of
+// what does tell something, the last word is left out where it can be.
 QString LogText::keptUnfinished(QByteArrayView line) const {
     QString whole = kept(line);
-    if (whole.isEmpty()) {
-        return whole;
-    }
-    if (whole.size() > mostCharacters) { // as such a whole line is not told
+    const bool isTooLong = whole.size() > mostCharacters; // as such a whole line is not told
+    if (whole.isEmpty() || isTooLong || tellTheSame({}, whole)) {
         return {};
     }
     qsizetype end = whole.size();

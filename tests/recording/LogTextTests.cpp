@@ -57,12 +57,15 @@ TEST(LogText, TellsWhatWasAdded) {
     EXPECT_EQ(change->unfinished, std::nullopt); // nothing tells yet that it concerns the draft
     EXPECT_EQ(text.takeChange(), std::nullopt);
 
-    text.update(QByteArray("noise\nDraft 1\r\nmore noise\nDraft 2 (X"));
+    text.update(QByteArray("noise\nDraft 1\r\nmore noise\nDraft deck contains"));
+    EXPECT_EQ(text.takeChange(), std::nullopt) << "nothing follows from it yet";
+
+    text.update(QByteArray("noise\nDraft 1\r\nmore noise\nDraft deck contains card CS2_029 (X"));
     change = text.takeChange();
     ASSERT_TRUE(change);
     EXPECT_EQ(change->anew, std::nullopt);
     EXPECT_EQ(change->lines, std::nullopt);
-    EXPECT_EQ(change->unfinished, QStringLiteral("Draft 2 "));
+    EXPECT_EQ(change->unfinished, QStringLiteral("Draft deck contains card CS2_029 "));
 
     text.update(QByteArray("Draft 9\n"));
     change = text.takeChange();
@@ -80,8 +83,8 @@ TEST(LogText, TellsWhatWasAdded) {
 }
 
 TEST(LogText, KeepsNoHalfOfAName) {
-    LogText text{Owner{{QStringLiteral("/srv/mira")}, {QStringLiteral("mira")}}};
-    const QByteArray line = "Draft of Mira#12345 at /srv/mira/x, said mira here\n";
+    LogText text{Owner{{QStringLiteral("/srv/mira"), QStringLiteral("/srv/mi ra")}, {QStringLiteral("mira")}}};
+    const QByteArray line = "Draft of Mira#12345 at /srv/mira/x and /srv/mi ra/x, said mira here\n";
     for (qsizetype size = 0; size <= line.size(); ++size) {
         text.update(line.first(size));
         const auto change = text.takeChange().value_or(LogChange());
