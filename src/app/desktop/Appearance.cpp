@@ -1,9 +1,11 @@
 #include "app/desktop/Appearance.h"
 
 #include "base/Log.h"
+#include "overlay/OverlayPanel/views/FontCache.h"
 #include "overlay/OverlayPanel/views/PanelColors.h"
 
 #include <QApplication>
+#include <QFont>
 #include <QFontDatabase>
 #include <QRawFont>
 #include <QStyle>
@@ -68,6 +70,18 @@ void applyAppearance(std::optional<Appearance> asked) {
     // Of the styles that come with Qt, only this one takes all its colours from the palette.
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QApplication::setPalette(paletteFor(*asked));
+}
+
+void writeChineseAsThePanel() {
+    if (followsTheSystem(ownChoice().style)) {
+        return;
+    }
+    for (const char* widget : {"QWidget", "QMenu", "QLabel", "QPlainTextEdit", "QPushButton"}) {
+        const QFont font = QApplication::font(widget);
+        for (const QString& family : font.families()) {
+            QFont::insertSubstitutions(family, FontCache::withChinese(font));
+        }
+    }
 }
 
 bool hasChineseFont() {

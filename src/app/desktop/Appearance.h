@@ -19,6 +19,10 @@ bool followsTheSystem(const QString& style);
 // desktop has a theme that Qt knows. Absent: Qt's own choice. Needs a QApplication.
 void applyAppearance(std::optional<Appearance> asked);
 
+// Has menus and alerts write Chinese as the panel does, in whatever font of the desktop's own they are. Where that has
+// no Chinese and the desktop's language is another, Qt would take any font that has. Needs a QApplication.
+void writeChineseAsThePanel();
+
 // Whether any font on this machine covers Chinese. Needs a QGuiApplication.
 bool hasChineseFont();
 

@@ -100,6 +100,7 @@ int runOnDesktop(const RunLoop& command, SystemSettings& settings, UserDefaults&
     QObject::connect(qApp, &QGuiApplication::commitDataRequest, qApp, leaveRestartToTheUser);
     QObject::connect(qApp, &QGuiApplication::saveStateRequest, qApp, leaveRestartToTheUser);
     applyAppearance(settings.appearance());
+    writeChineseAsThePanel();
     remarkOnMissingFonts();
 
     DraftParts parts(command);

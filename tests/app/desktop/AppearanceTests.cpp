@@ -1,9 +1,16 @@
 #include "app/desktop/Appearance.h"
 
+#include "overlay/OverlayPanel/views/FontCache.h"
 #include "overlay/OverlayPanel/views/PanelColors.h"
 
 #include <QApplication>
+#include <QFont>
+#include <QGlyphRun>
+#include <QRawFont>
+#include <QString>
+#include <QStringList>
 #include <QStyle>
+#include <QTextLayout>
 
 #include <gtest/gtest.h>
 
@@ -74,6 +81,37 @@ TEST(Appearance, IsLeftToAStyleThatFollowsTheSystem) {
     for (const char* style : {"fusion", "windows", "breeze", ""}) {
         EXPECT_FALSE(followsTheSystem(QString::fromLatin1(style))) << style;
     }
+}
+
+// The families that the text is drawn in, piece by piece.
+QStringList familiesDrawn(const QString& text, const QFont& font) {
+    QTextLayout layout(text, font);
+    layout.beginLayout();
+    layout.createLine();
+    layout.endLayout();
+    QStringList families;
+    for (const QGlyphRun& run : layout.glyphRuns()) {
+        families += run.rawFont().familyName().toLower(); // Qt writes it as it was asked for
+    }
+    return families;
+}
+
+TEST(Appearance, MenusAndAlertsWriteChineseAsThePanel) {
+    const QFont own = QApplication::font();
+    const QString desktops = QStringLiteral("monospace"); // whose Chinese is another
+    QApplication::setFont(QFont(desktops));
+    const QString text = QStringLiteral("隐藏浮窗语言");
+    const QStringList ofThePanel = familiesDrawn(text, FontCache::shared().font(13, QFont::Normal));
+    ASSERT_FALSE(ofThePanel.isEmpty());
+
+    writeChineseAsThePanel();
+    for (const char* widget : {"QWidget", "QMenu", "QLabel", "QPlainTextEdit", "QPushButton"}) {
+        EXPECT_EQ(familiesDrawn(text, QApplication::font(widget)), ofThePanel) << widget;
+        EXPECT_NE(familiesDrawn(QStringLiteral("Pelloran"), QApplication::font(widget)), ofThePanel)
+            << widget << ": what is not Chinese stays in the desktop's own font";
+    }
+    QFont::removeSubstitutions(desktops);
+    QApplication::setFont(own);
 }
 
 } // namespace

@@ -2,28 +2,22 @@
 
 #include <QFontDatabase>
 #include <QFontInfo>
-#include <QStringList>
+#include <QString>
 
 #include <cmath>
 
 namespace pelloran {
 
-namespace {
-
-// The desktop's own font, then fonts with the simplified Chinese forms of characters: left to itself a system often
-// falls back to the Japanese ones.
-QStringList families() {
-    QString general = QFontInfo(QFontDatabase::systemFont(QFontDatabase::GeneralFont)).family();
-    general.replace(QStringLiteral("CJK JP"), QStringLiteral("CJK SC"));
-    return {general, QStringLiteral("PingFang SC"), QStringLiteral("Noto Sans CJK SC"),
-            QStringLiteral("Source Han Sans SC"), QStringLiteral("WenQuanYi Micro Hei")};
-}
-
-} // namespace
-
 FontCache& FontCache::shared() {
     static FontCache cache;
     return cache;
+}
+
+QStringList FontCache::withChinese(const QFont& desktops) {
+    QString own = QFontInfo(desktops).family();
+    own.replace(QStringLiteral("CJK JP"), QStringLiteral("CJK SC"));
+    return {own, QStringLiteral("PingFang SC"), QStringLiteral("Noto Sans CJK SC"),
+            QStringLiteral("Source Han Sans SC"), QStringLiteral("WenQuanYi Micro Hei")};
 }
 
 QFont FontCache::font(double size, QFont::Weight weight) {
@@ -35,7 +29,7 @@ QFont FontCache::font(double size, QFont::Weight weight) {
     if (known != map.end()) {
         return known->second;
     }
-    static const QStringList names = families();
+    static const QStringList names = withChinese(QFontDatabase::systemFont(QFontDatabase::GeneralFont));
     QFont font(names);
     font.setPixelSize(static_cast<int>(std::lround(key.size / 2.0)));
     font.setWeight(weight);

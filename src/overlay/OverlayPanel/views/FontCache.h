@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QFont>
+#include <QStringList>
 
 #include <compare>
 #include <cstddef>
@@ -20,6 +21,11 @@ public:
     };
 
     static FontCache& shared();
+
+    // The family that a font of the desktop's is drawn in, then families with the simplified Chinese forms of
+    // characters: left to itself a system often falls back to one with the Japanese forms, or to a script as of a
+    // brush.
+    static QStringList withChinese(const QFont& desktops);
 
     // `size` in device-independent pixels, kept to the half; it must be finite. Qt takes whole pixels: halves are drawn
     // one size up.
