@@ -12,7 +12,8 @@ namespace pelloran::soak {
 
 namespace {
 
-constexpr const char* head = "tick,seconds,resident_kb,anonymous_kb,in_use_kb,descriptors,threads,tick_microseconds\n";
+constexpr const char* head =
+    "tick,seconds,resident_kb,anonymous_kb,in_use_kb,descriptors,threads,tick_microseconds,yardstick_microseconds\n";
 
 std::optional<QByteArray> contentOf(const QString& path) {
     QFile file(path);
@@ -67,7 +68,8 @@ QByteArray toCsv(const std::vector<Sample>& samples) {
                                     sample.inUse ? QByteArray::number(*sample.inUse) : QByteArray(),
                                     QByteArray::number(sample.descriptors),
                                     QByteArray::number(sample.threads),
-                                    QByteArray::number(sample.tickCost, 'f', 1)};
+                                    QByteArray::number(sample.tickCost, 'f', 1),
+                                    QByteArray::number(sample.yardstick, 'f', 1)};
         text += fields.join(',') + '\n';
     }
     return text;
@@ -81,7 +83,7 @@ std::expected<std::vector<Sample>, QString> fromCsv(const QByteArray& text) {
     const QByteArrayList lines = text.trimmed().split('\n');
     for (const QByteArray& line : lines.mid(1)) {
         const QByteArrayList fields = line.split(',');
-        bool complete = fields.size() == 8;
+        bool complete = fields.size() == 9;
         const auto whole = [&](int column) {
             bool isNumber = false;
             const qint64 value = fields.value(column).toLongLong(&isNumber);
@@ -101,7 +103,8 @@ std::expected<std::vector<Sample>, QString> fromCsv(const QByteArray& text) {
                             .inUse = fields.value(4).isEmpty() ? std::nullopt : std::optional(whole(4)),
                             .descriptors = static_cast<int>(whole(5)),
                             .threads = static_cast<int>(whole(6)),
-                            .tickCost = real(7)};
+                            .tickCost = real(7),
+                            .yardstick = real(8)};
         if (!complete) {
             return std::unexpected(QStringLiteral("line %1 is no sample").arg(samples.size() + 2));
         }

@@ -19,7 +19,8 @@ struct Sample {
     std::optional<qint64> inUse; // and what the program has asked the allocator for and not given back
     int descriptors = 0;
     int threads = 0;
-    double tickCost = 0; // processor time of a tick in microseconds, the median since the sample before
+    double tickCost = 0;  // processor time of a tick in microseconds, the median since the sample before
+    double yardstick = 0; // the same of a fixed piece of work, done beside each tick; 0: not measured
 
     bool operator==(const Sample&) const = default;
 };

@@ -61,8 +61,8 @@ TEST(Figures, CountTheWorkOfAllThreads) {
 }
 
 TEST(Figures, GoThroughATable) {
-    const std::vector<Sample> samples{{25, 0.5, 80'000, 40'000, 12'345, 21, 9, 3100.5},
-                                      {50, 1, 80'004, 40'004, {}, 21, 9, 0}};
+    const std::vector<Sample> samples{{25, 0.5, 80'000, 40'000, 12'345, 21, 9, 3100.5, 150.5},
+                                      {50, 1, 80'004, 40'004, {}, 21, 9, 0, 0}};
     const auto read = fromCsv(toCsv(samples));
     ASSERT_TRUE(read) << read.error().toStdString();
     EXPECT_EQ(*read, samples);
@@ -79,10 +79,11 @@ TEST(Figures, RefuseWhatIsNoTable) {
 
     const Case cases[] = {
         {"nothing", "",
-         "does not begin with tick,seconds,resident_kb,anonymous_kb,in_use_kb,descriptors,threads,tick_microseconds"},
-        {"a column is missing", head + "25,0.5,80000,40000,12345,21,9\n", "line 2 is no sample"},
-        {"a column too many", head + "25,0.5,80000,40000,12345,21,9,1,1\n", "line 2 is no sample"},
-        {"a word for a number", head + "25,0.5,80000,40000,12345,21,9,1\n50,0.5,much,40000,12345,21,9,1\n",
+         "does not begin with tick,seconds,resident_kb,anonymous_kb,in_use_kb,descriptors,threads,tick_microseconds,"
+         "yardstick_microseconds"},
+        {"a column is missing", head + "25,0.5,80000,40000,12345,21,9,1\n", "line 2 is no sample"},
+        {"a column too many", head + "25,0.5,80000,40000,12345,21,9,1,1,1\n", "line 2 is no sample"},
+        {"a word for a number", head + "25,0.5,80000,40000,12345,21,9,1,1\n50,0.5,much,40000,12345,21,9,1,1\n",
          "line 3 is no sample"},
     };
     for (const auto& c : cases) {

@@ -7,8 +7,11 @@
 
 #include <fcntl.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <random>
 #include <thread>
 #include <utility>
 
@@ -28,6 +31,21 @@ constexpr qsizetype sessionsKept = 3; // players clear away old ones; a folder o
 
 double microseconds(std::chrono::nanoseconds time) {
     return std::chrono::duration<double, std::micro>(time).count();
+}
+
+// The same work each time, of a tick's kind: through more memory than the nearest caches hold, and by branches that
+// nobody foresees. What the machine's other work does to a tick it does to this too.
+double yardstick() {
+    static const std::vector<std::uint32_t> numbers = [] {
+        std::vector<std::uint32_t> made(std::size_t{1} << 18U);
+        std::ranges::generate(made, std::minstd_rand());
+        return made;
+    }();
+    static std::vector<std::uint32_t> copy;
+    const auto before = workOfThis();
+    copy = numbers;
+    std::ranges::sort(copy.begin(), copy.begin() + 2000);
+    return microseconds(workOfThis() - before);
 }
 
 QStringList offersOf(const stage::Step& step) {
@@ -68,6 +86,8 @@ void Player::play(qint64 count, const std::function<bool(int seasons)>& goOn) {
     }
     std::vector<double> sinceSample;
     sinceSample.reserve(static_cast<std::size_t>(ticksBetweenSamples));
+    std::vector<double> yardsticks;
+    yardsticks.reserve(sinceSample.capacity());
     for (ticks = 0; ticks < count; ++ticks) {
         const auto number = static_cast<std::size_t>(ticks % length);
         const Tick& tick = season.ticks[number];
@@ -82,6 +102,7 @@ void Player::play(qint64 count, const std::function<bool(int seasons)>& goOn) {
         spoil(ticks);
         const double cost = microseconds(workOfThis() - before);
         sinceSample.push_back(cost);
+        yardsticks.push_back(yardstick());
         costs[tick.finds].push_back(cost);
         if (tick.pick) {
             check(tick, number, ticks / length);
@@ -92,8 +113,10 @@ void Player::play(qint64 count, const std::function<bool(int seasons)>& goOn) {
             sample.tick = ticks + 1;
             sample.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
             sample.tickCost = median(sinceSample);
+            sample.yardstick = median(yardsticks);
             taken.push_back(sample);
             sinceSample.clear();
+            yardsticks.clear();
         }
         if ((ticks + 1) % length == 0 && !goOn(static_cast<int>((ticks + 1) / length))) {
             break;

@@ -17,10 +17,14 @@ double median(std::vector<double> values) {
     return (*middle + *std::max_element(values.begin(), middle)) / 2;
 }
 
-std::optional<double> slope(std::span<const Point> points, std::optional<double> period) {
+namespace {
+
+// Of points on the same side of `step`, an index.
+std::optional<double> slopeBeside(std::span<const Point> points, std::optional<double> period, std::size_t step) {
     std::vector<double> slopes;
     for (std::size_t i = 0; i < points.size(); ++i) {
-        for (std::size_t j = i + 1; j < points.size(); ++j) {
+        const std::size_t end = i < step ? step : points.size();
+        for (std::size_t j = i + 1; j < end; ++j) {
             const double apart = points[j].at - points[i].at;
             const bool alike = !period || std::remainder(apart, *period) == 0;
             if (apart != 0 && alike) {
@@ -32,6 +36,23 @@ std::optional<double> slope(std::span<const Point> points, std::optional<double>
         return std::nullopt;
     }
     return median(std::move(slopes));
+}
+
+} // namespace
+
+std::optional<double> slope(std::span<const Point> points, std::optional<double> period) {
+    return slopeBeside(points, period, points.size());
+}
+
+std::optional<double> slopeApartFromAStep(std::span<const Point> points, std::optional<double> period) {
+    std::optional<double> least = slope(points, period);
+    for (std::size_t step = 1; step < points.size(); ++step) {
+        const auto beside = slopeBeside(points, period, step);
+        if (beside && least) {
+            least = std::min(*least, *beside);
+        }
+    }
+    return least;
 }
 
 } // namespace pelloran::soak

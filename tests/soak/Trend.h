@@ -20,4 +20,8 @@ struct Point {
 // with it is no growth. Absent where no two points can be compared.
 std::optional<double> slope(std::span<const Point> points, std::optional<double> period = std::nullopt);
 
+// The same where one step may be no growth: the least of the slopes that are left when no points on different sides of
+// some tick are compared. What goes on growing does so on both sides of any.
+std::optional<double> slopeApartFromAStep(std::span<const Point> points, std::optional<double> period = std::nullopt);
+
 } // namespace pelloran::soak

@@ -55,5 +55,28 @@ TEST(Trend, FindsTheSlope) {
     }
 }
 
+TEST(Trend, TakesOneStepForNoGrowth) {
+    struct Case {
+        const char* why;
+        std::vector<Point> points;
+        std::optional<double> expected;
+    };
+
+    const Case cases[] = {
+        {"nothing", {}, {}},
+        {"one step", {{0, 3}, {1, 3}, {2, 9}, {3, 9}}, 0},
+        {"growing", {{0, 1}, {1, 2}, {2, 3}, {3, 4}, {4, 5}}, 1},
+        {"growing, and a step", {{0, 1}, {1, 2}, {2, 3}, {3, 54}, {4, 55}, {5, 56}}, 1},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.why);
+        const auto found = slopeApartFromAStep(c.points);
+        ASSERT_EQ(found.has_value(), c.expected.has_value());
+        if (found) {
+            EXPECT_DOUBLE_EQ(*found, *c.expected);
+        }
+    }
+}
+
 } // namespace
 } // namespace pelloran::soak

@@ -15,7 +15,8 @@ namespace pelloran::soak {
 struct Bounds {
     std::optional<double> resident; // growth of resident memory, in KB for every 1,000 ticks
     std::optional<double> inUse;    // the same of what was asked of the allocator
-    std::optional<double> tickCost; // growth of a tick's median cost over the second half, as a share of that cost
+    std::optional<double> tickCost; // growth of a tick's median cost over the second half, as a share of it; in
+                                    // yardsticks where they were measured
     bool constantCounts = true;     // no more descriptors or threads in the second half than there were in the first
     std::optional<double> period;   // in ticks, after which a run does the same again: like is compared with like
 };

@@ -75,6 +75,10 @@ TEST(Verdict, TellsWhatGrows) {
         {"memory that grew while caches filled",
          [](Sample& one) { one.resident += std::min<qint64>(one.tick, 4000); },
          {}},
+        {"one step, of which nobody asked for anything",
+         [](Sample& one) { one.resident += one.tick > 7200 ? 1000 : 0; },
+         {}},
+        {"steps", [](Sample& one) { one.resident += one.tick / 1500 * 150; }, {resident}},
         {"memory that is given back", [](Sample& one) { one.resident -= one.tick / 10; }, {}},
         {"a descriptor a season",
          [](Sample& one) { one.descriptors += static_cast<int>(one.tick / period); },
@@ -86,6 +90,18 @@ TEST(Verdict, TellsWhatGrows) {
         {"threads that end", [](Sample& one) { one.threads += one.tick < 2000 ? 3 : 0; }, {}},
         {"ticks that cost more and more",
          [](Sample& one) { one.tickCost *= 1 + static_cast<double>(one.tick) / 10'000; },
+         {cost}},
+        {"a machine that gets slower",
+         [](Sample& one) {
+             one.yardstick = 100 + static_cast<double>(one.tick) / 50;
+             one.tickCost *= one.yardstick / 100;
+         },
+         {}},
+        {"ticks that cost more and more on a machine that gets faster",
+         [](Sample& one) {
+             one.yardstick = 300 - static_cast<double>(one.tick) / 50;
+             one.tickCost *= (1 + static_cast<double>(one.tick) / 10'000) * one.yardstick / 300;
+         },
          {cost}},
         {"one slow moment", [](Sample& one) { one.tickCost *= one.tick > 8000 && one.tick < 8200 ? 20 : 1; }, {}},
     };
