@@ -96,8 +96,8 @@ Judged constant(const QString& what, std::span<const Sample> first, std::span<co
 // is also as little as can be told: of what was given back the allocator keeps now more, now less, and the difference
 // comes and goes in steps of some hundred kilobytes; one of a megabyte is taken in some runs, and judged as none. What
 // was asked of it is known exactly and is judged more strictly: 2 KB are a small object of 32 bytes that is forgotten
-// at every sixteenth tick. Ticks cost what the machine's other work lets them; a list that grows and is searched at
-// every tick does not stop at a few percent.
+// at every sixteenth tick. What a tick costs in yardsticks goes up and down by a tenth; a list that grows and is
+// searched at every tick does not stop at that.
 const Bounds acceleratedBounds{.resident = 32, .inUse = 2, .tickCost = 0.15, .constantCounts = true, .period = {}};
 
 // Here a thousand ticks are a quarter of an hour, so that minutes tell less: what the desktop does beside it moves
